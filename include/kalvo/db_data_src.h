@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "datasrc/field_map.h"
+#include "datasrc/row_source.h"
+#include "platform/platform.h"
+
+namespace kalvo {
+
+class Connection;
+class Context;
+class RecordSet;
+class Rows;
+class Table;
+
+// The row source of the reporting database. It completes the table's SQL with the page's scope and sort, runs it
+// over the data source "KalvoDB" and keeps all rows; a second statement of the SQL is the totals row.
+class KalvodbDataSrc : public RowSource {
+ public:
+  explicit KalvodbDataSrc(const Platform& platform);
+  ~KalvodbDataSrc() override;
+
+  // `ResourceName` takes the place of "%NAME%". The three are kept until the source is dropped.
+  void Initialize(Table& KalvoTable, std::string_view ResourceName, Context& Ctxt);
+
+  // 0, the low 16 bits of the error's number (1 where those are 0), or 1 for rows that do not fit their names.
+  std::int16_t OpenDS() override;
+  std::int32_t CloseDS() override;
+  std::int16_t MoveFirst() override;
+  std::int16_t MoveNext() override;
+
+  // Runs the second statement. Its row is then the current one, under its own field names.
+  std::int16_t MoveTotals() override;
+
+  std::string_view GetField(std::string_view szFieldName) override;
+  std::optional<std::string_view> GetIdentifier(std::string_view szFieldName) override;
+
+  // The published form: text, or with `bGUID` the identifier's digits, null where it is null.
+  Value GetField(std::string_view szFieldName, bool bGUID);
+
+  std::int32_t RecordCount() override { return recordCount_; }
+  std::int16_t GetRowIndex() override;
+
+ private:
+  std::string BuildSQL() const;
+  std::int16_t LoadRows(class Trap& trap);
+  std::optional<std::int32_t> FieldNumber(std::string_view szFieldName) const;
+  void DebugGetField(std::int32_t field, std::string_view name, std::string_view value) const;
+  bool RowIsLoaded() const;
+
+  const Platform& platform_;
+  std::shared_ptr<Table> table_;
+  std::string resourceName_;
+  std::shared_ptr<Context> context_;
+  std::unique_ptr<Connection> connection_;
+  std::unique_ptr<RecordSet> recordSet_;
+  FieldMap fields_;
+  const Rows* rows_ = nullptr;               // of the record set
+  std::vector<std::string> texts_;           // the current row's texts, a scratch a field
+  std::string identifier_;
+  std::int32_t recordCount_ = 0;
+  std::int32_t rowIndex_ = 0;
+};
+
+}  // namespace kalvo

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "datasrc/row_source.h"
+#include "platform/platform.h"
+
+namespace kalvo {
+
+class Context;
+class RankedResults;
+class Table;
+
+// The row source of the Top-N tables: it asks the Top-N loader for the ranked rows of a kind within the page's
+// scope and sorts them by a column number. Fields are named by their numbers.
+class TopnDataSrc : public RowSource {
+ public:
+  explicit TopnDataSrc(const Platform& platform);
+  ~TopnDataSrc() override;
+
+  // The number of rows, and the current one from 1. Published for reading and writing.
+  std::int32_t gRecordCount() const { return recordCount_; }
+  void SetgRecordCount(std::int32_t count) { recordCount_ = count; }
+  std::int32_t gRowIndex() const { return rowIndex_; }
+  void SetgRowIndex(std::int32_t index) { rowIndex_ = index; }
+
+  void Initialize(Table& KalvoTable, std::string_view ResourceName, Context& Ctxt);
+
+  // 0, or -1 after a failure that has been reported.
+  std::int16_t OpenDS() override;
+  std::int32_t CloseDS() override { return 0; }
+  std::int16_t MoveFirst() override;
+  std::int16_t MoveNext() override;
+  std::int16_t MoveTotals() override;
+  std::string_view GetField(std::string_view szFieldName) override;
+  std::int32_t RecordCount() override { return recordCount_; }
+  std::int16_t GetRowIndex() override;
+
+ private:
+  const Platform& platform_;
+  std::shared_ptr<Table> table_;
+  std::string resourceName_;
+  std::shared_ptr<Context> context_;
+  std::shared_ptr<RankedResults> results_;
+  std::unordered_map<std::string, std::string> texts_;   // the current row's texts, by the name asked for
+  std::int32_t recordCount_ = 0;
+  std::int32_t rowIndex_ = 0;
+};
+
+}  // namespace kalvo

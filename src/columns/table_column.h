@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/value.h"
+
+namespace kalvo {
+
+class Context;
+class Display;
+class RowSource;
+
+// A column as the table renderer knows it: three operations that each append one cell, or nothing when the
+// column must not appear. An operation that fails may leave a part behind; the caller drops it.
+class TableColumn : public Object {
+ public:
+  virtual void AppendHeader(std::string& out, Context& context, Display& display) = 0;
+  virtual void AppendData(std::string& out, Context& context, Display& display, RowSource& row) = 0;
+
+  // `firstCell` is true until a column has written the row's label; that column sets it to false.
+  virtual void AppendTotal(std::string& out, Context& context, Display& display, RowSource& totals,
+                           bool& firstCell) = 0;
+};
+
+// Answers the columns of a table by their ids.
+class ColumnCatalogue : public Object {
+ public:
+  // The column of that id, null for an id that has none. Owned by the catalogue, valid until the next call
+  // that succeeds. Fails with 9 for an id outside of the catalogue.
+  virtual TableColumn* Column(std::int16_t id) = 0;
+};
+
+}  // namespace kalvo

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "platform/value.h"
+
+namespace kalvo {
+
+// A row source hands a table its rows, one current row at a time. The table makes one for each rendering and
+// drops it when the rendering ends; one thread, never reopened. A status is 0 for success; the source has
+// reported a failure's text before it answers another.
+class RowSource : public Object {
+ public:
+  // Opens the rows. 0, or the status of a failure that has already been reported.
+  virtual std::int16_t OpenDS() = 0;
+
+  // Releases what can be released early. 0, or the full number of the error.
+  virtual std::int32_t CloseDS() = 0;
+
+  virtual std::int16_t MoveFirst() = 0;
+
+  // Makes the next row current. Allowed past the last row, where every field reads "".
+  virtual std::int16_t MoveNext() = 0;
+
+  // Makes the totals row current. 0 when there is one.
+  virtual std::int16_t MoveTotals() = 0;
+
+  // A field of the current row as text, valid until the source moves. An unknown name is reported, reads "".
+  virtual std::string_view GetField(std::string_view szFieldName) = 0;
+
+  // A field that identifies its row: bytes as hexadecimal digits in storage order. Nothing where it is null.
+  virtual std::optional<std::string_view> GetIdentifier(std::string_view szFieldName) {
+    return GetField(szFieldName);
+  }
+
+  virtual std::int32_t RecordCount() = 0;
+
+  // The number of the current row, from 1; 0 before `MoveFirst`. Fails with 6 above 32767.
+  virtual std::int16_t GetRowIndex() = 0;
+};
+
+}  // namespace kalvo
