@@ -20,6 +20,9 @@ std::string ToText(const Value& value, const Locale& locale = kEnglishUnitedStat
 // Up to 15 significant digits with a point: "0.1", "1E+20", "36162.5".
 void AppendDouble(std::string& out, double number);
 
+// As few digits as tell a single-precision number from its neighbours: "0.015625".
+void AppendSingle(std::string& out, float number);
+
 // A date as the locale's general date: "1/2/1999 3:04:05 PM"; no time at midnight, no date on day 0. A serial
 // outside the years 100 to 9999 fails with 13.
 void AppendDate(std::string& out, Date date, const Locale& locale);

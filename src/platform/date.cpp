@@ -1,0 +1,221 @@
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+
+#include "platform/append.h"
+#include "platform/conversion.h"
+#include "platform/error.h"
+
+namespace kalvo {
+
+namespace {
+
+using std::chrono::days;
+using std::chrono::sys_days;
+using std::chrono::year_month_day;
+
+constexpr sys_days kDayZero = std::chrono::year{1899} / 12 / 30;
+constexpr int kSecondsOfDay = 24 * 60 * 60;
+constexpr int kFirstYear = 100;
+constexpr int kLastYear = 9999;
+
+// A serial taken apart. The fraction counts from midnight on both sides of day zero: -1.25 is a quarter past the
+// start of the day before it.
+struct Moment {
+  year_month_day day;
+  bool isDayZero = false;
+  int seconds = 0;   // since midnight
+};
+
+std::optional<Moment> TakeApart(double serial) {
+  if (!(std::abs(serial) < 4e6)) return std::nullopt;
+  double whole = std::trunc(serial);
+  int seconds = static_cast<int>(std::lround(std::abs(serial - whole) * kSecondsOfDay));
+  if (seconds == kSecondsOfDay) {
+    whole += serial < 0 ? -1 : 1;
+    seconds = 0;
+  }
+  const year_month_day day{kDayZero + days{static_cast<int>(whole)}};
+  if (int{day.year()} < kFirstYear || int{day.year()} > kLastYear) return std::nullopt;
+  return Moment{day, whole == 0, seconds};
+}
+
+void AppendTwoDigits(std::string& out, unsigned number) {
+  if (number < 10) out += '0';
+  Append(out, number);
+}
+
+void AppendDayPart(std::string& out, unsigned number, const Locale& locale) {
+  if (locale.padDate) return AppendTwoDigits(out, number);
+  Append(out, number);
+}
+
+void AppendDay(std::string& out, const year_month_day& day, const Locale& locale) {
+  const auto month = [&] { AppendDayPart(out, unsigned{day.month()}, locale); };
+  const auto dayOfMonth = [&] { AppendDayPart(out, unsigned{day.day()}, locale); };
+  const auto separator = [&] { out += locale.dateSeparator; };
+  switch (locale.dateOrder) {
+    case DateOrder::MonthDayYear: month(), separator(), dayOfMonth(), separator(), Append(out, int{day.year()}); break;
+    case DateOrder::DayMonthYear: dayOfMonth(), separator(), month(), separator(), Append(out, int{day.year()}); break;
+    case DateOrder::YearMonthDay: Append(out, int{day.year()}), separator(), month(), separator(), dayOfMonth(); break;
+  }
+}
+
+void AppendTime(std::string& out, int seconds, const Locale& locale) {
+  const auto hour = static_cast<unsigned>(seconds / 3600);
+  const auto minute = static_cast<unsigned>(seconds / 60 % 60);
+  const auto second = static_cast<unsigned>(seconds % 60);
+  if (locale.hours == HourCycle::TwentyFour) {
+    AppendTwoDigits(out, hour);
+  } else {
+    Append(out, hour % 12 == 0 ? 12 : hour % 12);
+  }
+  out += ':';
+  AppendTwoDigits(out, minute);
+  out += ':';
+  AppendTwoDigits(out, second);
+  if (locale.hours == HourCycle::Twelve) out += hour < 12 ? " AM" : " PM";
+}
+
+// Reads a date text from left to right.
+class DateReader {
+ public:
+  DateReader(std::string_view text, const Locale& locale) : text_(text), locale_(locale) {}
+
+  std::optional<Date> Read() {
+    Skip(' ');
+    const bool dated = ReadDay();
+    if (failed_) return std::nullopt;
+    if (dated && (text_.empty() || !(Skip('T') || Skip(' ')))) return Finished(dated);
+    Skip(' ');
+    if (!text_.empty() || !dated) ReadTime();
+    return Finished(dated);
+  }
+
+ private:
+  std::optional<Date> Finished(bool dated) {
+    Skip(' ');
+    if (failed_ || !text_.empty()) return std::nullopt;
+    return dated ? MakeDate(year_, month_, day_, hour_, minute_, second_) : TimeAlone();
+  }
+
+  std::optional<Date> TimeAlone() const { return MakeDate(1899, 12, 30, hour_, minute_, second_); }
+
+  // Three numbers with one separator between them. A text that goes on with ":" is a time.
+  bool ReadDay() {
+    const auto start = text_;
+    const auto first = Number();
+    if (!first || text_.empty() || text_[0] == ':' || text_[0] == ' ') {
+      text_ = start;
+      return false;
+    }
+    const char separator = text_[0];
+    const bool iso = separator == '-' && firstDigits_ == 4;
+    if (!iso && separator != locale_.dateSeparator && separator != '/') return Fail();
+    Skip(separator);
+    const auto second = Number();
+    if (!second || !Skip(separator)) return Fail();
+    const auto third = Number();
+    if (!third) return Fail();
+    Arrange(*first, *second, *third, iso);
+    return true;
+  }
+
+  void Arrange(int first, int second, int third, bool iso) {
+    if (iso || locale_.dateOrder == DateOrder::YearMonthDay) {
+      year_ = first, month_ = second, day_ = third;
+    } else if (locale_.dateOrder == DateOrder::MonthDayYear) {
+      month_ = first, day_ = second, year_ = third;
+    } else {
+      day_ = first, month_ = second, year_ = third;
+    }
+    if (!iso && year_ < 100) year_ += year_ < 30 ? 2000 : 1900;
+  }
+
+  void ReadTime() {
+    const auto hour = Number();
+    if (!hour || !Skip(':')) return void(Fail());
+    const auto minute = Number();
+    if (!minute) return void(Fail());
+    hour_ = *hour, minute_ = *minute;
+    if (Skip(':')) {
+      const auto second = Number();
+      if (!second) return void(Fail());
+      second_ = *second;
+      if (Skip('.')) Number();
+    }
+    Skip(' ');
+    if (text_.empty()) return;
+    const auto half = text_.substr(0, 2);
+    const bool morning = EqualsIgnoringCase(half, "AM");
+    if ((!morning && !EqualsIgnoringCase(half, "PM")) || hour_ < 1 || hour_ > 12) return void(Fail());
+    hour_ = hour_ % 12 + (morning ? 0 : 12);
+    text_.remove_prefix(2);
+  }
+
+  std::optional<int> Number() {
+    int number = 0;
+    std::size_t digits = 0;
+    while (digits < text_.size() && text_[digits] >= '0' && text_[digits] <= '9') {
+      if (digits < 9) number = number * 10 + (text_[digits] - '0');
+      ++digits;
+    }
+    text_.remove_prefix(digits);
+    firstDigits_ = digits;
+    if (digits == 0) return std::nullopt;
+    return number;
+  }
+
+  bool Skip(char character) {
+    const auto start = text_.size();
+    while (!text_.empty() && text_[0] == character) {
+      text_.remove_prefix(1);
+      if (character != ' ') break;
+    }
+    return text_.size() != start;
+  }
+
+  bool Fail() {
+    failed_ = true;
+    return false;
+  }
+
+  std::string_view text_;
+  const Locale& locale_;
+  std::size_t firstDigits_ = 0;   // how many digits the last number had
+  bool failed_ = false;
+  int year_ = 0, month_ = 0, day_ = 0, hour_ = 0, minute_ = 0, second_ = 0;
+};
+
+}  // namespace
+
+void AppendDate(std::string& out, Date date, const Locale& locale) {
+  const auto moment = TakeApart(date.serial);
+  if (!moment) throw TypeMismatch();
+  if (!moment->isDayZero) AppendDay(out, moment->day, locale);
+  if (moment->seconds == 0 && !moment->isDayZero) return;
+  if (!moment->isDayZero) out += ' ';
+  AppendTime(out, moment->seconds, locale);
+}
+
+std::optional<Date> MakeDate(int year, int month, int day, int hour, int minute, int second) {
+  if (year < kFirstYear || year > kLastYear || month < 1 || day < 1) return std::nullopt;
+  const year_month_day date{std::chrono::year{year}, std::chrono::month{static_cast<unsigned>(month)},
+                            std::chrono::day{static_cast<unsigned>(day)}};
+  if (!date.ok() || hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 59) {
+    return std::nullopt;
+  }
+  const auto whole = static_cast<double>((sys_days{date} - kDayZero).count());
+  const double time = (hour * 3600 + minute * 60 + second) / static_cast<double>(kSecondsOfDay);
+  return Date{whole < 0 ? whole - time : whole + time};
+}
+
+std::optional<Date> ParseDate(std::string_view text, const Locale& locale) { return DateReader(text, locale).Read(); }
+
+int YearOf(Date date) {
+  const auto moment = TakeApart(date.serial);
+  if (!moment) throw TypeMismatch();
+  return int{moment->day.year()};
+}
+
+}  // namespace kalvo
