@@ -1,0 +1,51 @@
+# make run     build, make sample data, serve the console until Ctrl-C
+# make build   leave the optimised program at build/kalvo
+# make test    build and run every test; PRESET=asan or tsan runs them under a sanitizer
+# make tidy    clang-tidy over src/ and host/
+# make bench   the measurements of bench/
+
+PRESET ?= dev
+PORT ?= 8080
+LISTEN ?= 127.0.0.1:$(PORT)
+SAMPLE ?= small
+JOBS ?= $(shell nproc)
+
+.PHONY: run build test tidy format bench packages clean
+
+run: build build/sample/kalvo.db
+	@exec build/kalvo serve --config kalvo.toml --listen $(LISTEN)
+
+build:
+	@tools/install-packages build run
+	@cmake --preset release >build/release.log 2>&1 || { cat build/release.log; exit 1; }
+	@cmake --build --preset release --parallel $(JOBS) --target kalvo
+	@cp -f build/release/kalvo build/kalvo.new && mv -f build/kalvo.new build/kalvo
+
+build/sample/kalvo.db: | build
+	@build/kalvo sample --out build/sample --size $(SAMPLE)
+
+test:
+	@tools/install-packages
+	@cmake --preset $(PRESET)
+	@cmake --build --preset $(PRESET) --parallel $(JOBS)
+	@tools/run-tests build/$(PRESET)
+
+tidy:
+	@tools/install-packages
+	@cmake --preset dev
+	@tools/tidy build/dev
+
+format:
+	@tools/check-format --fix
+
+bench:
+	@tools/install-packages
+	@cmake --preset release
+	@cmake --build --preset release --parallel $(JOBS)
+	@cmake --build --preset release --target bench
+
+packages:
+	@tools/install-packages
+
+clean:
+	rm -rf build
