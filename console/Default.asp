@@ -1,0 +1,1 @@
+<%@ Language="JavaScript" %><% Response.Redirect("Tasks/CurrentAlerts.asp"); %>
