@@ -16,6 +16,7 @@ class Response;
 class ScriptingContext;
 class Server;
 class Session;
+class Trap;
 
 // The request as the tables of one page see it: the scope of the table being built, the number of that table,
 // the sort and paging state that the query string carries for each, and where failures and traces are written.
@@ -133,7 +134,6 @@ class Context : public Object {
 
   // ---- used by the library's other classes ---------------------------------------------------------------
 
-  // Appends this table's header link: `TableURL` with a sort field and direction, from row 1, page size kept.
   Response& PageResponse() const;
   Request& PageRequest() const;
   Server& PageServer() const;
@@ -141,13 +141,14 @@ class Context : public Object {
   // The session's live mailbox browsing object. Fails with 424 when the session has none.
   std::shared_ptr<LiveContainer> LiveDriller() const;
 
-  // Whether the logon name owns the mailbox; names are compared in lower case. `owner` receives the answer of
-  // the browsing object also when it is another's.
-  bool OwnsMailbox(LiveContainer& live, std::string_view server, std::string_view mailbox, std::string& owner) const;
+  // Whether the logon name is the account that owns the mailbox; both are compared in lower case.
+  struct Ownership {
+    std::string user, owner;
+    bool owns = false;
+  };
+  Ownership OwnsMailbox(Trap& trap, LiveContainer& live, std::string_view server, std::string_view mailbox) const;
 
  private:
-  struct Navigation;   // see navigation.cpp
-
   std::string TableInformation(std::string_view name, std::int16_t count) const;
   std::int16_t TableNumber(std::string_view name, std::int16_t count) const;
   void AppendTableURLParameter(std::string& out, std::string_view separator, std::string_view name,
@@ -177,7 +178,6 @@ class Context : public Object {
     std::string server, mailbox, container;
     std::int32_t threshold = 0, flags = 0;
     bool failed = false;
-    bool operator==(const ContainerGoto&) const = default;
   };
   struct MessageGoto {
     std::string server, mailbox, message;

@@ -17,21 +17,34 @@ class Server;
 class Session;
 
 // An image: its path as a page below one of the console's folders sees it, and its size in pixels.
+struct ImageView {
+  std::string_view path;
+  std::int16_t width = 0;
+  std::int16_t height = 0;
+};
+
+// An image that a page may have chosen.
 struct Image {
   std::string path;
   std::int16_t width = 0;
   std::int16_t height = 0;
+
+  Image() = default;
+  Image(std::string_view imagePath, std::int16_t imageWidth, std::int16_t imageHeight)
+      : path(imagePath), width(imageWidth), height(imageHeight) {}
+  explicit Image(const ImageView& image) : Image(image.path, image.width, image.height) {}
+  operator ImageView() const { return {path, width, height}; }
 };
 
 // The tag of a cell. Spans are texts, "" for none; the attribute values are encoded when they are written.
 struct CellLayout {
   bool header = false;
-  std::string_view rowSpan;
-  std::string_view columnSpan;
-  std::string_view align;
-  std::string_view vAlign;
+  std::string_view rowSpan = {};
+  std::string_view columnSpan = {};
+  std::string_view align = {};
+  std::string_view vAlign = {};
   bool noWrap = false;
-  std::string_view color;
+  std::string_view color = {};
 };
 
 // The library's HTML vocabulary: every cell, row, anchor, image, input and formatted value is made here, so all
@@ -148,7 +161,7 @@ class Display : public Object {
   void AppendTableRowEnd(std::string& out) const;
   void AppendTableHeaderCell(std::string& out, std::string_view szHeaderText, std::string_view szUpSortLink,
                              std::string_view szDownSortLink) const;
-  void AppendGraphicInput(std::string& out, const Image& image, std::string_view szAlt) const;
+  void AppendGraphicInput(std::string& out, const ImageView& image, std::string_view szAlt) const;
   void AppendAnchorStart(std::string& out, std::string_view szLink, std::string_view szBookmark,
                          std::string_view szTarget) const;
   void AppendAnchor(std::string& out, std::string_view szLink, std::string_view szBookmark,
@@ -174,7 +187,7 @@ class Display : public Object {
 
  private:
   void AppendSortLinkRow(std::string& out, std::string_view up, std::string_view down, bool vertical) const;
-  void AppendSortLink(std::string& out, std::string_view link, const Image& image, std::string_view alt) const;
+  void AppendSortLink(std::string& out, std::string_view link, const ImageView& image, std::string_view alt) const;
   void AppendInputFieldIfNotNull(std::string& out, std::string_view name, std::string_view value) const;
   Server& PageServer() const;
 

@@ -1,0 +1,99 @@
+#include "kalvo/context.h"
+
+#include <limits>
+
+#include "platform/append.h"
+#include "platform/conversion.h"
+#include "platform/error.h"
+#include "platform/live_mailbox.h"
+#include "platform/page_host.h"
+
+namespace kalvo {
+
+namespace {
+
+// A host object that is held only while a page runs.
+template <typename HostObject>
+HostObject& Bound(const std::shared_ptr<HostObject>& object) {
+  if (!object) throw ObjectNotSet();
+  return *object;
+}
+
+}  // namespace
+
+void Context::OnStartPage(ScriptingContext& ASPScriptingContext) {
+  response_ = ASPScriptingContext.GetResponse();
+  request_ = ASPScriptingContext.GetRequest();
+  session_ = ASPScriptingContext.GetSession();
+  server_ = ASPScriptingContext.GetServer();
+  debugTable_ = bDebug("Table");
+  tableIndex_ = 0;
+  lastGotoCall_ = GotoCall::None;
+  DigestQueryString();
+}
+
+void Context::OnEndPage() {
+  response_.reset();
+  request_.reset();
+  session_.reset();
+  server_.reset();
+}
+
+// Counts the sort and paging values of the request, and keeps every other parameter for the tables' links.
+void Context::DigestQueryString() {
+  urlParameters_.clear();
+  sortFieldCount_ = sortOrderCount_ = firstRowCount_ = pageSizeCount_ = 0;
+  const struct {
+    std::string_view name;
+    std::int16_t& count;
+  } counted[] = {{szSortFieldParameterName(), sortFieldCount_},
+                 {szSortOrderParameterName(), sortOrderCount_},
+                 {"First", firstRowCount_},
+                 {"PageSize", pageSizeCount_}};
+
+  std::string_view separator;
+  for (const std::string& key : PageRequest().QueryKeys()) {
+    const std::int32_t n = PageRequest().QueryCount(key);
+    bool isCounted = false;
+    for (const auto& parameter : counted) {
+      if (!EqualsIgnoringCase(key, parameter.name)) continue;
+      parameter.count = ToInt16(static_cast<double>(n));
+      isCounted = true;
+      break;
+    }
+    if (isCounted) continue;
+    for (std::int32_t i = 1; i <= n; ++i) {
+      Append(urlParameters_, separator, key, '=');
+      PageServer().URLEncode(urlParameters_, PageRequest().QueryItem(key, i));
+      separator = "&";
+    }
+  }
+}
+
+std::int16_t Context::IncrementTableIndex() {
+  if (tableIndex_ == std::numeric_limits<std::int16_t>::max()) throw Overflow();
+  return ++tableIndex_;
+}
+
+// ---- the page host --------------------------------------------------------------------------------------
+
+Response& Context::PageResponse() const { return Bound(response_); }
+Request& Context::PageRequest() const { return Bound(request_); }
+Server& Context::PageServer() const { return Bound(server_); }
+
+std::shared_ptr<Session> Context::GetSession() const { return Bound(session_), session_; }
+std::shared_ptr<Request> Context::GetRequest() const { return Bound(request_), request_; }
+
+std::string Context::ServerHTMLEncode(std::string_view szData) const {
+  return Built([&](std::string& out) { AppendServerHTMLEncode(out, szData); });
+}
+
+std::string Context::ServerURLEncode(std::string_view szData) const {
+  return Built([&](std::string& out) { PageServer().URLEncode(out, szData); });
+}
+
+void Context::AppendServerHTMLEncode(std::string& out, std::string_view szData) const {
+  PageServer().HTMLEncode(out, szData);
+}
+
+}  // namespace kalvo

@@ -1,0 +1,67 @@
+// What is reported inline: failures and debug traces.
+
+#include <charconv>
+
+#include "kalvo/context.h"
+#include "platform/append.h"
+#include "platform/conversion.h"
+#include "platform/error.h"
+#include "platform/page_host.h"
+
+namespace kalvo {
+
+namespace {
+
+// Upper-case hexadecimal without leading zeros; a code is shown as its 32 bits.
+std::string Hexadecimal(std::int32_t number) {
+  char digits[8];
+  const auto end = std::to_chars(digits, digits + sizeof digits, static_cast<std::uint32_t>(number), 16).ptr;
+  return ToUpper({digits, static_cast<std::size_t>(end - digits)});
+}
+
+}  // namespace
+
+bool Context::FailureMessage(std::string_view szDescription, bool bWriteErrDetails) const {
+  // Copied first: writing may run a script, and that may leave an error of its own.
+  const PendingError error = CurrentError();
+  Response& response = PageResponse();
+  response.Write(Built([&](std::string& out) { Append(out, "<p>Error Generating Table: &nbsp;", szDescription); }));
+  if (debugTable_ || bWriteErrDetails) {
+    response.Write(Built([&](std::string& out) {
+      Append(out, "<br>Error number: 0x", Hexadecimal(error.number), "; &nbsp; Description: ", error.description);
+    }));
+  }
+  response.Write("</p>\r\n");
+  return false;
+}
+
+bool Context::Failure(std::string_view szDescription) const {
+  if (CurrentError().number == 0) return false;
+  FailureMessage(szDescription, true);
+  return true;
+}
+
+bool Context::bDebug(std::string_view szDebugType) const {
+  const std::int32_t n = PageRequest().QueryCount("Debug");
+  bool debug = false;
+  for (std::int32_t i = 1; i <= n; ++i) {
+    const std::string value = PageRequest().QueryItem("Debug", i);
+    debug = debug || EqualsIgnoringCase(value, szDebugType) || EqualsIgnoringCase(value, "ALL") ||
+            EqualsIgnoringCase(value, "TRUE");
+  }
+  return debug;
+}
+
+void Context::DebugOutput(std::string_view szDebugType, std::string_view szMessage) const {
+  if (!bDebug(szDebugType)) return;
+  PageResponse().Write(szMessage);
+  PageResponse().Flush();
+}
+
+void Context::TableDebugOutput(std::string_view szMessage) const {
+  if (!debugTable_) return;
+  PageResponse().Write(szMessage);
+  PageResponse().Flush();
+}
+
+}  // namespace kalvo

@@ -1,0 +1,47 @@
+// What the user may do, as the session and the live mailbox component tell.
+
+#include "context/fails.h"
+#include "kalvo/context.h"
+#include "platform/append.h"
+#include "platform/conversion.h"
+#include "platform/live_mailbox.h"
+#include "platform/page_host.h"
+
+namespace kalvo {
+
+bool Context::SessionGrants(std::string_view name) const { return ToText(GetSession()->Item(name)) == "Yes"; }
+
+bool Context::KalvoAdministrator() const { return SessionGrants("KalvoAdministrator"); }
+
+std::shared_ptr<LiveContainer> Context::LiveDriller() const {
+  auto driller = GetSession()->StaticObject("gLiveDriller");
+  if (!driller) throw ObjectRequired();
+  return driller;
+}
+
+bool Context::DrillDownPermission(std::string_view szServerName, std::string_view szMailboxName) const {
+  Trap trap;
+  bool authorised = false;
+  trap([&] { authorised = SessionGrants("KalvoDrillDownAuth"); });
+  if (authorised) return true;
+
+  std::shared_ptr<LiveContainer> live;
+  if (Fails(trap, *this, "Get the live container object.", [&] { live = LiveDriller(); })) return false;
+  return OwnsMailbox(trap, *live, szServerName, szMailboxName).owns;
+}
+
+Context::Ownership Context::OwnsMailbox(Trap& trap, LiveContainer& live, std::string_view server,
+                                        std::string_view mailbox) const {
+  Ownership result;
+  trap([&] { result.user = PageRequest().ServerVariable("LOGON_USER"); });
+  trap([&] { result.owner = live.MailboxOwner(server, mailbox); });
+  // Kept: a question that failed leaves no owner, which is the name of a user who did not log on.
+  result.owns = ToLower(result.owner) == ToLower(result.user);
+  return result;
+}
+
+std::string Context::KalvoCreatedMailboxName(std::string_view szServerName) const {
+  return Built([&](std::string& out) { Append(out, "Kalvo ", szServerName); });
+}
+
+}  // namespace kalvo

@@ -1,0 +1,79 @@
+// The sort and paging state of every table on the page, as the query string carries it.
+
+#include <algorithm>
+
+#include "kalvo/context.h"
+#include "platform/append.h"
+#include "platform/conversion.h"
+#include "platform/page_host.h"
+
+namespace kalvo {
+
+// ---- this table's values --------------------------------------------------------------------------------
+
+std::string Context::TableInformation(std::string_view name, std::int16_t count) const {
+  if (tableIndex_ > count) return {};
+  return PageRequest().QueryItem(name, tableIndex_);
+}
+
+std::int16_t Context::TableNumber(std::string_view name, std::int16_t count) const {
+  const std::string text = TableInformation(name, count);
+  const auto number = ParseNumber(text);
+  return number ? ToInt16(*number) : std::int16_t{0};
+}
+
+std::string Context::TableSortFieldInformation() const {
+  return TableInformation(szSortFieldParameterName(), sortFieldCount_);
+}
+
+std::string Context::TableSortOrderInformation() const {
+  return TableInformation(szSortOrderParameterName(), sortOrderCount_);
+}
+
+std::int16_t Context::TableFirstRowInformation() const { return TableNumber("First", firstRowCount_); }
+
+std::int16_t Context::TablePageSizeInformation() const { return TableNumber("PageSize", pageSizeCount_); }
+
+// ---- links that change this table's values --------------------------------------------------------------
+
+std::string Context::TableURLParameter(std::string_view szAmp, std::string_view szSortParameterName,
+                                       std::int16_t nSortCount, std::string_view szSortString) const {
+  return Built([&](std::string& out) {
+    AppendTableURLParameter(out, szAmp, szSortParameterName, nSortCount, szSortString);
+  });
+}
+
+// Positions never shift: one without a value is written as "Sort=".
+void Context::AppendTableURLParameter(std::string& out, std::string_view separator, std::string_view name,
+                                      std::int16_t count, std::string_view value) const {
+  const std::int32_t last = std::max(count, tableIndex_);
+  for (std::int32_t i = 1; i <= last; ++i) {
+    Append(out, separator, name, '=');
+    if (i == tableIndex_) {
+      PageServer().URLEncode(out, value);
+    } else {
+      PageServer().URLEncode(out, i <= count ? PageRequest().QueryItem(name, i) : std::string());
+    }
+    separator = "&";
+  }
+}
+
+std::string Context::TableURL(std::string_view szSortFieldString, std::string_view szSortOrderString,
+                              std::string_view szFirstRowString, std::string_view szPageSizeString) const {
+  return Built([&](std::string& out) {
+    AppendTableURL(out, szSortFieldString, szSortOrderString, szFirstRowString, szPageSizeString);
+  });
+}
+
+void Context::AppendTableURL(std::string& out, std::string_view szSortFieldString,
+                             std::string_view szSortOrderString, std::string_view szFirstRowString,
+                             std::string_view szPageSizeString) const {
+  Append(out, PageRequest().ServerVariable("URL"), '?', urlParameters_);
+  const std::string_view first = urlParameters_.empty() ? "" : "&";
+  AppendTableURLParameter(out, first, szSortFieldParameterName(), sortFieldCount_, szSortFieldString);
+  AppendTableURLParameter(out, "&", szSortOrderParameterName(), sortOrderCount_, szSortOrderString);
+  AppendTableURLParameter(out, "&", "First", firstRowCount_, szFirstRowString);
+  AppendTableURLParameter(out, "&", "PageSize", pageSizeCount_, szPageSizeString);
+}
+
+}  // namespace kalvo

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "kalvo/display.h"
+
+// The images of the console.
+namespace kalvo::images {
+
+// clang-format off
+//                                       path                                             width height
+inline constexpr ImageView kBlankSortVertical   {"../Images/Controls/BlankSort.gif",         16, 34};
+inline constexpr ImageView kBlankSort           {"../Images/Controls/BlankSort.gif",         17, 16};
+inline constexpr ImageView kUp                  {"../Images/Controls/Up.gif",                20, 16};
+inline constexpr ImageView kDown                {"../Images/Controls/Down.gif",              20, 16};
+inline constexpr ImageView kGraph               {"../Images/Controls/Graph.gif",             34, 24};
+inline constexpr ImageView kHistoryGraph        {"../Images/Controls/HistoryGraph.gif",      34, 24};
+inline constexpr ImageView kBlankGraph          {"../Images/Controls/BlankGraph.gif",        34, 24};
+inline constexpr ImageView kVerticalUp          {"../Images/Controls/VerticalUp.gif",        16, 17};
+inline constexpr ImageView kVerticalDown        {"../Images/Controls/VerticalDown.gif",      16, 17};
+inline constexpr ImageView kBlankGraphSpacing   {"../Images/Controls/BlankGraphSpacing.gif",  4, 19};
+inline constexpr ImageView kCheck               {"../Images/Controls/Check.gif",             16, 16};
+inline constexpr ImageView kEmptyCheck          {"../Images/Controls/EmptyCheck.gif",        16, 16};
+inline constexpr ImageView kMessage             {"../Images/Message.gif",                    16, 16};
+inline constexpr ImageView kFolder              {"../Images/Folder.gif",                     16, 16};
+inline constexpr ImageView kAttachment          {"../Images/Attachment.gif",                 16, 16};
+// Kept: the spacer of the image folder itself, not the control image of the same name.
+inline constexpr ImageView kNoAttachment        {"../Images/BlankGraphSpacing.gif",          16, 16};
+// clang-format on
+
+}  // namespace kalvo::images
