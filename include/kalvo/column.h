@@ -9,6 +9,8 @@
 
 namespace kalvo {
 
+struct CellLayout;
+
 // What a column shows and how: the sixteen values of its definition.
 struct ColumnDefinition {
   KalvoTableColumnsConstants id = COL_FIRSTCOLUMN;
@@ -62,11 +64,11 @@ class KalvoColumn : public TableColumn {
   void Define(ColumnDefinition definition);
   // True for the server column of a Top-N table whose scope is one server: all its cells drop out.
   bool DropsOut(const Context& context) const;
-  void AppendLaidOut(std::string& out, const Display& display, std::string_view content,
-                     std::string_view color) const;
+  CellLayout Layout(std::string_view color) const;
 
   ColumnDefinition definition_;
-  std::string rowSpan_, columnSpan_;   // the spans as attribute texts, "" for none
+  std::string rowSpan_, columnSpan_;    // the spans as attribute texts, "" for none
+  std::string value_, text_, url_;      // buffers of the cell that is being made, kept for the next
 };
 
 }  // namespace kalvo

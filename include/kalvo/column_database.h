@@ -9,6 +9,10 @@
 
 namespace kalvo {
 
+namespace columns {
+enum class Group : std::uint8_t;
+}
+
 // The catalogue of every column, filled when it is made. Columns are shared: each id answers one object.
 class KalvoColumnDatabase : public ColumnCatalogue {
  public:
@@ -37,6 +41,7 @@ class KalvoColumnDatabase : public ColumnCatalogue {
   TableColumn* Column(std::int16_t id) override;
 
  private:
+  void MakeGroup(columns::Group group);
   const std::shared_ptr<TableColumn>& Slot(std::int16_t id) const;
 
   std::array<std::shared_ptr<TableColumn>, COL_TOTALCOLUMNS> slots_;   // slot i holds id i + 1

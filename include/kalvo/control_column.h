@@ -27,7 +27,8 @@ class KalvoControlColumn : public TableColumn {
                    bool& firstCell) override;
 
  private:
-  void AppendBox(std::string& out, const Display& display, std::string_view value) const;
+  void AppendBox(std::string& out, const Display& display, RowSource& row) const;
+  void AppendBoxOfRecipient(std::string& out, const Display& display, RowSource& row);
 
   KalvoTableColumnsConstants id_ = COL_FIRSTCOLUMN;
   std::string name_, value_, valueField_, onClick_;

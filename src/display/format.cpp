@@ -169,7 +169,7 @@ std::string Display::Kalvo_FormatDateTimeFloat(const Value& nDate) const {
 
 void Display::AppendDateTimeFloat(std::string& out, std::string_view date) const {
   if (const auto serial = ParseNumber(date)) {
-    AppendDate(out, Date{*serial}, locale_);
+    if (IsCalendarDate(Date{*serial})) AppendDate(out, Date{*serial}, locale_);
   } else if (const auto read = ParseDate(date, locale_)) {
     AppendDate(out, *read, locale_);
   }

@@ -59,7 +59,10 @@ std::optional<Date> ParseDate(std::string_view text, const Locale& locale);
 // A calendar date as a serial; nothing when there is no such day or time. Years 100 to 9999.
 std::optional<Date> MakeDate(int year, int month, int day, int hour = 0, int minute = 0, int second = 0);
 
-// The calendar year of a date.
+// Whether the serial is a date that can be written: the years 100 to 9999.
+bool IsCalendarDate(Date date);
+
+// The calendar year of such a date; any other fails with 13.
 int YearOf(Date date);
 
 // ---- case -----------------------------------------------------------------------------------------------

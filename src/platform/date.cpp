@@ -212,6 +212,8 @@ std::optional<Date> MakeDate(int year, int month, int day, int hour, int minute,
 
 std::optional<Date> ParseDate(std::string_view text, const Locale& locale) { return DateReader(text, locale).Read(); }
 
+bool IsCalendarDate(Date date) { return TakeApart(date.serial).has_value(); }
+
 int YearOf(Date date) {
   const auto moment = TakeApart(date.serial);
   if (!moment) throw TypeMismatch();

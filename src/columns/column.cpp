@@ -1,0 +1,83 @@
+#include "kalvo/column.h"
+
+#include "columns/row_cell.h"
+#include "datasrc/row_source.h"
+#include "kalvo/context.h"
+#include "kalvo/display.h"
+#include "platform/append.h"
+
+namespace kalvo {
+
+namespace {
+
+std::string SpanText(std::int16_t count) {
+  return Built([&](std::string& out) {
+    if (count > 1) Append(out, count);
+  });
+}
+
+}  // namespace
+
+KalvoColumn::KalvoColumn(ColumnDefinition definition) { Define(std::move(definition)); }
+
+void KalvoColumn::Initialize(KalvoTableColumnsConstants Id, std::string_view Name, std::string_view DatabaseField,
+                             KalvoTableHyperlinkType HyperLinkType, std::string_view PieChartLink,
+                             std::string_view LineGraphLink, ColumnTotalState inTotalState, bool SortColumn,
+                             KalvoTableFormatType FormatType, std::int32_t DataScale, std::string_view Units,
+                             std::int16_t Rows, std::int16_t Columns, std::string_view Align, bool NoWrap,
+                             std::string_view DefaultValue) {
+  Define({Id, std::string(Name), std::string(DatabaseField), HyperLinkType, std::string(PieChartLink),
+          std::string(LineGraphLink), inTotalState, SortColumn, FormatType, DataScale, std::string(Units), Rows,
+          Columns, std::string(Align), NoWrap, std::string(DefaultValue)});
+}
+
+void KalvoColumn::Define(ColumnDefinition definition) {
+  definition_ = std::move(definition);
+  rowSpan_ = SpanText(definition_.rows);
+  columnSpan_ = SpanText(definition_.columns);
+}
+
+bool KalvoColumn::DropsOut(const Context& context) const {
+  return context.GetTopN() == TOPN_SINGLESERVER && definition_.id == COL_TOPN_SERVER;
+}
+
+CellLayout KalvoColumn::Layout(std::string_view color) const {
+  return {.rowSpan = rowSpan_,
+          .columnSpan = columnSpan_,
+          .align = definition_.align,
+          .noWrap = definition_.noWrap,
+          .color = color};
+}
+
+std::string KalvoColumn::ConstructHTMLHeader(Context& pCtxt, Display& pDisplay) {
+  return Built([&](std::string& out) { AppendHeader(out, pCtxt, pDisplay); });
+}
+
+std::string KalvoColumn::ConstructHTMLData(Context& pCtxt, Display& pDisplay, RowSource& pTableData) {
+  return Built([&](std::string& out) { AppendData(out, pCtxt, pDisplay, pTableData); });
+}
+
+std::string KalvoColumn::ConstructHTMLTotal(Context& pCtxt, Display& pDisplay, RowSource& pTableData,
+                                            bool& bFirstCell) {
+  return Built([&](std::string& out) { AppendTotal(out, pCtxt, pDisplay, pTableData, bFirstCell); });
+}
+
+void KalvoColumn::AppendData(std::string& out, Context& context, Display& display, RowSource& row) {
+  if (DropsOut(context)) return;
+  Scratch value(value_), text(text_), url(url_);
+  RowCell cell{definition_, context, display, row, *value, *text, *url, definition_.hyperLinkType};
+  FormatCell(cell);
+  LinkCell(cell);
+  const CellLayout layout = Layout(cell.color);
+  if (cell.url.empty()) {
+    display.AppendCell(out, cell.text, layout);
+    return;
+  }
+  // A link needs something to click on.
+  const bool blank = TrimmedTabsAndSpaces(cell.text).empty();
+  display.AppendCellStart(out, layout);
+  display.AppendAnchor(out, cell.url, "", "_top", blank ? "&nbsp;&nbsp;&nbsp;" : std::string_view(cell.text));
+  display.AppendCellEnd(out, layout);
+}
+
+}  // namespace kalvo

@@ -1,0 +1,51 @@
+// The cell of the totals row.
+
+#include "columns/row_cell.h"
+#include "datasrc/row_source.h"
+#include "kalvo/column.h"
+#include "kalvo/context.h"
+#include "kalvo/display.h"
+#include "platform/append.h"
+
+namespace kalvo {
+
+namespace {
+
+void AppendSum(std::string& out, const ColumnDefinition& column, const Display& display, RowSource& totals) {
+  const bool scaled = column.formatType == FORMATTYPE_NUMERICVALUE;
+  if (!scaled && column.formatType != FORMATTYPE_NUMBER) return;
+  const std::string_view sum = totals.GetField(column.databaseField);
+  if (sum.empty() || sum == " ") return;
+  if (scaled) {
+    display.AppendNumericValue(out, sum, column.dataScale, column.units);
+  } else {
+    display.AppendNumber(out, sum, false);
+  }
+}
+
+}  // namespace
+
+// Kept: the label and the cells of columns without a total are plain, total cells keep their column's layout.
+void KalvoColumn::AppendTotal(std::string& out, Context& context, Display& display, RowSource& totals,
+                              bool& firstCell) {
+  if (DropsOut(context)) return;
+  if (firstCell) {
+    display.AppendCell(out, "<strong>TOTAL</strong>");
+    firstCell = false;
+    return;
+  }
+  if (definition_.totalState == column_NoTotal) {
+    display.AppendCell(out, "");
+    return;
+  }
+  const CellLayout layout = Layout("");
+  display.AppendCellStart(out, layout);
+  out += "<strong>";
+  const auto start = out.size();
+  AppendSum(out, definition_, display, totals);
+  if (out.size() == start) out += "&nbsp;";
+  out += "</strong>";
+  display.AppendCellEnd(out, layout);
+}
+
+}  // namespace kalvo
