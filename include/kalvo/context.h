@@ -1,11 +1,14 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "kalvo/enumerations.h"
+#include "platform/append.h"
 #include "platform/value.h"
 
 namespace kalvo {
@@ -134,6 +137,16 @@ class Context : public Object {
 
   // ---- used by the library's other classes ---------------------------------------------------------------
 
+  // `DebugOutput` and `TableDebugOutput` of a message that is only made when it is shown: the maker appends it.
+  template <std::invocable<std::string&> Maker>
+  void Trace(std::string_view szDebugType, Maker&& maker) const {
+    if (bDebug(szDebugType)) WriteTrace(Built(std::forward<Maker>(maker)));
+  }
+  template <std::invocable<std::string&> Maker>
+  void TraceTable(Maker&& maker) const {
+    if (debugTable_) WriteTrace(Built(std::forward<Maker>(maker)));
+  }
+
   Response& PageResponse() const;
   Request& PageRequest() const;
   Server& PageServer() const;
@@ -155,6 +168,7 @@ class Context : public Object {
                                std::int16_t count, std::string_view value) const;
   bool SessionGrants(std::string_view name) const;
   void DigestQueryString();
+  void WriteTrace(std::string_view message) const;
 
   std::string name_, org_, site_, mailbox_, container_;
   KalvoTableTopN topN_ = TOPN_UNDEFINED;

@@ -18,6 +18,7 @@ class Context;
 class RecordSet;
 class Rows;
 class Table;
+class Trap;
 
 // The row source of the reporting database. It completes the table's SQL with the page's scope and sort, runs it
 // over the data source "KalvoDB" and keeps all rows; a second statement of the SQL is the totals row.
@@ -49,9 +50,10 @@ class KalvodbDataSrc : public RowSource {
 
  private:
   std::string BuildSQL() const;
-  std::int16_t LoadRows(class Trap& trap);
-  std::optional<std::int32_t> FieldNumber(std::string_view szFieldName) const;
-  void DebugGetField(std::int32_t field, std::string_view name, std::string_view value) const;
+  std::int16_t LoadRows(Trap& trap);
+  std::int16_t LoadFieldNames(Trap& trap);
+  std::optional<std::int32_t> FieldNumber(Trap& trap, std::string_view szFieldName) const;
+  void TraceField(Trap& trap, std::int32_t field, std::string_view name, std::string_view value) const;
   bool RowIsLoaded() const;
 
   const Platform& platform_;

@@ -4,9 +4,10 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 #include "datasrc/row_source.h"
+#include "datasrc/row_texts.h"
+#include "platform/locale.h"
 
 namespace kalvo {
 
@@ -15,13 +16,15 @@ class Listing;
 class LiveContainer;
 class Table;
 class Trap;
+enum class LiveOpen : std::uint8_t;
+struct LiveTableRow;
 
 // The row source of the live mailbox tables: the folders or messages of a folder, or the attachments of a
 // message, listed and sorted by the session's browsing object. Users see their own mailbox, administrators every
 // mailbox and the public folders.
 class MapiDataSrc : public RowSource {
  public:
-  MapiDataSrc();
+  explicit MapiDataSrc(const Locale& locale = kEnglishUnitedStates);
   ~MapiDataSrc() override;
 
   void Initialize(Table& KalvoTable, std::string_view ResourceName, Context& Ctxt);
@@ -42,12 +45,24 @@ class MapiDataSrc : public RowSource {
   std::int16_t GetRowIndex() override;
 
  private:
+  bool TakeLiveContainer(Trap& trap);
+  LiveTableRow TableRow(Trap& trap, LiveOpen opens);
+  bool MayListMailbox(Trap& trap);
+  bool MayListPublicFolders(Trap& trap);
+  bool Refuse(Trap& trap);
+  bool GoToMailboxFolder(Trap& trap);
+  bool GoToPublicFolder(Trap& trap);
+  bool GoToPublicFolderByPath(Trap& trap);
+  bool GoToPublicFolderById(Trap& trap, const std::string& id);
+  std::int16_t SortRows(Trap& trap);
+
+  const Locale& locale_;
   std::shared_ptr<Table> table_;
   std::string resourceName_;
   std::shared_ptr<Context> context_;
   std::shared_ptr<LiveContainer> live_;
   std::shared_ptr<Listing> listing_;
-  std::unordered_map<std::string, std::string> texts_;   // the current row's texts, by the name asked for
+  RowTexts texts_;
   std::int32_t recordCount_ = 0;
   std::int32_t rowIndex_ = 0;
   bool totals_ = false;

@@ -4,9 +4,9 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 #include "datasrc/row_source.h"
+#include "datasrc/row_texts.h"
 #include "platform/platform.h"
 
 namespace kalvo {
@@ -14,6 +14,7 @@ namespace kalvo {
 class Context;
 class RankedResults;
 class Table;
+class Trap;
 
 // The row source of the Top-N tables: it asks the Top-N loader for the ranked rows of a kind within the page's
 // scope and sorts them by a column number. Fields are named by their numbers.
@@ -41,12 +42,15 @@ class TopnDataSrc : public RowSource {
   std::int16_t GetRowIndex() override;
 
  private:
+  bool Load(Trap& trap);
+  std::int16_t SortResults(Trap& trap);
+
   const Platform& platform_;
   std::shared_ptr<Table> table_;
   std::string resourceName_;
   std::shared_ptr<Context> context_;
   std::shared_ptr<RankedResults> results_;
-  std::unordered_map<std::string, std::string> texts_;   // the current row's texts, by the name asked for
+  RowTexts texts_;
   std::int32_t recordCount_ = 0;
   std::int32_t rowIndex_ = 0;
 };

@@ -53,14 +53,16 @@ bool Context::bDebug(std::string_view szDebugType) const {
 }
 
 void Context::DebugOutput(std::string_view szDebugType, std::string_view szMessage) const {
-  if (!bDebug(szDebugType)) return;
-  PageResponse().Write(szMessage);
-  PageResponse().Flush();
+  if (bDebug(szDebugType)) WriteTrace(szMessage);
 }
 
 void Context::TableDebugOutput(std::string_view szMessage) const {
-  if (!debugTable_) return;
-  PageResponse().Write(szMessage);
+  if (debugTable_) WriteTrace(szMessage);
+}
+
+// Flushed, so that the trace reaches the browser even if the page fails later.
+void Context::WriteTrace(std::string_view message) const {
+  PageResponse().Write(message);
   PageResponse().Flush();
 }
 

@@ -1,0 +1,18 @@
+#include "kalvo/data_src.h"
+
+#include "kalvo/context.h"
+#include "kalvo/table.h"
+#include "platform/owned.h"
+
+namespace kalvo {
+
+void DataSrc::Initialize(std::int16_t TableType, Table& pTable, std::string_view ResourceName, Context& Ctxt) {
+  tableType_ = TableType;
+  table_ = Owned(pTable);
+  resourceName_ = ResourceName;
+  context_ = Owned(Ctxt);
+  recordCount_ = 0;
+  rowIndex_ = 0;
+}
+
+}  // namespace kalvo

@@ -1,0 +1,264 @@
+#include "kalvo/db_data_src.h"
+
+#include "context/fails.h"
+#include "datasrc/elapsed.h"
+#include "kalvo/context.h"
+#include "kalvo/table.h"
+#include "kalvo/table_constants.h"
+#include "platform/append.h"
+#include "platform/conversion.h"
+#include "platform/database.h"
+#include "platform/owned.h"
+
+namespace kalvo {
+
+namespace {
+
+// A pending error as a status: its low word, which is never 0.
+std::int16_t Status() {
+  const auto low = static_cast<std::int16_t>(static_cast<std::uint16_t>(CurrentError().number));
+  return low == 0 ? std::int16_t{1} : low;
+}
+
+void ReplaceAll(std::string& text, std::string_view token, std::string_view replacement) {
+  for (std::size_t at = text.find(token); at != std::string::npos; at = text.find(token, at + replacement.size())) {
+    text.replace(at, token.size(), replacement);
+  }
+}
+
+std::string QuoteSQLString(std::string_view value) {
+  return Built([&](std::string& out) {
+    out += '\'';
+    for (const char c : value) {
+      if (c == '\'') out += '\'';
+      out += c;
+    }
+    out += '\'';
+  });
+}
+
+void TraceTime(Trap& trap, const Context& context, const Elapsed& elapsed, std::string_view step) {
+  trap([&] { context.Trace("Time", [&](std::string& out) { Append(out, elapsed.Report(step), kCrLf); }); });
+}
+
+void AppendHexadecimal(std::string& out, std::span<const std::uint8_t> bytes) {
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  for (const std::uint8_t byte : bytes) Append(out, kDigits[byte >> 4], kDigits[byte & 15]);
+}
+
+}  // namespace
+
+KalvodbDataSrc::KalvodbDataSrc(const Platform& platform) : platform_(platform) {}
+KalvodbDataSrc::~KalvodbDataSrc() = default;
+
+void KalvodbDataSrc::Initialize(Table& KalvoTable, std::string_view ResourceName, Context& Ctxt) {
+  table_ = Owned(KalvoTable);
+  resourceName_ = ResourceName;
+  context_ = Owned(Ctxt);
+}
+
+// ---- opening --------------------------------------------------------------------------------------------
+
+std::string KalvodbDataSrc::BuildSQL() const {
+  std::string field = context_->TableSortFieldInformation();
+  if (field.empty()) field = table_->GetOrderBy();
+  std::string order = context_->TableSortOrderInformation();
+  if (order.empty()) order = table_->GetDefaultSortOrder();
+  const std::string sort = Built([&](std::string& out) { Append(out, field, ' ', order); });
+  context_->TraceTable([&](std::string& out) { Append(out, "<p>Sort Information: ", sort, "</p>", kCrLf); });
+
+  std::string sql = table_->GetSQL();
+  ReplaceAll(sql, "%SORT%", sort);
+  ReplaceAll(sql, "%NAME%", QuoteSQLString(resourceName_));
+  ReplaceAll(sql, "%ORG%", QuoteSQLString(context_->GetOrg()));
+  ReplaceAll(sql, "%SITE%", QuoteSQLString(context_->GetSite()));
+  ReplaceAll(sql, "%MAILBOX%", QuoteSQLString(context_->GetMailbox()));
+  return sql;
+}
+
+std::int16_t KalvodbDataSrc::OpenDS() {
+  if (!table_) throw ObjectNotSet();
+  Trap trap;
+  std::string sql;
+  trap([&] { sql = BuildSQL(); });
+  if (Fails(trap, *context_, "KalvodbDataSrc.OpenDS: conn.Open",
+            [&] { connection_ = platform_.database.Connect(TableConstants().TABLES_DSN()); })) {
+    return Status();
+  }
+  trap([&] {
+    context_->Trace("SQL", [&](std::string& out) {
+      Append(out, "<p><strong>SQL Command:</strong> &nbsp;", kCrLf, kCrLf);
+      context_->AppendServerHTMLEncode(out, sql);
+      Append(out, kCrLf, kCrLf, "</p>", kCrLf);
+    });
+  });
+  const Elapsed elapsed(platform_);
+  if (Fails(trap, *context_, "KalvodbDataSrc.OpenDS", [&] {
+        recordSet_ = connection_->Execute({sql, table_->GetSQL(), table_->GetOrderBy()});
+      })) {
+    return Status();
+  }
+  TraceTime(trap, *context_, elapsed, "SQL Open");
+
+  bool empty = false;
+  trap([&] { empty = recordSet_->IsEmpty(); });
+  recordCount_ = 0;
+  if (empty) return 0;
+  const std::int16_t status = LoadRows(trap);
+  if (status != 0) return status;
+  recordCount_ = rows_->RowCount();
+  trap([&] {
+    context_->TraceTable([&](std::string& out) { Append(out, "<p>Record Count: ", recordCount_, "</p>", kCrLf); });
+  });
+  return 0;
+}
+
+std::int16_t KalvodbDataSrc::LoadRows(Trap& trap) {
+  const Elapsed elapsed(platform_);
+  rows_ = nullptr;
+  if (const std::int16_t status = LoadFieldNames(trap); status != 0) return status;
+  const Rows* rows = nullptr;
+  if (Fails(trap, *context_, "Get rows from record set.", [&] { rows = &recordSet_->GetRows(); })) return Status();
+  TraceTime(trap, *context_, elapsed, "Build dictionary and GetRows");
+  std::int32_t loaded = 0;
+  if (Fails(trap, *context_, "Test GetRows result.", [&] { loaded = rows->FieldCount(); })) return Status();
+  if (loaded != fields_.Count()) {
+    trap([&] { context_->FailureMessage("Inconsistent GetRows dictionary.", false); });
+    return 1;
+  }
+  rows_ = rows;
+  texts_.resize(static_cast<std::size_t>(loaded));
+  return 0;
+}
+
+std::int16_t KalvodbDataSrc::LoadFieldNames(Trap& trap) {
+  fields_.Clear();
+  std::int32_t count = 0;
+  trap([&] { count = recordSet_->FieldCount(); });
+  for (std::int32_t i = 0; i < count; ++i) {
+    std::string name;
+    if (Fails(trap, *context_, "Get record set field name.", [&] { name = recordSet_->FieldName(i); })) {
+      return Status();
+    }
+    if (Fails(trap, *context_, "Save record set field name.", [&] { fields_.Add(name); })) return Status();
+    trap([&] {
+      context_->Trace("Dictionary",
+                      [&](std::string& out) { Append(out, "<p>Set: Field ", i, ": ", name, "</p>", kCrLf); });
+    });
+  }
+  return 0;
+}
+
+// ---- moving ---------------------------------------------------------------------------------------------
+
+std::int16_t KalvodbDataSrc::MoveFirst() {
+  rowIndex_ = 1;
+  return 0;
+}
+
+std::int16_t KalvodbDataSrc::MoveNext() {
+  ++rowIndex_;
+  return 0;
+}
+
+std::int16_t KalvodbDataSrc::MoveTotals() {
+  Trap trap;
+  if (Fails(trap, *context_, "KalvodbDataSrc.MoveTotals", [&] {
+        if (!recordSet_) throw ObjectNotSet();
+        auto next = recordSet_->NextRecordset();
+        rows_ = nullptr;   // of the record set that is replaced
+        recordSet_ = std::move(next);
+      })) {
+    return Status();
+  }
+  bool empty = false;
+  trap([&] { empty = recordSet_->IsEmpty(); });
+  if (empty) {
+    trap([&] { context_->FailureMessage("Totals query not implemented for this table.", false); });
+    return 1;
+  }
+  rowIndex_ = 1;
+  return LoadRows(trap);
+}
+
+std::int16_t KalvodbDataSrc::GetRowIndex() { return ToInt16(static_cast<double>(rowIndex_)); }
+
+// ---- reading --------------------------------------------------------------------------------------------
+
+bool KalvodbDataSrc::RowIsLoaded() const { return rows_ && rowIndex_ >= 1 && rowIndex_ <= rows_->RowCount(); }
+
+std::optional<std::int32_t> KalvodbDataSrc::FieldNumber(Trap& trap, std::string_view szFieldName) const {
+  const auto field = fields_.Find(szFieldName);
+  if (field) return field;
+  trap([&] {
+    context_->FailureMessage(
+        Built([&](std::string& out) { Append(out, "GetField: Unknown field \"", szFieldName, '"'); }), false);
+  });
+  return std::nullopt;
+}
+
+std::string_view KalvodbDataSrc::GetField(std::string_view szFieldName) {
+  Trap trap;
+  const auto field = FieldNumber(trap, szFieldName);
+  std::string_view text;
+  if (field && RowIsLoaded()) {
+    trap([&] { text = rows_->Text(*field, rowIndex_ - 1, texts_[static_cast<std::size_t>(*field)]); });
+  }
+  TraceField(trap, field.value_or(0), szFieldName, text);
+  return text;
+}
+
+std::optional<std::string_view> KalvodbDataSrc::GetIdentifier(std::string_view szFieldName) {
+  Trap trap;
+  const auto field = FieldNumber(trap, szFieldName);
+  identifier_.clear();
+  bool isNull = false;
+  if (field && RowIsLoaded()) {
+    const std::string step =
+        Built([&](std::string& out) { Append(out, "KalvodbDataSrc.GetGUIField ", szFieldName); });
+    Fails(trap, *context_, step, [&] {
+      const auto bytes = rows_->Binary(*field, rowIndex_ - 1);
+      isNull = !bytes;
+      if (bytes) AppendHexadecimal(identifier_, *bytes);
+    });
+  }
+  TraceField(trap, field.value_or(0), szFieldName, identifier_);
+  if (isNull) return std::nullopt;
+  return identifier_;
+}
+
+Value KalvodbDataSrc::GetField(std::string_view szFieldName, bool bGUID) {
+  if (!bGUID) return std::string(GetField(szFieldName));
+  const auto identifier = GetIdentifier(szFieldName);
+  if (!identifier) return Null{};
+  return std::string(*identifier);
+}
+
+void KalvodbDataSrc::TraceField(Trap& trap, std::int32_t field, std::string_view name,
+                                std::string_view value) const {
+  trap([&] {
+    context_->Trace("Dictionary", [&](std::string& out) {
+      Append(out, "<p>Get: Field ", field, ": ", name, "; Value: \"", value, "\"</p>", kCrLf);
+    });
+  });
+}
+
+// ---- closing --------------------------------------------------------------------------------------------
+
+std::int32_t KalvodbDataSrc::CloseDS() {
+  Trap trap;
+  fields_.Clear();
+  rows_ = nullptr;
+  if (Fails(trap, *context_, "KalvodbDataSrc.CloseDS: rs.Close", [&] {
+        if (!recordSet_) throw ObjectNotSet();
+        recordSet_->Close();
+      })) {
+    return CurrentError().number;
+  }
+  if (Fails(trap, *context_, "KalvodbDataSrc.CloseDS: conn.Close", [&] { connection_->Close(); })) {
+    return CurrentError().number;
+  }
+  return 0;
+}
+
+}  // namespace kalvo
