@@ -29,34 +29,34 @@ struct MailboxGroup {
 
 struct Server {
   std::int32_t id = 0;
-  std::size_t group = 0;                     // in serverGroups
-  std::string_view organization, domain;     // "Meridian", "KALVO"
+  std::size_t group = 0;                   // in serverGroups
+  std::string_view organization, domain;   // "Meridian", "KALVO"
   std::string_view site;
-  std::string computerName;                  // "SEA-EX01": unique
+  std::string computerName;   // "SEA-EX01": unique
   bool managed = true;
   bool missing = false;
-  bool scanned = true;                       // false: it has no mailboxes, figures or backups yet
+  bool scanned = true;   // false: it has no mailboxes, figures or backups yet
   Moment lastQuickScan, lastDetailScan;
-  std::string_view agentVersion;             // "" where there is no agent
-  std::size_t firstMailbox = 0, mailboxCount = 0;          // its mailboxes stand together
+  std::string_view agentVersion;                    // "" where there is no agent
+  std::size_t firstMailbox = 0, mailboxCount = 0;   // its mailboxes stand together
   std::size_t firstPublicFolder = 0, publicFolderCount = 0;
-  std::int64_t messages = 0, space = 0;                    // sums of its mailboxes, space in bytes
-  std::int64_t publicMessages = 0, publicSpace = 0;        // sums of its public folders
+  std::int64_t messages = 0, space = 0;               // sums of its mailboxes, space in bytes
+  std::int64_t publicMessages = 0, publicSpace = 0;   // sums of its public folders
 };
 
 struct Mailbox {
-  std::uint32_t person = 0;                  // which name it has; unique
-  std::uint32_t server = 0;                  // in servers
-  std::uint8_t group = 0;                    // in mailboxGroups
+  std::uint32_t person = 0;   // which name it has; unique
+  std::uint32_t server = 0;   // in servers
+  std::uint8_t group = 0;     // in mailboxGroups
   std::int32_t messages = 0;
-  std::int64_t space = 0;                    // bytes
+  std::int64_t space = 0;   // bytes
 };
 
 struct PublicFolder {
-  std::size_t server = 0;                    // in servers
-  std::string path;                          // "Sales\Orders": no leading backslash, one between the names
+  std::size_t server = 0;   // in servers
+  std::string path;         // "Sales\Orders": no leading backslash, one between the names
   std::int32_t messages = 0;
-  std::int64_t space = 0;                    // bytes
+  std::int64_t space = 0;   // bytes
 };
 
 struct Organization {

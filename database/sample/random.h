@@ -25,7 +25,9 @@ class Random {
   }
 
   // A number from 0 to bound - 1. The bias of the remainder is far below anything a report shows.
-  std::int64_t Below(std::int64_t bound) { return static_cast<std::int64_t>((Next() >> 1) % static_cast<std::uint64_t>(bound)); }
+  std::int64_t Below(std::int64_t bound) {
+    return static_cast<std::int64_t>((Next() >> 1) % static_cast<std::uint64_t>(bound));
+  }
 
   std::int64_t Between(std::int64_t low, std::int64_t high) { return low + Below(high - low + 1); }
 
@@ -41,7 +43,7 @@ class Random {
   std::int64_t SkewedThousandths() {
     // The quantiles, in 32 steps, of a log-normal distribution of deviation 1.2; drawn straight in between.
     static constexpr std::array<std::int64_t, 33> kQuantiles = {
-        40,   107,  158,  206,  252,  298,  346,  395,  446,   498,   554,   613,  676,  744,  820,  906,  1000,
+        40,   107,  158,  206,  252,  298,  346,  395,  446,  498,  554,  613,  676,  744,  820,  906,  1000,
         1104, 1219, 1344, 1480, 1632, 1806, 2008, 2245, 2533, 2893, 3353, 3966, 4850, 6340, 9313, 24000};
     const std::int64_t step = Below(32);
     const std::int64_t low = kQuantiles[static_cast<std::size_t>(step)];

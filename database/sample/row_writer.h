@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <variant>
 
 namespace kalvo::sample {
@@ -48,9 +49,12 @@ class RowWriter {
   static Cell AsCell(const Cell& value) { return value; }
   template <typename T>
   static Cell AsCell(const T& value) {
-    if constexpr (std::is_integral_v<T>) return static_cast<std::int64_t>(value);
-    else if constexpr (std::is_convertible_v<T, std::string_view>) return std::string_view(value);
-    else return Cell(value);
+    if constexpr (std::is_integral_v<T>)
+      return static_cast<std::int64_t>(value);
+    else if constexpr (std::is_convertible_v<T, std::string_view>)
+      return std::string_view(value);
+    else
+      return Cell(value);
   }
 };
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <iosfwd>
+#include <string>
 #include <string_view>
 
 namespace kalvo::sample {
@@ -22,8 +23,8 @@ struct SampleOptions {
 class Progress {
  public:
   virtual ~Progress() = default;
-  virtual void Step(std::string_view what) = 0;                             // a step begins
-  virtual void Rows(std::int64_t done, std::int64_t total) = 0;             // within a step, every now and then
+  virtual void Step(std::string_view what) = 0;                   // a step begins
+  virtual void Rows(std::int64_t done, std::int64_t total) = 0;   // within a step, every now and then
 };
 
 // Tells nobody.
@@ -43,6 +44,7 @@ class TextProgress : public Progress {
 
  private:
   std::ostream& out_;
+  std::string step_;
   bool lineOpen_ = false;
 };
 

@@ -1,0 +1,65 @@
+#include "database/sample/sample.h"
+
+#include <ostream>
+
+#include "database/sample/organization.h"
+#include "database/sample/sqlite_writer.h"
+#include "database/sample/steps.h"
+#include "platform/append.h"
+#include "platform/error.h"
+
+namespace kalvo::sample {
+namespace {
+
+constexpr NamedStep kSteps[] = {
+    {"groups", WriteGroups},
+    {"servers", WriteServers},
+    {"totals, activity and backups", WriteHistory},
+    {"file systems and database files", WriteStorage},
+    {"mailboxes", WriteMailboxes},
+    {"mailbox groups", WriteGroupTotals},
+    {"alerts", WriteAlerts},
+    {"quota violations", WriteViolations},
+};
+
+}   // namespace
+
+void WriteSample(const Organization& organization, RowWriter& rows, Progress& progress) {
+  SampleRun run{organization, rows, progress};
+  for (const NamedStep& step : kSteps) {
+    progress.Step(step.name);
+    step.write(run);
+  }
+}
+
+void MakeSample(const SampleOptions& options, Progress& progress) {
+  std::error_code failed;
+  std::filesystem::create_directories(options.out, failed);
+  if (failed) {
+    throw Error(codes::kFailed, Built([&](std::string& out) {
+                  Append(out, "The folder ", options.out.string(), " cannot be made: ", failed.message());
+                }));
+  }
+  const Organization organization = MakeOrganization(options.size, options.seed, progress);
+  SqliteWriter writer(options.out / "kalvo.db");
+  WriteSample(organization, writer, progress);
+  progress.Step("indexes");
+  writer.Finish();
+}
+
+TextProgress::~TextProgress() {
+  if (lineOpen_) out_ << "\n";
+}
+
+void TextProgress::Step(std::string_view what) {
+  if (lineOpen_) out_ << "\n";
+  out_ << what << std::flush;
+  step_ = what;
+  lineOpen_ = true;
+}
+
+void TextProgress::Rows(std::int64_t done, std::int64_t total) {
+  if (total > 0) out_ << "\r" << step_ << " " << done * 100 / total << "%" << std::flush;
+}
+
+}   // namespace kalvo::sample

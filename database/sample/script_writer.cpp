@@ -1,0 +1,100 @@
+#include "database/sample/script_writer.h"
+
+#include <charconv>
+#include <ostream>
+
+#include "platform/append.h"
+
+namespace kalvo::sample {
+namespace {
+
+constexpr int kRowsAStatement = 500;
+
+void AppendQuoted(std::string& out, std::string_view text) {
+  out += '\'';
+  for (const char c : text) {
+    if (c == '\'') out += '\'';
+    out += c;
+  }
+  out += '\'';
+}
+
+void AppendHexadecimal(std::string& out, const Identifier& bytes) {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  for (const std::uint8_t byte : bytes) Append(out, kDigits[byte >> 4], kDigits[byte & 15]);
+}
+
+// One literal of a row, in the words of an engine.
+struct Literal {
+  std::string& out;
+  Engine engine;
+
+  void operator()(std::nullptr_t) const { out += "null"; }
+  void operator()(std::int64_t number) const { Append(out, number); }
+  void operator()(double number) const {
+    char digits[32];
+    out.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+  }
+  void operator()(std::string_view text) const {
+    if (engine == Engine::SqlServer) out += 'N';
+    AppendQuoted(out, text);
+  }
+  void operator()(Moment moment) const { AppendQuoted(out, MomentText(moment)); }
+  void operator()(const Identifier& bytes) const {
+    if (engine == Engine::SqlServer) {
+      out += "0x";
+      AppendHexadecimal(out, bytes);
+    } else {
+      out += engine == Engine::Postgresql ? "'\\x" : "x'";
+      AppendHexadecimal(out, bytes);
+      out += '\'';
+    }
+  }
+};
+
+}   // namespace
+
+ScriptWriter::ScriptWriter(std::ostream& out, Engine engine) : out_(out), engine_(engine) {
+  // A backslash is a letter like any other in the texts below.
+  if (engine == Engine::Mariadb) {
+    out_ << "set names utf8mb4;\nset session sql_mode = concat(@@sql_mode, ',NO_BACKSLASH_ESCAPES');\nstart "
+            "transaction;\n";
+  } else if (engine == Engine::SqlServer) {
+    out_ << "begin transaction;\n";
+  } else {
+    out_ << "begin;\n";
+  }
+  for (const std::string& statement : TableStatements(engine)) out_ << statement << ";\n";
+}
+
+void ScriptWriter::Table(std::string_view name, std::span<const std::string_view> columns) {
+  EndStatement();
+  insert_.clear();
+  Append(insert_, "insert into ", name, " (");
+  for (std::size_t i = 0; i < columns.size(); ++i) Append(insert_, i > 0 ? ", " : "", columns[i]);
+  Append(insert_, ") values\n");
+}
+
+void ScriptWriter::Row(std::span<const Cell> cells) {
+  if (rowsInStatement_ == kRowsAStatement) EndStatement();
+  row_ = rowsInStatement_++ == 0 ? insert_ + "(" : ",\n(";
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    if (i > 0) row_ += ", ";
+    std::visit(Literal{row_, engine_}, cells[i]);
+  }
+  row_ += ')';
+  out_ << row_;
+}
+
+void ScriptWriter::EndStatement() {
+  if (rowsInStatement_ > 0) out_ << ";\n";
+  rowsInStatement_ = 0;
+}
+
+void ScriptWriter::Finish() {
+  EndStatement();
+  for (const std::string& statement : IndexStatements(engine_)) out_ << statement << ";\n";
+  out_ << (engine_ == Engine::SqlServer ? "commit transaction;\n" : "commit;\n");
+}
+
+}   // namespace kalvo::sample
