@@ -1,0 +1,114 @@
+#include "adapters/ranking/kinds.h"
+
+#include "platform/append.h"
+#include "platform/error.h"
+
+namespace kalvo::ranking {
+namespace {
+
+// clang-format off
+constexpr Kind kKinds[] = {
+// kind  of                             ranked by         age       amount
+  {1,    Subject::Mailboxes,            RankedBy::Amount},
+  {2,    Subject::Mailboxes,            RankedBy::Amount},
+  {4,    Subject::PublicFolders,        RankedBy::Amount},
+  {5,    Subject::PublicFolders,        RankedBy::Amount},
+  {6,    Subject::MailboxMessages,      RankedBy::Date},
+  {7,    Subject::PublicFolderMessages, RankedBy::Date},
+  {8,    Subject::Mailboxes,            RankedBy::Amount, Age::Old, Amount::OldMessages},
+  {9,    Subject::Mailboxes,            RankedBy::Amount, Age::Old, Amount::OldSpace},
+  {11,   Subject::PublicFolders,        RankedBy::Amount, Age::Old, Amount::OldMessages},
+  {12,   Subject::PublicFolders,        RankedBy::Amount, Age::Old, Amount::OldSpace},
+  {13,   Subject::Mailboxes,            RankedBy::Date},
+  {14,   Subject::PublicFolders,        RankedBy::Date},
+  {17,   Subject::MailboxMessages,      RankedBy::Amount},
+  {18,   Subject::MailboxMessages,      RankedBy::Amount, Age::Old},
+  {19,   Subject::PublicFolderMessages, RankedBy::Amount},
+  {20,   Subject::PublicFolderMessages, RankedBy::Amount, Age::Old},
+  {21,   Subject::Mailboxes,            RankedBy::Amount},
+  {22,   Subject::PublicFolders,        RankedBy::Amount},
+};
+
+constexpr FieldSource kMailboxFields[] = {
+  {kMailboxId,       FieldType::Text,       "d.ExchangeId"},
+  {kMailboxName,     FieldType::Text,       "m.MbName"},
+  {kMessages,        FieldType::Integer,    "m.MsgCount"},
+  {kSpace,           FieldType::Integer,    "m.MsgSize"},
+  {kModified,        FieldType::DateSerial, "d.LastModified"},
+  {kServer,          FieldType::Text,       "r.ComputerName"},
+  {kMailbox,         FieldType::Text,       "m.MbDistName"},
+};
+
+constexpr FieldSource kPublicFolderFields[] = {
+  {kPublicFolderId,   FieldType::Text,       "f.ExchangeId"},
+  {kPublicFolderName, FieldType::Text,       "f.FolderPath"},
+  {kMessages,         FieldType::Integer,    "f.MsgCount"},
+  {kSpace,            FieldType::Integer,    "f.MsgSize"},
+  {kModified,         FieldType::DateSerial, "f.LastModified"},
+  {kServer,           FieldType::Text,       "r.ComputerName"},
+  {kMailbox,          FieldType::Text,       "f.FolderPath"},
+};
+
+constexpr FieldSource kMailboxMessageFields[] = {
+  {kMailboxName,     FieldType::Text,       "m.MbName"},
+  {kMessageId,       FieldType::Text,       "e.ExchangeId"},
+  {kFolderId,        FieldType::Text,       "f.ExchangeId"},
+  {kMessageModified, FieldType::DateSerial, "e.ModifiedDate"},
+  {kMessageSize,     FieldType::Integer,    "e.MsgSize"},
+  {kServer,          FieldType::Text,       "r.ComputerName"},
+  {kMailbox,         FieldType::Text,       "m.MbDistName"},
+  {kHasAttachment,   FieldType::Integer,    "e.HasAttachment"},
+};
+
+constexpr FieldSource kPublicFolderMessageFields[] = {
+  {kPublicFolderId,   FieldType::Text,       "f.ExchangeId"},
+  {kPublicFolderName, FieldType::Text,       "f.FolderPath"},
+  {kMessageId,        FieldType::Text,       "e.ExchangeId"},
+  {kFolderId,         FieldType::Text,       "f.ExchangeId"},
+  {kMessageModified,  FieldType::DateSerial, "e.ModifiedDate"},
+  {kMessageSize,      FieldType::Integer,    "e.MsgSize"},
+  {kServer,           FieldType::Text,       "r.ComputerName"},
+  {kMailbox,          FieldType::Text,       "f.FolderPath"},
+  {kHasAttachment,    FieldType::Integer,    "e.HasAttachment"},
+};
+// clang-format on
+
+struct SubjectRow {
+  std::span<const FieldSource> fields;
+  std::string_view tables;
+};
+
+// In the order of `Subject`.
+constexpr SubjectRow kSubjects[] = {
+    {kMailboxFields,
+     "inner join EXDB_MAILBOX m on m.MailboxId = r.ItemId "
+     "left join EXDB_MAILBOXDETAIL d on d.MailboxId = m.MailboxId"},
+    {kPublicFolderFields, "inner join EXDB_PUBLICFOLDER f on f.PublicFolderId = r.ItemId"},
+    {kMailboxMessageFields,
+     "inner join EXDB_MESSAGE e on e.MessageId = r.ItemId "
+     "inner join EXDB_MAILBOX m on m.MailboxId = e.MailboxId "
+     "left join EXDB_FOLDER f on f.FolderId = e.FolderId"},
+    {kPublicFolderMessageFields,
+     "inner join EXDB_MESSAGE e on e.MessageId = r.ItemId "
+     "inner join EXDB_PUBLICFOLDER f on f.PublicFolderId = e.PublicFolderId"},
+};
+
+const SubjectRow& RowOf(Subject subject) { return kSubjects[static_cast<std::size_t>(subject)]; }
+
+}   // namespace
+
+const Kind& FindKind(std::int16_t number) {
+  for (const Kind& kind : kKinds) {
+    if (kind.number == number) return kind;
+  }
+  throw Error(codes::kFailed,
+              Built([&](std::string& out) { Append(out, "The Top-N loader has no kind ", number, "."); }));
+}
+
+std::span<const Kind> AllKinds() { return kKinds; }
+
+std::span<const FieldSource> FieldsOf(Subject subject) { return RowOf(subject).fields; }
+
+std::string_view TablesOf(Subject subject) { return RowOf(subject).tables; }
+
+}   // namespace kalvo::ranking
