@@ -11,6 +11,9 @@
 namespace kalvo {
 
 class Table;
+namespace tables {
+enum class Group : std::uint8_t;
+}
 
 // The catalogue of every report table, filled when it is made. Tables are shared: each id answers one object.
 class KalvoTableDatabase : public Object {
@@ -35,6 +38,7 @@ class KalvoTableDatabase : public Object {
   void InitializeMAPITables();
 
  private:
+  void MakeGroup(tables::Group group);
   const std::shared_ptr<Table>& Slot(std::int32_t id) const;
 
   const Platform& platform_;

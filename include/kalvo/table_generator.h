@@ -14,11 +14,14 @@ class Context;
 class Display;
 class KalvoColumnDatabase;
 class KalvoTableDatabase;
+class Listing;
+class LiveContainer;
 class Request;
 class Response;
 class ScriptingContext;
 class Server;
 class Session;
+class Trap;
 
 // What a console page makes to put a report on the page. It keeps the page's context, its display and the two
 // catalogues, each made when it is first needed, and drops them when it is dropped itself.
@@ -71,6 +74,17 @@ class KalvoforExchangeTableGenerator : public Object {
   KalvoTableDatabase& Tables();
   KalvoColumnDatabase& Columns();
   Response& PageResponse() const;
+  Request& PageRequest() const;
+  bool ResolveMailbox(Trap& trap, LiveContainer& live, std::string_view szServer, std::string& szMailbox);
+  bool ExplainUnresolved(Trap& trap, std::string_view szServer, std::string_view szMailbox);
+  bool TakeMailboxAddress(Trap& trap, LiveContainer& live, Listing& candidates, std::string_view szServer,
+                          std::string& szMailbox);
+  void WriteMailboxLink(Trap& trap, std::string_view szServer, std::string_view szMailbox);
+  bool WriteFolderById(Trap& trap, LiveContainer& live, std::string_view szServer, std::string_view szMailbox,
+                       std::string_view szFolderId);
+  void WriteContainerLinks(Trap& trap, std::string_view szServer, std::string_view szMailbox,
+                           std::string_view szContainer);
+  void Write(Trap& trap, std::string_view text);
 
   const Platform& platform_;
   std::shared_ptr<Context> context_;

@@ -80,7 +80,7 @@ class LiveContainer : public Object {
   // Forgets which mailbox each typed name was found to mean.
   virtual void ResetNameResolution() = 0;
 
-  // Of the message that the container stands on: size in bytes, dates as serials (or empty where it has none).
+  // Of the message that the container stands on: size in bytes, dates as serials, or "" where it has none.
   virtual Value MessageSubject() = 0;
   virtual Value MessageSender() = 0;
   virtual Value MessageSize() = 0;

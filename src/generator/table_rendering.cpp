@@ -1,0 +1,277 @@
+#include "generator/table_rendering.h"
+
+#include <algorithm>
+
+#include "columns/table_column.h"
+#include "datasrc/elapsed.h"
+#include "datasrc/row_source.h"
+#include "kalvo/context.h"
+#include "kalvo/display.h"
+#include "platform/append.h"
+#include "platform/page_host.h"
+
+namespace kalvo {
+
+namespace {
+
+constexpr std::string_view TypeLabel(KalvoTableType type) {
+  switch (type) {
+    case TABLETYPE_KALVODB: return "KalvoDB Table";
+    case TABLETYPE_TOPN: return "TopN Table";
+    case TABLETYPE_MAPI: return "MAPI Table";
+  }
+  return "";
+}
+
+constexpr CellLayout kHeading{.header = true, .align = "left"};
+
+RowSource& Present(const std::shared_ptr<RowSource>& source) {
+  if (!source) throw ObjectNotSet();
+  return *source;
+}
+
+}  // namespace
+
+void TableRendering::Write(std::string_view text) {
+  trap_([&] { response_.Write(text); });
+}
+
+// Makes a piece and writes it. A piece that fails leaves nothing behind, and what was reported while it was made
+// stands before it.
+template <typename Maker>
+void TableRendering::WriteMade(Maker&& maker) {
+  cell_.clear();
+  if (trap_([&] { maker(cell_); })) Write(cell_);
+}
+
+// ---- the whole table ------------------------------------------------------------------------------------
+
+void TableRendering::Render(std::string_view emptyMessage, std::string_view tableName) {
+  StartTable();
+  if (!Open()) return;
+  WriteMade([&](std::string& out) { Append(out, kCrLf, "<a name=\"", table_.bookmark_, "\"></a>", kCrLf); });
+  if (!tableName.empty()) WriteTitle(tableName);
+
+  trap_([&] { page_.records = Present(source_).RecordCount(); });
+  if (page_.records == 0) {
+    // Kept: the source of an empty table is not closed; it goes with the rendering.
+    WriteMade([&](std::string& out) { Append(out, "<p><em>", emptyMessage, "</em></p>", kCrLf); });
+    return;
+  }
+  ChoosePage();
+  if (page_.IsPaged()) {
+    table_.showEntries_ = true;
+    if (!trap_([&] { AppendNavigationRow(navigationRow_); })) navigationRow_.clear();
+  }
+  if (table_.showEntries_ || table_.showLastScan_) WriteEntries();
+  WriteMade([&](std::string& out) { display_.AppendDetailTableStart(out, table_.bookmark_); });
+  if (page_.IsPaged()) Write(navigationRow_);
+  WriteWarning();
+
+  const Elapsed elapsed(table_.platform_);
+  MoveToFirstRow();
+  WriteRows();
+  trap_([&] { context_.Trace("Time", [&](std::string& out) { out += elapsed.Report("Table render"); }); });
+  if (page_.IsPaged()) Write(navigationRow_);
+  WriteMade([&](std::string& out) { display_.AppendDetailTableEnd(out); });
+  trap_([&] { Present(source_).CloseDS(); });
+}
+
+void TableRendering::StartTable() {
+  std::int16_t index = 0;
+  trap_([&] { index = context_.IncrementTableIndex(); });
+  trap_([&] {
+    context_.TraceTable([&](std::string& out) {
+      Append(out, "<p>Table Index: ", index, " (", TypeLabel(table_.type_), ")</p>");
+    });
+  });
+  table_.bookmark_ = Built([&](std::string& out) { Append(out, context_.TableIndex(), "chart"); });
+}
+
+bool TableRendering::Open() {
+  std::int16_t status = 0;
+  trap_([&] { source_ = table_.GetDataSrc(context_); });
+  trap_([&] { status = Present(source_).OpenDS(); });
+  if (status == 0) return true;
+  trap_([&] { context_.FailureMessage("Failure retrieving the table information.", false); });
+  return false;
+}
+
+void TableRendering::ChoosePage() {
+  std::int16_t first = 0;
+  std::int16_t size = 0;
+  trap_([&] { size = context_.TablePageSizeInformation(); });
+  trap_([&] { first = context_.TableFirstRowInformation(); });
+  page_ = Paging::Of(page_.records, size, first);
+}
+
+// ---- above the rows -------------------------------------------------------------------------------------
+
+void TableRendering::WriteTitle(std::string_view tableName) {
+  Write("<table border=\"0\">\r\n<tr>");
+  WriteMade([&](std::string& out) { display_.AppendCell(out, tableName, kHeading); });
+  Write("</tr></table>\r\n");
+}
+
+void TableRendering::WriteEntries() {
+  Write("<table border=\"0\">\r\n<tr>");
+  if (table_.showEntries_) {
+    WriteMade([&](std::string& out) {
+      display_.AppendCell(out, "Number of Entries:", kHeading);
+      display_.AppendCell(out, std::to_string(page_.records), kHeading);
+      display_.AppendCell(out, "");
+    });
+  }
+  Write("</tr>\r\n");
+  if (page_.IsPaged()) {
+    WriteMade([&](std::string& out) {
+      out += "<tr>";
+      display_.AppendCell(out, "Displaying Entries:", kHeading);
+      const std::string shown = Built([&](std::string& text) { Append(text, page_.first, " - ", page_.last); });
+      display_.AppendCell(out, shown, kHeading);
+      Append(out, "</tr>", kCrLf);
+    });
+  } else {
+    trap_([&] {
+      context_.TraceTable([&](std::string& out) {
+        Append(out, "<p>First: ", page_.first, "; Last: ", page_.last, "</p>");
+      });
+    });
+  }
+  Write("</table>\r\n");
+}
+
+void TableRendering::WriteWarning() {
+  bool administrator = false;
+  trap_([&] { administrator = context_.KalvoAdministrator(); });
+  if (!administrator || !table_.isForm_) return;
+  WriteMade([&](std::string& out) {
+    AppendWideRow(out,
+                  page_.IsPaged() ? "WARNING: Sorting/paging will lose unsubmitted changes"
+                                  : "WARNING: Sorting will lose unsubmitted changes",
+                  "left");
+  });
+}
+
+// A row of one header cell that is as wide as the table has columns, hidden ones included.
+void TableRendering::AppendWideRow(std::string& out, std::string_view content, std::string_view align) {
+  const std::string span = table_.columns_.size() > 1 ? std::to_string(table_.columns_.size()) : std::string();
+  display_.AppendTableRowStart(out);
+  display_.AppendCell(out, content, {.header = true, .columnSpan = span, .align = align});
+  display_.AppendTableRowEnd(out);
+}
+
+// ---- paging ---------------------------------------------------------------------------------------------
+
+void TableRendering::AppendNavigationRow(std::string& out) {
+  std::string left, right;
+  AppendPagingLinks(left, right);
+  const std::string inner = Built([&](std::string& table) {
+    table += "<table border=\"0\" width=\"100%\">";
+    display_.AppendTableRowStart(table);
+    display_.AppendCell(table, left, {.align = "left", .noWrap = true});
+    display_.AppendCell(table, right, {.align = "right", .noWrap = true});
+    display_.AppendTableRowEnd(table);
+    table += "</table>";
+  });
+  AppendWideRow(out, inner, "center");
+}
+
+// The links to other pages carry the page size as the request has it. A part whose making fails is left out.
+void TableRendering::AppendPagingLinks(std::string& left, std::string& right) {
+  const auto part = [&](std::string& out, auto&& maker) {
+    const auto start = out.size();
+    if (!trap_([&] { maker(out); })) out.resize(start);
+  };
+  if (!page_.StartsAtFirst()) {
+    part(left, [&](std::string& out) {
+      AppendPagingLink(out, "First", 1, context_.TablePageSizeInformation());
+      out += ' ';
+      AppendPagingLink(out, "Previous", std::max(page_.first - page_.size, std::int32_t{1}),
+                       context_.TablePageSizeInformation());
+    });
+  }
+  if (!page_.EndsAtLast()) {
+    part(right, [&](std::string& out) {
+      AppendPagingLink(out, "Next", page_.last + 1, context_.TablePageSizeInformation());
+      out += ' ';
+      AppendPagingLink(out, "Last", -1, context_.TablePageSizeInformation());
+    });
+  }
+  if (page_.size < kLargestPageSize) {
+    part(right, [&](std::string& out) {
+      out += ' ';
+      AppendPagingLink(out, "All", 1, kLargestPageSize);
+    });
+  }
+}
+
+void TableRendering::AppendPagingLink(std::string& out, std::string_view image, std::int32_t first,
+                                      std::int32_t size) {
+  const std::string link =
+      context_.TableURL(context_.TableSortFieldInformation(), context_.TableSortOrderInformation(),
+                        std::to_string(first), std::to_string(size));
+  const std::string content = Built([&](std::string& text) {
+    Append(text, "<img src=\"../Images/Controls/", image, ".gif\" height=\"31\" width=\"40\" border=\"0\">");
+  });
+  display_.AppendAnchor(out, link, table_.bookmark_, "", content);
+}
+
+// ---- rows -----------------------------------------------------------------------------------------------
+
+void TableRendering::MoveToFirstRow() {
+  trap_([&] { Present(source_).MoveFirst(); });
+  for (std::int32_t row = 1; row < page_.first; ++row) {
+    trap_([&] { Present(source_).MoveNext(); });
+  }
+}
+
+void TableRendering::WriteRows() {
+  std::int32_t row = std::max(page_.first, std::int32_t{1});
+  for (Phase phase = Phase::Header; phase != Phase::Done;) {
+    bool firstCell = true;
+    WriteMade([&](std::string& out) { display_.AppendTableRowStart(out); });
+    WriteRow(phase, firstCell);
+    phase = NextPhase(phase, row);
+    WriteMade([&](std::string& out) { display_.AppendTableRowEnd(out); });
+  }
+}
+
+void TableRendering::WriteRow(Phase phase, bool& firstCell) {
+  for (const std::int16_t id : table_.columns_) {
+    trap_([&] { column_ = columns_.Column(id); });
+    WriteMade([&](std::string& out) {
+      if (!column_) throw ObjectNotSet();
+      switch (phase) {
+        case Phase::Header: column_->AppendHeader(out, context_, display_); break;
+        case Phase::Data: column_->AppendData(out, context_, display_, Present(source_)); break;
+        case Phase::Totals: column_->AppendTotal(out, context_, display_, Present(source_), firstCell); break;
+        case Phase::Done: break;
+      }
+    });
+  }
+}
+
+// The rows end by their count alone; no source is asked whether it has reached its end.
+TableRendering::Phase TableRendering::NextPhase(Phase phase, std::int32_t& row) {
+  switch (phase) {
+    case Phase::Header: return Phase::Data;
+    case Phase::Data:
+      trap_([&] { Present(source_).MoveNext(); });
+      ++row;
+      return row > page_.last ? AfterData() : Phase::Data;
+    case Phase::Totals:
+    case Phase::Done: break;
+  }
+  return Phase::Done;
+}
+
+TableRendering::Phase TableRendering::AfterData() {
+  if (table_.totalsState_ != table_ShowTotals) return Phase::Done;
+  // A source that cannot be asked has no totals either.
+  std::int16_t status = -1;
+  trap_([&] { status = Present(source_).MoveTotals(); });
+  return status == 0 ? Phase::Totals : Phase::Done;
+}
+
+}  // namespace kalvo

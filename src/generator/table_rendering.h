@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "generator/paging.h"
+#include "kalvo/table.h"
+#include "platform/error.h"
+
+namespace kalvo {
+
+class ColumnCatalogue;
+class Context;
+class Display;
+class Response;
+class RowSource;
+class TableColumn;
+
+// One rendering of a table: everything that belongs to it and not to the table. A step that fails is skipped, and
+// a value that it did not deliver keeps what it had.
+class TableRendering {
+ public:
+  TableRendering(Table& table, Context& context, Response& response, Display& display, ColumnCatalogue& columns)
+      : table_(table), context_(context), response_(response), display_(display), columns_(columns) {}
+
+  void Render(std::string_view emptyMessage, std::string_view tableName);
+
+ private:
+  enum class Phase : std::uint8_t { Header, Data, Totals, Done };
+
+  void StartTable();
+  bool Open();
+  void WriteTitle(std::string_view tableName);
+  void ChoosePage();
+  void WriteEntries();
+  void WriteWarning();
+  void MoveToFirstRow();
+  void WriteRows();
+  void WriteRow(Phase phase, bool& firstCell);
+  Phase NextPhase(Phase phase, std::int32_t& row);
+  Phase AfterData();
+
+  void AppendNavigationRow(std::string& out);
+  void AppendPagingLink(std::string& out, std::string_view image, std::int32_t first, std::int32_t size);
+  void AppendPagingLinks(std::string& left, std::string& right);
+  void AppendWideRow(std::string& out, std::string_view content, std::string_view align);
+  void Write(std::string_view text);
+  template <typename Maker>
+  void WriteMade(Maker&& maker);
+
+  Table& table_;
+  Context& context_;
+  Response& response_;
+  Display& display_;
+  ColumnCatalogue& columns_;
+  Trap trap_;
+  std::shared_ptr<RowSource> source_;
+  TableColumn* column_ = nullptr;   // of the cell under way; the one before it where the catalogue failed
+  std::string cell_;                // the piece of HTML under way
+  Paging page_;
+  std::string navigationRow_;
+};
+
+}  // namespace kalvo
