@@ -1,0 +1,37 @@
+#include "adapters/mail/errors.h"
+
+#include <utility>
+
+#include "platform/append.h"
+
+namespace kalvo::mail {
+
+namespace {
+
+Error Named(std::int32_t number, std::string_view before, std::string_view name, std::string_view after) {
+  return Error(number, Built([&](std::string& out) { Append(out, before, "\"", name, "\"", after); }));
+}
+
+}   // namespace
+
+Error NoSuchFolder(std::string_view what) { return Error(codes::kNoSuchFolder, std::string(what)); }
+
+Error NoSuchMailbox(std::string_view name) {
+  return Named(codes::kNoSuchMailbox, "There is no mailbox ", name, " on this server.");
+}
+
+Error NoSuchServer(std::string_view name) {
+  return Named(codes::kNoSuchMailbox, "There is no mail server ", name, ".");
+}
+
+Error NoSuchMessage() { return Error(kNotFound, "The message does not exist any more."); }
+
+Error AmbiguousMailbox(std::string_view name) {
+  return Named(codes::kAmbiguousName, "The name ", name, " matches several mailboxes.");
+}
+
+Error UnknownField(std::string_view name) { return Named(codes::kFailed, "The listing has no field ", name, "."); }
+
+Error StoreFailed(std::string description) { return Error(codes::kFailed, std::move(description)); }
+
+}   // namespace kalvo::mail

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "adapters/mail/mail_store.h"
+#include "platform/value.h"
+
+namespace kalvo::mail {
+
+// Text from a message or a folder name, fit to be shown: well-formed UTF-8 (each bad byte becomes U+FFFD), control
+// characters and line ends as one blank, no blanks around it, cut after 500 characters with an ellipsis.
+std::string CleanText(std::string_view raw);
+
+// "Bob <bob@example.com>", or whichever of the two there is. Decoded, not yet cleaned.
+std::string SenderText(std::string_view name, std::string_view address);
+
+// Whether a leaf part of a message counts as an attachment: it has a file name, is marked as one, or is no text.
+// Words are matched without regard to case.
+bool IsAttachment(std::string_view type, std::string_view disposition, bool hasFileName);
+
+// The name that an attachment is listed by, cleaned: its file name without folders, else its media type.
+std::string AttachmentName(std::string_view fileName, std::string_view type, std::string_view subtype);
+
+// Seconds since 1970 as a date of the host's time zone; empty for none and for years that no date has.
+Value DateValue(std::optional<std::int64_t> seconds);
+
+// A path text: names separated by backslashes; leading, trailing and doubled ones count for nothing.
+FolderPath ParsePath(std::string_view path);
+std::string PathText(const FolderPath& path);
+
+// A folder name in the modified UTF-7 of mail stores, and back. Writing also encodes "." and "/" (which separate
+// folders in stores) and control characters. Reading takes UTF-8 as it is, and a text that is neither as it stands.
+std::string ToModifiedUtf7(std::string_view utf8);
+std::string FromModifiedUtf7(std::string_view name);
+
+}   // namespace kalvo::mail
