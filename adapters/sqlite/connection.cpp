@@ -1,0 +1,72 @@
+#include "adapters/sqlite/connection.h"
+
+#include "adapters/sql/diagnostics.h"
+#include "adapters/sql/shape.h"
+#include "adapters/sqlite/diagnostics.h"
+#include "adapters/sqlite/guard.h"
+#include "adapters/sqlite/record_set.h"
+
+namespace kalvo::sqlite {
+
+namespace {
+
+constexpr int kStepsBetweenLooks = 1000;   // of SQLite's machine, between two looks at the deadline
+constexpr int kLongestValue = 64 << 20;    // in bytes; longer ones fail
+constexpr int kOpenFlags = SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE;
+
+void Harden(sqlite3* connection) {
+  sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+  sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0, nullptr);
+  sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, kLongestValue);
+  AllowReadingOnly(connection);
+}
+
+}   // namespace
+
+Session::Session(const std::string& file, const Options& options, const Locale& locale)
+    : options_(options), locale_(locale) {
+  sqlite3* opened = nullptr;
+  const int result = sqlite3_open_v2(file.c_str(), &opened, kOpenFlags, nullptr);
+  connection_.reset(opened);
+  if (!opened) throw sql::ConnectionError("HY001", "out of memory");
+  if (result != SQLITE_OK) throw LastError(opened);
+  sqlite3_busy_timeout(opened, static_cast<int>(options_.busyTimeout.count()));
+  sqlite3_progress_handler(opened, kStepsBetweenLooks, &Session::Progress, this);
+  Harden(opened);
+  ReadOnce();
+}
+
+// SQLite looks into the file no sooner than at the first statement; whether it is a database belongs to opening it.
+void Session::ReadOnce() {
+  StartTimeLimit();
+  const Statement statement = Prepare("select count(*) from sqlite_schema");
+  Step(statement.get());
+}
+
+Statement Session::Prepare(std::string_view sql) {
+  sqlite3_stmt* prepared = nullptr;
+  const auto size = static_cast<int>(sql.size());
+  if (sqlite3_prepare_v2(connection_.get(), sql.data(), size, &prepared, nullptr) != SQLITE_OK) {
+    throw LastError(connection_.get());
+  }
+  if (!prepared) throw sql::DatabaseError("42000", "The statement is empty.");
+  return Statement(prepared);
+}
+
+bool Session::Step(sqlite3_stmt* statement) {
+  const int result = sqlite3_step(statement);
+  if (result == SQLITE_ROW) return true;
+  if (result == SQLITE_DONE) return false;
+  if (result == SQLITE_INTERRUPT) throw sql::TimeoutError(std::chrono::duration<double>(options_.timeLimit).count());
+  throw LastError(connection_.get());
+}
+
+int Session::Progress(void* session) { return Clock::now() > static_cast<Session*>(session)->deadline_; }
+
+std::unique_ptr<RecordSet> SqliteConnection::Execute(const Batch& batch) {
+  if (!session_) throw sql::ConnectionError("08003", "The connection is closed.");
+  return std::make_unique<SqliteRecordSet>(session_, sql::StatementQueue(sql::CheckedStatements(batch)));
+}
+
+}   // namespace kalvo::sqlite

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+
+#include "adapters/sqlite/heap.h"
+#include "platform/database.h"
+#include "platform/locale.h"
+
+namespace kalvo::sqlite {
+
+struct Options {
+  std::chrono::milliseconds timeLimit{15000};    // for running one statement, and for fetching its rows
+  std::chrono::milliseconds busyTimeout{5000};   // how long a writer of the file is waited for
+  std::size_t heapLimit = kHeapLimit;            // of all of the process's SQLite connections together
+};
+
+// The reporting database in one SQLite file. Every data source name opens this file, read-only, on a connection
+// that reads and calls plain functions and nothing else. A file that is missing or is none of SQLite's fails with
+// 0x80004005; none is ever created. A connection is used by one thread at a time.
+class SqliteDatabase final : public Database {
+ public:
+  // `file` is a path. `locale` outlives the database.
+  explicit SqliteDatabase(std::string file, const Options& options = {}, const Locale& locale = kEnglishUnitedStates);
+
+  std::unique_ptr<Connection> Connect(std::string_view dataSource) override;
+
+ private:
+  std::string file_;
+  Options options_;
+  const Locale& locale_;
+};
+
+}   // namespace kalvo::sqlite
