@@ -1,0 +1,44 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <string_view>
+
+#include "platform/database.h"
+#include "platform/error.h"
+#include "platform/locale.h"
+
+namespace kalvo::odbc {
+
+template <short Type>
+class Handle;
+
+struct Options {
+  std::chrono::milliseconds timeLimit{15000};    // for running one statement, and for fetching its rows
+  std::chrono::milliseconds loginLimit{10000};   // for connecting, where the driver obeys
+};
+
+// The reporting database behind an ODBC data source. Where sources lie is the ODBC configuration's business
+// (`ODBCINI`, `ODBCSYSINI`, the system's files). Each connection is used by one thread at a time; any number of
+// them may be open. Nothing is opened before the first `Connect`, so a process may fork before that.
+class OdbcDatabase final : public Database {
+ public:
+  // `locale` outlives the database.
+  explicit OdbcDatabase(const Options& options = {}, const Locale& locale = kEnglishUnitedStates);
+  ~OdbcDatabase() override;
+
+  // A connection that only reads, where the database offers that: SQLite under the guard, PostgreSQL and MariaDB
+  // in read-only transactions. Fails with 0x80004005.
+  std::unique_ptr<Connection> Connect(std::string_view dataSource) override;
+
+ private:
+  std::shared_ptr<Handle<1>> Environment();   // SQL_HANDLE_ENV
+
+  Options options_;
+  const Locale& locale_;
+  std::mutex mutex_;
+  std::shared_ptr<Handle<1>> environment_;   // made by the first connection
+};
+
+}   // namespace kalvo::odbc

@@ -1,0 +1,48 @@
+#include "adapters/odbc/record_set.h"
+
+#include "adapters/sql/diagnostics.h"
+#include "adapters/sql/shape.h"
+
+namespace kalvo::odbc {
+
+OdbcRecordSet::OdbcRecordSet(std::shared_ptr<Session> session, const sql::StatementQueue& statements)
+    : session_(std::move(session)),
+      following_(statements.Rest()),
+      cursor_(std::make_unique<Cursor>(session_, statements.Front())),
+      isEmpty_(cursor_->IsEmpty()) {}
+
+Cursor& OdbcRecordSet::OpenCursor() const {
+  if (!cursor_) throw ObjectNotSet();
+  return *cursor_;
+}
+
+std::int32_t OdbcRecordSet::FieldCount() { return static_cast<std::int32_t>(OpenCursor().Columns().size()); }
+
+std::string OdbcRecordSet::FieldName(std::int32_t i) {
+  if (i < 0 || i >= FieldCount()) throw SubscriptOutOfRange();
+  return cursor_->Columns()[static_cast<std::size_t>(i)].name;
+}
+
+const Rows& OdbcRecordSet::GetRows() {
+  if (!rows_) rows_ = OpenCursor().FetchAll();
+  return *rows_;
+}
+
+std::unique_ptr<RecordSet> OdbcRecordSet::NextRecordset() {
+  OpenCursor();
+  return std::make_unique<OdbcRecordSet>(session_, following_);
+}
+
+void OdbcRecordSet::Close() {
+  OpenCursor();
+  rows_.reset();
+  cursor_.reset();
+  session_.reset();
+}
+
+std::unique_ptr<RecordSet> OdbcConnection::Execute(const Batch& batch) {
+  if (!session_) throw sql::ConnectionError("08003", "The connection is closed.");
+  return std::make_unique<OdbcRecordSet>(session_, sql::StatementQueue(sql::CheckedStatements(batch)));
+}
+
+}   // namespace kalvo::odbc

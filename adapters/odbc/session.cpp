@@ -1,0 +1,130 @@
+#include "adapters/odbc/session.h"
+
+#include <odbcinst.h>
+
+#include "adapters/odbc/diagnostics.h"
+#include "adapters/sql/diagnostics.h"
+#include "platform/append.h"
+#include "platform/conversion.h"
+
+namespace kalvo::odbc {
+
+namespace {
+
+constexpr std::chrono::seconds kGrace{1};   // the server's own limit is a backstop behind the watchdog's
+
+struct EngineName {
+  std::string_view part;   // of the name that the driver gives the database
+  Engine engine;
+};
+
+// The limit of a statement's time stands for "%", in milliseconds or in seconds.
+struct SetUpStatement {
+  Engine engine;
+  std::string_view sql;
+  int timeUnits;   // in a second
+};
+
+// clang-format off
+constexpr EngineName kEngines[] = {
+  {"sqlite",     Engine::Sqlite},
+  {"postgresql", Engine::PostgreSql},
+  {"mariadb",    Engine::MariaDb},
+  {"mysql",      Engine::MariaDb},
+};
+constexpr SetUpStatement kSetUp[] = {
+  {Engine::PostgreSql, "set standard_conforming_strings = on", 1},
+  {Engine::PostgreSql, "set statement_timeout = %", 1000},
+  {Engine::PostgreSql, "set default_transaction_read_only = on", 1},
+  // A backslash is a character like any other, and "x" is a name as everywhere else.
+  {Engine::MariaDb,    "set session sql_mode = concat(@@sql_mode, ',NO_BACKSLASH_ESCAPES,ANSI_QUOTES')", 1},
+  {Engine::MariaDb,    "set session max_statement_time = %", 1},
+  {Engine::MariaDb,    "set session transaction read only", 1},
+};
+// clang-format on
+
+std::string ConfiguredValue(const std::string& section, const char* key, const char* file) {
+  char value[1024] = "";
+  SQLGetPrivateProfileString(section.c_str(), key, "", value, sizeof value, file);
+  return value;
+}
+
+bool HasSqliteDriver(const std::string& dataSource) {
+  const std::string driver = ConfiguredValue(dataSource, "Driver", "odbc.ini");
+  const std::string library = driver.empty() ? "" : ConfiguredValue(driver, "Driver", "odbcinst.ini");
+  return ToLower(driver + library).find("sqlite") != std::string::npos;
+}
+
+// SQLite's driver would otherwise create a file that is missing, and wait 100 seconds for a writer.
+std::string ConnectionString(std::string_view dataSource) {
+  if (dataSource.find_first_of(";={}[]") != dataSource.npos) {
+    throw sql::ConnectionError("IM002", "A data source name holds none of ; = { } [ ].");
+  }
+  const std::string name(dataSource);
+  std::string out;
+  Append(out, "DSN=", name);
+  if (HasSqliteDriver(name)) {
+    Append(out, ";NoCreat=1");
+    if (ConfiguredValue(name, "Timeout", "odbc.ini").empty()) Append(out, ";Timeout=5000");
+  }
+  return out;
+}
+
+}   // namespace
+
+Session::Session(std::shared_ptr<EnvironmentHandle> environment, std::string_view dataSource, const Options& options,
+                 const Locale& locale)
+    : options_(options), locale_(locale), environment_(std::move(environment)), connection_(environment_->Get()) {
+  if (!connection_.Get()) throw sql::ConnectionError("HY001", "There is no memory for a connection.");
+  const auto loginSeconds = std::chrono::ceil<std::chrono::seconds>(options_.loginLimit).count();
+  SQLSetConnectAttr(connection_.Get(), SQL_ATTR_LOGIN_TIMEOUT, reinterpret_cast<SQLPOINTER>(loginSeconds), 0);
+  const std::string connecting = ConnectionString(dataSource);
+  CheckConnection(
+      SQLDriverConnect(connection_.Get(), nullptr, Bytes(connecting), static_cast<SQLSMALLINT>(connecting.size()),
+                       nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT),
+      connection_.Get());
+  engine_ = FindEngine();
+  try {
+    SetUp();
+  } catch (...) {
+    SQLDisconnect(connection_.Get());
+    throw;
+  }
+}
+
+Session::~Session() { SQLDisconnect(connection_.Get()); }
+
+void Session::ThrowTimeout() const {
+  throw sql::TimeoutError(std::chrono::duration<double>(options_.timeLimit).count());
+}
+
+Engine Session::FindEngine() const {
+  char name[128] = "";
+  SQLSMALLINT length = 0;
+  SQLGetInfo(connection_.Get(), SQL_DBMS_NAME, name, sizeof name, &length);
+  const std::string lower = ToLower(name);
+  for (const auto& row : kEngines) {
+    if (lower.find(row.part) != lower.npos) return row.engine;
+  }
+  return Engine::Other;
+}
+
+void Session::SetUp() {
+  for (const auto& row : kSetUp) {
+    if (row.engine != engine_) continue;
+    std::string statement(row.sql);
+    if (const auto limit = statement.find('%'); limit != statement.npos) {
+      const auto seconds = std::chrono::ceil<std::chrono::seconds>(options_.timeLimit + kGrace).count();
+      statement.replace(limit, 1, std::to_string(seconds * row.timeUnits));
+    }
+    Run(statement);
+  }
+}
+
+void Session::Run(const std::string& text) {
+  const StatementHandle statement(connection_.Get());
+  if (!statement.Get()) throw sql::ConnectionError("HY001", "There is no memory for a statement.");
+  CheckStatement(SQLExecDirect(statement.Get(), Bytes(text), static_cast<SQLINTEGER>(text.size())), statement.Get());
+}
+
+}   // namespace kalvo::odbc
