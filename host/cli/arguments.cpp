@@ -1,0 +1,106 @@
+#include "host/cli/arguments.h"
+
+#include <CLI/CLI.hpp>
+
+namespace kalvo::host {
+namespace {
+
+using NamedValues = std::vector<std::pair<std::string, std::string>>;
+
+// "NAME=VALUE", once for each time the option is given; the first "=" ends the name.
+void AddNamed(CLI::App& app, const std::string& option, NamedValues& values, const std::string& form,
+              const std::string& help) {
+  const auto take = [option, form, &values](const std::string& word) {
+    const auto end = word.find('=');
+    if (end == 0 || end == std::string::npos) throw CLI::ValidationError(option, "takes " + form + ", not " + word);
+    values.emplace_back(word.substr(0, end), word.substr(end + 1));
+  };
+  app.add_option_function<std::string>(option, take, help)
+      ->type_name(form)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->trigger_on_parse();
+}
+
+void AddPage(CLI::App& app, PageArguments& page) {
+  app.add_option("PAGE", page.page, "the page's file")->required();
+  app.add_option("--root", page.root, "the site's root folder (default: the page's own folder)")->type_name("DIR");
+  app.add_option("--url", page.url, "the page's address (default: \"/\" and the page's path below the root)")
+      ->type_name("PATH");
+  app.add_option("--query", page.query, "the query string, without \"?\"")->type_name("TEXT");
+  app.add_option("--form", page.form, "a posted form, URL-encoded; makes the request a POST")->type_name("TEXT");
+  app.add_option("--logon", page.logon, "the user's logon name")->type_name("NAME");
+  AddNamed(app, "--session", page.session, "NAME=VALUE", "a session value; may be repeated");
+  AddNamed(app, "--static", page.statics, "NAME=FILE.js",
+           "a session static object: what the script evaluates to; may be repeated");
+  app.add_option("--database", page.database, "where \"KalvoDB\" points: sqlite:FILE, or odbc")
+      ->type_name("URL")
+      ->capture_default_str();
+  app.add_option("--mail", page.mail, "gives the session its mailboxes: maildir:DIR or imap://HOST:PORT")
+      ->type_name("URL");
+  app.add_option("--locale", page.locale, "how numbers and dates are written")
+      ->type_name("NAME")
+      ->capture_default_str();
+  app.add_flag("--headers", page.headers, "print the status line and the headers before the body");
+  app.add_option("--time-limit", page.timeLimit, "seconds the page may take")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.01, 86400.0))
+      ->capture_default_str();
+  app.add_option("--memory-limit", page.memoryLimit, "memory the page's script may take")
+      ->type_name("MIB")
+      ->check(CLI::Range(1u, 65536u))
+      ->capture_default_str();
+}
+
+void AddServe(CLI::App& app, ServeArguments& serve) {
+  app.add_option("--config", serve.config, "the settings' file")->type_name("FILE");
+  app.add_option("--listen", serve.listen, "where browsers connect")->type_name("ADDRESS:PORT");
+  app.add_option("--site", serve.site, "the site's root folder")->type_name("DIR");
+  app.add_option("--workers", serve.workers, "how many pages run at a time")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1024));
+}
+
+void AddSample(CLI::App& app, SampleArguments& sample) {
+  app.add_option("--out", sample.out, "the folder that receives kalvo.db; made when it is not there")
+      ->type_name("DIR")
+      ->required();
+  app.add_option("--size", sample.size, "how large the organization is")
+      ->check(CLI::IsMember({"small", "medium", "large"}))
+      ->capture_default_str();
+  app.add_option("--seed", sample.seed, "the same number makes the same data")->type_name("N")->capture_default_str();
+}
+
+void AddCheck(CLI::App& app, CheckArguments& check) {
+  app.add_option("--config", check.config, "the settings' file")->type_name("FILE");
+}
+
+}   // namespace
+
+std::variant<Arguments, int> ParseArguments(int count, char** words) {
+  CLI::App app("Report tables for the console of a mail storage manager.", "kalvo");
+  app.require_subcommand(1);
+  PageArguments page;
+  ServeArguments serve;
+  SampleArguments sample;
+  CheckArguments check;
+  CLI::App* runPage = app.add_subcommand("page", "Run one page and print it");
+  CLI::App* runServe = app.add_subcommand("serve", "Serve the console");
+  CLI::App* runSample = app.add_subcommand("sample", "Make sample data");
+  CLI::App* runCheck = app.add_subcommand("check", "Check the reporting database");
+  AddPage(*runPage, page);
+  AddServe(*runServe, serve);
+  AddSample(*runSample, sample);
+  AddCheck(*runCheck, check);
+
+  try {
+    app.parse(count, words);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kDone : kWrongUsage;
+  }
+  if (runPage->parsed()) return Arguments(std::move(page));
+  if (runServe->parsed()) return Arguments(std::move(serve));
+  if (runSample->parsed()) return Arguments(std::move(sample));
+  return Arguments(std::move(check));
+}
+
+}   // namespace kalvo::host

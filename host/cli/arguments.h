@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace kalvo::host {
+
+struct PageArguments {
+  std::string page;
+  std::string root;
+  std::optional<std::string> url;
+  std::string query;
+  std::optional<std::string> form;
+  std::string logon;
+  std::vector<std::pair<std::string, std::string>> session;   // name and value
+  std::vector<std::pair<std::string, std::string>> statics;   // name and file
+  std::string database = "odbc";
+  std::string mail;
+  std::string locale = "en-US";
+  bool headers = false;
+  double timeLimit = 30;             // seconds
+  std::uint32_t memoryLimit = 256;   // MiB
+};
+
+struct ServeArguments {
+  std::optional<std::string> config;
+  std::optional<std::string> listen;
+  std::optional<std::string> site;
+  std::optional<int> workers;
+};
+
+struct SampleArguments {
+  std::string out;
+  std::string size = "small";
+  std::uint64_t seed = 1;
+};
+
+struct CheckArguments {
+  std::optional<std::string> config;
+};
+
+using Arguments = std::variant<PageArguments, ServeArguments, SampleArguments, CheckArguments>;
+
+// Exit codes of every sub-command.
+inline constexpr int kDone = 0;
+inline constexpr int kFailed = 1;
+inline constexpr int kWrongUsage = 2;
+
+// Reads a command line: what to run, or the code to exit with at once, after the help or what is wrong with the
+// line has been printed.
+std::variant<Arguments, int> ParseArguments(int count, char** words);
+
+}   // namespace kalvo::host

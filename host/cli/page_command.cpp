@@ -1,0 +1,104 @@
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+#include "host/cli/arguments.h"
+#include "host/cli/commands.h"
+#include "host/parts/memory_session.h"
+#include "host/parts/parts.h"
+#include "host/parts/setting_error.h"
+#include "host/script/page.h"
+#include "platform/append.h"
+
+namespace kalvo::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Standard output. A reader that went away ends the page.
+class OutputSink : public PageSink {
+ public:
+  explicit OutputSink(bool headers) : headers_(headers) {}
+
+  void Head(const PageHead& head) override {
+    if (!headers_) return;
+    std::string text;
+    Append(text, "HTTP/1.1 ", head.status, ' ', head.reason, kCrLf, "Content-Type: ", head.contentType, kCrLf);
+    for (const auto& [name, value] : head.headers) Append(text, name, ": ", value, kCrLf);
+    Append(text, kCrLf);
+    Put(text);
+  }
+
+  void Body(std::string_view bytes) override { Put(bytes); }
+
+ private:
+  static void Put(std::string_view bytes) {
+    if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size() || std::fflush(stdout) != 0) {
+      throw std::runtime_error("standard output cannot be written");
+    }
+  }
+
+  bool headers_;
+};
+
+struct PagePlace {
+  fs::path root;
+  std::string page;   // its path below the root
+};
+
+PagePlace Locate(const PageArguments& arguments) {
+  const fs::path page = fs::weakly_canonical(arguments.page);
+  if (arguments.root.empty()) return {page.parent_path(), page.filename().string()};
+  if (!fs::is_directory(arguments.root)) throw SettingError("--root " + arguments.root + " is no folder");
+  const fs::path root = fs::canonical(arguments.root);
+  const auto isBelow = [&root](const fs::path& path) {
+    const fs::path relative = path.lexically_relative(root);
+    return !relative.empty() && *relative.begin() != "..";
+  };
+  // A page may be named from here or from the root.
+  if (isBelow(page)) return {root, page.lexically_relative(root).generic_string()};
+  const fs::path fromRoot = fs::weakly_canonical(root / fs::path(arguments.page).relative_path());
+  if (isBelow(fromRoot) && fs::exists(fromRoot)) return {root, fromRoot.lexically_relative(root).generic_string()};
+  throw SettingError(arguments.page + " is not below --root " + arguments.root);
+}
+
+PageRequest MakeRequest(const PageArguments& arguments, const PagePlace& place) {
+  PageRequest request;
+  request.method = arguments.form ? "POST" : "GET";
+  request.url = arguments.url.value_or("/" + place.page);
+  request.queryString = arguments.query;
+  request.form = arguments.form.value_or("");
+  request.logonName = arguments.logon;
+  return request;
+}
+
+PageOptions MakeOptions(const PageArguments& arguments) {
+  PageOptions options;
+  options.limits = {arguments.timeLimit, arguments.memoryLimit};
+  for (const auto& [name, file] : arguments.statics) {
+    std::ifstream in(file, std::ios::binary);
+    if (!in) throw SettingError("--static " + name + ": " + file + " cannot be read");
+    options.statics.push_back({name, file, std::string(std::istreambuf_iterator<char>(in), {})});
+  }
+  return options;
+}
+
+}   // namespace
+
+int RunPage(const PageArguments& arguments) {
+  const PagePlace place = Locate(arguments);
+  const PageOptions options = MakeOptions(arguments);
+  const Parts parts({arguments.database, arguments.mail, arguments.locale, arguments.timeLimit});
+  Site site(place.root, parts.GetPlatform());
+  MemorySession session(arguments.session, parts.GetLiveDrillerMaker());
+  OutputSink sink(arguments.headers);
+  const PageResult result = site.Run(place.page, MakeRequest(arguments, place), session, sink, options);
+  if (!result.failure) return kDone;
+  SendRest(result, sink);
+  std::cerr << "kalvo: " << Describe(*result.failure) << '\n';
+  return kFailed;
+}
+
+}   // namespace kalvo::host

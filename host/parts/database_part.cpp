@@ -1,0 +1,53 @@
+#include "host/parts/database_part.h"
+
+#include <chrono>
+#include <string>
+
+#include "host/parts/setting_error.h"
+#include "platform/database.h"
+
+#ifdef KALVO_HAS_SQLITE
+#include "adapters/sqlite/sqlite_database.h"
+#endif
+#ifdef KALVO_HAS_ODBC
+#include "adapters/odbc/odbc_database.h"
+#endif
+
+namespace kalvo::host {
+namespace {
+
+constexpr std::string_view kSqlite = "sqlite:";
+
+#if defined(KALVO_HAS_SQLITE) || defined(KALVO_HAS_ODBC)
+// Both adapters name their statement limit alike.
+template <typename Options>
+Options WithLimit(double seconds) {
+  Options options;
+  options.timeLimit = std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
+  return options;
+}
+#endif
+
+}   // namespace
+
+std::unique_ptr<Database> MakeDatabase(std::string_view where, [[maybe_unused]] double secondsPerStatement,
+                                       [[maybe_unused]] const Locale& locale) {
+  if (where.starts_with(kSqlite) && where.size() > kSqlite.size()) {
+#ifdef KALVO_HAS_SQLITE
+    return std::make_unique<sqlite::SqliteDatabase>(std::string(where.substr(kSqlite.size())),
+                                                    WithLimit<sqlite::Options>(secondsPerStatement), locale);
+#else
+    throw SettingError("this build has no adapter for SQLite");
+#endif
+  }
+  if (where == "odbc") {
+#ifdef KALVO_HAS_ODBC
+    return std::make_unique<odbc::OdbcDatabase>(WithLimit<odbc::Options>(secondsPerStatement), locale);
+#else
+    throw SettingError("this build has no adapter for ODBC");
+#endif
+  }
+  throw SettingError("\"" + std::string(where) + "\" is no reporting database; sqlite:FILE or odbc is");
+}
+
+}   // namespace kalvo::host

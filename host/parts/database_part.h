@@ -1,0 +1,18 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+namespace kalvo {
+class Database;
+struct Locale;
+}   // namespace kalvo
+
+namespace kalvo::host {
+
+// The reporting database by the words of the settings: "sqlite:FILE", or "odbc" for the ODBC data source of that
+// name. Nothing is opened yet. Fails with SettingError for other words, and for an adapter that is not in this
+// build.
+std::unique_ptr<Database> MakeDatabase(std::string_view where, double secondsPerStatement, const Locale& locale);
+
+}   // namespace kalvo::host

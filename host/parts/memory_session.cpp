@@ -1,0 +1,30 @@
+#include "host/parts/memory_session.h"
+
+#include "platform/conversion.h"
+#include "platform/live_mailbox.h"
+
+namespace kalvo::host {
+
+MemorySession::MemorySession(const NamedTexts& values, LiveDrillerMaker makeDriller)
+    : makeDriller_(std::move(makeDriller)) {
+  for (const auto& [name, text] : values) Set(name, Value(text));
+}
+
+Value MemorySession::Get(std::string_view name) {
+  const auto found = values_.find(ToLower(name));
+  return found == values_.end() ? Value() : found->second;
+}
+
+void MemorySession::Set(std::string_view name, const Value& value) { values_[ToLower(name)] = value; }
+
+void MemorySession::Abandon() {
+  values_.clear();
+  driller_.reset();
+}
+
+std::shared_ptr<LiveContainer> MemorySession::LiveDriller() {
+  if (!driller_ && makeDriller_) driller_ = makeDriller_();
+  return driller_;
+}
+
+}   // namespace kalvo::host

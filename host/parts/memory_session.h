@@ -1,0 +1,34 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "host/script/page.h"
+
+namespace kalvo::host {
+
+// Makes the live mailbox browsing object of a session.
+using LiveDrillerMaker = std::function<std::shared_ptr<LiveContainer>()>;
+
+// A session that lives as long as this object: its values are given at the start, and what a page writes is
+// there for the rest of that page.
+class MemorySession : public PageSession {
+ public:
+  // An empty maker means that mailboxes are not configured.
+  explicit MemorySession(const NamedTexts& values, LiveDrillerMaker makeDriller = {});
+
+  Value Get(std::string_view name) override;
+  void Set(std::string_view name, const Value& value) override;
+  void Abandon() override;
+  std::shared_ptr<LiveContainer> LiveDriller() override;
+
+ private:
+  std::map<std::string, Value> values_;   // by lower-case name
+  LiveDrillerMaker makeDriller_;
+  std::shared_ptr<LiveContainer> driller_;
+};
+
+}   // namespace kalvo::host

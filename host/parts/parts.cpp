@@ -1,0 +1,40 @@
+#include "host/parts/parts.h"
+
+#include "host/parts/database_part.h"
+#include "host/parts/ranking_part.h"
+#include "host/parts/setting_error.h"
+#include "platform/append.h"
+#include "platform/database.h"
+#include "platform/live_mailbox.h"
+#include "platform/ranking.h"
+
+namespace kalvo::host {
+namespace {
+
+const Locale& LocaleNamed(const std::string& name) {
+  if (const Locale* locale = FindLocale(name)) return *locale;
+  std::string message = "there is no locale \"" + name + "\"; there are";
+  for (const Locale& locale : kLocales) Append(message, ' ', locale.name);
+  throw SettingError(message);
+}
+
+LiveDrillerMaker MakeMail(const std::string& where) {
+  if (where.empty()) return {};
+  if (where.starts_with("maildir:") || where.starts_with("imap://")) {
+    throw SettingError("this build has no mailbox adapter for \"" + where + "\"");
+  }
+  throw SettingError("\"" + where + "\" names no mailboxes; maildir:DIR or imap://HOST:PORT does");
+}
+
+}   // namespace
+
+Parts::Parts(const PartsSettings& settings)
+    : locale_(LocaleNamed(settings.locale)),
+      database_(MakeDatabase(settings.database, settings.timeLimit, locale_)),
+      ranking_(MakeRanking(*database_, locale_)),
+      platform_{*database_, *ranking_, clock_, locale_},
+      makeDriller_(MakeMail(settings.mail)) {}
+
+Parts::~Parts() = default;
+
+}   // namespace kalvo::host

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "host/parts/memory_session.h"
+#include "host/parts/system_clock.h"
+#include "platform/platform.h"
+
+namespace kalvo::host {
+
+// Where the parts are, in the words of the command line and of the settings.
+struct PartsSettings {
+  std::string database = "odbc";   // "sqlite:FILE" or "odbc"
+  std::string mail;                // "maildir:DIR", "imap://HOST:PORT", or "" for no mailboxes
+  std::string locale = "en-US";
+  double timeLimit = 30;   // seconds that one statement may take
+};
+
+// The outside of one process. Made once by the command that runs, it owns the parts and hands them down by
+// reference; nothing is connected before a page asks for it.
+class Parts {
+ public:
+  // Fails with SettingError.
+  explicit Parts(const PartsSettings& settings);
+  ~Parts();
+  Parts(const Parts&) = delete;
+  Parts& operator=(const Parts&) = delete;
+
+  const Platform& GetPlatform() const { return platform_; }
+
+  // Makes a session's browsing object; empty when mailboxes are not configured.
+  const LiveDrillerMaker& GetLiveDrillerMaker() const { return makeDriller_; }
+
+ private:
+  const Locale& locale_;
+  std::unique_ptr<Database> database_;
+  std::unique_ptr<TopNFactory> ranking_;
+  SystemClock clock_;
+  Platform platform_;
+  LiveDrillerMaker makeDriller_;
+};
+
+}   // namespace kalvo::host

@@ -1,0 +1,34 @@
+#include "host/parts/ranking_part.h"
+
+#include "platform/error.h"
+#include "platform/ranking.h"
+
+#ifdef KALVO_HAS_RANKING
+#include "adapters/ranking/ranking.h"
+#endif
+
+namespace kalvo::host {
+
+#ifndef KALVO_HAS_RANKING
+namespace {
+
+class NoRanking : public TopNFactory {
+ public:
+  std::shared_ptr<RankedResults> NewResults() override { throw CannotCreateObject(); }
+  std::shared_ptr<TopNLoader> NewServerLoader() override { throw CannotCreateObject(); }
+  std::shared_ptr<TopNLoader> NewMailboxGroupLoader() override { throw CannotCreateObject(); }
+};
+
+}   // namespace
+#endif
+
+std::unique_ptr<TopNFactory> MakeRanking([[maybe_unused]] Database& database, [[maybe_unused]] const Locale& locale) {
+#ifdef KALVO_HAS_RANKING
+  ranking::Settings settings{.locale = locale};
+  return ranking::MakeRanking(database, settings);
+#else
+  return std::make_unique<NoRanking>();
+#endif
+}
+
+}   // namespace kalvo::host

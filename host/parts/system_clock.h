@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/clock.h"
+
+namespace kalvo::host {
+
+// The machine's clock in its local time zone.
+class SystemClock : public Clock {
+ public:
+  Date Now() override;
+  float Timer() override;
+};
+
+}   // namespace kalvo::host

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kalvo::web {
+
+// The server's log, shared by the supervisor and its workers: one line an event, with the time and who wrote it.
+// Each line is one write to a file that only grows, so lines of several processes do not mix.
+class Log {
+ public:
+  // "-" is standard error. Fails with SettingError for a file that cannot be written.
+  explicit Log(std::string file);
+  ~Log();
+  Log(const Log&) = delete;
+  Log& operator=(const Log&) = delete;
+
+  // Control characters of the text are written as "\xNN".
+  void Write(std::string_view text) const;
+
+  // Opens the file anew, after somebody moved it away.
+  void Reopen();
+
+  int Descriptor() const { return descriptor_; }
+
+ private:
+  std::string file_;
+  int descriptor_ = -1;
+};
+
+}   // namespace kalvo::web

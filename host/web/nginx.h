@@ -1,0 +1,49 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <string>
+
+namespace kalvo::web {
+
+class Log;
+class RunFolder;
+
+// The nginx of a server, as a child process. It ends when its parent does, however that ends.
+class Nginx {
+ public:
+  Nginx(std::string program, const RunFolder& run, const Log& log);
+
+  // Starts it with the configuration in the run folder and waits until it listens. Fails with SettingError, with
+  // nginx's own words.
+  void Start();
+
+  // Starts it again when it has died, though not at once twice.
+  void Keep();
+
+  // It reads its configuration anew; connections that are open stay.
+  void Reload();
+  void ReopenLog();
+
+  // It closes its ears, finishes what it does, and goes.
+  void Quit();
+  void Kill();
+
+  // Takes notice of a child process that ended. False when it was another.
+  bool Ended(pid_t child, int status);
+  bool Running() const { return process_ > 0; }
+
+ private:
+  void Fork();
+  bool Listens() const;
+
+  std::string program_;
+  const RunFolder& run_;
+  const Log& log_;
+  pid_t process_ = 0;
+  bool quitting_ = false;
+  std::int64_t nextStart_ = 0;
+};
+
+}   // namespace kalvo::web

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <filesystem>
+
+namespace kalvo::web {
+
+// The private folder that one running server keeps its socket, its nginx and its error pages in. Held by one
+// process at a time.
+class RunFolder {
+ public:
+  // Makes the folder where it is missing and takes hold of it. Fails with SettingError when it belongs to another
+  // user or is held by another server.
+  explicit RunFolder(std::filesystem::path path);
+  ~RunFolder();
+  RunFolder(const RunFolder&) = delete;
+  RunFolder& operator=(const RunFolder&) = delete;
+
+  const std::filesystem::path& Path() const { return path_; }
+  std::filesystem::path Socket() const { return path_ / "worker.sock"; }
+  std::filesystem::path Errors() const { return path_ / "errors"; }
+  std::filesystem::path NginxConfig() const { return path_ / "nginx.conf"; }
+  std::filesystem::path NginxSite() const { return path_ / "site.conf"; }
+  std::filesystem::path NginxLog() const { return path_ / "nginx.log"; }
+  std::filesystem::path NginxPid() const { return path_ / "nginx.pid"; }
+
+ private:
+  std::filesystem::path path_;
+  int lock_ = -1;
+};
+
+// Writes a file as a whole: a reader sees the old content or the new. Fails with SettingError.
+void WriteFile(const std::filesystem::path& file, std::string_view content);
+
+}   // namespace kalvo::web

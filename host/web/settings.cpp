@@ -1,0 +1,214 @@
+#include "host/web/settings.h"
+
+#include <toml++/toml.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <variant>
+
+#include "host/parts/setting_error.h"
+#include "host/web/address.h"
+#include "platform/append.h"
+#include "platform/locale.h"
+
+namespace kalvo::web {
+namespace {
+
+namespace fs = std::filesystem;
+using host::SettingError;
+
+using Taken = bool (*)(std::string_view);
+
+bool IsAnything(std::string_view) { return true; }
+bool IsWeb(std::string_view word) { return word == "embedded" || word == "external"; }
+bool IsLocale(std::string_view word) { return FindLocale(word) != nullptr; }
+bool IsDatabase(std::string_view word) { return word == "odbc" || (word.starts_with("sqlite:") && word.size() > 7); }
+bool IsMail(std::string_view word) {
+  return word.empty() || (word.starts_with("maildir:") && word.size() > 8) || word.starts_with("imap://");
+}
+bool IsListen(std::string_view word) { return ParseAddress(word).has_value(); }
+
+struct Word {
+  std::string Settings::*field;
+  Taken taken = IsAnything;
+};
+struct Path {
+  fs::path Settings::*field;
+};
+struct LogPath {};
+struct Whole {
+  int Settings::*field;
+  int least, most;
+};
+struct Seconds {
+  double Settings::*field;
+  double least, most;
+};
+
+struct Rule {
+  std::string_view key;
+  std::variant<Word, Path, LogPath, Whole, Seconds> kind;
+  std::string_view right;   // what would be right, for whoever wrote something else
+};
+
+// clang-format off
+const Rule kRules[] = {
+  {"listen",       Word{&Settings::listen, IsListen},        "a loopback address and a port, such as \"127.0.0.1:8080\" or \"[::1]:8080\""},
+  {"site",         Path{&Settings::site},                    "the folder of the pages"},
+  {"workers",      Whole{&Settings::workers, 1, 1024},       "a whole number from 1 to 1024"},
+  {"queue",        Whole{&Settings::queue, 1, 4096},         "a whole number from 1 to 4096"},
+  {"time_limit",   Seconds{&Settings::timeLimit, 0.1, 3600}, "a number of seconds from 0.1 to 3600"},
+  {"memory_limit", Whole{&Settings::memoryLimit, 1, 65536},  "a whole number of MiB from 1 to 65536"},
+  {"database",     Word{&Settings::database, IsDatabase},    "\"odbc\" or \"sqlite:FILE\""},
+  {"mail",         Word{&Settings::mail, IsMail},            "\"maildir:DIR\", \"imap://HOST:PORT\", or \"\" for none"},
+  {"locale",       Word{&Settings::locale, IsLocale},        "one of en-US, en-GB, de-DE, fr-FR"},
+  {"run",          Path{&Settings::run},                     "a folder for sockets and temporary files"},
+  {"web",          Word{&Settings::web, IsWeb},              "\"embedded\" or \"external\""},
+  {"nginx",        Word{&Settings::nginx},                   "the nginx program"},
+  {"log",          LogPath{},                                "a file, or \"-\" for standard error"},
+  {"error_pages",  Path{&Settings::errorPages},              "a folder with 404.html, 500.html, 503.html"},
+};
+// clang-format on
+
+// One key of the file while it is read.
+class Entry {
+ public:
+  Entry(const fs::path& file, const fs::path& folder, std::string key, const toml::node& node)
+      : file_(file), folder_(folder), key_(std::move(key)), node_(node) {}
+
+  [[noreturn]] void Refuse(std::string_view right) const {
+    std::string message;
+    Append(message, file_.string(), ':', node_.source().begin.line, ": ", key_, " takes ", right);
+    throw SettingError(message);
+  }
+
+  std::string Text(std::string_view right) const {
+    const auto text = node_.value_exact<std::string>();
+    if (!text) Refuse(right);
+    return *text;
+  }
+
+  fs::path Below(const std::string& path) const { return path.empty() ? fs::path() : folder_ / path; }
+  const toml::node& Node() const { return node_; }
+
+ private:
+  const fs::path& file_;
+  const fs::path& folder_;
+  std::string key_;
+  const toml::node& node_;
+};
+
+// A "sqlite:" or "maildir:" path starts at the file's folder, as every other path does.
+std::string Rebased(const Entry& entry, const std::string& word) {
+  for (const std::string_view scheme : {"sqlite:", "maildir:"}) {
+    if (word.starts_with(scheme)) {
+      return std::string(scheme) + entry.Below(word.substr(scheme.size())).lexically_normal().string();
+    }
+  }
+  return word;
+}
+
+// Takes one key's value into the settings, by the kind of its rule.
+struct Take {
+  Settings& settings;
+  const Entry& entry;
+  std::string_view right;
+
+  void operator()(const Word& word) const {
+    std::string text = entry.Text(right);
+    if (!word.taken(text)) entry.Refuse(right);
+    settings.*word.field = Rebased(entry, text);
+  }
+  void operator()(const Path& path) const { settings.*path.field = entry.Below(entry.Text(right)).lexically_normal(); }
+  void operator()(const LogPath&) const {
+    const std::string text = entry.Text(right);
+    if (text.empty()) entry.Refuse(right);
+    settings.log = text == "-" ? text : entry.Below(text).lexically_normal().string();
+  }
+  void operator()(const Whole& whole) const {
+    const auto number = entry.Node().value_exact<std::int64_t>();
+    if (!number || *number < whole.least || *number > whole.most) entry.Refuse(right);
+    settings.*whole.field = static_cast<int>(*number);
+  }
+  void operator()(const Seconds& seconds) const {
+    const auto number = entry.Node().value<double>();
+    if (!number || !(*number >= seconds.least && *number <= seconds.most)) entry.Refuse(right);
+    settings.*seconds.field = *number;
+  }
+};
+
+// [visitor]: logon = "NAME" and a table of session values.
+void TakeVisitor(Settings& settings, const fs::path& file, const fs::path& folder, const toml::node& visitor) {
+  const toml::table* table = visitor.as_table();
+  if (!table) Entry(file, folder, "visitor", visitor).Refuse("a table");
+  for (const auto& [key, node] : *table) {
+    const Entry entry(file, folder, "visitor." + std::string(key.str()), node);
+    if (key == "logon") {
+      settings.logon = entry.Text("a logon name, such as 'DOMAIN\\carol'");
+    } else if (key == "session" && node.is_table()) {
+      for (const auto& [name, value] : *node.as_table()) {
+        const std::string text(name.str());
+        const Entry item(file, folder, "visitor.session." + text, value);
+        settings.session.emplace_back(text, item.Text("text, such as \"Yes\""));
+      }
+    } else {
+      entry.Refuse("logon = \"NAME\" and the table [visitor.session] only");
+    }
+  }
+}
+
+void TakeKey(Settings& settings, const fs::path& file, const fs::path& folder, const std::string& key,
+             const toml::node& node) {
+  if (key == "visitor") return TakeVisitor(settings, file, folder, node);
+  for (const Rule& rule : kRules) {
+    if (rule.key == key) return std::visit(Take{settings, Entry(file, folder, key, node), rule.right}, rule.kind);
+  }
+  std::string message;
+  Append(message, file.string(), ':', node.source().begin.line, ": there is no setting ", key, "; there are");
+  for (const Rule& rule : kRules) Append(message, ' ', rule.key);
+  throw SettingError(message + " and [visitor]");
+}
+
+fs::path OwnRunFolder(std::string_view listen) {
+  const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+  std::string name = "kalvo-";
+  Append(name, static_cast<unsigned>(geteuid()), '-', ParseAddress(listen)->port);
+  return (runtime && *runtime ? fs::path(runtime) : fs::temp_directory_path()) / name;
+}
+
+}   // namespace
+
+Settings ReadSettings(const fs::path& file) {
+  if (!fs::is_regular_file(file)) throw SettingError(file.string() + ": there is no such settings file");
+  const fs::path folder = fs::absolute(file).parent_path();
+  Settings settings;
+  try {
+    for (const auto& [key, node] : toml::parse_file(file.string())) {
+      TakeKey(settings, file, folder, std::string(key.str()), node);
+    }
+  } catch (const toml::parse_error& error) {
+    std::string message;
+    Append(message, file.string(), ':', error.source().begin.line, ": ", error.description());
+    throw SettingError(message);
+  }
+  return settings;
+}
+
+void Complete(Settings& settings) {
+  if (!ParseAddress(settings.listen)) {
+    throw SettingError("\"" + settings.listen +
+                       "\" is no loopback address with a port; 127.0.0.1:8080 or [::1]:8080 is. Other addresses wait "
+                       "until there is a login");
+  }
+  if (settings.site.empty()) settings.site = KALVO_DEFAULT_SITE;
+  if (!fs::is_directory(settings.site)) throw SettingError("the site " + settings.site.string() + " is no folder");
+  settings.site = fs::canonical(settings.site);
+  if (settings.run.empty()) settings.run = OwnRunFolder(settings.listen);
+  settings.run = fs::absolute(settings.run).lexically_normal();
+  if (!settings.errorPages.empty() && !fs::is_directory(settings.errorPages)) {
+    throw SettingError("error_pages: " + settings.errorPages.string() + " is no folder");
+  }
+}
+
+}   // namespace kalvo::web

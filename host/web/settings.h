@@ -1,0 +1,42 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "host/parts/parts.h"
+#include "host/script/page.h"
+
+namespace kalvo::web {
+
+// How a site is served. Every setting has a default; `kalvo.toml` in the source folder shows them all.
+struct Settings {
+  std::string listen = "127.0.0.1:8080";   // a loopback address: there is no login
+  std::filesystem::path site;              // the pages; default: the console of this program
+  int workers = 4;                         // pages that run at a time
+  int queue = 64;                          // requests that may wait for a worker; one more is answered 503
+  double timeLimit = 30;                   // seconds a page may take
+  int memoryLimit = 256;                   // MiB the script of a page may take
+  std::string database = "odbc";           // where the data source "KalvoDB" points
+  std::string mail;                        // the mailboxes; "" for none
+  std::string locale = "en-US";
+  std::filesystem::path run;          // sockets, process ids, nginx's files; default: a private folder of the user
+  std::string web = "embedded";       // "external": for an nginx that is there already
+  std::string nginx = "nginx";        // the program
+  std::string log = "-";              // a file, or "-" for standard error
+  std::filesystem::path errorPages;   // a folder with 404.html, 500.html, 503.html ...; default: plain ones
+  std::string logon;                  // who every visitor is
+  host::NamedTexts session;           // and the session values every visitor has
+
+  bool External() const { return web == "external"; }
+  host::PartsSettings Parts() const { return {database, mail, locale, timeLimit}; }
+};
+
+// Reads a settings file. Relative paths in it start at the file's own folder. Fails with SettingError, which
+// names file, line and key and says what would be right.
+Settings ReadSettings(const std::filesystem::path& file);
+
+// Checks what rules across settings ask for, and fills in the defaults that depend on others. Fails with
+// SettingError.
+void Complete(Settings& settings);
+
+}   // namespace kalvo::web

@@ -1,0 +1,177 @@
+#include "host/web/supervisor.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/signalfd.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <ostream>
+
+#include "host/parts/setting_error.h"
+#include "host/web/address.h"
+#include "host/web/error_pages.h"
+#include "host/web/listening.h"
+#include "host/web/nginx.h"
+#include "host/web/nginx_config.h"
+#include "host/web/worker_pool.h"
+#include "host/web/worker_slots.h"
+#include "platform/append.h"
+
+namespace kalvo::web {
+namespace {
+
+constexpr int kBeatMilliseconds = 100;      // how often the workers are looked after
+constexpr int kStopMilliseconds = 5000;     // for what is still running when the server is told to stop
+constexpr int kWorkerMilliseconds = 2000;   // for workers to go, once nobody asks them
+
+bool HasTerminal() {
+  const int terminal = open("/dev/tty", O_RDONLY | O_CLOEXEC);
+  if (terminal >= 0) close(terminal);
+  return terminal >= 0;
+}
+
+int OpenSignals() {
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int signal : {SIGCHLD, SIGHUP, SIGINT, SIGTERM, SIGUSR1}) sigaddset(&set, signal);
+  sigprocmask(SIG_BLOCK, &set, nullptr);
+  return signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
+}
+
+}   // namespace
+
+Supervisor::Supervisor(Load load)
+    : load_(std::move(load)),
+      settings_(load_()),
+      log_(settings_.log),
+      run_(settings_.run),
+      hasTerminal_(HasTerminal()) {}
+
+Supervisor::~Supervisor() {
+  if (signals_ >= 0) close(signals_);
+  if (socket_ >= 0) close(socket_);
+}
+
+void Supervisor::Run(std::ostream& out) {
+  try {
+    Start(out);
+    while (Attend(kBeatMilliseconds) != Wish::Stop) {
+      pool_->Keep();
+      if (nginx_) nginx_->Keep();
+    }
+  } catch (...) {
+    Stop();
+    throw;
+  }
+  Stop();
+}
+
+void Supervisor::Start(std::ostream& out) {
+  if (!settings_.External()) CheckAddressIsFree(settings_.listen);
+  if (geteuid() == 0) log_.Write("running as root; a user of its own is safer");
+  signals_ = OpenSignals();
+  WriteConfiguration(settings_);
+  socket_ = ListenForNginx(run_.Socket(), settings_.queue);
+  pool_ = std::make_unique<WorkerPool>(socket_, run_.Errors(), log_);
+  pool_->Use(std::make_shared<Generation>(settings_, log_));
+  if (settings_.External()) {
+    out << "Serving " << settings_.site.string() << "; include " << run_.NginxSite().string()
+        << " in a server block of nginx" << std::endl;
+    return;
+  }
+  nginx_ = std::make_unique<Nginx>(settings_.nginx, run_, log_);
+  nginx_->Start();
+  const Address address = *ParseAddress(settings_.listen);
+  out << "Serving " << settings_.site.string() << " until Ctrl-C at\n"
+      << "http://" << address.host << ':' << address.port << "/KalvoforExchange/" << std::endl;
+}
+
+void Supervisor::WriteConfiguration(const Settings& settings) {
+  WriteErrorPages(run_.Errors(), settings.errorPages);
+  WriteFile(run_.NginxSite(), NginxSite(settings, run_));
+  if (!settings.External()) WriteFile(run_.NginxConfig(), NginxConfig(settings, run_));
+}
+
+// Waits for signals and answers them.
+Supervisor::Wish Supervisor::Attend(int milliseconds) {
+  pollfd waiting{signals_, POLLIN, 0};
+  poll(&waiting, 1, milliseconds);
+  signalfd_siginfo info{};
+  Wish wish = Wish::None;
+  while (read(signals_, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
+    switch (info.ssi_signo) {
+      case SIGTERM:
+      case SIGINT:
+        wish = Wish::Stop;
+        break;
+      case SIGHUP:
+        // A terminal that was closed hangs up too.
+        if (hasTerminal_ && !HasTerminal()) {
+          wish = Wish::Stop;
+        } else {
+          Reload();
+        }
+        break;
+      case SIGUSR1:
+        log_.Reopen();
+        if (nginx_) nginx_->ReopenLog();
+        break;
+      default:
+        break;
+    }
+  }
+  Reap();
+  return wish;
+}
+
+// Whatever is wrong with the new settings, the old ones go on serving.
+void Supervisor::Reload() {
+  try {
+    Settings fresh = load_();
+    if (fresh.run != settings_.run || fresh.web != settings_.web || fresh.log != settings_.log) {
+      throw host::SettingError("run, web and log change only with a restart");
+    }
+    if (!fresh.External() && fresh.listen != settings_.listen) CheckAddressIsFree(fresh.listen);
+    const auto generation = std::make_shared<Generation>(fresh, log_);
+    WriteConfiguration(fresh);
+    settings_ = fresh;
+    ChangeQueue(socket_, settings_.queue);
+    pool_->Use(generation);
+    if (nginx_) nginx_->Reload();
+    log_.Write("reloaded");
+  } catch (const std::exception& error) {
+    log_.Write(std::string("not reloaded: ") + error.what());
+  }
+}
+
+void Supervisor::Reap() {
+  int status = 0;
+  for (pid_t child; (child = waitpid(-1, &status, WNOHANG)) > 0;) {
+    if (!pool_->Ended(child, status) && nginx_) nginx_->Ended(child, status);
+  }
+}
+
+// First nobody new is let in, then the workers go; who does not go in time is ended. A second signal ends all.
+void Supervisor::Stop() {
+  if (!pool_) return;
+  const auto wait = [this](int milliseconds, auto&& isOver) {
+    const std::int64_t until = Milliseconds() + milliseconds;
+    while (!isOver() && Milliseconds() < until) {
+      if (Attend(kBeatMilliseconds) == Wish::Stop) break;
+    }
+  };
+  if (nginx_) {
+    nginx_->Quit();
+    wait(kStopMilliseconds, [this] { return !nginx_->Running(); });
+    nginx_->Kill();
+  }
+  pool_->Retire();
+  wait(kWorkerMilliseconds, [this] { return pool_->Empty(); });
+  pool_->KillAll();
+  while (!pool_->Empty() || (nginx_ && nginx_->Running())) Attend(kBeatMilliseconds);
+  unlink(run_.Socket().c_str());
+}
+
+}   // namespace kalvo::web

@@ -1,0 +1,129 @@
+#include "host/web/worker.h"
+
+#include <fcgiapp.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+
+#include "host/web/error_pages.h"
+#include "host/web/fastcgi.h"
+#include "host/web/log.h"
+#include "host/web/settings.h"
+#include "host/web/worker_slots.h"
+#include "platform/append.h"
+
+namespace kalvo::web {
+namespace {
+
+volatile std::sig_atomic_t stopAsked = 0;
+
+extern "C" void AskToStop(int) { stopAsked = 1; }
+
+// SIGTERM is let in only while the worker waits for a request.
+sigset_t PrepareSignals() {
+  struct sigaction action {};
+  action.sa_handler = AskToStop;
+  sigaction(SIGTERM, &action, nullptr);
+  for (const int signal : {SIGINT, SIGHUP, SIGUSR1}) std::signal(signal, SIG_IGN);
+  std::signal(SIGCHLD, SIG_DFL);
+  sigset_t blocked, waiting;
+  sigemptyset(&blocked);
+  sigaddset(&blocked, SIGTERM);
+  sigprocmask(SIG_SETMASK, &blocked, nullptr);
+  sigemptyset(&waiting);
+  return waiting;
+}
+
+// When memory runs out, a worker is to go and not its supervisor.
+void VolunteerForTheOutOfMemoryKiller() {
+  const int file = open("/proc/self/oom_score_adj", O_WRONLY | O_CLOEXEC);
+  if (file < 0) return;
+  if (write(file, "500", 3) < 0) { /* only a wish */
+  }
+  close(file);
+}
+
+// False when the worker shall stop.
+bool AwaitRequest(int socket, const sigset_t& waiting) {
+  while (!stopAsked) {
+    pollfd listening{socket, POLLIN, 0};
+    const int ready = ppoll(&listening, 1, nullptr, &waiting);
+    if (ready > 0) return true;
+    if (ready < 0 && errno != EINTR) return false;
+  }
+  return false;
+}
+
+int StatusOf(const host::PageFailure& failure) { return failure.kind == host::FailureKind::NotFound ? 404 : 500; }
+
+}   // namespace
+
+Worker::Worker(const Settings& settings, host::Site& site, const host::LiveDrillerMaker& makeDriller,
+               std::filesystem::path errors, const Log& log, WorkerSlot& slot)
+    : settings_(settings), site_(site), makeDriller_(makeDriller), errors_(std::move(errors)), log_(log), slot_(slot) {}
+
+int Worker::Run(int socket, pid_t parent) {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (getppid() != parent) return 0;
+  const sigset_t waiting = PrepareSignals();
+  VolunteerForTheOutOfMemoryKiller();
+  FCGX_Request request;
+  if (FCGX_Init() != 0 || FCGX_InitRequest(&request, socket, 0) != 0) return 1;
+  while (AwaitRequest(socket, waiting)) {
+    // Another worker may have been faster: the socket does not block.
+    if (FCGX_Accept_r(&request) < 0) continue;
+    Serve(request);
+  }
+  FCGX_Free(&request, 1);
+  return 0;
+}
+
+void Worker::Serve(FCGX_Request& request) {
+  try {
+    RunPage(request);
+  } catch (const VisitorGone&) {
+    // Nobody is left to be told.
+  } catch (const std::exception& error) {
+    log_.Write(Built([&](std::string& line) { Append(line, "a request was lost: ", error.what()); }));
+    FCGX_Free(&request, 1);
+  }
+}
+
+void Worker::RunPage(FCGX_Request& request) {
+  const FastCgiRequest asked = ReadRequest(request);
+  const RunningPage running(slot_, asked.page,
+                            static_cast<std::int64_t>(settings_.timeLimit * 1000) + kGraceMilliseconds);
+  if (!asked.complete) return SendError(request, 400);
+
+  host::PageRequest page = asked.request;
+  page.logonName = settings_.logon;
+  page.serverVariables.emplace_back("AUTH_USER", settings_.logon);
+  host::MemorySession session(settings_.session, makeDriller_);
+  host::PageOptions options;
+  options.limits = {settings_.timeLimit, static_cast<std::size_t>(settings_.memoryLimit)};
+  FastCgiSink sink(request);
+  const host::PageResult result = site_.Run(asked.page, page, session, sink, options);
+  if (!result.failure) return FCGX_Finish_r(&request);
+
+  const int status = StatusOf(*result.failure);
+  if (status != 404) log_.Write("page " + Describe(*result.failure));
+  if (!result.headSent) return SendError(request, status);
+  // Half a page was sent: the connection is dropped, so that nobody takes it for the whole.
+  FCGX_Free(&request, 1);
+}
+
+void Worker::SendError(FCGX_Request& request, int status) {
+  host::PageHead head;
+  head.status = status;
+  head.reason = ReasonOf(status);
+  FastCgiSink sink(request);
+  sink.Head(head);
+  sink.Body(ReadErrorPage(errors_, status));
+  FCGX_Finish_r(&request);
+}
+
+}   // namespace kalvo::web

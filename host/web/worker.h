@@ -1,0 +1,44 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <filesystem>
+
+#include "host/parts/memory_session.h"
+#include "host/script/page.h"
+
+struct FCGX_Request;
+
+namespace kalvo::web {
+
+class Log;
+struct Settings;
+struct WorkerSlot;
+
+// One process that runs pages, one at a time, as they come in on a listening socket. What it is made of was made
+// by its parent before the fork, the compiled pages among it.
+class Worker {
+ public:
+  Worker(const Settings& settings, host::Site& site, const host::LiveDrillerMaker& makeDriller,
+         std::filesystem::path errors, const Log& log, WorkerSlot& slot);
+
+  // Serves until SIGTERM comes; a page that runs then is run to its end. The exit code.
+  int Run(int socket, pid_t parent);
+
+ private:
+  void Serve(FCGX_Request& request);
+  void RunPage(FCGX_Request& request);
+  void SendError(FCGX_Request& request, int status);
+
+  const Settings& settings_;
+  host::Site& site_;
+  const host::LiveDrillerMaker& makeDriller_;
+  std::filesystem::path errors_;
+  const Log& log_;
+  WorkerSlot& slot_;
+};
+
+// How long the supervisor waits beyond the page's own time limit before it ends a worker.
+inline constexpr int kGraceMilliseconds = 1000;
+
+}   // namespace kalvo::web

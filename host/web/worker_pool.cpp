@@ -1,0 +1,156 @@
+#include "host/web/worker_pool.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+
+#include "host/web/log.h"
+#include "host/web/worker.h"
+#include "platform/append.h"
+
+namespace kalvo::web {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kMostWorkers = 2048;   // two generations of the most that the settings allow
+constexpr std::int64_t kFirstDelay = 100, kLongestDelay = 5000;
+
+bool IsPage(const fs::path& path) {
+  const std::string extension = path.extension().string();
+  return extension.size() == 4 && strcasecmp(extension.c_str(), ".asp") == 0;
+}
+
+void PrepareAll(host::Site& site, const fs::path& root, const Log& log) {
+  const auto skipUnreadable = fs::directory_options::skip_permission_denied;
+  std::error_code error;
+  for (fs::recursive_directory_iterator entry(root, skipUnreadable, error), end; !error && entry != end;
+       entry.increment(error)) {
+    if (entry->path().filename().string().starts_with('.')) {
+      entry.disable_recursion_pending();
+    } else if (IsPage(entry->path())) {
+      const auto failure = site.Prepare(entry->path().lexically_relative(root).generic_string());
+      if (failure) log.Write("page " + Describe(*failure));
+    }
+  }
+}
+
+}   // namespace
+
+Generation::Generation(Settings chosen, const Log& log)
+    : settings(std::move(chosen)), parts(settings.Parts()), site(settings.site, parts.GetPlatform()) {
+  PrepareAll(site, settings.site, log);
+}
+
+WorkerPool::WorkerPool(int socket, fs::path errors, const Log& log)
+    : socket_(socket), errors_(std::move(errors)), log_(log), slots_(kMostWorkers) {}
+
+void WorkerPool::Use(std::shared_ptr<Generation> generation) {
+  generation_ = std::move(generation);
+  startDelay_ = nextStart_ = 0;
+  Keep();
+  RetireAllBut(generation_.get());
+}
+
+void WorkerPool::Keep() {
+  EndOverdue();
+  if (!generation_ || Milliseconds() < nextStart_) return;
+  const auto isCurrent = [this](const Member& member) { return !member.retired && member.generation == generation_; };
+  for (auto count = std::count_if(workers_.begin(), workers_.end(), isCurrent); count < generation_->settings.workers;
+       ++count) {
+    Start();
+  }
+}
+
+void WorkerPool::Start() {
+  const int slot = FreeSlot();
+  if (slot < 0) return;
+  slots_[slot].deadline = 0;
+  slots_[slot].pages = 0;
+  const pid_t parent = getpid();
+  std::fflush(nullptr);
+  const pid_t process = fork();
+  if (process == 0) {
+    setpgid(0, 0);
+    Worker worker(generation_->settings, generation_->site, generation_->parts.GetLiveDrillerMaker(), errors_, log_,
+                  slots_[slot]);
+    // The parent's objects are the parent's to destroy.
+    _exit(worker.Run(socket_, parent));
+  }
+  if (process < 0) {
+    log_.Write(std::string("a worker could not be started: ") + std::strerror(errno));
+    nextStart_ = Milliseconds() + kLongestDelay;
+    return;
+  }
+  workers_.push_back({process, slot, generation_, Milliseconds()});
+}
+
+int WorkerPool::FreeSlot() const {
+  for (int slot = 0; slot < slots_.Count(); ++slot) {
+    if (std::none_of(workers_.begin(), workers_.end(), [slot](const Member& m) { return m.slot == slot; })) return slot;
+  }
+  return -1;
+}
+
+void WorkerPool::EndOverdue() {
+  const std::int64_t now = Milliseconds();
+  for (Member& member : workers_) {
+    const std::int64_t deadline = slots_[member.slot].deadline;
+    if (deadline == 0 || now < deadline || member.overdue) continue;
+    member.overdue = true;
+    kill(member.process, SIGKILL);
+  }
+}
+
+bool WorkerPool::Ended(pid_t child, int status) {
+  const auto found =
+      std::find_if(workers_.begin(), workers_.end(), [child](const Member& member) { return member.process == child; });
+  if (found == workers_.end()) return false;
+  LogEnd(*found, status);
+  const bool atOnce = slots_[found->slot].pages == 0 && !found->retired && Milliseconds() - found->started < 1000;
+  workers_.erase(found);
+  startDelay_ = atOnce ? std::clamp(startDelay_ * 2, kFirstDelay, kLongestDelay) : 0;
+  nextStart_ = Milliseconds() + startDelay_;
+  return true;
+}
+
+void WorkerPool::LogEnd(const Member& member, int status) {
+  const bool clean = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  if (clean) return;
+  const WorkerSlot& slot = slots_[member.slot];
+  std::string line = "worker ";
+  Append(line, static_cast<int>(member.process));
+  if (member.overdue) {
+    Append(line, " was ended: its page outstayed the time limit");
+  } else if (WIFSIGNALED(status)) {
+    Append(line, " died of signal ", WTERMSIG(status), " (", strsignal(WTERMSIG(status)), ')');
+  } else {
+    Append(line, " ended with code ", WEXITSTATUS(status));
+  }
+  if (slot.deadline != 0) Append(line, "; it was running ", static_cast<const char*>(slot.page));
+  log_.Write(line);
+}
+
+void WorkerPool::RetireAllBut(const Generation* generation) {
+  for (Member& member : workers_) {
+    if (member.generation.get() == generation || member.retired) continue;
+    member.retired = true;
+    kill(member.process, SIGTERM);
+  }
+}
+
+void WorkerPool::Retire() {
+  generation_.reset();
+  RetireAllBut(nullptr);
+}
+
+void WorkerPool::KillAll() {
+  for (const Member& member : workers_) kill(member.process, SIGKILL);
+}
+
+}   // namespace kalvo::web

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+#include "host/parts/parts.h"
+#include "host/script/page.h"
+#include "host/web/settings.h"
+#include "host/web/worker_slots.h"
+
+namespace kalvo::web {
+
+class Log;
+
+// What workers are forked from: settings, parts that nothing has been asked of yet, and the site's compiled pages.
+struct Generation {
+  // Compiles every page of the site; one that cannot be compiled is logged and answered 500 when it is asked for.
+  Generation(Settings chosen, const Log& log);
+
+  Settings settings;
+  host::Parts parts;
+  host::Site site;
+};
+
+// The worker processes of a server: as many as the settings ask for, replaced when they die, ended when a page
+// keeps one too long.
+class WorkerPool {
+ public:
+  // `socket` listens and does not block. `errors` holds the error pages.
+  WorkerPool(int socket, std::filesystem::path errors, const Log& log);
+
+  // Workers are forked from this generation from now on. Those of an earlier one finish their page and go.
+  void Use(std::shared_ptr<Generation> generation);
+
+  // Ends workers whose page outstays its limit, and starts the missing ones. To be called several times a second.
+  void Keep();
+
+  // Takes notice of a child process that ended. False when it was none of the workers.
+  bool Ended(pid_t child, int status);
+
+  // Every worker finishes its page and goes; none is started any more.
+  void Retire();
+  void KillAll();
+  bool Empty() const { return workers_.empty(); }
+
+ private:
+  struct Member {
+    pid_t process;
+    int slot;
+    std::shared_ptr<Generation> generation;
+    std::int64_t started;
+    bool retired = false;
+    bool overdue = false;
+  };
+
+  void Start();
+  int FreeSlot() const;
+  void EndOverdue();
+  void RetireAllBut(const Generation* generation);
+  void LogEnd(const Member& member, int status);
+
+  int socket_;
+  std::filesystem::path errors_;
+  const Log& log_;
+  WorkerSlots slots_;
+  std::shared_ptr<Generation> generation_;
+  std::vector<Member> workers_;
+  std::int64_t nextStart_ = 0;   // not before this moment, after workers that died at once
+  std::int64_t startDelay_ = 0;
+};
+
+}   // namespace kalvo::web
