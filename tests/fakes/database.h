@@ -1,0 +1,123 @@
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "fakes/steps.h"
+#include "platform/conversion.h"
+#include "platform/database.h"
+#include "platform/value.h"
+
+namespace kalvo::fakes {
+
+// What one statement gives.
+struct FakeResult {
+  std::vector<std::string> fields;
+  std::vector<std::vector<Value>> rows;
+};
+
+class FakeRows : public Rows {
+ public:
+  FakeRows(const FakeResult& result, Steps& steps) : result_(result), steps_(steps) {}
+
+  std::int32_t RowCount() const override { return static_cast<std::int32_t>(result_.rows.size()); }
+  std::int32_t FieldCount() const override { return static_cast<std::int32_t>(result_.rows.at(0).size()); }
+  std::string_view Text(std::int32_t field, std::int32_t row, std::string& scratch) const override {
+    steps_.Do("Text", field, row);
+    scratch = ToText(At(field, row));
+    return scratch;
+  }
+  std::optional<std::span<const std::uint8_t>> Binary(std::int32_t field, std::int32_t row) const override {
+    steps_.Do("Binary", field, row);
+    const Value& value = At(field, row);
+    if (IsNull(value)) return std::nullopt;
+    const Bytes* bytes = std::get_if<Bytes>(&value);
+    if (!bytes) throw TypeMismatch();
+    return *bytes;
+  }
+
+ private:
+  const Value& At(std::int32_t field, std::int32_t row) const {
+    return result_.rows.at(static_cast<std::size_t>(row)).at(static_cast<std::size_t>(field));
+  }
+
+  const FakeResult& result_;
+  Steps& steps_;
+};
+
+class FakeRecordSet : public RecordSet {
+ public:
+  FakeRecordSet(const std::deque<FakeResult>& results, std::size_t i, Steps& steps)
+      : results_(results), i_(i), steps_(steps), rows_(results.at(i), steps) {}
+  ~FakeRecordSet() override { steps_.done.push_back("~RecordSet()"); }
+
+  bool IsEmpty() override { return steps_.Do("IsEmpty"), results_.at(i_).rows.empty(); }
+  std::int32_t FieldCount() override {
+    steps_.Do("FieldCount");
+    return static_cast<std::int32_t>(results_.at(i_).fields.size());
+  }
+  std::string FieldName(std::int32_t i) override {
+    steps_.Do("FieldName", i);
+    return results_.at(i_).fields.at(static_cast<std::size_t>(i));
+  }
+  const Rows& GetRows() override { return steps_.Do("GetRows"), rows_; }
+  std::unique_ptr<RecordSet> NextRecordset() override {
+    steps_.Do("NextRecordset");
+    if (i_ + 1 >= results_.size()) throw ObjectNotSet();
+    return std::make_unique<FakeRecordSet>(results_, i_ + 1, steps_);
+  }
+  void Close() override { steps_.Do("RecordSet.Close"); }
+
+ private:
+  const std::deque<FakeResult>& results_;
+  std::size_t i_;
+  Steps& steps_;
+  FakeRows rows_;
+};
+
+class FakeDatabase;
+
+class FakeConnection : public Connection {
+ public:
+  explicit FakeConnection(FakeDatabase& database) : database_(database) {}
+  ~FakeConnection() override;
+
+  std::unique_ptr<RecordSet> Execute(const Batch& batch) override;
+  void Close() override;
+
+ private:
+  FakeDatabase& database_;
+};
+
+// A database whose answers are written down: the results of a batch's statements in order, the same for every
+// batch. Steps: Connect, Execute, IsEmpty, FieldCount, FieldName, GetRows, Text, Binary, NextRecordset,
+// RecordSet.Close, Connection.Close; destroyed objects record "~RecordSet()" and "~Connection()".
+class FakeDatabase : public Database {
+ public:
+  std::deque<FakeResult> results = {{{}, {}}};
+  Steps steps;
+  std::string sql, pattern, orderBy;   // of the last batch
+
+  std::unique_ptr<Connection> Connect(std::string_view dataSource) override {
+    steps.Do("Connect", dataSource);
+    return std::make_unique<FakeConnection>(*this);
+  }
+};
+
+inline FakeConnection::~FakeConnection() { database_.steps.done.push_back("~Connection()"); }
+
+inline std::unique_ptr<RecordSet> FakeConnection::Execute(const Batch& batch) {
+  database_.sql = batch.sql;
+  database_.pattern = batch.pattern;
+  database_.orderBy = batch.orderBy;
+  database_.steps.Do("Execute");
+  return std::make_unique<FakeRecordSet>(database_.results, 0, database_.steps);
+}
+
+inline void FakeConnection::Close() { database_.steps.Do("Connection.Close"); }
+
+}   // namespace kalvo::fakes

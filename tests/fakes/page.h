@@ -1,0 +1,96 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "fakes/steps.h"
+#include "platform/live_mailbox.h"
+#include "platform/page_host.h"
+
+namespace kalvo::fakes {
+
+// Collects what is written.
+class FakeResponse : public Response {
+ public:
+  std::string text;
+  int flushes = 0;
+  std::string refused;   // a write that holds this text fails; "" is none
+
+  void Write(std::string_view written) override {
+    if (!refused.empty() && written.find(refused) != std::string_view::npos) {
+      throw Error(codes::kFailed, "Write refused.");
+    }
+    text += written;
+  }
+  void Flush() override { ++flushes; }
+};
+
+// A request made of a query string, a form and server variables, decoded as a browser's is.
+class FakeRequest : public Request {
+ public:
+  explicit FakeRequest(std::string_view query, std::string_view form = "")
+      : query_(Parsed(query)), form_(Parsed(form)) {}
+
+  std::map<std::string, std::string> variables = {{"URL", "/KalvoforExchange/Tasks/Page.asp"}};
+
+  std::vector<std::string> QueryKeys() override;
+  std::int32_t QueryCount(std::string_view key) override;
+  std::string QueryItem(std::string_view key, std::int32_t i) override;
+  std::string QueryText(std::string_view key) override { return Joined(query_, key); }
+  std::string ServerVariable(std::string_view name) override;
+  std::string Item(std::string_view name) override;
+
+ private:
+  struct Parameter {
+    std::string key;
+    std::vector<std::string> values;
+  };
+  using Parameters = std::vector<Parameter>;
+  static Parameters Parsed(std::string_view text);
+  static const Parameter* Find(const Parameters& parameters, std::string_view key);
+  static std::string Joined(const Parameters& parameters, std::string_view key);
+
+  Parameters query_, form_;
+};
+
+// Encodes as the page host does.
+class FakeServer : public Server {
+ public:
+  bool fails = false;
+
+  void HTMLEncode(std::string& out, std::string_view text) override;
+  void URLEncode(std::string& out, std::string_view text) override;
+};
+
+class FakeSession : public Session {
+ public:
+  std::map<std::string, Value> values;
+  std::map<std::string, std::shared_ptr<LiveContainer>> objects;
+
+  Value Item(std::string_view name) override;
+  std::shared_ptr<LiveContainer> StaticObject(std::string_view name) override;
+};
+
+// The four objects of one page.
+class FakePage : public ScriptingContext {
+ public:
+  explicit FakePage(std::string_view query = "", std::string_view form = "")
+      : request(std::make_shared<FakeRequest>(query, form)) {}
+
+  std::shared_ptr<FakeResponse> response = std::make_shared<FakeResponse>();
+  std::shared_ptr<FakeRequest> request;
+  std::shared_ptr<FakeSession> session = std::make_shared<FakeSession>();
+  std::shared_ptr<FakeServer> server = std::make_shared<FakeServer>();
+  Steps steps;
+
+  std::shared_ptr<Response> GetResponse() override { return steps.Do("Response"), response; }
+  std::shared_ptr<Request> GetRequest() override { return steps.Do("Request"), request; }
+  std::shared_ptr<Session> GetSession() override { return steps.Do("Session"), session; }
+  std::shared_ptr<Server> GetServer() override { return steps.Do("Server"), server; }
+};
+
+}   // namespace kalvo::fakes

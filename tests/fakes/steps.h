@@ -1,0 +1,55 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/append.h"
+#include "platform/error.h"
+
+namespace kalvo::fakes {
+
+// What a fake was asked to do, in order, and what it refuses to do. A step is recorded with its arguments,
+// "Load(2, EXCH01)", and refused by its name alone.
+class Steps {
+ public:
+  std::vector<std::string> done;
+
+  // From now on, or from call number `call` of that step on, the step fails.
+  void Fail(std::string_view step, std::int32_t number = codes::kFailed, std::string_view description = "Refused.",
+            std::size_t call = 1) {
+    refused_.insert_or_assign(std::string(step), Refusal{Error(number, std::string(description)), call});
+  }
+
+  template <typename... Arguments>
+  void Do(std::string_view step, const Arguments&... arguments) {
+    std::string line(step);
+    line += '(';
+    std::string_view separator;
+    (((Append(line, separator, arguments)), separator = ", "), ...);
+    line += ')';
+    done.push_back(line);
+    const std::size_t calls = ++calls_[std::string(step)];
+    const auto refusal = refused_.find(std::string(step));
+    if (refusal != refused_.end() && calls >= refusal->second.call) throw refusal->second.error;
+  }
+
+  // How often a step was asked for, whatever its arguments.
+  std::size_t Count(std::string_view step) const {
+    const auto found = calls_.find(std::string(step));
+    return found == calls_.end() ? 0 : found->second;
+  }
+
+ private:
+  struct Refusal {
+    Error error;
+    std::size_t call;
+  };
+  std::map<std::string, Refusal> refused_;
+  std::map<std::string, std::size_t> calls_;
+};
+
+}   // namespace kalvo::fakes
