@@ -31,7 +31,7 @@ constexpr SizeRow kSizes[] = {
 // size                 name      servers  mailboxes  public folders a server  messages in a mailbox, in a folder
   {SampleSize::Small,   "small",  28,      420,       4,                       60,                    90},
   {SampleSize::Medium,  "medium", 120,     20'000,    8,                       15,                    60},
-  {SampleSize::Large,   "large",  1'000,   1'000'000, 10,                      4,                     60},
+  {SampleSize::Large,   "large",  1'000,   1'000'000, 10,                      5,                     60},
 };
 constexpr Division kDivisions[] = {
   {"Meridian",    "KALVO"},

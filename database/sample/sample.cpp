@@ -20,6 +20,7 @@ constexpr NamedStep kSteps[] = {
     {"mailbox groups", WriteGroupTotals},
     {"alerts", WriteAlerts},
     {"quota violations", WriteViolations},
+    {"messages and rankings", WriteTopN},
 };
 
 }   // namespace

@@ -32,6 +32,7 @@ void WriteMailboxes(SampleRun& run);     // EXDB_MAILBOX
 void WriteGroupTotals(SampleRun& run);   // EXDB_RECIPIENTGROUPTOTALS, EXDB_RECIPIENTGROUPCURRENT
 void WriteAlerts(SampleRun& run);        // RMC_ALERTTYPE, RMC_ALERTCONFIG, RMC_ALERT
 void WriteViolations(SampleRun& run);    // EXDB_QUOTAVIOLATION
+void WriteTopN(SampleRun& run);          // the tables of topn_schema.sql
 
 // Runs all steps in their order. A further step is one line of the list in sample.cpp.
 void WriteSample(const Organization& organization, RowWriter& rows, Progress& progress);
