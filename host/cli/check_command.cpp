@@ -1,0 +1,311 @@
+#include "host/cli/check_command.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <functional>
+#include <iomanip>
+#include <optional>
+#include <ostream>
+#include <vector>
+
+#include "database/sample/schema.h"
+#include "host/cli/report_page.h"
+#include "kalvo/table.h"
+#include "kalvo/table_constants.h"
+#include "kalvo/table_database.h"
+#include "platform/append.h"
+#include "platform/database.h"
+#include "platform/error.h"
+#include "platform/platform.h"
+
+namespace kalvo::host {
+namespace {
+
+// ---- asking the database --------------------------------------------------------------------------------
+
+// Runs single statements, each on a connection of its own: a failed one leaves no other out.
+class Questions {
+ public:
+  explicit Questions(Database& database) : database_(database) {}
+
+  // The rows of a statement as texts. Fails with the statement's error.
+  std::vector<std::vector<std::string>> Ask(std::string_view sql) {
+    const auto connection = database_.Connect(TableConstants().TABLES_DSN());
+    const auto records = connection->Execute({sql, sql, ""});
+    std::vector<std::vector<std::string>> answer;
+    if (records->IsEmpty()) return answer;
+    const Rows& rows = records->GetRows();
+    std::string scratch;
+    for (std::int32_t row = 0; row < rows.RowCount(); ++row) {
+      std::vector<std::string>& texts = answer.emplace_back();
+      for (std::int32_t field = 0; field < rows.FieldCount(); ++field)
+        texts.emplace_back(rows.Text(field, row, scratch));
+    }
+    return answer;
+  }
+
+  std::vector<std::string> FieldNames(std::string_view sql) {
+    const auto connection = database_.Connect(TableConstants().TABLES_DSN());
+    const auto records = connection->Execute({sql, sql, ""});
+    std::vector<std::string> names;
+    for (std::int32_t i = 0; i < records->FieldCount(); ++i) names.push_back(records->FieldName(i));
+    return names;
+  }
+
+ private:
+  Database& database_;
+};
+
+std::string OneLine(std::string text) {
+  std::ranges::replace_if(
+      text, [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
+  return text;
+}
+
+std::string Lower(std::string_view text) {
+  std::string lower(text);
+  std::ranges::transform(lower, lower.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return lower;
+}
+
+// ---- the reports ----------------------------------------------------------------------------------------
+
+struct Report {
+  KalvoTableConstants id;
+  std::string_view name;
+};
+
+#define KALVO_REPORT(name, value) Report{name, #name},
+constexpr Report kReports[] = {KALVO_TABLE_CONSTANTS(KALVO_REPORT)};
+#undef KALVO_REPORT
+
+enum class Named { Nothing, Server, Group };
+
+// What the name scope of a report is.
+Named NameOf(KalvoTableConstants id) {
+  switch (id) {
+    case TABLE_TASK_CAPACITYPLANNING_SINGLESERVER:
+    case TABLE_RES_SERVER_DBFILESUMMARY:
+    case TABLE_CHARGEBACK_Server:
+    case TABLE_AmbiguousAddressResolution:
+      return Named::Server;
+    case TABLE_TASK_CAPACITYPLANNING_SUMMARY:
+    case TABLE_RES_SERVERGROUPMEMBERSHIP:
+    case TABLE_RES_SERVERGROUP_SERVERSUMMARY:
+    case TABLE_SINGLESERVERGROUPMEMBERSHIP:
+    case TABLE_CHARGEBACK_ServerGroup:
+      return Named::Group;
+    default:
+      return id >= TABLE_TOPN_MBCNT && id <= TABLE_TOPN_LARGEOLDPFMSG ? Named::Server : Named::Nothing;
+  }
+}
+
+bool ReadsDatabase(KalvoTableConstants id) {
+  return id >= TABLE_CURRENTALERTS && id <= TABLE_AmbiguousAddressResolution;
+}
+bool IsRanking(KalvoTableConstants id) { return id >= TABLE_TOPN_MBCNT && id <= TABLE_TOPN_LARGEOLDPFMSG; }
+
+struct Place {
+  std::string server, group, organization, site;
+};
+
+ReportScope ScopeOf(KalvoTableConstants id, const Place& place) {
+  const Named named = NameOf(id);
+  return {named == Named::Server  ? place.server
+          : named == Named::Group ? place.group
+                                  : "",
+          place.organization, place.site, "%", IsRanking(id) ? TOPN_SINGLESERVER : TOPN_UNDEFINED};
+}
+
+// ---- the check ------------------------------------------------------------------------------------------
+
+class Check {
+ public:
+  Check(const Platform& platform, std::ostream& out)
+      : platform_(platform),
+        out_(out),
+        questions_(platform.database),
+        tables_(std::make_shared<KalvoTableDatabase>(platform)) {}
+
+  bool Opens() {
+    try {
+      platform_.database.Connect(TableConstants().TABLES_DSN());
+      return true;
+    } catch (const Error& error) {
+      Line("Connection") << "fails: " << OneLine(error.Description()) << "\n";
+      return false;
+    }
+  }
+
+  // Every engine has its own word for its version; the first that is understood answers.
+  void TellServer() {
+    static constexpr std::array<std::pair<std::string_view, std::string_view>, 3> kWords = {{
+        {"SQLite ", "select sqlite_version()"},
+        {"", "select version()"},
+        {"", "select @@version"},
+    }};
+    for (const auto& [engine, sql] : kWords) {
+      try {
+        const auto answer = questions_.Ask(sql);
+        if (answer.empty()) continue;
+        Line("Server") << engine << OneLine(answer[0][0]) << "\n";
+        return;
+      } catch (const Error&) {   // another engine's word
+      }
+    }
+    Line("Server") << "does not tell its version\n";
+  }
+
+  bool SchemaFits() {
+    const std::vector<sample::SchemaTable> expected = sample::SchemaTables();
+    std::size_t columns = 0, missing = 0;
+    for (const sample::SchemaTable& table : expected) {
+      columns += table.columns.size();
+      missing += MissingIn(table);
+    }
+    if (missing == 0) Line("Schema") << expected.size() << " tables with " << columns << " columns, all there\n";
+    return missing == 0;
+  }
+
+  bool HistoryIsDisjoint() {
+    static constexpr std::array<std::pair<std::string_view, std::string_view>, 4> kNumbers = {{
+        {"EXDB_SERVERTOTALS", "ServerTotalsId"},
+        {"EXDB_SERVERACTIVITY", "ServerActivityId"},
+        {"EXDB_SERVERBACKUP", "ServerBackupId"},
+        {"EXDB_RECIPIENTGROUPTOTALS", "RecipientGroupTotalsId"},
+    }};
+    bool disjoint = true;
+    for (std::size_t i = 0; i < kNumbers.size(); ++i) {
+      for (std::size_t k = i + 1; k < kNumbers.size(); ++k) {
+        disjoint =
+            NothingIn(Built([&](std::string& sql) {
+                        Append(sql, "select min(a.", kNumbers[i].second, ") as First from ", kNumbers[i].first, " a, ",
+                               kNumbers[k].first, " b where a.", kNumbers[i].second, " = b.", kNumbers[k].second);
+                      }),
+                      Built([&](std::string& what) {
+                        Append(what, kNumbers[i].first, " and ", kNumbers[k].first, " share record number ");
+                      })) &&
+            disjoint;
+      }
+    }
+    disjoint = NothingIn(
+                   "select min(x.ServerId) as First from (select c.ServerId from EXDB_SERVERCURRENT c "
+                   "where c.HistoryType < 3 group by c.ServerId, c.HistoryType having count(*) > 1) x",
+                   "EXDB_SERVERCURRENT has several current totals or activities of server ") &&
+               disjoint;
+    if (disjoint) Line("History") << "record numbers are disjoint, current records unique\n";
+    return disjoint;
+  }
+
+  bool ReportsRun() {
+    const Place place = FirstPlace();
+    Line("Scope") << "server \"" << place.server << "\", group \"" << place.group << "\", organization \""
+                  << place.organization << "\", site \"" << place.site << "\"\n";
+    int reports = 0, working = 0;
+    for (const Report& report : kReports) {
+      if (!ReadsDatabase(report.id) && !IsRanking(report.id)) continue;
+      ++reports;
+      const std::vector<std::string> failures =
+          FailuresOf(ReportPage(platform_).Build(report.id, ScopeOf(report.id, place)));
+      if (failures.empty()) ++working;
+      out_ << "  " << std::setw(2) << report.id << "  " << std::left << std::setw(56) << report.name << std::right
+           << (failures.empty() ? "works" : "fails: " + failures.front()) << "\n";
+    }
+    Line("Reports") << working << " of " << reports << " work\n";
+    return working == reports;
+  }
+
+ private:
+  std::ostream& Line(std::string_view what) { return out_ << std::left << std::setw(12) << what << std::right; }
+
+  // How many columns of the table are missing; each is named with the reports that read it.
+  std::size_t MissingIn(const sample::SchemaTable& table) {
+    std::vector<std::string> there;
+    try {
+      there = questions_.FieldNames("select * from " + table.name + " where (1 = 0)");
+    } catch (const Error& error) {
+      Line("Schema") << "missing table " << table.name << " (" << OneLine(error.Description()) << "); needed by "
+                     << ReadersOf(table.name, "") << "\n";
+      return table.columns.size();
+    }
+    std::size_t missing = 0;
+    for (const std::string& column : table.columns) {
+      if (std::ranges::any_of(there, [&](const std::string& name) { return Lower(name) == Lower(column); })) continue;
+      ++missing;
+      Line("Schema") << "missing column " << table.name << "." << column << "; needed by "
+                     << ReadersOf(table.name, column) << "\n";
+    }
+    return missing;
+  }
+
+  // The reports whose SQL names the table and, where one is given, the column: by its name, or all of them by "*".
+  std::string ReadersOf(std::string_view table, std::string_view column) {
+    std::string readers;
+    for (const Report& report : kReports) {
+      if (!ReadsDatabase(report.id)) continue;
+      const std::string sql = Lower(tables_->GetTable(report.id)->GetSQL());
+      const bool reads = HasWord(sql, Lower(table)) &&
+                         (column.empty() || HasWord(sql, Lower(column)) || sql.find(".*") != std::string::npos);
+      if (reads) Append(readers, readers.empty() ? "" : ", ", static_cast<int>(report.id), " ", report.name);
+    }
+    return readers.empty() ? "the Top-N reports" : readers;
+  }
+
+  static bool HasWord(std::string_view text, std::string_view word) {
+    const auto isLetter = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; };
+    for (std::size_t at = text.find(word); at != std::string_view::npos; at = text.find(word, at + 1)) {
+      const std::size_t end = at + word.size();
+      if ((at == 0 || !isLetter(text[at - 1])) && (end == text.size() || !isLetter(text[end]))) return true;
+    }
+    return false;
+  }
+
+  // True when the statement's one value is null; tells it after `what` otherwise.
+  bool NothingIn(std::string_view sql, std::string_view what) {
+    try {
+      const auto answer = questions_.Ask(sql);
+      if (answer.empty() || answer[0][0].empty()) return true;
+      Line("History") << what << answer[0][0] << "\n";
+    } catch (const Error& error) {
+      Line("History") << "cannot be read: " << OneLine(error.Description()) << "\n";
+    }
+    return false;
+  }
+
+  // The first managed server, with what it is in: a scope in which the reports have something to show.
+  Place FirstPlace() {
+    try {
+      const auto answer = questions_.Ask(
+          "select s.ComputerName, g.Name, s.DistOrgName, s.DistSiteName from EXDB_SERVER s, EXDB_GROUP g "
+          "where g.GroupId = s.ServerGroupId and s.ServerState = 2 order by s.ComputerName");
+      if (!answer.empty()) return {answer[0][0], answer[0][1], answer[0][2], answer[0][3]};
+    } catch (const Error&) {   // the schema's lines say why
+    }
+    return {};
+  }
+
+  const Platform& platform_;
+  std::ostream& out_;
+  Questions questions_;
+  std::shared_ptr<KalvoTableDatabase> tables_;
+};
+
+}   // namespace
+
+int RunCheck(const Platform& platform, const CheckOptions& options, std::ostream& out) {
+  const auto told = [&](std::string_view what, const std::string& text) {
+    if (!text.empty()) out << std::left << std::setw(12) << what << std::right << text << "\n";
+  };
+  told("Data source", options.where);
+  told("Driver", options.driver);
+  Check check(platform, out);
+  if (!check.Opens()) return 1;
+  check.TellServer();
+  const bool fits = check.SchemaFits();
+  const bool disjoint = check.HistoryIsDisjoint();
+  const bool run = check.ReportsRun();
+  return fits && disjoint && run ? 0 : 1;
+}
+
+}   // namespace kalvo::host

@@ -1,0 +1,174 @@
+#include "host/cli/report_page.h"
+
+#include <cctype>
+
+#include "kalvo/table_generator.h"
+#include "platform/append.h"
+#include "platform/error.h"
+#include "platform/page_host.h"
+
+namespace kalvo::host {
+namespace {
+
+using Query = std::vector<std::pair<std::string, std::string>>;
+
+bool SameKey(std::string_view left, std::string_view right) {
+  return left.size() == right.size() && std::equal(left.begin(), left.end(), right.begin(), [](char a, char b) {
+           return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
+         });
+}
+
+class TextResponse : public Response {
+ public:
+  void Write(std::string_view piece) override { text += piece; }
+  void Flush() override {}
+  std::string text;
+};
+
+class ListRequest : public Request {
+ public:
+  explicit ListRequest(const Query& query) : query_(query) {}
+
+  std::vector<std::string> QueryKeys() override {
+    std::vector<std::string> keys;
+    for (const auto& [key, value] : query_) {
+      bool known = false;
+      for (const std::string& earlier : keys) known = known || SameKey(earlier, key);
+      if (!known) keys.push_back(key);
+    }
+    return keys;
+  }
+  std::int32_t QueryCount(std::string_view key) override { return static_cast<std::int32_t>(Values(key).size()); }
+  std::string QueryItem(std::string_view key, std::int32_t i) override {
+    const std::vector<std::string_view> values = Values(key);
+    if (i < 1 || static_cast<std::size_t>(i) > values.size()) throw SubscriptOutOfRange();
+    return std::string(values[static_cast<std::size_t>(i) - 1]);
+  }
+  std::string QueryText(std::string_view key) override {
+    return Built([&](std::string& out) {
+      for (const std::string_view value : Values(key)) Append(out, out.empty() ? "" : ", ", value);
+    });
+  }
+  std::string ServerVariable(std::string_view name) override { return SameKey(name, "URL") ? "/Report.asp" : ""; }
+  std::string Item(std::string_view name) override {
+    return QueryCount(name) > 0 ? QueryText(name) : ServerVariable(name);
+  }
+
+ private:
+  std::vector<std::string_view> Values(std::string_view key) const {
+    std::vector<std::string_view> values;
+    for (const auto& [name, value] : query_) {
+      if (SameKey(name, key)) values.push_back(value);
+    }
+    return values;
+  }
+
+  const Query& query_;
+};
+
+class Encoders : public Server {
+ public:
+  void HTMLEncode(std::string& out, std::string_view text) override {
+    for (const char c : text) {
+      switch (c) {
+        case '&':
+          out += "&amp;";
+          break;
+        case '<':
+          out += "&lt;";
+          break;
+        case '>':
+          out += "&gt;";
+          break;
+        case '"':
+          out += "&quot;";
+          break;
+        default:
+          out += c;
+      }
+    }
+  }
+  void URLEncode(std::string& out, std::string_view text) override {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    for (const char c : text) {
+      const auto byte = static_cast<unsigned char>(c);
+      if (byte < 128 && std::isalnum(byte))
+        out += c;
+      else if (c == ' ')
+        out += '+';
+      else
+        Append(out, '%', kDigits[byte >> 4], kDigits[byte & 15]);
+    }
+  }
+};
+
+class RightsSession : public Session {
+ public:
+  explicit RightsSession(bool administrator) : administrator_(administrator) {}
+  Value Item(std::string_view name) override {
+    return administrator_ && SameKey(name, "KalvoAdministrator") ? Value(std::string("Yes")) : Value(Empty());
+  }
+  std::shared_ptr<LiveContainer> StaticObject(std::string_view) override { throw ObjectRequired(); }
+
+ private:
+  bool administrator_;
+};
+
+class PageObjects : public ScriptingContext {
+ public:
+  PageObjects(const Query& query, bool administrator)
+      : request_(std::make_shared<ListRequest>(query)), session_(std::make_shared<RightsSession>(administrator)) {}
+  std::shared_ptr<Response> GetResponse() override { return response; }
+  std::shared_ptr<Request> GetRequest() override { return request_; }
+  std::shared_ptr<Session> GetSession() override { return session_; }
+  std::shared_ptr<Server> GetServer() override { return server_; }
+
+  const std::shared_ptr<TextResponse> response = std::make_shared<TextResponse>();
+
+ private:
+  std::shared_ptr<Request> request_;
+  std::shared_ptr<Session> session_;
+  std::shared_ptr<Server> server_ = std::make_shared<Encoders>();
+};
+
+// HTML as a reader sees it: no tags, the entities that a failure uses read, blanks joined.
+std::string PlainText(std::string_view html) {
+  std::string out;
+  bool inTag = false;
+  for (std::size_t at = 0; at < html.size(); ++at) {
+    if (html[at] == '<') inTag = true;
+    char c = inTag ? ' ' : html[at];
+    if (html[at] == '>') inTag = false;
+    for (const auto& [entity, letter] :
+         {std::pair{"&nbsp;", ' '}, {"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}}) {
+      if (!inTag && html.substr(at).starts_with(entity)) c = letter, at += std::string_view(entity).size() - 1;
+    }
+    if (std::isspace(static_cast<unsigned char>(c))) c = ' ';
+    if (c != ' ' || (!out.empty() && out.back() != ' ')) out += c;
+  }
+  while (!out.empty() && out.back() == ' ') out.pop_back();
+  return out;
+}
+
+}   // namespace
+
+std::string ReportPage::Build(KalvoTableConstants id, const ReportScope& scope) const {
+  const auto page = std::make_shared<PageObjects>(query_, administrator_);
+  const auto generator = std::make_shared<KalvoforExchangeTableGenerator>(platform_);
+  generator->OnStartPage(*page);
+  generator->BuildTable(id, scope.name, scope.organization, scope.site, scope.mailbox, "", scope.topN);
+  generator->OnEndPage();
+  return page->response->text;
+}
+
+std::vector<std::string> FailuresOf(std::string_view html) {
+  static constexpr std::string_view kBegins = "Error Generating Table:";
+  std::vector<std::string> failures;
+  for (std::size_t at = 0; (at = html.find(kBegins, at)) != std::string_view::npos;) {
+    at += kBegins.size();
+    failures.push_back(PlainText(html.substr(at, html.find("</p>", at) - at)));
+  }
+  return failures;
+}
+
+}   // namespace kalvo::host
