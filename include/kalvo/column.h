@@ -68,7 +68,7 @@ class KalvoColumn : public TableColumn {
 
   ColumnDefinition definition_;
   std::string rowSpan_, columnSpan_;    // the spans as attribute texts, "" for none
-  std::string value_, text_, url_;      // buffers of the cell that is being made, kept for the next
+  std::string text_, url_;              // buffers of the cell that is being made, kept for the next
 };
 
 }  // namespace kalvo

@@ -64,8 +64,8 @@ std::string KalvoColumn::ConstructHTMLTotal(Context& pCtxt, Display& pDisplay, R
 
 void KalvoColumn::AppendData(std::string& out, Context& context, Display& display, RowSource& row) {
   if (DropsOut(context)) return;
-  Scratch value(value_), text(text_), url(url_);
-  RowCell cell{definition_, context, display, row, *value, *text, *url, definition_.hyperLinkType};
+  Scratch text(text_), url(url_);
+  RowCell cell{definition_, context, display, row, *text, *url, definition_.hyperLinkType};
   FormatCell(cell);
   LinkCell(cell);
   const CellLayout layout = Layout(cell.color);

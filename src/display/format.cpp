@@ -2,6 +2,8 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstddef>
+#include <optional>
 
 #include "kalvo/display.h"
 #include "platform/append.h"
@@ -78,6 +80,34 @@ void AppendDecimal(std::string& out, const Decimal& decimal, int decimals, const
   for (int i = whole; i < whole + decimals; ++i) out += digit(i);
 }
 
+// Most numbers are small and not near a tie: hundredths in plain arithmetic round them as their decimal digits do.
+// Nothing for a number that needs its digits looked at.
+std::optional<std::int64_t> Hundredths(double number) {
+  constexpr double kLargest = 1e6;
+  constexpr double kNearTie = 1e-6;
+  if (!(number < kLargest)) return std::nullopt;
+  const double scaled = number * 100;
+  const double whole = std::floor(scaled);
+  const double rest = scaled - whole;
+  if (std::abs(rest - 0.5) < kNearTie) return std::nullopt;
+  return static_cast<std::int64_t>(whole) + (rest > 0.5 ? 1 : 0);
+}
+
+void AppendGrouped(std::string& out, std::int64_t number, const Locale& locale) {
+  char digits[24];
+  const auto count = std::to_chars(digits, digits + sizeof digits, number).ptr - digits;
+  for (std::ptrdiff_t i = 0; i < count; ++i) {
+    if (i > 0 && (count - i) % 3 == 0) AppendGroupSeparator(out, locale);
+    out += digits[i];
+  }
+}
+
+void AppendHundredths(std::string& out, std::int64_t hundredths, const Locale& locale) {
+  AppendGrouped(out, hundredths / 100, locale);
+  const auto cents = static_cast<char>(hundredths % 100);
+  Append(out, locale.decimalPoint, static_cast<char>('0' + cents / 10), static_cast<char>('0' + cents % 10));
+}
+
 double NumberOf(std::string_view text) {
   const auto number = ParseNumber(text);
   if (!number) throw TypeMismatch();
@@ -98,9 +128,21 @@ void Display::AppendNumber(std::string& out, std::string_view number, bool decim
 }
 
 void Display::AppendNumber(std::string& out, double number, bool decimal) const {
+  constexpr double kExactIntegers = 1e15;
   if (!std::isfinite(number)) throw Overflow();
+  const double size = std::abs(number);
+  if (!decimal && size < kExactIntegers && size == std::floor(size)) {
+    if (number < 0) out += '-';
+    AppendGrouped(out, static_cast<std::int64_t>(size), locale_);
+    return;
+  }
+  if (const auto hundredths = decimal ? Hundredths(size) : std::nullopt) {
+    if (number < 0 && *hundredths != 0) out += '-';
+    AppendHundredths(out, *hundredths, locale_);
+    return;
+  }
   const int decimals = decimal ? kDecimals : 0;
-  Decimal digits = DecimalOf(std::abs(number));
+  Decimal digits = DecimalOf(size);
   digits.zero = number == 0;
   if (!digits.zero) Round(digits, decimals);
   if (number < 0 && !digits.zero) out += '-';
