@@ -6,7 +6,10 @@ var group = Argument("GroupName");
 ScopeForm("SingleMailboxGroupReports.asp", "GroupName", "Mailbox group:", MailboxGroups(), []);
 if (group !== "") {
   Heading("Mailbox group " + group);
-  Links([["../Configuration/ConfigureMailboxGroup.asp", "Configure this group", "GroupName", group]]);
+  Links([
+    ["../Tasks/TopN.asp", "Top mailboxes and messages of this group", "MailboxGroup", group],
+    ["../Configuration/ConfigureMailboxGroup.asp", "Configure this group", "GroupName", group]
+  ]);
 }
 Heading("All mailbox groups");
 Report(TABLE_RES_MAILBOXGROUPS_MAILBOXESSUMMARY, {}, "There are no mailbox groups.");

@@ -9,6 +9,7 @@ if (group !== "") {
   Links([
     ["../Tasks/CapacityPlanning.asp", "Capacity planning of this group", "GroupName", group],
     ["../Tasks/Chargeback.asp", "Chargeback of this group", "GroupName", group],
+    ["../Tasks/TopN.asp", "Top mailboxes, public folders and messages of this group", "GroupName", group],
     ["../Configuration/ConfigureServerGroup.asp", "Configure this group", "GroupName", group]
   ]);
   var report = ChosenReport("SingleServerGroupReports.asp", [

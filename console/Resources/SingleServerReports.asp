@@ -8,6 +8,7 @@ if (server !== "") {
   Heading("Server " + server);
   Links([
     ["../Tasks/Chargeback.asp", "Chargeback of this server", "Server", server],
+    ["../Tasks/TopN.asp", "Top mailboxes, public folders and messages of this server", "Server", server],
     ["FindMailbox.asp", "Find a mailbox on this server", "Server", server]
   ]);
   Heading("Database files");
