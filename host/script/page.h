@@ -131,7 +131,6 @@ class Site {
 
  private:
   class Pages;
-  const Platform& platform_;
   std::unique_ptr<Pages> pages_;
 };
 

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <string_view>
+
+#include "host/script/binding.h"
+#include "platform/page_host.h"
+#include "platform/platform.h"
+
+namespace kalvo::host {
+
+// A class as scripts see it.
+struct ClassBinding {
+  std::string_view name;   // "Display"; scripts make a public class as "KalvoTables.Display"
+
+  // Whether the object is one of this class, for an object whose class is asked for the first time.
+  bool (*owns)(const Object& object) = nullptr;
+  std::span<const Member> (*members)() = nullptr;
+
+  // Makes a new one; null for a class that scripts cannot make.
+  std::shared_ptr<Object> (*make)(const Platform& platform) = nullptr;
+  std::size_t bytes = 0;   // about what one takes, counted to the page's memory
+
+  // Tell an object that `Server.CreateObject` made of the page's start and end; null where it has no such operation.
+  void (*start)(Object& object, ScriptingContext& context) = nullptr;
+  void (*end)(Object& object) = nullptr;
+
+  // For a class whose objects are called as functions: pushes one value.
+  void (*call)(CallFrame& frame) = nullptr;
+  // For a class whose objects carry enumerable properties: defines them on the object on the top of the stack.
+  void (*decorate)(Engine& engine, const Object& object) = nullptr;
+};
+
+// Every class, the public ones first, in published order.
+std::span<const ClassBinding> Classes();
+
+inline constexpr std::string_view kClassPrefix = "KalvoTables.";
+
+// The public class that a script names "KalvoTables.Display", in any case; null when there is none.
+const ClassBinding* FindPublicClass(std::string_view name);
+
+}  // namespace kalvo::host

@@ -1,0 +1,169 @@
+#pragma once
+
+#include <chrono>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <new>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "host/script/kalvo_duktape.h"
+#include "host/script/page.h"
+#include "platform/error.h"
+
+namespace kalvo::host {
+
+class ScriptPage;
+
+// Thrown through the library when the page must stop. Not an `Error`: no trap catches it.
+struct PageEnd {};
+
+enum class EndCause { None, Response, TimeLimit, MemoryLimit, Sink };
+
+// A thrown script value, read before it is dropped.
+struct ScriptFailure {
+  std::int32_t number = 0;      // 0x80004005 where it has none
+  std::string description;      // else its message
+  std::string message;          // as a console shows it: "TypeError: undefined not callable"
+  std::string file;             // the script that threw it, and the line of it; "" and 0 when unknown
+  int line = 0;
+};
+
+// One script state with its limits: everything that one page's script makes. It ends at the first of
+// `Response.End`, the time limit and the memory limit; from then on no script code runs and every call from
+// script into the program ends again, whatever the script catches.
+class Engine {
+ public:
+  Engine(const PageLimits& limits, ScriptPage* page);
+  ~Engine();
+  Engine(const Engine&) = delete;
+  Engine& operator=(const Engine&) = delete;
+
+  static Engine& Of(duk_context* context);
+  duk_context* Context() const { return context_; }
+
+  // The page that this state belongs to; null for one that only compiles.
+  ScriptPage* Page() const { return page_; }
+
+  // ---- limits ----------------------------------------------------------------------------------------------
+
+  EndCause Cause() const { return cause_; }
+  bool HasEnded() const { return cause_ != EndCause::None; }
+
+  // Ends the page for a cause; the first cause stands.
+  void MarkEnded(EndCause cause);
+  [[noreturn]] void End(EndCause cause);
+
+  // Throws PageEnd when the page has ended or is past its time.
+  void CheckLimits();
+
+  // Counts memory that the program keeps for the script outside of the engine. Throws PageEnd when the limit is
+  // passed. A negative number gives back.
+  void Charge(std::ptrdiff_t bytes);
+
+  // False once the state is being torn down: script objects can no longer be reached.
+  bool IsOpen() const { return *home_ != nullptr; }
+
+  // This engine for as long as it is open, null after that.
+  const std::shared_ptr<Engine*>& Home() const { return home_; }
+
+  // ---- what the program keeps here ---------------------------------------------------------------------------
+
+  // A free place in the list of script values that the program keeps.
+  duk_uarridx_t TakeSlot();
+  void GiveSlot(duk_uarridx_t slot) { freeSlots_.push_back(slot); }
+
+  // The script objects that stand for objects of the program, by their address.
+  std::unordered_map<const void*, void*>& Wrappers() { return wrappers_; }
+
+  // ---- code ------------------------------------------------------------------------------------------------
+
+  // Runs a step with the engine's and the program's errors caught. What was thrown, or nothing.
+  template <std::invocable Step>
+  std::optional<ScriptFailure> Attempt(Step&& step) {
+    auto run = [](duk_context* context, void* data) -> duk_ret_t {
+      return Guarded(context, [&] {
+        (*static_cast<std::remove_reference_t<Step>*>(data))();
+        return 0;
+      });
+    };
+    if (duk_safe_call(context_, run, &step, 0, 1) == DUK_EXEC_SUCCESS) {
+      duk_pop(context_);
+      return std::nullopt;
+    }
+    return TakeFailure();
+  }
+
+  // Runs a step that reaches into script, from inside the library. What it throws becomes `Error`; the end of
+  // the page passes on.
+  template <std::invocable Step>
+  void Protected(Step&& step) {
+    CheckLimits();
+    const std::optional<ScriptFailure> failure = Attempt(std::forward<Step>(step));
+    if (HasEnded()) throw PageEnd{};
+    if (failure) throw Error(failure->number, failure->description);
+  }
+
+  // Every entry from script: what the program throws becomes a script error after all scopes are left.
+  template <std::invocable Step>
+  static duk_ret_t Guarded(duk_context* context, Step&& step) {
+    duk_ret_t results = 0;
+    bool failed = true;
+    try {
+      results = std::forward<Step>(step)();
+      failed = false;
+    } catch (const PageEnd&) {
+      PushEnd(context);
+    } catch (const Error& error) {
+      PushError(context, error.Number(), error.Description());
+    } catch (const std::bad_alloc&) {
+      Of(context).MarkEnded(EndCause::MemoryLimit);
+      PushEnd(context);
+    } catch (const std::exception& error) {
+      PushError(context, codes::kFailed, error.what());
+    }
+    return failed ? duk_throw(context) : results;
+  }
+
+  // The failure on the top of the stack, which is popped.
+  ScriptFailure TakeFailure();
+
+ private:
+  struct Memory;
+  friend int ::kalvo_engine_must_stop(void*);
+  friend void ::kalvo_engine_out_of_memory(void*);
+
+  static void PushError(duk_context* context, std::int32_t number, std::string_view description);
+  static void PushEnd(duk_context* context);
+  static duk_ret_t NoteThrow(duk_context* context);
+  bool IsPastDeadline() const { return std::chrono::steady_clock::now() >= deadline_; }
+  void Install();
+
+  std::unique_ptr<Memory> memory_;
+  std::chrono::steady_clock::time_point deadline_;
+  EndCause cause_ = EndCause::None;
+  std::shared_ptr<Engine*> home_ = std::make_shared<Engine*>(this);
+  ScriptPage* page_;
+  duk_context* context_ = nullptr;
+  duk_uarridx_t slots_ = 0;
+  std::vector<duk_uarridx_t> freeSlots_;
+  std::unordered_map<const void*, void*> wrappers_;
+  std::string throwFile_;   // where a value that is no error was last thrown
+  int throwLine_ = 0;
+};
+
+// ---- text ----------------------------------------------------------------------------------------------------
+
+void PushText(duk_context* context, std::string_view utf8);
+
+// The text of a string value on the stack.
+std::string TextAt(duk_context* context, duk_idx_t index);
+
+}  // namespace kalvo::host

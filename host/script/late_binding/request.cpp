@@ -1,0 +1,208 @@
+// A script object as the page's request. `QueryString` may be a function of the key, an object of keys, or one of
+// the callable intrinsic collections; the values of a key may be a text, an array, or an object with Count and Item.
+#include "host/script/late_binding/adapters.h"
+#include "host/script/late_binding/late_bound.h"
+#include "host/script/request.h"
+#include "platform/conversion.h"
+
+namespace kalvo::host {
+namespace {
+
+// The values of a key, read from whatever stands on the top of the stack.
+class ValuesReader {
+ public:
+  explicit ValuesReader(Engine& engine) : engine_(engine), context_(engine.Context()), at_(duk_get_top_index(context_)) {}
+
+  std::vector<std::string> Read() const {
+    if (duk_is_null_or_undefined(context_, at_)) return {};
+    if (!duk_is_object(context_, at_)) return {TextOf(engine_, at_)};
+    if (auto own = std::dynamic_pointer_cast<ValueList>(NativeAt(context_, at_))) return own->Values();
+    if (duk_is_array(context_, at_)) return ReadArray();
+    if (duk_has_prop_literal(context_, at_, "Count")) return ReadItems();
+    return {TextOf(engine_, at_)};
+  }
+
+ private:
+  std::vector<std::string> ReadArray() const {
+    std::vector<std::string> values;
+    const duk_size_t length = duk_get_length(context_, at_);
+    for (duk_size_t i = 0; i < length; ++i) {
+      engine_.CheckLimits();
+      duk_get_prop_index(context_, at_, static_cast<duk_uarridx_t>(i));
+      values.push_back(TextOf(engine_, -1));
+      duk_pop(context_);
+    }
+    return values;
+  }
+
+  std::vector<std::string> ReadItems() const {
+    PushMember("Count");
+    const std::int32_t count = ToInt32(ValueAt(engine_, -1));
+    duk_pop(context_);
+    std::vector<std::string> values;
+    for (std::int32_t i = 1; i <= count; ++i) {
+      engine_.CheckLimits();
+      if (!duk_has_prop_literal(context_, at_, "Item")) throw MemberNotSupported();
+      duk_push_literal(context_, "Item");
+      duk_push_int(context_, i);
+      duk_call_prop(context_, at_, 1);
+      values.push_back(TextOf(engine_, -1));
+      duk_pop(context_);
+    }
+    return values;
+  }
+
+  void PushMember(const char* name) const {
+    duk_get_prop_string(context_, at_, name);
+    if (!IsScriptFunction(context_, -1)) return;
+    duk_dup(context_, at_);
+    duk_call_method(context_, 0);
+  }
+
+  Engine& engine_;
+  duk_context* context_;
+  duk_idx_t at_;
+};
+
+class ScriptRequest : public Request, public LateBound {
+ public:
+  using LateBound::LateBound;
+
+  std::vector<std::string> QueryKeys() override {
+    std::vector<std::string> keys;
+    Reach([&](Engine& engine) {
+      PushCollection(engine);
+      keys = KeysAtTop(engine);
+    });
+    return keys;
+  }
+
+  std::int32_t QueryCount(std::string_view key) override { return static_cast<std::int32_t>(QueryValues(key).size()); }
+
+  std::string QueryItem(std::string_view key, std::int32_t i) override {
+    const std::vector<std::string> values = QueryValues(key);
+    if (i < 1 || static_cast<std::size_t>(i) > values.size()) throw SubscriptOutOfRange();
+    return values[static_cast<std::size_t>(i) - 1];
+  }
+
+  std::string QueryText(std::string_view key) override { return JoinedValues(QueryValues(key)); }
+
+  std::string ServerVariable(std::string_view name) override { return JoinedValues(ValuesOf("ServerVariables", name)); }
+
+  // `Request(name)`; a request that is no function has its query string and its server variables looked through.
+  std::string Item(std::string_view name) override {
+    std::vector<std::string> values;
+    bool answered = false;
+    Reach([&](Engine& engine) {
+      answered = PushDefaultItem(engine, name);
+      if (answered) values = ValuesReader(engine).Read();
+    });
+    for (const char* collection : {"QueryString", "Form", "Cookies", "ServerVariables"}) {
+      if (answered || !values.empty()) break;
+      if (Offers(collection)) values = ValuesOf(collection, name);
+    }
+    return JoinedValues(values);
+  }
+
+ private:
+  std::vector<std::string> QueryValues(std::string_view key) { return ValuesOf("QueryString", key); }
+
+  bool Offers(const char* member) const {
+    bool has = false;
+    Reach([&](Engine& engine) { has = Has(engine, member); });
+    return has;
+  }
+
+  // The values of a name in one of the request's collections.
+  std::vector<std::string> ValuesOf(const char* collection, std::string_view name) const {
+    std::vector<std::string> values;
+    Reach([&](Engine& engine) {
+      duk_context* context = engine.Context();
+      if (PushMember(engine, collection)) {
+        PushArgument(engine, name);
+        duk_call_method(context, 1);
+      } else if (duk_is_function(context, -1)) {   // one of the callable intrinsic objects
+        PushArgument(engine, name);
+        duk_call(context, 1);
+      } else {
+        PushKey(engine, name);
+      }
+      values = ValuesReader(engine).Read();
+    });
+    return values;
+  }
+
+  // Replaces a plain object by its property of a name, found without regard to case.
+  static void PushKey(Engine& engine, std::string_view name) {
+    duk_context* context = engine.Context();
+    if (!duk_is_object(context, -1)) throw ObjectRequired();
+    duk_enum(context, -1, 0);
+    while (duk_next(context, -1, 0)) {
+      const bool same = EqualsIgnoringCase(TextAt(context, -1), name);
+      if (same) {
+        duk_get_prop(context, -3);
+        return;
+      }
+      duk_pop(context);
+    }
+    duk_push_undefined(context);
+  }
+
+  bool PushDefaultItem(Engine& engine, std::string_view name) const {
+    duk_context* context = engine.Context();
+    Reference().Push();
+    if (!duk_is_function(context, -1)) {
+      duk_pop(context);
+      if (!Has(engine, "Item")) return false;
+      PushAnswer(engine, "Item", name);
+      return true;
+    }
+    PushArgument(engine, name);
+    duk_call(context, 1);
+    return true;
+  }
+
+  // The collection whose keys are enumerated: the member itself where it carries keys, else what it answers
+  // without a key.
+  void PushCollection(Engine& engine) const {
+    duk_context* context = engine.Context();
+    if (!PushMember(engine, "QueryString")) return;
+    if (HasKeys(context, -2)) {
+      duk_pop(context);
+      return;
+    }
+    duk_call_method(context, 0);
+  }
+
+  static bool HasKeys(duk_context* context, duk_idx_t index) {
+    duk_enum(context, index, DUK_ENUM_OWN_PROPERTIES_ONLY);
+    const bool has = duk_next(context, -1, 0) != 0;
+    duk_pop_n(context, has ? 2 : 1);
+    return has;
+  }
+
+  static std::vector<std::string> KeysAtTop(Engine& engine) {
+    duk_context* context = engine.Context();
+    if (!duk_is_object(context, -1)) return {};
+    if (auto own = std::dynamic_pointer_cast<NameCollection>(NativeAt(context, -1))) return own->Names().Keys();
+    std::vector<std::string> keys;
+    duk_enum(context, -1, 0);
+    while (duk_next(context, -1, 1)) {
+      // what an object offers beside its keys is no key
+      const std::string key = TextAt(context, -2);
+      const bool offered = duk_is_function(context, -1) || key == "Count";
+      if (!offered) keys.push_back(key);
+      duk_pop_2(context);
+    }
+    return keys;
+  }
+};
+
+}  // namespace
+
+template <>
+std::shared_ptr<Request> Adapt<Request>(Engine& engine, duk_idx_t index) {
+  return std::make_shared<ScriptRequest>(engine, index);
+}
+
+}  // namespace kalvo::host

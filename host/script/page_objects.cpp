@@ -1,0 +1,136 @@
+#include "host/script/page_objects.h"
+
+#include <algorithm>
+
+#include "host/script/late_binding/adapters.h"
+#include "host/script/page_source.h"
+#include "host/script/script_page.h"
+#include "platform/append.h"
+#include "platform/conversion.h"
+
+namespace kalvo::host {
+namespace {
+
+constexpr std::string_view kLiveDriller = "gLiveDriller";
+
+std::string_view HtmlOf(char c) {
+  switch (c) {
+    case '&': return "&amp;";
+    case '<': return "&lt;";
+    case '>': return "&gt;";
+    case '"': return "&quot;";
+    default: return {};
+  }
+}
+
+bool StaysInUrl(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); }
+
+// Where a path is allowed: a text, a number, a boolean, a date, null or empty.
+bool IsKept(const Value& value) { return !std::holds_alternative<std::shared_ptr<Object>>(value); }
+
+}  // namespace
+
+// ---- Server ----------------------------------------------------------------------------------------------------
+
+void ServerObject::HTMLEncode(std::string& out, std::string_view text) {
+  constexpr std::string_view kEncoded = "&<>\"";
+  std::size_t from = 0;
+  while (from < text.size()) {
+    const std::size_t to = std::min(text.find_first_of(kEncoded, from), text.size());
+    out += text.substr(from, to - from);
+    if (to < text.size()) out += HtmlOf(text[to]);
+    from = to + 1;
+  }
+}
+
+void ServerObject::URLEncode(std::string& out, std::string_view text) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  for (const char c : text) {
+    if (StaysInUrl(c)) {
+      out += c;
+    } else if (c == ' ') {
+      out += '+';
+    } else {
+      const auto byte = static_cast<unsigned char>(c);
+      Append(out, '%', kDigits[byte >> 4], kDigits[byte & 15]);
+    }
+  }
+}
+
+std::string ServerObject::EncodedHtml(std::string_view text) {
+  return Built([&](std::string& out) { HTMLEncode(out, text); });
+}
+
+std::string ServerObject::EncodedUrl(std::string_view text) {
+  return Built([&](std::string& out) { URLEncode(out, text); });
+}
+
+std::string ServerObject::MapPath(std::string_view path) const {
+  const bool fromRoot = !path.empty() && (path.front() == '/' || path.front() == '\\');
+  const std::string& page = page_.Compiled().source.files.front();
+  const std::string folder = fromRoot ? std::string() : page.substr(0, page.find_last_of('/') + 1);
+  const bool isRoot = fromRoot && path.size() == 1;
+  const auto below = isRoot ? std::optional<std::string>("") : PathBelowRoot(folder, path);
+  if (!below) throw Error(codes::kFailed, "The path leads out of the site");
+  return (page_.Site().root / *below).string();
+}
+
+std::shared_ptr<Object> ServerObject::CreateObject(std::string_view name) { return page_.Make(name, true); }
+
+// ---- Session ---------------------------------------------------------------------------------------------------
+
+void SessionObject::PushStatic(Engine& engine, std::string_view name) {
+  const std::string key = ToLower(name);
+  const auto made = statics_.find(key);
+  if (made != statics_.end()) return made->second->Push();
+  duk_context* context = engine.Context();
+  for (const ScriptStatic& candidate : page_.Options().statics) {
+    if (!EqualsIgnoringCase(candidate.name, name)) continue;
+    PushText(context, candidate.text);
+    PushText(context, candidate.file);
+    duk_compile(context, DUK_COMPILE_EVAL);
+    duk_call(context, 0);
+    statics_.emplace(key, std::make_unique<ScriptReference>(engine, -1));
+    return;
+  }
+  if (EqualsIgnoringCase(name, kLiveDriller)) {
+    if (!drillerAsked_) driller_ = session_.LiveDriller();
+    drillerAsked_ = true;
+    if (driller_ != nullptr) return PushObject(engine, driller_);
+  }
+  duk_push_undefined(context);
+}
+
+Value SessionObject::Static(std::string_view name) {
+  Value value;
+  page_.ScriptEngine().Protected([&] {
+    PushStatic(page_.ScriptEngine(), name);
+    value = ValueAt(page_.ScriptEngine(), -1);
+  });
+  return value;
+}
+
+std::shared_ptr<LiveContainer> SessionObject::StaticObject(std::string_view name) {
+  std::shared_ptr<LiveContainer> container;
+  page_.ScriptEngine().Protected([&] {
+    PushStatic(page_.ScriptEngine(), name);
+    container = InterfaceAt<LiveContainer>(page_.ScriptEngine(), -1);
+  });
+  return container;
+}
+
+Value SessionObject::Access(std::string_view name, std::optional<Value> value) {
+  if (!value) return Item(name);
+  if (!IsKept(*value)) throw TypeMismatch();
+  session_.Set(name, *value);
+  return Empty{};
+}
+
+// ---- ScriptingContext ------------------------------------------------------------------------------------------
+
+std::shared_ptr<Response> ScriptingContextObject::GetResponse() { return page_.PageResponse(); }
+std::shared_ptr<Request> ScriptingContextObject::GetRequest() { return page_.PageRequestObject(); }
+std::shared_ptr<Session> ScriptingContextObject::GetSession() { return page_.PageSessionObject(); }
+std::shared_ptr<Server> ScriptingContextObject::GetServer() { return page_.PageServer(); }
+
+}  // namespace kalvo::host
