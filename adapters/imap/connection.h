@@ -1,0 +1,121 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "adapters/imap/deadline.h"
+#include "adapters/imap/fetched.h"
+#include "adapters/imap/limits.h"
+
+namespace kalvo::imap {
+
+class Transport;
+class ResponseGuard;
+struct ServerAddress;
+
+struct Login {
+  std::string user;
+  std::string password;
+};
+
+struct Folder {
+  std::string name;   // as the server writes it
+  bool selectable = true;
+};
+
+// The state of a folder's messages: as long as all three are the same, the messages are.
+struct FolderState {
+  std::uint32_t uidValidity = 0;
+  std::uint32_t uidNext = 0;   // 0 where the server does not tell
+  std::uint32_t messages = 0;
+
+  bool operator==(const FolderState&) const = default;
+};
+
+enum class ServerSortKey { Date, Arrival, Size };
+
+struct ServerSort {
+  ServerSortKey key;
+  bool descending;
+};
+
+enum class Access { Read, Write };
+
+// One connection to a mail server, logged in. Folder names are the server's own bytes. Every failure is an
+// `ImapError`; after one whose fault is not `Refused` the connection is of no more use.
+class Connection {
+ public:
+  // Connects and logs in.
+  Connection(const ServerAddress& address, const Login& login, const Limits& limits, const Deadline& deadline);
+  ~Connection();
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  // All that follows shares this deadline.
+  void Begin(const Deadline& deadline);
+
+  bool Has(const char* capability);
+
+  // What stands between the names of a folder and those below it; '\0' where the server has no tree.
+  char Separator();
+
+  // The prefix of the user's own folders, and those of other people's and of shared ones.
+  const std::string& PersonalPrefix();
+  const std::vector<std::string>& ForeignPrefixes();
+
+  // Folders by a LIST pattern. Only whole names that begin with `prefix` are answered.
+  std::vector<Folder> List(std::string_view pattern, std::string_view prefix);
+
+  FolderState Status(const std::string& folder);
+
+  // Opens a folder and answers its state now. Fails with `Refused` where there is none.
+  FolderState Open(const std::string& folder, Access access);
+
+  // Opens it to read, unless it is the one that is open; the state is that of its opening.
+  FolderState Stay(const std::string& folder);
+
+  // What the user may do in the folder (RFC 4314's letters), nothing where the server has no such lists. Not while
+  // a folder is open.
+  std::optional<std::string> Rights(const std::string& folder);
+
+  // Of the folder that is open:
+  std::vector<std::uint32_t> AllUids();
+  std::vector<std::uint32_t> SortedUids(std::span<const ServerSort> keys);
+  // Those that the server takes to have no date, or one before 1971.
+  std::vector<std::uint32_t> WithoutSentDate();
+  void FetchSummaries(std::uint32_t firstUid, std::uint32_t lastUid, std::vector<Summary>& summaries);
+  std::vector<Fetched> Fetch(std::span<const std::uint32_t> uids);
+  bool Exists(std::uint32_t uid);
+  void MarkDeleted(std::uint32_t uid, bool deleted);
+  void Expunge(std::uint32_t uid);
+
+  std::size_t BytesRead() const;
+
+ private:
+  struct Session;
+
+  void Connect(const ServerAddress& address);
+  void LogIn(const Login& login);
+  void ReadNamespaces();
+  void Command();
+  void Check(int code, std::string_view step);
+  [[noreturn]] void Fail(int code, std::string_view step);
+
+  std::string name_;   // for errors
+  std::unique_ptr<Transport> transport_;
+  std::unique_ptr<ResponseGuard> guard_;
+  std::unique_ptr<Session> session_;
+  std::string openFolder_;
+  FolderState openState_;
+  bool knowsNamespaces_ = false;
+  char separator_ = 0;
+  std::string personal_;
+  std::vector<std::string> foreign_;
+};
+
+}   // namespace kalvo::imap

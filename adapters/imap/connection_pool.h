@@ -1,0 +1,125 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <list>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "adapters/imap/connection.h"
+#include "adapters/imap/deadline.h"
+#include "adapters/imap/imap_error.h"
+#include "adapters/imap/settings.h"
+
+namespace kalvo::imap {
+
+// What the store has cost so far.
+struct Traffic {
+  std::size_t connections = 0;
+  std::size_t messagesFetched = 0;
+  std::size_t bytesRead = 0;
+};
+
+// The connections that are kept from page to page, one for each login, a few at most. One thread.
+class ConnectionPool {
+ public:
+  explicit ConnectionPool(Settings settings) : settings_(std::move(settings)) {}
+
+  // Runs `step` on a connection of that server and user. A kept connection may have died since it was last used,
+  // and a server may have been started anew: a lost connection is opened again once and the step repeated.
+  template <typename Step>
+  auto With(const std::string& server, const std::string& user, Step&& step) {
+    const ServerAddress& address = settings_.AddressOf(server);
+    RefuseWhileSilent(address);
+    const Deadline deadline(settings_.limits.operation);
+    try {
+      return Try(address, user, deadline, step);
+    } catch (const ImapError& error) {
+      if (error.What() != Fault::Lost) throw;
+    }
+    return Try(address, user, deadline, step);
+  }
+
+  // The same on a connection of its own, which is closed afterwards: for changes, so that nothing that is open on a
+  // kept connection can get in their way.
+  template <typename Step>
+  auto WithOwn(const std::string& server, const std::string& user, Step&& step) {
+    const Closing closing(*this, settings_.AddressOf(server), user);
+    return With(server, user, step);
+  }
+
+  const Settings& Config() const { return settings_; }
+  const Traffic& Cost() const { return cost_; }
+  void CountFetched(std::size_t messages) { cost_.messagesFetched += messages; }
+
+ private:
+  struct Kept {
+    const ServerAddress* address;
+    std::string user;
+    std::unique_ptr<Connection> connection;
+  };
+
+  template <typename Step>
+  auto Try(const ServerAddress& address, const std::string& user, const Deadline& deadline, Step& step) {
+    try {
+      Connection& connection = Get(address, user, deadline);
+      const Counting counting(*this, connection);
+      return step(connection);
+    } catch (const ImapError& error) {
+      if (error.What() != Fault::Refused) Drop(address, user);
+      if (error.What() == Fault::TimedOut) NoteSilence(address, error);
+      throw;
+    }
+  }
+
+  // Nothing is kept of that user's connection, before and after.
+  class Closing {
+   public:
+    Closing(ConnectionPool& pool, const ServerAddress& address, const std::string& user)
+        : pool_(pool), address_(address), user_(user) {
+      pool_.Drop(address_, user_);
+    }
+    ~Closing() { pool_.Drop(address_, user_); }
+    Closing(const Closing&) = delete;
+    Closing& operator=(const Closing&) = delete;
+
+   private:
+    ConnectionPool& pool_;
+    const ServerAddress& address_;
+    const std::string& user_;
+  };
+
+  // Adds what a step reads to the cost.
+  class Counting {
+   public:
+    Counting(ConnectionPool& pool, const Connection& connection)
+        : pool_(pool), connection_(&connection), before_(connection.BytesRead()) {}
+    ~Counting() { pool_.cost_.bytesRead += connection_->BytesRead() - before_; }
+    Counting(const Counting&) = delete;
+    Counting& operator=(const Counting&) = delete;
+
+   private:
+    ConnectionPool& pool_;
+    const Connection* connection_;
+    std::size_t before_;
+  };
+
+  Connection& Get(const ServerAddress& address, const std::string& user, const Deadline& deadline);
+  void Drop(const ServerAddress& address, const std::string& user);
+  void NoteSilence(const ServerAddress& address, const ImapError& error);
+  void RefuseWhileSilent(const ServerAddress& address);
+
+  struct Silence {
+    Deadline::Clock::time_point until;
+    ImapError error;
+  };
+
+  const Settings settings_;
+  std::list<Kept> kept_;   // the one used last first
+  std::map<const ServerAddress*, Silence> silent_;
+  Traffic cost_;
+};
+
+}   // namespace kalvo::imap

@@ -1,0 +1,248 @@
+#include "adapters/imap/imap_store.h"
+
+#include <gmime/gmime.h>
+#include <gnutls/crypto.h>
+#include <gnutls/gnutls.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "adapters/imap/imap_error.h"
+#include "adapters/imap/removal.h"
+#include "adapters/mail/directory_file.h"
+#include "adapters/mail/errors.h"
+#include "adapters/mail/text.h"
+#include "platform/append.h"
+#include "platform/conversion.h"
+
+namespace kalvo::imap {
+
+namespace {
+
+constexpr unsigned kKeyRounds = 50'000;
+
+// Every process of the site knows the administrator's password, and nobody else does. The many rounds keep an
+// identifier from being a way to try out passwords.
+mail::IdentifierKey MakeKey(const Settings& settings) {
+  std::string salt;
+  Append(salt, "kalvo mail identifiers ", settings.server.host, ":", settings.server.port, " ", settings.administrator);
+  gnutls_datum_t password{reinterpret_cast<unsigned char*>(const_cast<char*>(settings.password.data())),
+                          static_cast<unsigned>(settings.password.size())};
+  gnutls_datum_t salted{reinterpret_cast<unsigned char*>(salt.data()), static_cast<unsigned>(salt.size())};
+  mail::IdentifierKey key{};
+  const int code = gnutls_pbkdf2(GNUTLS_MAC_SHA256, &password, &salted, kKeyRounds, key.data(), key.size());
+  if (code < 0) throw mail::StoreFailed(std::string("No identifier key can be made: ") + gnutls_strerror(code));
+  return key;
+}
+
+void Replace(std::string& text, std::string_view what, std::string_view with) {
+  for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size())) {
+    text.replace(at, what.size(), with);
+  }
+}
+
+// The last name of a folder, as people write it.
+std::string LeafName(std::string_view folder, char separator) {
+  if (EqualsIgnoringCase(folder, "INBOX")) return "Inbox";
+  const auto end = separator == 0 ? folder.npos : folder.rfind(separator);
+  return mail::FromModifiedUtf7(end == folder.npos ? folder : folder.substr(end + 1));
+}
+
+bool CanBeSent(std::string_view name) {
+  return std::none_of(name.begin(), name.end(),
+                      [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
+}
+
+Error NoFolder(std::string_view name) {
+  return mail::NoSuchFolder(
+      Built([&](std::string& out) { Append(out, "There is no folder \"", mail::CleanText(name), "\"."); }));
+}
+
+std::shared_ptr<KnownFolder> NothingKnown() {
+  auto nothing = std::make_shared<KnownFolder>();
+  nothing->messages = std::make_shared<const std::vector<Summary>>();
+  return nothing;
+}
+
+std::string PlaceText(const Place& place) {
+  return Built([&](std::string& out) { Append(out, place.server, '\n', place.user, '\n', place.folder); });
+}
+
+}   // namespace
+
+ImapStore::ImapStore(Settings settings)
+    : pool_(std::make_shared<ConnectionPool>(std::move(settings))), key_(MakeKey(pool_->Config())) {
+  g_mime_init();
+}
+
+std::shared_ptr<const mail::Directory> ImapStore::Mailboxes() {
+  const auto& file = pool_->Config().directoryFile;
+  std::error_code error;
+  const auto written = std::filesystem::last_write_time(file, error);
+  if (!directory_ || error || written != directoryWritten_) {
+    directory_ = std::make_shared<const mail::Directory>(mail::ReadDirectoryFile(file));
+    directoryWritten_ = written;
+  }
+  return directory_;
+}
+
+std::string ImapStore::UserOf(const mail::Tree& tree) const {
+  const auto& settings = pool_->Config();
+  std::string user = tree.IsPublic() ? settings.publicTemplate : settings.loginTemplate;
+  Replace(user, "{admin}", settings.administrator);
+  if (!tree.IsPublic()) Replace(user, "{mailbox}", tree.mailbox->location);
+  return user;
+}
+
+ImapStore::Root ImapStore::RootOf(const mail::Tree& tree, Connection& connection) {
+  if (tree.IsPublic()) {
+    std::string prefix = Mailboxes()->Server(tree.server).publicFolders;
+    if (prefix.empty()) throw mail::NoSuchFolder("The server has no public folders.");
+    return {std::move(prefix), {}};
+  }
+  return {connection.PersonalPrefix(), connection.ForeignPrefixes()};
+}
+
+std::vector<Folder> ImapStore::Below(const mail::Tree& tree, Connection& connection, std::string_view folder) {
+  const Root root = RootOf(tree, connection);
+  const char separator = connection.Separator();
+  std::string prefix(folder);
+  if (folder.empty()) {
+    prefix = root.prefix;
+  } else if (separator == 0) {
+    return {};
+  } else {
+    prefix += separator;
+  }
+  auto listed = connection.List(prefix + "%", prefix);
+  if (folder.empty() && !tree.IsPublic() && !prefix.empty()) {
+    for (auto& inbox : connection.List("INBOX", "")) listed.push_back(std::move(inbox));
+  }
+  const auto belongs = [&](const Folder& found) {
+    const bool isInbox = EqualsIgnoringCase(found.name, "INBOX");
+    std::string_view leaf = found.name;
+    if (!isInbox || leaf.starts_with(prefix)) leaf.remove_prefix(prefix.size());
+    if (leaf.empty() || !CanBeSent(leaf) || (separator != 0 && leaf.find(separator) != leaf.npos)) return false;
+    return std::none_of(root.excluded.begin(), root.excluded.end(), [&](const std::string& other) {
+      if (other.empty()) return false;
+      const std::string_view bare(other.data(), other.size() - (other.back() == separator ? 1 : 0));
+      return found.name == bare || std::string_view(found.name).starts_with(other);
+    });
+  };
+  std::erase_if(listed, [&](const Folder& found) { return !belongs(found); });
+  return listed;
+}
+
+std::string ImapStore::FindFolder(const mail::Tree& tree, const mail::FolderPath& path) {
+  return pool_->With(tree.server, UserOf(tree), [&](Connection& connection) {
+    std::string folder;
+    for (const auto& name : path) {
+      const auto found = Below(tree, connection, folder);
+      const auto named = [&](auto&& same) {
+        return std::find_if(found.begin(), found.end(),
+                            [&](const Folder& each) { return same(LeafName(each.name, connection.Separator())); });
+      };
+      auto match = named([&](const std::string& leaf) { return leaf == name; });
+      if (match == found.end()) match = named([&](const std::string& leaf) { return EqualsIgnoringCase(leaf, name); });
+      if (match == found.end()) throw NoFolder(name);
+      folder = match->name;
+    }
+    return folder;
+  });
+}
+
+mail::FolderPath ImapStore::PathOf(const mail::Tree& tree, std::string_view folder) {
+  return pool_->With(tree.server, UserOf(tree), [&](Connection& connection) {
+    const Root root = RootOf(tree, connection);
+    const char separator = connection.Separator();
+    const auto listed = connection.List(folder, "");
+    const bool there =
+        std::any_of(listed.begin(), listed.end(), [&](const Folder& found) { return found.name == folder; });
+    std::string_view rest = folder;
+    if (!there) throw NoFolder(LeafName(folder, separator));
+    if (rest.starts_with(root.prefix)) rest.remove_prefix(root.prefix.size());
+    mail::FolderPath path;
+    while (!rest.empty()) {
+      const auto end = separator == 0 ? rest.size() : std::min(rest.find(separator), rest.size());
+      // Only the first name can be the inbox.
+      const auto name = rest.substr(0, end);
+      path.push_back(path.empty() ? LeafName(name, separator) : mail::FromModifiedUtf7(name));
+      rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    for (auto& name : path) name = mail::CleanText(name);
+    return path;
+  });
+}
+
+std::vector<mail::FolderInfo> ImapStore::Folders(const mail::Tree& tree, std::string_view folder) {
+  const std::string user = UserOf(tree);
+  return pool_->With(tree.server, user, [&](Connection& connection) {
+    std::vector<mail::FolderInfo> folders;
+    for (const auto& found : Below(tree, connection, folder)) {
+      auto info = found.selectable ? Describe({tree.server, user, found.name}, connection) : mail::FolderInfo();
+      info.key = found.name;
+      info.name = mail::CleanText(LeafName(found.name, connection.Separator()));
+      folders.push_back(std::move(info));
+    }
+    std::stable_sort(folders.begin(), folders.end(), [](const mail::FolderInfo& a, const mail::FolderInfo& b) {
+      return ToLower(a.name) < ToLower(b.name);
+    });
+    return folders;
+  });
+}
+
+// A folder's dates are those of its first and last arrival: servers tell no others.
+mail::FolderInfo ImapStore::Describe(const Place& place, Connection& connection) {
+  mail::FolderInfo info;
+  try {
+    auto state = connection.Status(place.folder);
+    auto known = cache_.Find(PlaceText(place), state);
+    if (!known && state.messages > 0) {
+      state = connection.Open(place.folder, Access::Read);
+      known = cache_.Update(PlaceText(place), state, connection);
+    }
+    if (!known || known->messages->empty()) return info;
+    info.size = known->TotalSize();
+    info.messageCount = static_cast<std::int32_t>(known->messages->size());
+    info.created = known->messages->back().received;
+    info.modified = known->messages->front().received;
+  } catch (const ImapError& error) {
+    // A folder that may be seen but not opened is shown without its contents.
+    if (error.What() != Fault::Refused) throw;
+  }
+  return info;
+}
+
+std::unique_ptr<mail::MessageSource> ImapStore::Messages(const mail::Tree& tree, std::string_view folder) {
+  Place place{tree.server, UserOf(tree), std::string(folder)};
+  auto known = pool_->With(tree.server, place.user, [&](Connection& connection) {
+    const auto state = place.folder.empty() ? std::nullopt : OpenListed(connection, place.folder, Access::Read);
+    if (!state) return NothingKnown();
+    return cache_.Update(PlaceText(place), *state, connection);
+  });
+  return std::make_unique<ImapMessages>(pool_, std::move(place), std::move(known));
+}
+
+mail::MessageDetails ImapStore::Message(const mail::Tree& tree, std::string_view folder, std::string_view message) {
+  const auto number = ReadMessageKey(message);
+  if (!number) throw mail::NoSuchMessage();
+  return pool_->With(tree.server, UserOf(tree), [&](Connection& connection) -> mail::MessageDetails {
+    const auto state = OpenListed(connection, std::string(folder), Access::Read);
+    if (!state || state->uidValidity != number->uidValidity) throw mail::NoSuchMessage();
+    for (auto& found : connection.Fetch(std::span(&number->uid, 1))) {
+      if (found.uid != number->uid) continue;
+      return {std::move(found.subject), std::move(found.sender),     found.size, found.sent,
+              found.received,           std::move(found.attachments)};
+    }
+    throw mail::NoSuchMessage();
+  });
+}
+
+void ImapStore::Remove(const mail::Tree& tree, std::string_view folder, std::string_view message) {
+  const auto number = ReadMessageKey(message);
+  if (!number) throw mail::NoSuchMessage();
+  Removal removal(std::string(folder), *number);
+  pool_->WithOwn(tree.server, UserOf(tree), [&](Connection& connection) { removal.Run(connection); });
+}
+
+}   // namespace kalvo::imap

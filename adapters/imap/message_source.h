@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "adapters/imap/folder_cache.h"
+#include "adapters/mail/mail_store.h"
+
+namespace kalvo::imap {
+
+class ConnectionPool;
+
+// Where a folder is.
+struct Place {
+  std::string server;
+  std::string user;
+  std::string folder;
+};
+
+// The messages of a folder as they were when it was listed. A row is fetched when it is asked for, together with
+// those that are shown after it.
+class ImapMessages : public mail::MessageSource {
+ public:
+  ImapMessages(std::shared_ptr<ConnectionPool> pool, Place place, std::shared_ptr<KnownFolder> folder);
+
+  std::int32_t Count() override { return static_cast<std::int32_t>(messages_->size()); }
+  mail::MessageRow Row(std::span<const std::int32_t> upcoming) override;
+  std::int64_t TotalSize() override { return folder_->TotalSize(); }
+  std::optional<std::vector<std::int32_t>> Order(std::span<const mail::MessageSort> keys) override;
+
+ private:
+  const Summary& At(std::int32_t message) const { return (*messages_)[static_cast<std::size_t>(message)]; }
+  void FetchWindow(std::span<const std::int32_t> upcoming);
+  std::vector<std::int32_t> OwnOrder(std::span<const mail::MessageSort> keys) const;
+  void SortHere(std::vector<std::int32_t>& order, std::span<const mail::MessageSort> keys) const;
+  std::optional<std::vector<std::int32_t>> ServerOrder(std::span<const mail::MessageSort> keys);
+  std::optional<std::vector<std::uint32_t>> Undated(std::vector<std::uint32_t> candidates);
+  void Check(const FolderState& state) const;
+
+  std::shared_ptr<ConnectionPool> pool_;
+  Place place_;
+  std::shared_ptr<KnownFolder> folder_;
+  std::shared_ptr<const std::vector<Summary>> messages_;
+  std::string key_;
+  std::int32_t expected_ = -1;   // the message after the last window
+  std::size_t window_ = 0;
+};
+
+// "validity-uid", the key of a message in its folder.
+std::string MessageKey(std::uint32_t uidValidity, std::uint32_t uid);
+
+struct MessageNumber {
+  std::uint32_t uidValidity = 0;
+  std::uint32_t uid = 0;
+};
+
+// Nothing for a text that is no such key.
+std::optional<MessageNumber> ReadMessageKey(std::string_view key);
+
+}   // namespace kalvo::imap

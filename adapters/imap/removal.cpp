@@ -1,0 +1,59 @@
+#include "adapters/imap/removal.h"
+
+#include <algorithm>
+
+#include "adapters/imap/imap_error.h"
+#include "adapters/mail/errors.h"
+
+namespace kalvo::imap {
+
+std::optional<FolderState> OpenListed(Connection& connection, const std::string& folder, Access access) {
+  try {
+    return connection.Open(folder, access);
+  } catch (const ImapError& error) {
+    if (error.What() != Fault::Refused) throw;
+    const auto listed = connection.List(folder, "");
+    const auto found =
+        std::find_if(listed.begin(), listed.end(), [&](const Folder& each) { return each.name == folder; });
+    if (found == listed.end()) throw mail::NoSuchFolder("The folder does not exist any more.");
+    if (!found->selectable) return std::nullopt;
+    throw;
+  }
+}
+
+void Removal::Run(Connection& connection) {
+  CheckAllowed(connection);
+  const auto state = OpenListed(connection, folder_, Access::Write);
+  const bool there = state && state->uidValidity == number_.uidValidity && connection.Exists(number_.uid);
+  if (!there) {
+    if (expunging_) return;
+    throw mail::NoSuchMessage();
+  }
+  connection.MarkDeleted(number_.uid, true);
+  expunging_ = true;
+  connection.Expunge(number_.uid);
+  if (!connection.Exists(number_.uid)) return;
+  connection.MarkDeleted(number_.uid, false);
+  throw mail::StoreFailed("The mail server did not delete the message.");
+}
+
+// Without the right, servers answer that they have marked a message, and mark nothing.
+void Removal::CheckAllowed(Connection& connection) const {
+  if (!connection.Has("UIDPLUS")) {
+    throw mail::StoreFailed("The mail server cannot delete a single message: it has no UIDPLUS.");
+  }
+  std::optional<std::string> rights;
+  try {
+    rights = connection.Rights(folder_);
+  } catch (const ImapError& error) {
+    if (error.What() != Fault::Refused) throw;
+    throw expunging_ ? mail::NoSuchMessage() : mail::NoSuchFolder("The folder does not exist or may not be seen.");
+  }
+  if (!rights) return;
+  // "d" is what servers of the older standard say for both.
+  const auto has = [&](char right) { return rights->find(right) != std::string::npos; };
+  if ((has('t') && has('e')) || (!has('t') && !has('e') && has('d'))) return;
+  throw mail::StoreFailed("Deleting messages is not allowed in this folder.");
+}
+
+}   // namespace kalvo::imap

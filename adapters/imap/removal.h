@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "adapters/imap/connection.h"
+#include "adapters/imap/message_source.h"
+
+namespace kalvo::imap {
+
+// Opens a folder. Nothing for one that is only a place in the tree; fails with `mail::NoSuchFolder` where there is
+// none.
+std::optional<FolderState> OpenListed(Connection& connection, const std::string& folder, Access access);
+
+// Deletes exactly one message. It may be run again on another connection after the first was lost: a message that
+// is gone by then was deleted by us.
+class Removal {
+ public:
+  Removal(std::string folder, MessageNumber number) : folder_(std::move(folder)), number_(number) {}
+
+  // Fails with `mail::NoSuchMessage` where the message is not there, with 0x80004005 where it may not be deleted or
+  // where the server can only remove everything that is marked as deleted.
+  void Run(Connection& connection);
+
+ private:
+  void CheckAllowed(Connection& connection) const;
+
+  std::string folder_;
+  MessageNumber number_;
+  bool expunging_ = false;
+};
+
+}   // namespace kalvo::imap

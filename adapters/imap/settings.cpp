@@ -1,0 +1,196 @@
+#include "adapters/imap/settings.h"
+
+#include <algorithm>
+#include <charconv>
+#include <fstream>
+#include <vector>
+
+#include "adapters/mail/errors.h"
+#include "platform/append.h"
+
+namespace kalvo::imap {
+
+namespace {
+
+template <typename... Pieces>
+[[noreturn]] void Refuse(const Pieces&... pieces) {
+  throw mail::StoreFailed(Built([&](std::string& out) { Append(out, "Mail address: ", pieces...); }));
+}
+
+int HexDigit(char digit) {
+  if (digit >= '0' && digit <= '9') return digit - '0';
+  if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
+  if (digit >= 'A' && digit <= 'F') return digit - 'A' + 10;
+  return -1;
+}
+
+std::string Decoded(std::string_view text) {
+  std::string plain;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '%') {
+      plain += text[i];
+      continue;
+    }
+    const int high = i + 2 < text.size() ? HexDigit(text[i + 1]) : -1;
+    const int low = i + 2 < text.size() ? HexDigit(text[i + 2]) : -1;
+    if (high < 0 || low < 0) Refuse("\"%\" must be followed by two hexadecimal digits in \"", text, "\".");
+    plain += static_cast<char>(high * 16 + low);
+    i += 2;
+  }
+  return plain;
+}
+
+std::string Lower(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  return lower;
+}
+
+template <typename Number>
+Number ReadNumber(std::string_view what, std::string_view text, Number least, Number most) {
+  Number number{};
+  const auto end = text.data() + text.size();
+  const auto read = std::from_chars(text.data(), end, number);
+  if (read.ec != std::errc{} || read.ptr != end || number < least || number > most) {
+    Refuse(what, " must be a number from ", least, " to ", most, ", not \"", text, "\".");
+  }
+  return number;
+}
+
+// "HOST", "HOST:PORT", "[::1]:PORT"
+void ReadHost(std::string_view text, ServerAddress& address) {
+  std::string_view port;
+  if (text.starts_with('[')) {
+    const auto end = text.find(']');
+    if (end == std::string_view::npos) Refuse("\"]\" is missing in \"", text, "\".");
+    address.host = Decoded(text.substr(1, end - 1));
+    port = text.substr(end + 1);
+  } else {
+    const auto colon = std::min(text.find(':'), text.size());
+    address.host = Decoded(text.substr(0, colon));
+    port = text.substr(colon);
+  }
+  if (address.host.empty()) Refuse("the host is missing.");
+  CheckSendable("The host", address.host);
+  if (!port.empty()) address.port = ReadNumber<std::uint16_t>("the port", port.substr(1), 1, 65535);
+}
+
+Security ReadSecurity(std::string_view word) {
+  if (word == "none") return Security::None;
+  if (word == "starttls") return Security::StartTls;
+  if (word == "tls") return Security::Tls;
+  Refuse("tls must be none, starttls or tls, not \"", word, "\".");
+}
+
+std::string ReadPassword(const std::string& path) {
+  std::ifstream file(path);
+  std::string password;
+  if (!file || !std::getline(file, password)) Refuse("the password file \"", path, "\" cannot be read or is empty.");
+  if (password.ends_with('\r')) password.pop_back();
+  return password;
+}
+
+std::chrono::milliseconds Seconds(std::string_view what, std::string_view text) {
+  return std::chrono::seconds(ReadNumber<int>(what, text, 1, 3600));
+}
+
+struct Reader {
+  Settings settings;
+  std::string passwordFile;
+  std::vector<std::string> servers;
+
+  void Take(std::string_view name, const std::string& value) {
+    const std::pair<std::string_view, std::string*> texts[] = {
+        {"directory", &settings.directoryFile},        {"password-file", &passwordFile},
+        {"template", &settings.loginTemplate},         {"public-login", &settings.publicTemplate},
+        {"ca-file", &settings.server.certificateFile},
+    };
+    for (const auto& [known, text] : texts) {
+      if (name != known) continue;
+      *text = value;
+      return;
+    }
+    if (name == "tls") {
+      settings.server.security = ReadSecurity(value);
+    } else if (name == "server") {
+      servers.push_back(value);
+    } else if (name == "sort") {
+      if (value != "yes" && value != "no") Refuse("sort must be yes or no, not \"", value, "\".");
+      settings.serverSort = value == "yes";
+    } else if (name == "silence") {
+      settings.limits.silence = Seconds(name, value);
+    } else if (name == "time-limit") {
+      settings.limits.operation = Seconds(name, value);
+    } else {
+      Refuse("\"", name, "\" is no setting.");
+    }
+  }
+
+  void TakeAll(std::string_view query) {
+    while (!query.empty()) {
+      const auto end = std::min(query.find('&'), query.size());
+      const auto part = query.substr(0, end);
+      const auto equals = std::min(part.find('='), part.size());
+      if (!part.empty()) Take(part.substr(0, equals), Decoded(part.substr(std::min(equals + 1, part.size()))));
+      query.remove_prefix(std::min(end + 1, query.size()));
+    }
+  }
+
+  // The servers' own addresses take everything else from the one of the URL, which is complete by now.
+  void PlaceServers() {
+    for (const auto& text : servers) {
+      const auto equals = text.find('=');
+      if (equals == std::string::npos) Refuse("server must be NAME=HOST:PORT, not \"", text, "\".");
+      ServerAddress address = settings.server;
+      ReadHost(std::string_view(text).substr(equals + 1), address);
+      settings.servers[Lower(text.substr(0, equals))] = address;
+    }
+  }
+};
+
+}   // namespace
+
+const ServerAddress& Settings::AddressOf(std::string_view serverName) const {
+  const auto found = servers.find(Lower(serverName));
+  return found == servers.end() ? server : found->second;
+}
+
+Settings ReadSettings(std::string_view url) {
+  Reader reader;
+  auto& settings = reader.settings;
+  if (url.starts_with("imaps://")) {
+    settings.server.security = Security::Tls;
+    settings.server.port = 993;
+    url.remove_prefix(8);
+  } else if (url.starts_with("imap://")) {
+    url.remove_prefix(7);
+  } else {
+    Refuse("it must begin with \"imap://\" or \"imaps://\".");
+  }
+  const auto question = std::min(url.find('?'), url.size());
+  auto place = url.substr(0, question);
+  if (place.ends_with('/')) place.remove_suffix(1);
+  const auto at = place.rfind('@');
+  if (at == std::string_view::npos) Refuse("the administrator is missing: imap://ADMIN@HOST:PORT/.");
+  settings.administrator = Decoded(place.substr(0, at));
+  ReadHost(place.substr(at + 1), settings.server);
+  reader.TakeAll(url.substr(std::min(question + 1, url.size())));
+  if (settings.directoryFile.empty()) Refuse("directory=FILE is missing.");
+  if (reader.passwordFile.empty()) Refuse("password-file=FILE is missing.");
+  reader.PlaceServers();
+  settings.password = ReadPassword(reader.passwordFile);
+  CheckSendable("The administrator", settings.administrator);
+  CheckSendable("The password", settings.password);
+  CheckSendable("The login template", settings.loginTemplate);
+  return settings;
+}
+
+void CheckSendable(std::string_view what, std::string_view text) {
+  for (const char c : text) {
+    if (static_cast<unsigned char>(c) >= 0x20 && c != 0x7F) continue;
+    throw mail::StoreFailed(
+        Built([&](std::string& out) { Append(out, what, " has a control character, which cannot be sent."); }));
+  }
+}
+
+}   // namespace kalvo::imap

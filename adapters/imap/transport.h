@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "adapters/imap/deadline.h"
+#include "adapters/imap/limits.h"
+
+namespace kalvo::imap {
+
+struct ServerAddress;
+
+// The bytes to and from a server: a TCP connection, with TLS over it or not. Nothing here waits longer than the
+// deadline, or than the limit of silence. A failure leaves its words in `Trouble`.
+class Transport {
+ public:
+  Transport(const ServerAddress& address, const Limits& limits);
+  ~Transport();
+  Transport(const Transport&) = delete;
+  Transport& operator=(const Transport&) = delete;
+
+  // All operations from here on share this deadline.
+  void Begin(const Deadline& deadline) { deadline_ = deadline; }
+
+  bool Connect();
+
+  // Puts TLS over the connection: the server's certificate has to be valid and to carry the host's name.
+  bool StartTls();
+
+  // Bytes read or written, at least 1, or -1.
+  std::ptrdiff_t Read(char* bytes, std::size_t size);
+  std::ptrdiff_t Write(const char* bytes, std::size_t size);
+
+  int Descriptor() const { return socket_; }
+
+  // What went wrong, as the end of a sentence about the server; "" while all is well.
+  const std::string& Trouble() const { return trouble_; }
+  bool TimedOut() const { return timedOut_; }
+
+  std::size_t BytesRead() const { return bytesRead_; }
+
+ private:
+  struct Tls;
+
+  bool ConnectTo(const void* address, std::size_t size, int family);
+  bool WaitFor(short events);
+  std::ptrdiff_t Fail(std::string_view trouble);
+  std::ptrdiff_t TimeOut(std::string_view trouble);
+
+  const ServerAddress& address_;
+  const Limits& limits_;
+  Deadline deadline_;
+  int socket_ = -1;
+  std::unique_ptr<Tls> tls_;
+  std::string trouble_;
+  bool timedOut_ = false;
+  std::size_t bytesRead_ = 0;
+};
+
+}   // namespace kalvo::imap
