@@ -306,7 +306,7 @@ TEST_F(LiveMailboxContract, AMessageIsFoundByItsIdentifierAlone) {
   EXPECT_EQ(ToText(live_->MessageSender()), "Carol Clark <carol@kalvo.example>");
   EXPECT_EQ(ToText(live_->MessageCreationDate()), "1/4/1999 10:00:00 AM");
   EXPECT_EQ(ToText(live_->MessageModificationDate()), "1/4/1999 10:00:00 AM");
-  EXPECT_GT(ToDouble(live_->MessageSize()), 700);
+  EXPECT_NEAR(ToDouble(live_->MessageSize()), 615, 20) << "with line ends of one byte or two";
   EXPECT_EQ(live_->CurrentContainerName(), "Inbox");
 }
 

@@ -1,0 +1,216 @@
+#include "adapters/maildir/folder.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <ctime>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+#include "adapters/mail/errors.h"
+#include "adapters/maildir/message_reader.h"
+
+namespace kalvo::maildir {
+
+namespace {
+
+constexpr std::size_t kLongestIndex = std::size_t{1} << 30;
+constexpr std::int64_t kSecond = 1'000'000'000;   // nanoseconds
+constexpr std::int64_t kSettledAfter = 2 * kSecond;
+constexpr int kAttempts = 5;   // a file may be renamed while we look for it
+
+std::int64_t Nanoseconds(const timespec& time) { return time.tv_sec * kSecond + time.tv_nsec; }
+
+std::int64_t Now() {
+  timespec now{};
+  clock_gettime(CLOCK_REALTIME, &now);
+  return Nanoseconds(now);
+}
+
+std::int64_t SizeOf(std::string_view fileName, const struct stat& status) {
+  return SizeFromName(fileName).value_or(status.st_size);
+}
+
+}   // namespace
+
+std::string_view UniquePart(std::string_view fileName) { return fileName.substr(0, fileName.find(':')); }
+
+std::optional<std::int64_t> SizeFromName(std::string_view fileName) {
+  const std::string_view unique = UniquePart(fileName);
+  const std::size_t at = unique.find(",S=");
+  if (at == std::string_view::npos) return std::nullopt;
+  std::int64_t size = -1;
+  const auto end = std::from_chars(unique.data() + at + 3, unique.data() + unique.size(), size);
+  const bool whole = end.ec == std::errc() && (end.ptr == unique.data() + unique.size() || *end.ptr == ',');
+  return whole && size >= 0 ? std::optional(size) : std::nullopt;
+}
+
+Snapshot::Snapshot(std::shared_ptr<const std::string> bytes, std::vector<Entry> entries, std::vector<std::string> texts)
+    : bytes_(std::move(bytes)), texts_(std::move(texts)), entries_(std::move(entries)) {
+  std::sort(entries_.begin(), entries_.end(), [](const Entry& a, const Entry& b) {
+    return a.received != b.received ? a.received > b.received : a.unique > b.unique;
+  });
+}
+
+Folder::Folder(File folder, const File& indexes, std::string indexName, std::string identity, Work& work)
+    : folder_(std::move(folder)),
+      cur_(OpenFolder(folder_, "cur")),
+      new_(OpenFolder(folder_, "new")),
+      indexes_(indexes),
+      indexName_(std::move(indexName)),
+      identity_(std::move(identity)),
+      work_(work) {}
+
+Stamp Folder::StampNow() {
+  const struct stat cur = StatusOf(cur_), fresh = StatusOf(new_);   // zeros for one that is not there
+  return {static_cast<std::int64_t>(cur.st_ino), Nanoseconds(cur.st_mtim), static_cast<std::int64_t>(fresh.st_ino),
+          Nanoseconds(fresh.st_mtim)};
+}
+
+// The files of "cur", then those of "new" that are not in "cur" as well: a delivery that moves them makes a second
+// name before it removes the first.
+std::vector<Folder::FoundFile> Folder::Files() {
+  std::vector<FoundFile> files;
+  std::unordered_set<std::string> seen;
+  for (const bool isNew : {true, false}) {
+    if (!ListOf(isNew)) continue;
+    for (Name& name : NamesIn(ListOf(isNew))) {
+      if (!name.isFolder && !name.text.starts_with('.')) files.push_back({std::move(name.text), isNew});
+    }
+  }
+  // Read "new" first, so that no file that moves to "cur" meanwhile is missed; keep the later place.
+  std::reverse(files.begin(), files.end());
+  std::erase_if(files, [&](const FoundFile& file) { return !seen.emplace(UniquePart(file.name)).second; });
+  return files;
+}
+
+std::shared_ptr<const std::string> Folder::IndexBytes() {
+  if (!indexes_) return nullptr;
+  const File file = OpenFile(indexes_, indexName_);
+  if (!file) return nullptr;
+  auto bytes = ReadAll(file, kLongestIndex);
+  if (!bytes) return nullptr;
+  work_.bytesRead += static_cast<std::int64_t>(bytes->size());
+  return std::make_shared<const std::string>(std::move(*bytes));
+}
+
+std::shared_ptr<const Snapshot> Folder::Messages() {
+  const std::int64_t started = Now();
+  const Stamp stamp = StampNow();
+  const auto bytes = IndexBytes();
+  std::vector<Entry> known;
+  if (bytes) {
+    if (auto entries = ReadIndexEntries(*bytes, identity_)) known = std::move(*entries);
+    const auto head = ReadIndexHead(*bytes, identity_);
+    if (head && head->settled && head->stamp == stamp && known.size() == static_cast<std::size_t>(head->count)) {
+      return std::make_shared<const Snapshot>(bytes, std::move(known), std::vector<std::string>());
+    }
+  }
+  std::unordered_map<std::string_view, const Entry*> byUnique;
+  for (const Entry& entry : known) byUnique.emplace(entry.unique, &entry);
+
+  std::vector<FoundFile> files = Files();
+  std::vector<Entry> entries;
+  std::vector<std::string> texts;
+  texts.reserve(files.size() * 3);   // entries refer to them: they must not move
+  const auto keep = [&](std::string text) -> std::string_view { return texts.emplace_back(std::move(text)); };
+  for (FoundFile& found : files) {
+    const std::string_view name = keep(std::move(found.name));
+    Entry entry;
+    if (const auto at = byUnique.find(UniquePart(name)); at != byUnique.end()) {
+      entry = *at->second;
+    } else {
+      const File file = OpenFile(ListOf(found.isNew), std::string(name));
+      if (!file) continue;   // gone again, or renamed: the next listing has it
+      const struct stat status = StatusOf(file);
+      MessageContent content = ReadMessage(file, Read::Listing);
+      ++work_.messagesParsed;
+      work_.bytesRead += status.st_size;
+      entry.unique = UniquePart(name);
+      entry.size = SizeOf(name, status);
+      entry.sent = content.sent;
+      entry.received = status.st_mtim.tv_sec;
+      entry.hasAttachment = content.hasAttachment;
+      entry.subject = keep(std::move(content.subject));
+      entry.sender = keep(std::move(content.sender));
+    }
+    entry.fileName = name;
+    entry.isNew = found.isNew;
+    entries.push_back(entry);
+  }
+  IndexHead head{stamp, started - std::max(stamp.curTime, stamp.newTime) >= kSettledAfter,
+                 static_cast<std::int32_t>(entries.size()), 0};
+  for (const Entry& entry : entries) head.totalSize += entry.size;
+  auto snapshot = std::make_shared<const Snapshot>(bytes, std::move(entries), std::move(texts));
+  if (indexes_) ReplaceFile(indexes_, indexName_, WriteIndex(identity_, head, snapshot->Entries()));
+  return snapshot;
+}
+
+FolderTotals Folder::Totals() {
+  if (const File file = indexes_ ? OpenFile(indexes_, indexName_) : File()) {
+    std::string bytes(IndexHeadLength(identity_), '\0');
+    const ssize_t got = pread(file.Handle(), bytes.data(), bytes.size(), 0);
+    work_.bytesRead += std::max<ssize_t>(got, 0);
+    const auto head = ReadIndexHead(
+        std::string_view(bytes).substr(0, static_cast<std::size_t>(std::max<ssize_t>(got, 0))), identity_);
+    if (head && head->settled && head->stamp == StampNow()) return {head->count, head->totalSize};
+  }
+  FolderTotals totals;
+  for (const FoundFile& file : Files()) {
+    auto size = SizeFromName(file.name);
+    struct stat status {};
+    if (!size && fstatat(ListOf(file.isNew).Handle(), file.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+      size = status.st_size;
+    }
+    ++totals.count;
+    totals.size += size.value_or(0);
+  }
+  return totals;
+}
+
+std::optional<Folder::FoundFile> Folder::Find(std::string_view unique) {
+  for (FoundFile& file : Files()) {
+    if (UniquePart(file.name) == unique) return std::move(file);
+  }
+  return std::nullopt;
+}
+
+File Folder::OpenMessage(std::string_view unique) {
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    const auto found = Find(unique);
+    if (!found) return File();
+    if (File file = OpenFile(ListOf(found->isNew), found->name)) return file;
+  }
+  return File();
+}
+
+bool Folder::Remove(std::string_view unique) {
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    const auto found = Find(unique);
+    if (!found) return false;
+    const File& list = ListOf(found->isNew);
+    if (!OpenFile(list, found->name)) continue;   // renamed meanwhile, or no message at all
+    if (unlinkat(list.Handle(), found->name.c_str(), 0) == 0) return true;
+    if (errno != ENOENT) break;
+  }
+  if (!Find(unique)) return false;
+  throw mail::StoreFailed("The mail store does not allow the message to be deleted.");
+}
+
+std::optional<std::int64_t> Folder::Created() {
+  const File marker = OpenFile(folder_, "maildirfolder");
+  if (!marker) return std::nullopt;
+  return StatusOf(marker).st_mtim.tv_sec;
+}
+
+std::optional<std::int64_t> Folder::Modified() {
+  const Stamp stamp = StampNow();
+  if (!cur_ && !new_) return std::nullopt;
+  return std::max(stamp.curTime, stamp.newTime) / kSecond;
+}
+
+}   // namespace kalvo::maildir

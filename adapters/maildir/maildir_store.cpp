@@ -1,0 +1,267 @@
+#include "adapters/maildir/maildir_store.h"
+
+#include <fcntl.h>
+#include <sys/random.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <map>
+#include <set>
+
+#include "adapters/mail/browser.h"
+#include "adapters/mail/directory_file.h"
+#include "adapters/mail/errors.h"
+#include "adapters/mail/text.h"
+#include "adapters/maildir/folder.h"
+#include "adapters/maildir/message_reader.h"
+#include "platform/append.h"
+#include "platform/conversion.h"
+
+namespace kalvo::maildir {
+
+namespace {
+
+constexpr std::string_view kInbox = "INBOX";   // its key; its files lie at the top of the tree
+constexpr const char* kMailboxes = "mailboxes.txt";
+constexpr const char* kOwnFolder = ".kalvo";
+constexpr const char* kKeyFile = "key";
+
+std::string ShownName(std::string_view raw, bool isInbox) {
+  if (isInbox) return "Inbox";
+  std::string name = mail::CleanText(mail::FromModifiedUtf7(raw));
+  return name.empty() ? "Unnamed" : name;
+}
+
+// The name of a folder's index: any bytes of location and key, made short.
+std::string IndexName(const mail::IdentifierKey& key, std::string_view identity) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  const std::uint64_t hash = mail::KeyedHash(key, identity);
+  std::string name;
+  for (int shift = 60; shift >= 0; shift -= 4) name += digits[(hash >> shift) & 15];
+  return name;
+}
+
+// A folder of ours, made when it is not there; closed where that cannot be done.
+File OwnFolder(const File& top, const char* name) {
+  mkdirat(top.Handle(), name, 0700);
+  return OpenFolder(top, name);
+}
+
+// The messages of a snapshot.
+class SnapshotSource : public mail::MessageSource {
+ public:
+  SnapshotSource(std::shared_ptr<const Snapshot> snapshot) : snapshot_(std::move(snapshot)) {}
+
+  std::int32_t Count() override { return static_cast<std::int32_t>(snapshot_->Entries().size()); }
+
+  mail::MessageRow Row(std::span<const std::int32_t> upcoming) override {
+    const Entry& entry = snapshot_->Entries()[static_cast<std::size_t>(upcoming.front())];
+    return {entry.unique, entry.subject, entry.sender, entry.size, entry.sent, entry.received, entry.hasAttachment};
+  }
+
+  std::int64_t TotalSize() override {
+    std::int64_t total = 0;
+    for (const Entry& entry : snapshot_->Entries()) total += entry.size;
+    return total;
+  }
+
+ private:
+  std::shared_ptr<const Snapshot> snapshot_;
+};
+
+}   // namespace
+
+// The trees of folders. A folder's key is its name as Maildir++ has it, without the leading point: "Sub.Folder".
+class MaildirStore::Trees : public mail::MailStore {
+ public:
+  explicit Trees(const std::string& folder) : path_(folder) {
+    top_ = File(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!top_) throw mail::StoreFailed("There is no mail store in \"" + folder + "\".");
+    mailboxes_ = std::make_shared<const mail::Directory>(mail::ReadDirectoryFile(DirectoryPath()));
+    directoryTime_ = DirectoryTime();
+    own_ = OwnFolder(top_, kOwnFolder);
+    if (own_) indexes_ = OwnFolder(own_, "index");
+    ReadKey();
+  }
+
+  std::shared_ptr<const mail::Directory> Mailboxes() override {
+    const auto time = DirectoryTime();
+    if (time != directoryTime_) {
+      mailboxes_ = std::make_shared<const mail::Directory>(mail::ReadDirectoryFile(DirectoryPath()));
+      directoryTime_ = time;
+    }
+    return mailboxes_;
+  }
+
+  const mail::IdentifierKey& Key() override { return key_; }
+
+  std::string FindFolder(const mail::Tree& tree, const mail::FolderPath& path) override {
+    const std::set<std::string> keys = KeysOf(tree);
+    std::string at;
+    for (const std::string& name : path) {
+      const std::vector<std::string> below = Below(keys, at);
+      const auto named = [&](auto&& matches) {
+        return std::find_if(below.begin(), below.end(),
+                            [&](const std::string& key) { return matches(NameOf(key), name); });
+      };
+      auto found = named([](std::string_view a, std::string_view b) { return a == b; });
+      if (found == below.end()) found = named(EqualsIgnoringCase);
+      if (found == below.end()) throw mail::NoSuchFolder("There is no such folder in the mailbox.");
+      at = *found;
+    }
+    return at;
+  }
+
+  mail::FolderPath PathOf(const mail::Tree& tree, std::string_view folder) override {
+    mail::FolderPath path;
+    if (folder.empty()) return path;
+    if (!KeysOf(tree).contains(std::string(folder))) throw mail::NoSuchFolder("The folder does not exist any more.");
+    for (std::size_t end = 0; end != std::string_view::npos;) {
+      end = folder.find('.', end == 0 ? 0 : end + 1);
+      path.push_back(NameOf(folder.substr(0, end)));
+    }
+    return path;
+  }
+
+  std::vector<mail::FolderInfo> Folders(const mail::Tree& tree, std::string_view folder) override {
+    std::vector<mail::FolderInfo> folders;
+    for (const std::string& key : Below(KeysOf(tree), folder)) {
+      Folder at = OpenKey(tree, key);
+      const FolderTotals totals = at.Totals();
+      folders.push_back({key, NameOf(key), totals.size, totals.count, at.Created(), at.Modified()});
+    }
+    std::stable_sort(folders.begin(), folders.end(), [](const mail::FolderInfo& a, const mail::FolderInfo& b) {
+      return ToLower(a.name) < ToLower(b.name);
+    });
+    return folders;
+  }
+
+  std::unique_ptr<mail::MessageSource> Messages(const mail::Tree& tree, std::string_view folder) override {
+    static const auto none =
+        std::make_shared<const Snapshot>(nullptr, std::vector<Entry>(), std::vector<std::string>());
+    return std::make_unique<SnapshotSource>(folder.empty() ? none : OpenKey(tree, folder).Messages());
+  }
+
+  mail::MessageDetails Message(const mail::Tree& tree, std::string_view folder, std::string_view message) override {
+    const File file = OpenKey(tree, folder).OpenMessage(message);
+    if (!file) throw mail::NoSuchMessage();
+    const struct stat status = StatusOf(file);
+    MessageContent content = ReadMessage(file, Read::Attachments);
+    ++work_.messagesParsed;
+    work_.bytesRead += status.st_size;
+    return {std::move(content.subject),
+            std::move(content.sender),
+            SizeFromName(message).value_or(status.st_size),
+            content.sent,
+            status.st_mtim.tv_sec,
+            std::move(content.attachments)};
+  }
+
+  void Remove(const mail::Tree& tree, std::string_view folder, std::string_view message) override {
+    if (!OpenKey(tree, folder).Remove(message)) throw mail::NoSuchMessage();
+  }
+
+  const Work& Done() const { return work_; }
+
+ private:
+  std::string DirectoryPath() const { return path_ + "/" + kMailboxes; }
+
+  std::pair<std::int64_t, std::int64_t> DirectoryTime() const {
+    struct stat status {};
+    if (fstatat(top_.Handle(), kMailboxes, &status, 0) != 0) return {0, 0};
+    return {status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+  }
+
+  // The key is written once, by whoever comes first, and read back by all.
+  void ReadKey() {
+    const auto read = [&] {
+      const File file = own_ ? OpenFile(own_, kKeyFile) : File();
+      const auto bytes = file ? ReadAll(file, key_.size()) : std::nullopt;
+      if (!bytes || bytes->size() != key_.size()) return false;
+      std::copy(bytes->begin(), bytes->end(), key_.begin());
+      return true;
+    };
+    if (read()) return;
+    char fresh[std::tuple_size_v<mail::IdentifierKey>];
+    if (own_ && getrandom(fresh, sizeof fresh, 0) == static_cast<ssize_t>(sizeof fresh)) {
+      const std::string beside = "key." + std::to_string(getpid());
+      const File file(
+          openat(own_.Handle(), beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+      if (file && write(file.Handle(), fresh, sizeof fresh) == static_cast<ssize_t>(sizeof fresh)) {
+        linkat(own_.Handle(), beside.c_str(), own_.Handle(), kKeyFile, 0);
+      }
+      unlinkat(own_.Handle(), beside.c_str(), 0);
+    }
+    if (!read()) throw mail::StoreFailed("The mail store's key \"" + path_ + "/.kalvo/key\" cannot be read or made.");
+  }
+
+  std::string Location(const mail::Tree& tree) const {
+    if (tree.mailbox) return tree.mailbox->location;
+    return mailboxes_->Server(tree.server).publicFolders;
+  }
+
+  File OpenTree(const mail::Tree& tree) const {
+    const std::string location = Location(tree);
+    File folder = location.empty() ? File() : OpenFolder(top_, location);
+    if (!folder) {
+      throw mail::NoSuchFolder(tree.IsPublic() ? "The server has no public folders." : "The mailbox has no folders.");
+    }
+    return folder;
+  }
+
+  // Every folder of a tree, and the folders above them even where they have no files of their own.
+  std::set<std::string> KeysOf(const mail::Tree& tree) const {
+    std::set<std::string> keys;
+    if (!tree.IsPublic()) keys.emplace(kInbox);
+    for (const Name& name : NamesIn(OpenTree(tree))) {
+      const std::string_view key = std::string_view(name.text).substr(1);
+      if (!name.isFolder || name.text[0] != '.' || key.empty() || key.front() == '.' || key.back() == '.' ||
+          key.find("..") != std::string_view::npos || name.text == kOwnFolder) {
+        continue;
+      }
+      for (std::size_t end = key.find('.'); end != std::string_view::npos; end = key.find('.', end + 1)) {
+        keys.emplace(key.substr(0, end));
+      }
+      keys.emplace(key);
+    }
+    return keys;
+  }
+
+  static std::vector<std::string> Below(const std::set<std::string>& keys, std::string_view folder) {
+    const std::string before = folder.empty() ? "" : std::string(folder) + ".";
+    std::vector<std::string> below;
+    for (const std::string& key : keys) {
+      if (key.starts_with(before) && key.find('.', before.size()) == std::string::npos) below.push_back(key);
+    }
+    return below;
+  }
+
+  static std::string NameOf(std::string_view key) { return ShownName(key.substr(key.rfind('.') + 1), key == kInbox); }
+
+  // Keys come from identifiers that we issued; a folder that is gone is an empty one here.
+  Folder OpenKey(const mail::Tree& tree, std::string_view key) {
+    const File top = OpenTree(tree);
+    File folder = OpenFolder(top, key == kInbox && !tree.IsPublic() ? "" : "." + std::string(key));
+    std::string identity = Location(tree);
+    identity += '\0';
+    identity += key;
+    return Folder(std::move(folder), indexes_, IndexName(key_, identity), identity, work_);
+  }
+
+  std::string path_;
+  File top_, own_, indexes_;
+  mail::IdentifierKey key_{};
+  std::shared_ptr<const mail::Directory> mailboxes_;
+  std::pair<std::int64_t, std::int64_t> directoryTime_;
+  Work work_;
+};
+
+MaildirStore::MaildirStore(const std::string& folder) : trees_(std::make_shared<Trees>(folder)) {}
+MaildirStore::~MaildirStore() = default;
+
+std::shared_ptr<LiveContainer> MaildirStore::Open() { return std::make_shared<mail::Browser>(trees_); }
+
+const Work& MaildirStore::Done() const { return trees_->Done(); }
+
+}   // namespace kalvo::maildir
