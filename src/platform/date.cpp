@@ -32,7 +32,7 @@ std::optional<Moment> TakeApart(double serial) {
   double whole = std::trunc(serial);
   int seconds = static_cast<int>(std::lround(std::abs(serial - whole) * kSecondsOfDay));
   if (seconds == kSecondsOfDay) {
-    whole += serial < 0 ? -1 : 1;
+    whole += 1;   // the time runs forward before day zero, too
     seconds = 0;
   }
   const year_month_day day{kDayZero + days{static_cast<int>(whole)}};

@@ -28,7 +28,8 @@ class FakeRows : public Rows {
   std::int32_t FieldCount() const override { return static_cast<std::int32_t>(result_.rows.at(0).size()); }
   std::string_view Text(std::int32_t field, std::int32_t row, std::string& scratch) const override {
     steps_.Do("Text", field, row);
-    scratch = ToText(At(field, row));
+    scratch.clear();
+    AppendText(scratch, At(field, row));
     return scratch;
   }
   std::optional<std::span<const std::uint8_t>> Binary(std::int32_t field, std::int32_t row) const override {

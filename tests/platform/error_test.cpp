@@ -1,0 +1,57 @@
+#include "platform/error.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace kalvo {
+namespace {
+
+TEST(Error, TheProgramsOwnHaveTheirNumbersAndDescriptions) {
+  const struct {
+    Error error;
+    std::int32_t number;
+    const char* description;
+  } kCases[] = {
+      {Overflow(), 6, "Overflow"},
+      {SubscriptOutOfRange(), 9, "Subscript out of range"},
+      {DivisionByZero(), 11, "Division by zero"},
+      {TypeMismatch(), 13, "Type mismatch"},
+      {ObjectNotSet(), 91, "Object variable or With block variable not set"},
+      {InvalidUseOfNull(), 94, "Invalid use of Null"},
+      {ObjectRequired(), 424, "Object required"},
+      {CannotCreateObject(), 429, "ActiveX component can't create object"},
+      {MemberNotSupported(), 438, "Object doesn't support this property or method"},
+      {KeyAlreadyAssociated(), 457, "This key is already associated with an element of this collection"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.description);
+    EXPECT_EQ(c.error.Number(), c.number);
+    EXPECT_EQ(c.error.Description(), c.description);
+    EXPECT_STREQ(c.error.what(), c.description);
+  }
+}
+
+TEST(Trap, BeginsClearAndLeavesTheLastError) {
+  LeaveError(Overflow());
+  Trap trap;
+  EXPECT_EQ(CurrentError().number, 0);
+  EXPECT_EQ(CurrentError().description, "");
+  EXPECT_FALSE(trap([] { throw TypeMismatch(); }));
+  EXPECT_TRUE(trap([] {}));
+  EXPECT_EQ(CurrentError().number, 13) << "a succeeding step clears nothing";
+  EXPECT_FALSE(trap([] { throw DivisionByZero(); }));
+  EXPECT_EQ(CurrentError().number, 11);
+  EXPECT_EQ(CurrentError().description, "Division by zero");
+  ClearError();
+  EXPECT_EQ(CurrentError().number, 0);
+}
+
+TEST(Trap, CatchesErrorsAlone) {
+  Trap trap;
+  EXPECT_THROW(trap([] { throw std::runtime_error("the page has ended"); }), std::runtime_error);
+  EXPECT_EQ(CurrentError().number, 0);
+}
+
+}   // namespace
+}   // namespace kalvo
