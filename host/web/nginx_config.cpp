@@ -77,9 +77,8 @@ void AppendErrors(std::string& out, const RunFolder& run) {
   }
   Append(out, "error_page 494 =431 /_error/431.html;\n");
   // 502 is both: no worker took the request (the queue is full), or one took it and was lost.
-  Append(out, "error_page 502 = @lost;\n");
-  Append(out, "location @lost {\n  recursive_error_pages on;\n",
-         "  if ($upstream_connect_time ~ \"^[0-9]\") { return 500; }\n  return 503;\n}\n");
+  Append(out, "recursive_error_pages on;\nerror_page 502 = @lost;\n");
+  Append(out, "location @lost {\n", "  if ($upstream_connect_time ~ \"^[0-9]\") { return 500; }\n  return 503;\n}\n");
   Append(out, "location ^~ /_error/ { internal; alias ", Quoted(run.Errors() / ""), "; }\n");
   Append(out, "location = /_error/503.html {\n  internal;\n  alias ", Quoted(run.Errors() / "503.html"),
          ";\n  add_header Retry-After 2 always;\n}\n");
@@ -118,6 +117,8 @@ std::string NginxSite(const Settings& settings, const RunFolder& run) {
   Append(out, kLimits.substr(1), kFileTypes.substr(1));
   // A request waits for a worker at most as long as a page may take, and is handed to one worker only.
   Append(out, "fastcgi_connect_timeout 5s;\nfastcgi_next_upstream off;\nfastcgi_send_timeout 15s;\n");
+  // Only so does nginx know the end of a page from the end of its worker. Workers close each connection.
+  Append(out, "fastcgi_keep_conn on;\n");
   Append(out, "fastcgi_read_timeout ", 2 * seconds + 5, "s;\n");
   Append(out, "fastcgi_buffer_size 16k;\nfastcgi_buffers 64 16k;\nfastcgi_busy_buffers_size 64k;\n");
   AppendErrors(out, run);

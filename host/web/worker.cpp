@@ -14,7 +14,6 @@
 #include "host/web/log.h"
 #include "host/web/settings.h"
 #include "host/web/worker_slots.h"
-#include "platform/append.h"
 
 namespace kalvo::web {
 namespace {
@@ -78,7 +77,6 @@ int Worker::Run(int socket, pid_t parent) {
     if (FCGX_Accept_r(&request) < 0) continue;
     Serve(request);
   }
-  FCGX_Free(&request, 1);
   return 0;
 }
 
@@ -88,9 +86,10 @@ void Worker::Serve(FCGX_Request& request) {
   } catch (const VisitorGone&) {
     // Nobody is left to be told.
   } catch (const std::exception& error) {
-    log_.Write(Built([&](std::string& line) { Append(line, "a request was lost: ", error.what()); }));
-    FCGX_Free(&request, 1);
+    log_.Write(std::string("a request was lost: ") + error.what());
   }
+  // A connection that was kept would keep the worker. Closed before its end was sent, it is a broken page.
+  FCGX_Free(&request, 1);
 }
 
 void Worker::RunPage(FCGX_Request& request) {
@@ -112,8 +111,7 @@ void Worker::RunPage(FCGX_Request& request) {
   const int status = StatusOf(*result.failure);
   if (status != 404) log_.Write("page " + Describe(*result.failure));
   if (!result.headSent) return SendError(request, status);
-  // Half a page was sent: the connection is dropped, so that nobody takes it for the whole.
-  FCGX_Free(&request, 1);
+  // Half a page was sent. Its end is not, so that nobody takes it for the whole.
 }
 
 void Worker::SendError(FCGX_Request& request, int status) {

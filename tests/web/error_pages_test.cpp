@@ -1,0 +1,36 @@
+#include "host/web/error_pages.h"
+
+#include <gtest/gtest.h>
+
+#include "support/temporary_folder.h"
+
+namespace kalvo::web {
+namespace {
+
+using test::TemporaryFolder;
+
+TEST(ErrorPages, ArePlainUnlessThereAreOthers) {
+  const TemporaryFolder custom, written;
+  test::WriteFile(custom.Path() / "404.html", "<p>Lost?</p>");
+  WriteErrorPages(written.Path(), custom.Path());
+  EXPECT_EQ(ReadErrorPage(written.Path(), 404), "<p>Lost?</p>");
+  EXPECT_NE(ReadErrorPage(written.Path(), 500).find("<h1>Internal Server Error</h1>"), std::string::npos);
+}
+
+TEST(ErrorPages, EveryStatusHasOne) {
+  const TemporaryFolder written;
+  WriteErrorPages(written.Path(), {});
+  for (const ErrorPage& page : ErrorPages()) {
+    SCOPED_TRACE(page.status);
+    EXPECT_EQ(ReasonOf(page.status), page.reason);
+    EXPECT_NE(ReadErrorPage(written.Path(), page.status).find(page.text), std::string::npos);
+  }
+}
+
+TEST(ErrorPages, WithoutAFileTheReasonIsSaid) {
+  const TemporaryFolder empty;
+  EXPECT_EQ(ReadErrorPage(empty.Path(), 503), "Service Unavailable");
+}
+
+}   // namespace
+}   // namespace kalvo::web
