@@ -154,6 +154,12 @@ void AddDateOrText(sql::BlockStore& rows, std::optional<Date> date, std::string_
   date ? rows.AddDate(*date) : rows.AddText(text);
 }
 
+void AddUntyped(sql::BlockStore& rows, std::string_view text) {
+  const auto date = sql::ParseIsoDateTime(text);
+  if (!date && text.find('.') != text.npos) return AddDecimal(rows, text);
+  AddDateOrText(rows, date, text);
+}
+
 }   // namespace
 
 std::vector<Column> DescribeColumns(SQLHSTMT statement, Engine engine) {
@@ -184,6 +190,8 @@ void AddValue(sql::BlockStore& rows, const Column& column, std::string_view valu
       return AddDateOrText(rows, sql::ParseIsoDate(value), value);
     case Reading::SqliteComputed:
       return AddDateOrText(rows, sql::ParseIsoDateTime(value), value);
+    case Reading::SqliteUntyped:
+      return AddUntyped(rows, value);
   }
 }
 

@@ -23,6 +23,7 @@ enum class Reading {
   Decimal,          // text that is a number
   SqliteDate,       // text that is a date when it has the ISO form
   SqliteComputed,   // text that is a date when it has the form that computing with dates gives
+  SqliteUntyped,    // the like where the first row is null: text may be a fraction too
 };
 
 struct Column {

@@ -129,9 +129,15 @@ void Cursor::FetchPieces(sql::BlockStore& rows) {
   }
 }
 
+void Cursor::AddNull(sql::BlockStore& rows, Column& column) {
+  const bool typesColumn = rows.RowCount() == 0 && column.reading == Reading::SqliteComputed;
+  if (typesColumn) column.reading = Reading::SqliteUntyped;
+  rows.AddNull();
+}
+
 // The indicator tells how much there is still to come; what the drivers return beside it differs.
 void Cursor::AddPieces(sql::BlockStore& rows, SQLUSMALLINT number) {
-  const Column& column = columns_[number - 1];
+  Column& column = columns_[number - 1];
   std::size_t have = 0;
   std::size_t room = std::max(kPieceBytes, column.width);
   while (true) {
@@ -140,7 +146,7 @@ void Cursor::AddPieces(sql::BlockStore& rows, SQLUSMALLINT number) {
     const bool more = CheckStatement(
         SQLGetData(statement_.Get(), number, column.cType, scratch_.data() + have, static_cast<SQLLEN>(room), &length),
         statement_.Get());
-    if (more && length == SQL_NULL_DATA) return rows.AddNull();
+    if (more && length == SQL_NULL_DATA) return AddNull(rows, column);
     if (!more) break;
     const std::size_t held = Capacity(column, room);
     const auto size = static_cast<std::size_t>(length);

@@ -41,6 +41,7 @@ class Cursor {
   Outcome AddBlock(sql::BlockStore& rows) const;
   void FetchPieces(sql::BlockStore& rows);
   void AddPieces(sql::BlockStore& rows, SQLUSMALLINT number);
+  static void AddNull(sql::BlockStore& rows, Column& column);
   void StartAnewInPieces();
 
   std::shared_ptr<Session> session_;

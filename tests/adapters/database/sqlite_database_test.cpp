@@ -1,0 +1,167 @@
+#include "adapters/sqlite/sqlite_database.h"
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <cstdlib>
+
+#include "adapters/odbc/odbc_database.h"
+#include "platform/error.h"
+#include "support/odbc_data_source.h"
+#include "support/temporary_folder.h"
+
+namespace kalvo::test {
+namespace {
+
+class SqliteFileTest : public testing::Test {
+ protected:
+  SqliteFileTest() {
+    sqlite::PrepareLibrary();
+    sqlite3* connection = nullptr;
+    sqlite3_open(File().c_str(), &connection);
+    sqlite3_set_authorizer(connection, nullptr, nullptr);
+    sqlite3_exec(connection,
+                 "create table T (Id integer, Declared datetime, Day date, Plain varchar(40), Any);"
+                 "insert into T values (1, '2024-02-03T10:04:05.75', '2024-02-03', '2024-02-03 10:04:05', 7);"
+                 "insert into T values (2, 'soon', '2024-13-03', null, 'seven');"
+                 "insert into T values (3, null, null, 'x', 2.5);",
+                 nullptr, nullptr, nullptr);
+    sqlite3_close(connection);
+  }
+
+  std::filesystem::path File() const { return folder_.Path() / "t.db"; }
+
+  static std::string Text(Connection& connection, const std::string& sql, int field = 0, int row = 0) {
+    std::string scratch;
+    return std::string(connection.Execute({sql, sql, ""})->GetRows().Text(field, row, scratch));
+  }
+
+  static Error ErrorOf(Connection& connection, const std::string& sql) {
+    try {
+      connection.Execute({sql, sql, ""})->GetRows();
+    } catch (const Error& error) {
+      return error;
+    }
+    ADD_FAILURE() << "no error from " << sql;
+    return Error(0, "");
+  }
+
+  static Error ConnectError(Database& database, const std::string& name) {
+    try {
+      database.Connect(name);
+    } catch (const Error& error) {
+      return error;
+    }
+    ADD_FAILURE() << "connected to " << name;
+    return Error(0, "");
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(SqliteFileTest, ADeclaredColumnIsADateInAnyIsoForm) {
+  sqlite::SqliteDatabase database(File());
+  const auto connection = database.Connect("KalvoDB");
+  const std::string sql = "select Declared, Day, Plain, Any from T order by Id";
+  EXPECT_EQ(Text(*connection, sql, 0, 0), "2/3/2024 10:04:05 AM");
+  EXPECT_EQ(Text(*connection, sql, 1, 0), "2/3/2024");
+  EXPECT_EQ(Text(*connection, sql, 2, 0), "2024-02-03 10:04:05") << "declared as text";
+  EXPECT_EQ(Text(*connection, sql, 0, 1), "soon");
+  EXPECT_EQ(Text(*connection, sql, 1, 1), "2024-13-03") << "there is no such month";
+}
+
+TEST_F(SqliteFileTest, AComputedColumnIsADateInTheExactForm) {
+  sqlite::SqliteDatabase database(File());
+  const auto connection = database.Connect("KalvoDB");
+  EXPECT_EQ(Text(*connection, "select max(Plain) as D from T where Id < 3"), "2/3/2024 10:04:05 AM");
+  EXPECT_EQ(Text(*connection, "select max(Day) as D from T where Id = 1"), "2024-02-03");
+  EXPECT_EQ(Text(*connection, "select '2024-02-03 10:04:05.5' as D"), "2024-02-03 10:04:05.5");
+}
+
+TEST_F(SqliteFileTest, AColumnMayChangeItsTypeFromRowToRow) {
+  sqlite::SqliteDatabase direct(File());
+  OdbcDataSources sources;
+  sources.Add("TypesChange", OdbcDataSources::Sqlite(File()));
+  odbc::OdbcDatabase odbc;
+  for (Database* database : {static_cast<Database*>(&direct), static_cast<Database*>(&odbc)}) {
+    const auto connection = database->Connect("TypesChange");
+    const std::string sql = "select Any, case when Id = 1 then 5000000000 else 'x' end as E from T order by Id";
+    EXPECT_EQ(Text(*connection, sql, 0, 0), "7");
+    EXPECT_EQ(Text(*connection, sql, 0, 1), "seven");
+    EXPECT_EQ(Text(*connection, sql, 0, 2), "2.5");
+    EXPECT_EQ(Text(*connection, sql, 1, 0), "5000000000");
+    EXPECT_EQ(Text(*connection, sql, 1, 1), "x");
+  }
+}
+
+TEST_F(SqliteFileTest, AFractionBehindANullReadsTheSameBothWays) {
+  sqlite::SqliteDatabase direct(File());
+  OdbcDataSources sources;
+  sources.Add("FirstIsNull", OdbcDataSources::Sqlite(File()));
+  odbc::OdbcDatabase odbc;
+  for (Database* database : {static_cast<Database*>(&direct), static_cast<Database*>(&odbc)}) {
+    const auto connection = database->Connect("FirstIsNull");
+    const std::string sql = "select case Id when 1 then null when 2 then 15.0 else 1e-05 end as E from T order by Id";
+    EXPECT_EQ(Text(*connection, sql, 0, 0), "");
+    EXPECT_EQ(Text(*connection, sql, 0, 1), "15");
+    EXPECT_EQ(Text(*connection, sql, 0, 2), "1E-05");
+  }
+}
+
+TEST_F(SqliteFileTest, AFileThatIsMissingIsAnErrorAndIsNotCreated) {
+  const auto missing = folder_.Path() / "missing.db";
+  sqlite::SqliteDatabase direct(missing);
+  EXPECT_EQ(ConnectError(direct, "KalvoDB").Number(), codes::kFailed);
+  EXPECT_EQ(ConnectError(direct, "KalvoDB").Description(), "[08001] unable to open database file");
+  OdbcDataSources sources;
+  sources.Add("Missing", OdbcDataSources::Sqlite(missing));
+  odbc::OdbcDatabase odbc;
+  EXPECT_EQ(ConnectError(odbc, "Missing").Number(), codes::kFailed);
+  EXPECT_FALSE(std::filesystem::exists(missing));
+}
+
+TEST_F(SqliteFileTest, AFileOfAnotherKindIsAnError) {
+  WriteFile(folder_.Path() / "other.db", std::string(5000, 'x'));
+  sqlite::SqliteDatabase database(folder_.Path() / "other.db");
+  EXPECT_EQ(ConnectError(database, "KalvoDB").Number(), codes::kFailed);
+  EXPECT_EQ(ConnectError(database, "KalvoDB").Description(), "[08001] file is not a database");
+}
+
+TEST_F(SqliteFileTest, AnUnknownDataSourceIsAnError) {
+  OdbcDataSources sources;
+  odbc::OdbcDatabase odbc;
+  EXPECT_EQ(ConnectError(odbc, "Nowhere").Number(), codes::kFailed);
+  EXPECT_EQ(ConnectError(odbc, "Nowhere").Description().substr(0, 8), "[IM002] ");
+  EXPECT_EQ(ConnectError(odbc, "x;Driver=SQLite3;Database=y").Description().substr(0, 8), "[IM002] ");
+}
+
+TEST_F(SqliteFileTest, NothingBesidesReadingIsAllowed) {
+  sqlite::SqliteDatabase direct(File());
+  OdbcDataSources sources;
+  sources.Add("Guarded", OdbcDataSources::Sqlite(File()));
+  odbc::OdbcDatabase odbc;
+  for (Database* database : {static_cast<Database*>(&direct), static_cast<Database*>(&odbc)}) {
+    const auto connection = database->Connect("Guarded");
+    for (const char* sql : {"select load_extension('libm.so.6')", "pragma query_only = 0", "attach 'x.db' as x",
+                            "pragma journal_mode = delete", "create temporary table Mine (Id integer)", "vacuum",
+                            "delete from T", "create trigger R after insert on T begin select 1; end"}) {
+      EXPECT_EQ(ErrorOf(*connection, sql).Number(), codes::kFailed) << sql;
+    }
+    EXPECT_EQ(Text(*connection, "select upper(Plain) as U from T where Id = 3"), "X");
+  }
+}
+
+TEST_F(SqliteFileTest, TheHeapIsLimited) {
+  sqlite::Options options;
+  options.heapLimit = 8 << 20;
+  sqlite::SqliteDatabase database(File(), options);
+  const auto connection = database.Connect("KalvoDB");
+  const Error error = ErrorOf(*connection, "select length(zeroblob(30000000) || 'x') as L");
+  EXPECT_EQ(error.Number(), codes::kFailed);
+  EXPECT_EQ(error.Description(), "[HY001] out of memory");
+  EXPECT_EQ(Text(*connection, "select count(*) as N from T"), "3") << "the connection is usable";
+  sqlite::PrepareLibrary();
+}
+
+}   // namespace
+}   // namespace kalvo::test
