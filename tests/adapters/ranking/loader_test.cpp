@@ -1,64 +1,24 @@
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdlib>
-#include <filesystem>
+#include <algorithm>
 #include <functional>
 #include <set>
 
 #include "adapters/ranking/brute_force.h"
 #include "adapters/ranking/ranking.h"
 #include "adapters/ranking/result_set.h"
+#include "adapters/ranking/sample_fixture.h"
 #include "adapters/sqlite/sqlite_database.h"
-#include "database/sample/sample.h"
 #include "platform/conversion.h"
 #include "platform/error.h"
-#include "platform/ranking.h"
 
 namespace kalvo::ranking {
 namespace {
 
-constexpr Scope kScopes[] = {Scope::Server, Scope::ServerGroup, Scope::Site, Scope::Organization, Scope::MailboxGroup};
-
-// A sample of its own for all tests of the program, gone when they end.
-class Sample {
- public:
-  Sample() {
-    char folder[] = "/tmp/kalvo-ranking-XXXXXX";
-    if (!mkdtemp(folder)) throw std::runtime_error("no folder for the sample");
-    folder_ = folder;
-    sample::SilentProgress progress;
-    sample::MakeSample({folder_, sample::SampleSize::Small, 7}, progress);
-  }
-  ~Sample() { std::filesystem::remove_all(folder_); }
-
-  std::string File() const { return (folder_ / "kalvo.db").string(); }
-
- private:
-  std::filesystem::path folder_;
-};
-
 class Ranking : public testing::Test {
  protected:
-  static void SetUpTestSuite() { sample_ = std::make_unique<Sample>(); }
+  static void SetUpTestSuite() { sample_ = std::make_unique<SmallSample>(); }
   static void TearDownTestSuite() { sample_.reset(); }
-
-  static void Load(TopNFactory& factory, std::int16_t kind, Scope scope, std::string_view name,
-                   RankedResults& results) {
-    const auto servers = factory.NewServerLoader();
-    switch (scope) {
-      case Scope::Server:
-        return servers->Load(kind, name, results);
-      case Scope::ServerGroup:
-        return servers->LoadGroup(kind, name, results);
-      case Scope::Site:
-        return servers->LoadSite(kind, name, results);
-      case Scope::Organization:
-        return servers->LoadOrg(kind, name, results);
-      case Scope::MailboxGroup:
-        return factory.NewMailboxGroupLoader()->Load(kind, name, results);
-    }
-  }
 
   std::shared_ptr<RankedResults> Loaded(std::int16_t kind, Scope scope, std::string_view name,
                                         const Settings& settings = {}) {
@@ -68,11 +28,11 @@ class Ranking : public testing::Test {
     return results;
   }
 
-  static std::unique_ptr<Sample> sample_;
+  static std::unique_ptr<SmallSample> sample_;
   sqlite::SqliteDatabase database_{sample_->File()};
 };
 
-std::unique_ptr<Sample> Ranking::sample_;
+std::unique_ptr<SmallSample> Ranking::sample_;
 
 std::vector<ExpectedRow> AllRows(RankedResults& results) {
   std::vector<ExpectedRow> rows;
