@@ -5,25 +5,16 @@
 #include <limits>
 #include <memory>
 
+#include "fakes/error_of.h"
 #include "platform/append.h"
-#include "platform/error.h"
 
 namespace kalvo {
 namespace {
 
+using fakes::ErrorOf;
 using std::string_literals::operator""s;
 
 class Thing : public Object {};
-
-template <typename Operation>
-std::int32_t ErrorOf(Operation&& operation) {
-  try {
-    operation();
-  } catch (const Error& error) {
-    return error.Number();
-  }
-  return 0;
-}
 
 TEST(Append, WritesTextCharactersAndIntegers) {
   std::string out = "x";
