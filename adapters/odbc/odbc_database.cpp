@@ -12,21 +12,22 @@ OdbcDatabase::OdbcDatabase(const Options& options, const Locale& locale) : optio
 
 OdbcDatabase::~OdbcDatabase() = default;
 
+// One connection is made at a time: PostgreSQL's driver sets the locale of the process while it connects.
 std::unique_ptr<Connection> OdbcDatabase::Connect(std::string_view dataSource) {
-  return std::make_unique<OdbcConnection>(std::make_shared<Session>(Environment(), dataSource, options_, locale_));
+  const std::lock_guard lock(mutex_);
+  if (!environment_) MakeEnvironment();
+  return std::make_unique<OdbcConnection>(std::make_shared<Session>(environment_, dataSource, options_, locale_));
 }
 
 // SQLite's driver opens its files for writing and with loading of libraries switched on; the guard is in place
 // before it opens the first.
-std::shared_ptr<EnvironmentHandle> OdbcDatabase::Environment() {
-  const std::lock_guard lock(mutex_);
-  if (environment_) return environment_;
+void OdbcDatabase::MakeEnvironment() {
   sqlite::PrepareLibrary();
   sqlite::GuardEveryConnection();
   auto environment = std::make_shared<EnvironmentHandle>(nullptr);
   if (!environment->Get()) throw sql::ConnectionError("HY001", "There is no memory for ODBC.");
   SQLSetEnvAttr(environment->Get(), SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
-  return environment_ = environment;
+  environment_ = environment;
 }
 
 }   // namespace kalvo::odbc

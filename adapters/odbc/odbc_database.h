@@ -33,12 +33,12 @@ class OdbcDatabase final : public Database {
   std::unique_ptr<Connection> Connect(std::string_view dataSource) override;
 
  private:
-  std::shared_ptr<Handle<1>> Environment();   // SQL_HANDLE_ENV
+  void MakeEnvironment();
 
   Options options_;
   const Locale& locale_;
   std::mutex mutex_;
-  std::shared_ptr<Handle<1>> environment_;   // made by the first connection
+  std::shared_ptr<Handle<1>> environment_;   // a SQL_HANDLE_ENV, made by the first connection
 };
 
 }   // namespace kalvo::odbc

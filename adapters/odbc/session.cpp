@@ -25,7 +25,19 @@ struct SetUpStatement {
   int timeUnits;   // in a second
 };
 
+// What a data source of a driver is given when its own configuration is silent.
+struct DriverDefault {
+  std::string_view part;   // of the driver's name or its library's
+  const char* key;
+  std::string_view value;
+};
+
 // clang-format off
+constexpr DriverDefault kDriverDefaults[] = {
+  {"sqlite",  "NoCreat",      "1"},      // or a file that is missing is created
+  {"sqlite",  "Timeout",      "5000"},   // or a writer is waited for 100 seconds
+  {"maodbc",  "CONN_TIMEOUT", "10"},     // or a silent server is waited for without end
+};
 constexpr EngineName kEngines[] = {
   {"sqlite",     Engine::Sqlite},
   {"postgresql", Engine::PostgreSql},
@@ -49,23 +61,23 @@ std::string ConfiguredValue(const std::string& section, const char* key, const c
   return value;
 }
 
-bool HasSqliteDriver(const std::string& dataSource) {
+// The driver of a data source: the name of its section, and its library.
+std::string DriverOf(const std::string& dataSource) {
   const std::string driver = ConfiguredValue(dataSource, "Driver", "odbc.ini");
-  const std::string library = driver.empty() ? "" : ConfiguredValue(driver, "Driver", "odbcinst.ini");
-  return ToLower(driver + library).find("sqlite") != std::string::npos;
+  return ToLower(driver + " " + (driver.empty() ? "" : ConfiguredValue(driver, "Driver", "odbcinst.ini")));
 }
 
-// SQLite's driver would otherwise create a file that is missing, and wait 100 seconds for a writer.
 std::string ConnectionString(std::string_view dataSource) {
   if (dataSource.find_first_of(";={}[]") != dataSource.npos) {
     throw sql::ConnectionError("IM002", "A data source name holds none of ; = { } [ ].");
   }
   const std::string name(dataSource);
+  const std::string driver = DriverOf(name);
   std::string out;
   Append(out, "DSN=", name);
-  if (HasSqliteDriver(name)) {
-    Append(out, ";NoCreat=1");
-    if (ConfiguredValue(name, "Timeout", "odbc.ini").empty()) Append(out, ";Timeout=5000");
+  for (const auto& row : kDriverDefaults) {
+    const bool applies = driver.find(row.part) != driver.npos;
+    if (applies && ConfiguredValue(name, row.key, "odbc.ini").empty()) Append(out, ";", row.key, "=", row.value);
   }
   return out;
 }
