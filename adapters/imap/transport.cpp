@@ -71,7 +71,7 @@ bool Transport::WaitFor(short events) {
     const int ready = poll(&waited, 1, deadline_.Wait(limits_.silence));
     if (ready > 0 && !deadline_.Passed()) return true;
     if (ready < 0 && errno == EINTR) continue;
-    TimeOut(ready > 0 ? "took too long" : "did not answer in time");
+    TimeOut(deadline_.Passed() ? "took too long" : "did not answer in time");
     return false;
   }
 }

@@ -41,6 +41,7 @@ mail_location = maildir:~/Maildir
 mail_plugins = acl
 auth_master_user_separator = *
 auth_failure_delay = 0
+mail_fsync = never
 passdb {
   driver = passwd-file
   args = @D@/masters

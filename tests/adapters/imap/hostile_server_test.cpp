@@ -1,0 +1,204 @@
+// Servers that hang, hang up, or say what no server should: the page gets an error in time, and the next one works.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+#include "adapters/imap/fake_mail_server.h"
+#include "adapters/imap/imap_under_test.h"
+#include "platform/conversion.h"
+#include "platform/error.h"
+#include "platform/live_mailbox.h"
+#include "support/temporary_folder.h"
+
+namespace kalvo::tests {
+namespace {
+
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+
+class HostileServer : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    store_ = std::make_shared<imap::ImapStore>(
+        imap::ReadSettings(StoreAddress(folder_.Path().string(), server_.Port(), "&silence=1&time-limit=3")));
+  }
+
+  // Lists the inbox as a page does: its rows' texts, or the error's.
+  std::string Page() {
+    try {
+      const auto live = Browse(store_);
+      live->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath);
+      const auto messages = live->Messages();
+      messages->AddSortField("Name", 0);
+      messages->Sort();
+      std::string page = std::to_string(live->MessageCount());
+      for (int i = 0; i < messages->Count(); ++i, messages->MoveNext()) page += ", " + ToText(messages->Field("Name"));
+      return page + ", " + ToText(messages->Total("Size"));
+    } catch (const Error& error) {
+      EXPECT_EQ(error.Number(), codes::kFailed);
+      return error.Description();
+    }
+  }
+
+  const std::string good_ = "3, Subject 1, Subject 2, Subject 3, 306";
+  test::TemporaryFolder folder_;
+  FakeMailServer server_;
+  std::shared_ptr<imap::ImapStore> store_;
+};
+
+std::string Many(std::string_view text, int times) {
+  std::string all;
+  all.reserve(text.size() * static_cast<std::size_t>(times));
+  for (int i = 0; i < times; ++i) all += text;
+  return all;
+}
+
+FakeMailServer::Answer Say(std::string text, bool done = true) {
+  return [text = std::move(text), done](Talk& talk, const std::string& tag) {
+    talk.Send(text + (done ? tag + " OK done\r\n" : ""));
+  };
+}
+
+TEST_F(HostileServer, BehavesAtFirst) { EXPECT_EQ(Page(), good_); }
+
+TEST_F(HostileServer, GivesAnErrorInTimeAndTheNextPageWorks) {
+  const std::string open(200'000, '(');
+  const struct {
+    const char* why;
+    const char* command;
+    FakeMailServer::Answer answer;
+    const char* words;
+  } kCases[] = {
+      {"200 000 nested bodies", "UID FETCH", Say("* 1 FETCH (UID 1 BODYSTRUCTURE " + open + ")\r\n"), "nested"},
+      {"the same behind what looks like a literal", "UID FETCH",
+       Say("* OK {200100}\r\n* 1 FETCH (UID 1 BODYSTRUCTURE " + open + "\r\n"), "nested"},
+      {"the same behind a quoted line end", "UID FETCH",
+       Say("* 1 FETCH (UID 1 ENVELOPE (\"\r\n* 1 FETCH (BODYSTRUCTURE \"" + open + "\r\n"), "quoted string"},
+      {"a broken body of allowed depth", "UID FETCH",
+       Say("* 1 FETCH (UID 1 BODYSTRUCTURE " + std::string(400, '(') + "x)\r\n"), "protocol"},
+      {"a broken message in messages of allowed depth", "UID FETCH",
+       Say("* 1 FETCH (UID 1 BODYSTRUCTURE " +
+           Many("(\"message\" \"rfc822\" NIL NIL NIL \"7bit\" 1 (NIL NIL NIL NIL NIL NIL NIL NIL NIL NIL) ", 400) +
+           "x)\r\n"),
+       "protocol"},
+      {"a line without end", "UID SEARCH",
+       [](Talk& talk, const std::string&) {
+         talk.Send("* SEARCH");
+         while (talk.Send(std::string(65536, '1'))) continue;
+       },
+       "line of more bytes"},
+      {"an answer without end", "UID SEARCH",
+       [](Talk& talk, const std::string&) {
+         const auto lines = Many("* 3 EXISTS\r\n", 1000);
+         while (talk.Send(lines)) continue;
+       },
+       ""},
+      {"a huge literal", "UID FETCH", Say("* 1 FETCH (UID 1 RFC822.SIZE {4000000000}\r\n"), "literal"},
+      {"another protocol", "UID FETCH", Say("HTTP/1.1 200 OK\r\n\r\n<html>", false), ""},
+      {"random bytes", "EXAMINE", Say(std::string("\0\xFF\x80(\"{\r\n\x01)))", 13), false), ""},
+      {"another tag", "EXAMINE", Say("X99 OK done\r\n", false), "protocol"},
+      {"silence", "UID SEARCH", [](Talk& talk, const std::string&) { talk.Hang(); }, "did not answer in time"},
+      {"silence at the greeting", "GREETING", [](Talk& talk, const std::string&) { talk.Hang(); },
+       "did not answer in time"},
+      {"a byte now and then", "UID SEARCH",
+       [](Talk& talk, const std::string&) {
+         while (talk.Send(" ")) std::this_thread::sleep_for(milliseconds(100));
+       },
+       "took too long"},
+      {"a greeting that sends away", "GREETING", Say("* BYE too busy\r\n", false), "ended the session"},
+      {"BYE in the middle", "UID SEARCH", Say("* BYE down for repairs\r\n", false), ""},
+      {"hanging up", "UID SEARCH", [](Talk& talk, const std::string&) { talk.Close(); }, "closed the connection"},
+      {"hanging up in the middle of a line", "UID FETCH",
+       [](Talk& talk, const std::string&) {
+         talk.Send("* 1 FETCH (UID 1 RFC822.SIZE 1");
+         talk.Close();
+       },
+       "closed the connection"},
+      {"hanging up in the middle of a literal", "UID FETCH",
+       [](Talk& talk, const std::string&) {
+         talk.Send("* 1 FETCH (UID 1 ENVELOPE (NIL {5000}\r\nabc");
+         talk.Close();
+       },
+       ""},
+      {"a refusal with bytes that do not print", "EXAMINE",
+       [](Talk& talk, const std::string& tag) { talk.Send(tag + " NO \x1B[31m<b>\r\n"); }, "?[31m"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    SetUp();
+    server_.Misbehave(c.command, c.answer);
+    const auto begin = Clock::now();
+    const auto page = Page();
+    EXPECT_LT(Clock::now() - begin, milliseconds(5000));
+    EXPECT_NE(page.find("The mail server 127.0.0.1:"), std::string::npos) << page;
+    EXPECT_NE(page.find(c.words), std::string::npos) << page;
+    server_.Behave();
+    // The rest of the page that met a silent server does not wait for it again.
+    if (page.find("in time") != page.npos || page.find("too long") != page.npos) {
+      std::this_thread::sleep_for(milliseconds(1100));
+    }
+    EXPECT_EQ(Page(), good_);
+  }
+}
+
+TEST_F(HostileServer, OnlyTheFirstQuestionOfAPageWaitsForASilentOne) {
+  server_.Misbehave("EXAMINE", [](Talk& talk, const std::string&) { talk.Hang(); });
+  Page();
+  const auto begin = Clock::now();
+  EXPECT_NE(Page().find("did not answer in time"), std::string::npos);
+  EXPECT_LT(Clock::now() - begin, milliseconds(500));
+}
+
+TEST_F(HostileServer, ALostConnectionIsOpenedAgainOnce) {
+  EXPECT_EQ(Page(), good_);
+  EXPECT_EQ(server_.Connections(), 1);
+  int hangUps = 1;
+  server_.Misbehave("EXAMINE", [&](Talk& talk, const std::string& tag) {
+    if (hangUps-- > 0) return talk.Close();
+    talk.Send("* 3 EXISTS\r\n* OK [UIDVALIDITY 7] ok\r\n* OK [UIDNEXT 4] ok\r\n" + tag + " OK done\r\n");
+  });
+  EXPECT_EQ(Page(), good_);
+  EXPECT_EQ(server_.Connections(), 2);
+  server_.Misbehave("EXAMINE", [](Talk& talk, const std::string&) { talk.Close(); });
+  EXPECT_NE(Page().find("closed the connection"), std::string::npos);
+  EXPECT_EQ(server_.Connections(), 3);
+}
+
+TEST_F(HostileServer, AnswersAboutOtherMessagesAreNotBelieved) {
+  server_.Misbehave("UID FETCH", Say("* 1 FETCH (UID 77 RFC822.SIZE 5 INTERNALDATE \"01-Jan-1999 00:00:00 +0000\")\r\n"
+                                     "* 2 FETCH (FLAGS (\\Seen))\r\n"));
+  EXPECT_EQ(Page(), "0, 0");
+}
+
+TEST_F(HostileServer, WithoutUidplusNothingIsDeleted) {
+  const auto live = Browse(store_);
+  live->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath);
+  const auto id = ToText(live->Messages()->Field("ExchangeId"));
+  server_.Misbehave("CAPABILITY", Say("* CAPABILITY IMAP4rev1 SORT\r\n"));
+  try {
+    live->RemoveMessage("EX01", "alice", "", id, 0);
+    ADD_FAILURE() << "deleted";
+  } catch (const Error& error) {
+    EXPECT_NE(error.Description().find("UIDPLUS"), std::string::npos);
+  }
+  for (const auto& command : server_.Commands()) {
+    EXPECT_TRUE(command.find("STORE") == command.npos && command.find("EXPUNGE") == command.npos) << command;
+  }
+}
+
+TEST_F(HostileServer, AMessageThatIsStillThereWasNotDeleted) {
+  const auto live = Browse(store_);
+  live->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath);
+  const auto id = ToText(live->Messages()->Field("ExchangeId"));
+  server_.Misbehave("SELECT", Say("* 3 EXISTS\r\n* OK [UIDVALIDITY 7] ok\r\n* OK [UIDNEXT 4] ok\r\n"));
+  try {
+    live->RemoveMessage("EX01", "alice", "", id, 0);
+    ADD_FAILURE() << "deleted";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.Description(), "The mail server did not delete the message.");
+  }
+}
+
+}   // namespace
+}   // namespace kalvo::tests

@@ -1,0 +1,387 @@
+// What the contract does not ask: orders, windows, names and rights on a real server, and its death.
+#include "adapters/imap/imap_store.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <thread>
+
+#include "adapters/imap/imap_under_test.h"
+#include "platform/conversion.h"
+#include "platform/error.h"
+#include "platform/live_mailbox.h"
+
+namespace kalvo::tests {
+namespace {
+
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+using Texts = std::vector<std::string>;
+
+Texts FieldsOf(Listing& listing, std::string_view field) {
+  Texts texts;
+  listing.MoveFirst();
+  for (std::int32_t i = 0; i < listing.Count(); ++i, listing.MoveNext()) texts.push_back(ToText(listing.Field(field)));
+  return texts;
+}
+
+std::string Failure(const std::function<void()>& step) {
+  try {
+    step();
+  } catch (const Error& error) {
+    return error.Description();
+  }
+  return "";
+}
+
+class ImapStoreTest : public ::testing::Test {
+ protected:
+  ImapStoreTest() : server_(FixtureUsers()) {}
+
+  std::shared_ptr<imap::ImapStore> Store(std::string_view more = "&silence=1&time-limit=5") {
+    return std::make_shared<imap::ImapStore>(imap::ReadSettings(StoreAddress(server_, more)));
+  }
+
+  static void OpenInbox(LiveContainer& live) { live.GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath); }
+
+  void Fill(int messages) {
+    PlainImap imap(server_.Port(), "alice");
+    for (int i = 0; i < messages; ++i) imap.Append("INBOX", Message(i), 915148800 + i * 60);
+  }
+
+  // Of every kind of date, with equal dates and sizes among them.
+  static std::string Message(int number) {
+    char date[80];
+    std::snprintf(date, sizeof date, "Date: Fri, %02d Jan 1999 %02d:00:00 %+05d\n", 1 + number * 7 % 28,
+                  number * 5 % 24, number % 3 * 100);
+    std::string text = number % 11 == 3 ? "" : number % 13 == 5 ? "Date: the day after tomorrow\n" : date;
+    text += "From: Sender " + std::to_string(number % 9) +
+            " <s@kalvo.example>\nSubject: " + (number % 4 == 0 ? "Re: " : "") + "Topic " + std::to_string(number % 17) +
+            "\n\n";
+    return text.append(static_cast<std::size_t>(number % 6 * 10), 'x') + "\n";
+  }
+
+  DovecotServer server_;
+};
+
+TEST_F(ImapStoreTest, TheServersOrderIsOurs) {
+  Fill(80);
+  const auto sorting = Store(), plain = Store("&sort=no");
+  const auto ids = [](const std::shared_ptr<imap::ImapStore>& store, std::string_view field, int descending,
+                      std::string_view second) {
+    const auto live = Browse(store);
+    OpenInbox(*live);
+    const auto messages = live->Messages();
+    messages->AddSortField(field, descending);
+    if (!second.empty()) messages->AddSortField(second, 1);
+    messages->Sort();
+    return FieldsOf(*messages, "ExchangeId");
+  };
+  for (const char* field : {"Name", "Sender", "Size", "CreateDate", "ModifiedDate"}) {
+    for (const int descending : {0, 1}) {
+      for (const char* second : {"", "Size", "ModifiedDate", "Sender"}) {
+        SCOPED_TRACE(std::string(field) + (descending != 0 ? " down, " : " up, ") + second);
+        EXPECT_EQ(ids(sorting, field, descending, second), ids(plain, field, descending, second));
+      }
+    }
+  }
+}
+
+TEST_F(ImapStoreTest, OnlyTheRowsThatAreShownAreFetched) {
+  Fill(300);
+  const auto store = Store();
+  const auto page = [&](int first) {
+    const auto live = Browse(store);
+    OpenInbox(*live);
+    const auto messages = live->Messages();
+    messages->AddSortField("ModifiedDate", 1);
+    messages->Sort();
+    messages->MoveFirst();
+    for (int i = 0; i < first; ++i) messages->MoveNext();
+    for (int i = 0; i < 50; ++i, messages->MoveNext()) EXPECT_NE(ToText(messages->Field("Name")), "");
+    EXPECT_GT(ToDouble(messages->Total("Size")), 300 * 50);
+  };
+  page(0);
+  EXPECT_EQ(store->Cost().messagesFetched, 50u);
+  page(200);
+  EXPECT_EQ(store->Cost().messagesFetched, 100u);
+  page(0);
+  EXPECT_EQ(store->Cost().messagesFetched, 100u) << "known from the first time";
+  EXPECT_EQ(store->Cost().connections, 1u);
+}
+
+TEST_F(ImapStoreTest, AServerThatSortsByDateIsAskedForNoMoreThanThePage) {
+  Fill(300);
+  const auto fetched = [&](std::string_view more) {
+    const auto store = Store(more);
+    const auto live = Browse(store);
+    OpenInbox(*live);
+    const auto messages = live->Messages();
+    messages->AddSortField("CreateDate", 1);
+    messages->Sort();
+    for (int i = 0; i < 50; ++i, messages->MoveNext()) EXPECT_NE(ToText(messages->Field("CreateDate")), "");
+    return store->Cost().messagesFetched;
+  };
+  int undated = 0;
+  for (int i = 0; i < 300; ++i) undated += i % 11 == 3 || i % 13 == 5 ? 1 : 0;
+  EXPECT_EQ(fetched(""), 50u + static_cast<std::size_t>(undated));
+  EXPECT_EQ(fetched("&sort=no"), 300u);
+}
+
+TEST_F(ImapStoreTest, NewAndVanishedMessagesAreSeenOnTheNextPage) {
+  Fill(5);
+  const auto store = Store();
+  const auto subjects = [&] {
+    const auto live = Browse(store);
+    OpenInbox(*live);
+    EXPECT_EQ(live->MessageCount(), live->Messages()->Count());
+    return FieldsOf(*live->Messages(), "Name");
+  };
+  EXPECT_EQ(subjects(), (Texts{"Re: Topic 4", "Topic 3", "Topic 2", "Topic 1", "Re: Topic 0"}));
+  PlainImap other(server_.Port(), "alice");
+  other.Append("INBOX", "Subject: new\n\nx\n", 1000000000);
+  other.Run("SELECT INBOX");
+  other.Run("STORE 2 +FLAGS (\\Deleted)");
+  other.Run("EXPUNGE");
+  EXPECT_EQ(subjects(), (Texts{"new", "Re: Topic 4", "Topic 3", "Topic 2", "Re: Topic 0"}));
+  other.Append("INBOX", "Subject: newer\n\nx\n", 1000000001);
+  other.Run("STORE 1 +FLAGS (\\Deleted)");
+  other.Run("EXPUNGE");
+  EXPECT_EQ(subjects(), (Texts{"newer", "new", "Re: Topic 4", "Topic 3", "Topic 2"})) << "as many as before";
+}
+
+TEST_F(ImapStoreTest, AMessageThatVanishesWhileItIsListedKeepsItsRow) {
+  Fill(3);
+  const auto live = Browse(Store());
+  OpenInbox(*live);
+  const auto messages = live->Messages();
+  PlainImap other(server_.Port(), "alice");
+  other.Run("SELECT INBOX");
+  other.Run("STORE 1:* +FLAGS (\\Deleted)");
+  other.Run("EXPUNGE");
+  EXPECT_EQ(FieldsOf(*messages, "Name"), Texts(3, ""));
+}
+
+TEST_F(ImapStoreTest, AttachmentsComeFromTheStructure) {
+  PlainImap(server_.Port(), "alice")
+      .Append("INBOX", R"(From: a@b.example
+Subject: many parts
+MIME-Version: 1.0
+Content-Type: multipart/mixed; boundary=b
+
+--b
+Content-Type: multipart/alternative; boundary=c
+
+--c
+Content-Type: text/plain
+
+text
+--c
+Content-Type: text/html
+
+html
+--c--
+--b
+Content-Type: application/pdf
+Content-Disposition: attachment; filename*=utf-8''%C3%9Cbersicht%20Q1.pdf
+Content-Transfer-Encoding: base64
+
+QUJDREVGR0hJSktMTU5PUFFSU1RVVldYWVpBQkNERUZHSElKS0xNTk9QUVJTVFVWV1hZWkFC
+QUJDREVGR0hJSktMTU5PUFFSU1RVVldYWVpBQkNERUZHSElKS0xNTk9QUVJTVFVWV1hZWkFC
+--b
+Content-Type: image/png; name="=?iso-8859-1?Q?Bl=FCte.png?="
+
+png
+--b
+Content-Type: application/zip
+Content-Disposition: attachment; filename*0="a very long "; filename*1="name.zip"
+
+zip
+--b
+Content-Type: text/plain
+Content-Disposition: attachment; filename="C:\\temp\\a \"b\".txt"
+
+12345
+--b
+Content-Type: message/rfc822
+
+Subject: inner
+Content-Type: application/octet-stream; name=inner.bin
+
+inner
+--b
+Content-Type: application/octet-stream
+
+bare
+--b--
+)",
+              915148800);
+  const auto live = Browse(Store());
+  OpenInbox(*live);
+  const auto messages = live->Messages();
+  EXPECT_EQ(ToText(messages->Field("HasAttachment")), "1");
+  live->GotoMsgAttachment("EX01", "alice", ToText(messages->Field("ExchangeId")), 0);
+  EXPECT_EQ(
+      FieldsOf(*live->Attachments(), "LongFileName"),
+      (Texts{"\xC3\x9C"
+             "bersicht Q1.pdf",
+             "Bl\xC3\xBCte.png", "a very long name.zip", "a \"b\".txt", "message/rfc822", "application/octet-stream"}));
+  const auto sizes = live->Attachments();
+  EXPECT_NEAR(ToDouble(sizes->Field("Size")), 108, 3);
+}
+
+TEST_F(ImapStoreTest, ANameCannotEndACommand) {
+  Fill(1);
+  const auto settings = imap::ReadSettings(StoreAddress(server_));
+  imap::Connection connection(settings.server, {"alice*master", "pw"}, settings.limits,
+                              imap::Deadline(settings.limits.operation));
+  const std::string evil[] = {"x\r\nA1 DELETE INBOX", "x\nA1 DELETE INBOX", std::string("x\0y", 3), "x\x7F"};
+  for (const auto& name : evil) {
+    EXPECT_NE(Failure([&] { connection.Open(name, imap::Access::Read); }).find("control character"), std::string::npos);
+    EXPECT_NE(Failure([&] { connection.Status(name); }).find("control character"), std::string::npos);
+    EXPECT_NE(Failure([&] { connection.List(name, ""); }).find("control character"), std::string::npos);
+    EXPECT_NE(Failure([&] { connection.Rights(name); }).find("control character"), std::string::npos);
+  }
+  EXPECT_NE(Failure([&] {
+              imap::Connection(settings.server, {"alice\r\nA1 LOGOUT", "pw"}, settings.limits,
+                               imap::Deadline(settings.limits.operation));
+            }).find("control character"),
+            std::string::npos);
+  EXPECT_EQ(connection.Open("INBOX", imap::Access::Read).messages, 1u);
+}
+
+TEST_F(ImapStoreTest, AWrongPasswordIsTold) {
+  server_.Write("password", "pw\n");
+  auto settings = imap::ReadSettings(StoreAddress(server_));
+  settings.password = "wrong";
+  const auto live = Browse(std::make_shared<imap::ImapStore>(settings));
+  EXPECT_NE(Failure([&] { OpenInbox(*live); }).find("refused"), std::string::npos);
+}
+
+TEST_F(ImapStoreTest, WithoutTheRightNothingIsDeleted) {
+  server_.MakePublicFolder({"Sales"});
+  PlainImap(server_.Port(), "kalvo").Append("Public/Sales", "Subject: kept\n\nx\n", 915148800);
+  const auto store = Store();
+  const auto live = Browse(store);
+  live->GotoContainer("EX01", "Kalvo EX01", "Sales", 0, live::kByPath | live::kPublicFolders);
+  const auto id = ToText(live->Messages()->Field("ExchangeId"));
+  for (const char* rights : {"lrs", "lrst", "lrse"}) {
+    server_.Write("public/.Sales/dovecot-acl", std::string("user=kalvo ") + rights + "\n");
+    std::this_thread::sleep_for(milliseconds(1100));   // the server looks at it once a second
+    EXPECT_EQ(Failure([&] { live->RemoveMessage("EX01", "", "", id, live::kPublicFolders); }),
+              "Deleting messages is not allowed in this folder.");
+  }
+  EXPECT_EQ(server_.AllMessages().size(), 1u);
+}
+
+TEST_F(ImapStoreTest, WhatOthersMarkedAsDeletedStays) {
+  Fill(5);
+  PlainImap other(server_.Port(), "alice");
+  other.Run("SELECT INBOX");
+  other.Run("STORE 1:5 +FLAGS (\\Deleted)");
+  const auto live = Browse(Store());
+  OpenInbox(*live);
+  const auto before = server_.AllMessages();
+  live->RemoveMessage("EX01", "alice", "", ToText(live->Messages()->Field("ExchangeId")), 0);
+  const auto after = server_.AllMessages();
+  EXPECT_EQ(after.size(), 4u);
+  EXPECT_TRUE(std::includes(before.begin(), before.end(), after.begin(), after.end()));
+}
+
+TEST_F(ImapStoreTest, AServerKilledWhileItDeletesLosesNothingElse) {
+  Fill(12);
+  for (int i = 0; i < 8; ++i) {
+    const auto live = Browse(Store());
+    OpenInbox(*live);
+    const auto id = ToText(live->Messages()->Field("ExchangeId"));
+    const auto subject = ToText(live->Messages()->Field("Name"));
+    const auto before = server_.AllMessages();
+    std::thread killer([&] {
+      std::this_thread::sleep_for(milliseconds(2 * i));
+      server_.Kill();
+    });
+    const auto failure = Failure([&] { live->RemoveMessage("EX01", "alice", "", id, 0); });
+    killer.join();
+    server_.Start();
+    const auto after = server_.AllMessages();
+    EXPECT_TRUE(std::includes(before.begin(), before.end(), after.begin(), after.end()));
+    EXPECT_LE(before.size() - after.size(), 1u);
+    if (failure.empty()) {
+      EXPECT_EQ(before.size() - after.size(), 1u);
+    }
+    for (const auto& message : before) {
+      if (message.find("Subject: " + subject + "\r\n") == message.npos) {
+        EXPECT_TRUE(std::binary_search(after.begin(), after.end(), message));
+      }
+    }
+  }
+}
+
+TEST_F(ImapStoreTest, AStoppedServerGivesAnErrorAndTheNextPageWorks) {
+  Fill(120);
+  const auto store = Store();
+  const auto live = Browse(store);
+  OpenInbox(*live);
+  const auto messages = live->Messages();
+  EXPECT_NE(ToText(messages->Field("Name")), "");
+  for (int i = 0; i < 60; ++i) messages->MoveNext();
+  server_.Pause();
+  const auto begin = Clock::now();
+  const auto failure = Failure([&] { messages->Field("Name"); });
+  EXPECT_NE(failure.find("did not answer in time"), std::string::npos) << failure;
+  EXPECT_NE(Failure([&] { Browse(store)->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath); }), "");
+  EXPECT_LT(Clock::now() - begin, milliseconds(2500));
+  server_.Resume();
+  std::this_thread::sleep_for(milliseconds(1100));
+  const auto next = Browse(store);
+  OpenInbox(*next);
+  EXPECT_EQ(FieldsOf(*next->Messages(), "Name").size(), 120u);
+}
+
+TEST_F(ImapStoreTest, AKilledServerGivesAnErrorAndTheNextPageWorks) {
+  Fill(120);
+  const auto store = Store();
+  const auto live = Browse(store);
+  OpenInbox(*live);
+  const auto messages = live->Messages();
+  EXPECT_NE(ToText(messages->Field("Name")), "");
+  for (int i = 0; i < 60; ++i) messages->MoveNext();
+  server_.Kill();
+  const auto begin = Clock::now();
+  const auto failure = Failure([&] { messages->Field("Name"); });
+  EXPECT_NE(failure.find("cannot be reached"), std::string::npos) << failure;
+  EXPECT_LT(Clock::now() - begin, milliseconds(2000));
+  server_.Start();
+  EXPECT_NE(ToText(messages->Field("Name")), "") << "the same listing goes on";
+  const auto next = Browse(store);
+  OpenInbox(*next);
+  EXPECT_EQ(FieldsOf(*next->Messages(), "Name").size(), 120u);
+}
+
+TEST_F(ImapStoreTest, AServerStartedAnewBetweenTwoPagesIsNotNoticed) {
+  Fill(3);
+  const auto store = Store();
+  for (int i = 0; i < 2; ++i) {
+    const auto live = Browse(store);
+    OpenInbox(*live);
+    EXPECT_EQ(FieldsOf(*live->Messages(), "Name").size(), 3u);
+    server_.Kill();
+    server_.Start();
+  }
+}
+
+TEST_F(ImapStoreTest, OnlyConfiguredServersAreConnectedTo) {
+  const auto store = Store();
+  const auto live = Browse(store);
+  for (const char* name : {"127.0.0.2", "localhost:1", "evil.example", ""}) {
+    EXPECT_NE(Failure([&] { live->GotoContainer(name, "alice", "", 0, live::kByPath); }), "");
+    EXPECT_NE(Failure([&] { live->GotoContainer(name, "Kalvo x", "", 0, live::kByPath | live::kPublicFolders); }), "");
+  }
+  EXPECT_EQ(store->Cost().connections, 0u);
+}
+
+}   // namespace
+}   // namespace kalvo::tests

@@ -1,0 +1,94 @@
+#include "adapters/imap/settings.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/error.h"
+#include "support/temporary_folder.h"
+
+namespace kalvo::imap {
+namespace {
+
+class ImapSettings : public ::testing::Test {
+ protected:
+  ImapSettings() { test::WriteFile(folder_.Path() / "pw", "secret word\r\nand a note\n"); }
+
+  std::string With(std::string_view place, std::string_view more = "") const {
+    return std::string(place) + "?directory=mail.txt&password-file=" + (folder_.Path() / "pw").string() +
+           std::string(more);
+  }
+
+  std::string Refusal(const std::string& url) const {
+    try {
+      ReadSettings(url);
+    } catch (const Error& error) {
+      EXPECT_EQ(error.Number(), codes::kFailed);
+      return error.Description();
+    }
+    return "";
+  }
+
+  test::TemporaryFolder folder_;
+};
+
+TEST_F(ImapSettings, AreReadFromAnAddress) {
+  const auto settings =
+      ReadSettings(With("imap://ad%6Din@mail.example.com:1143/", "&template=%7Bmailbox%7D%2A{admin}"));
+  EXPECT_EQ(settings.administrator, "admin");
+  EXPECT_EQ(settings.password, "secret word");
+  EXPECT_EQ(settings.server.host, "mail.example.com");
+  EXPECT_EQ(settings.server.port, 1143);
+  EXPECT_EQ(settings.server.security, Security::StartTls);
+  EXPECT_EQ(settings.loginTemplate, "{mailbox}*{admin}");
+  EXPECT_EQ(settings.directoryFile, "mail.txt");
+}
+
+TEST_F(ImapSettings, HaveTheUsualPorts) {
+  EXPECT_EQ(ReadSettings(With("imap://a@h/")).server.port, 143);
+  EXPECT_EQ(ReadSettings(With("imaps://a@h")).server.port, 993);
+  EXPECT_EQ(ReadSettings(With("imaps://a@h")).server.security, Security::Tls);
+  EXPECT_EQ(ReadSettings(With("imap://a@[::1]:7/")).server.host, "::1");
+}
+
+TEST_F(ImapSettings, LeadEachServerNameToAnAddress) {
+  const auto settings = ReadSettings(With("imap://a@one/", "&server=EX02=two:2143&tls=none"));
+  EXPECT_EQ(settings.AddressOf("EX01").host, "one");
+  EXPECT_EQ(settings.AddressOf("ex02").host, "two");
+  EXPECT_EQ(settings.AddressOf("ex02").port, 2143);
+  EXPECT_EQ(settings.AddressOf("ex02").security, Security::None);
+  EXPECT_EQ(settings.AddressOf("evil.example").host, "one") << "a name from a request is never a host";
+}
+
+TEST_F(ImapSettings, RefuseWhatTheyDoNotUnderstand) {
+  const struct {
+    const char* why;
+    std::string url, words;
+  } kCases[] = {
+      {"another scheme", With("http://a@h/"), "must begin with \"imap://\""},
+      {"no administrator", With("imap://h/"), "the administrator is missing"},
+      {"no host", With("imap://a@/"), "the host is missing"},
+      {"a port that is none", With("imap://a@h:99999/"), "the port must be a number from 1 to 65535"},
+      {"no directory", "imap://a@h/?password-file=pw", "directory=FILE is missing"},
+      {"no password file", "imap://a@h/?directory=d", "password-file=FILE is missing"},
+      {"a password file that is not there", "imap://a@h/?directory=d&password-file=/nowhere", "cannot be read"},
+      {"an unknown setting", With("imap://a@h/", "&colour=red"), "\"colour\" is no setting"},
+      {"an unknown kind of encryption", With("imap://a@h/", "&tls=maybe"), "tls must be none, starttls or tls"},
+      {"a broken encoding", With("imap://a@h/", "&template=%4"), "hexadecimal"},
+      {"a server without an address", With("imap://a@h/", "&server=EX02"), "NAME=HOST:PORT"},
+      {"a time that is none", With("imap://a@h/", "&silence=0"), "silence must be a number from 1 to 3600"},
+      {"a line end in the administrator", With("imap://a%0D%0Ab@h/"), "control character"},
+      {"a line end in the template", With("imap://a@h/", "&template=%0D%0A"), "control character"},
+      {"a NUL in the host", With("imap://a@h%00/"), "control character"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    EXPECT_NE(Refusal(c.url).find(c.words), std::string::npos) << Refusal(c.url);
+  }
+}
+
+TEST_F(ImapSettings, RefuseAPasswordThatCouldEndACommand) {
+  test::WriteFile(folder_.Path() / "pw", std::string("x\x01y\n"));
+  EXPECT_NE(Refusal(With("imap://a@h/")).find("control character"), std::string::npos);
+}
+
+}   // namespace
+}   // namespace kalvo::imap
