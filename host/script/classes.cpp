@@ -18,6 +18,7 @@
 #include "kalvo/table_database.h"
 #include "kalvo/table_generator.h"
 #include "kalvo/topn_data_src.h"
+#include "platform/append.h"
 
 namespace kalvo::host {
 namespace {
@@ -101,6 +102,22 @@ constexpr ClassBinding kClasses[] = {
 // clang-format on
 
 }  // namespace
+
+std::string Signature(const Member& member) {
+  std::string text(member.name);
+  if (member.kind == MemberKind::Property) return member.set != nullptr ? text + "*" : text;
+  text += '(';
+  for (const Parameter& parameter : member.Parameters()) {
+    Append(text, text.back() == '(' ? "" : ", ", parameter.name);
+    switch (parameter.kind) {
+      case Parameter::Default::None: break;
+      case Parameter::Default::Text: Append(text, " = \"", parameter.text, '"'); break;
+      case Parameter::Default::Number: Append(text, " = ", parameter.number); break;
+      case Parameter::Default::Boolean: Append(text, " = ", parameter.number != 0 ? "true" : "false"); break;
+    }
+  }
+  return text + ")";
+}
 
 std::span<const ClassBinding> Classes() { return kClasses; }
 

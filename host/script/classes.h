@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <memory>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "host/script/binding.h"
@@ -35,6 +36,10 @@ struct ClassBinding {
 
 // Every class, the public ones first, in published order.
 std::span<const ClassBinding> Classes();
+
+// A member as documents name it: "AnchorStart(szLink, szBookmark = \"\", szTarget = \"\")", "TableIndex" for a property
+// that is read, "gRowIndex*" for one that is also written.
+std::string Signature(const Member& member);
 
 inline constexpr std::string_view kClassPrefix = "KalvoTables.";
 

@@ -2,6 +2,7 @@
 
 #include <malloc.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -10,16 +11,46 @@
 
 namespace kalvo::host {
 
+namespace {
+
+// A page that is given less than this part of its limit between two collections of garbage is at its limit.
+constexpr std::size_t kProgress = 64;
+constexpr std::size_t kReserve = 8;   // the part of the limit that a page has on top to end in
+
+}  // namespace
+
 // The memory of the state and of what is charged to it.
 struct Engine::Memory {
   std::size_t limit = 0;
   std::size_t used = 0;
+  std::size_t sinceRefusal = SIZE_MAX;   // what was given since a request was last refused
 
   bool Fits(std::size_t bytes) const { return bytes <= limit && used <= limit - bytes; }
 
+  // Whether the engine may have that much more. It collects its garbage when it is refused and asks again: a page
+  // for which that does not help for long is at its limit, and is left some room to end in.
+  static bool Grants(Engine& engine, std::size_t bytes) {
+    Memory& memory = *engine.memory_;
+    const bool fits = memory.Fits(bytes);
+    if (fits) {
+      memory.sinceRefusal += std::min(bytes, SIZE_MAX - memory.sinceRefusal);
+      return true;
+    }
+    const bool collecting = memory.sinceRefusal < memory.limit / kProgress;
+    memory.sinceRefusal = 0;
+    if (!collecting) return false;
+    if (!engine.HasEnded()) {
+      engine.cause_ = EndCause::MemoryLimit;
+      memory.limit += memory.limit / kReserve;
+    }
+    if (engine.context_ != nullptr) kalvo_engine_ask_now(engine.context_);
+    return memory.Fits(bytes);
+  }
+
   static void* Allocate(void* udata, duk_size_t size) {
-    Memory& memory = *static_cast<Engine*>(udata)->memory_;
-    if (size == 0 || !memory.Fits(size)) return nullptr;
+    Engine& engine = *static_cast<Engine*>(udata);
+    Memory& memory = *engine.memory_;
+    if (size == 0 || !Grants(engine, size)) return nullptr;
     void* block = std::malloc(size);
     if (block != nullptr) memory.used += malloc_usable_size(block);
     return block;
@@ -31,9 +62,10 @@ struct Engine::Memory {
       Free(udata, old);
       return nullptr;
     }
-    Memory& memory = *static_cast<Engine*>(udata)->memory_;
+    Engine& engine = *static_cast<Engine*>(udata);
+    Memory& memory = *engine.memory_;
     const std::size_t before = malloc_usable_size(old);
-    if (size > before && !memory.Fits(size - before)) return nullptr;
+    if (size > before && !Grants(engine, size - before)) return nullptr;
     void* block = std::realloc(old, size);
     if (block != nullptr) memory.used = memory.used - before + malloc_usable_size(block);
     return block;
@@ -121,6 +153,7 @@ struct FailureReader {
       return text;
     }();
     failure.description = description.value_or(failure.message);
+    if (description && !duk_is_error(context, -1)) failure.message = failure.description;
     return 0;
   }
 
@@ -233,8 +266,11 @@ ScriptFailure Engine::TakeFailure() {
   FailureReader reader;
   reader.failure.number = codes::kFailed;
   const bool hasPlace = duk_is_error(context_, -1);
-  if (duk_safe_call(context_, FailureReader::Read, &reader, 1, 1) != DUK_EXEC_SUCCESS && reader.failure.message.empty()) {
-    reader.failure.message = reader.failure.description = "an error that cannot be read";
+  const bool unread = duk_safe_call(context_, FailureReader::Read, &reader, 1, 1) != DUK_EXEC_SUCCESS;
+  if (unread && reader.failure.message.empty()) {
+    const bool nested = duk_get_error_code(context_, -1) == DUK_ERR_RANGE_ERROR;
+    reader.failure.message = nested ? "RangeError: calls are nested too deeply" : "an error that cannot be read";
+    reader.failure.description = reader.failure.message;
   }
   duk_pop(context_);
   if (!hasPlace) {

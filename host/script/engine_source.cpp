@@ -1,4 +1,4 @@
-// The engine's source, as its package ships it but for the two changes that CMakeLists.txt makes.
+// The engine's source, as its package ships it but for the changes that CMakeLists.txt makes.
 #define DUK_COMPILING_DUKTAPE
 #include "host/script/kalvo_duktape.h"
 

@@ -1,10 +1,12 @@
 #include "host/script/script_page.h"
 
+#include <charconv>
 #include <utility>
 
 #include "host/script/wrappers.h"
 #include "kalvo/enumerations.h"
 #include "platform/append.h"
+#include "platform/conversion.h"
 
 namespace kalvo::host {
 namespace {
@@ -54,6 +56,17 @@ duk_ret_t WritePageValue(duk_context* context) {
     CallFrame frame{page.ScriptEngine(), *page.PageResponse(), kText, 1};
     page.PageResponse()->Write(Argument<const Printed&>(ArgumentSource{frame, 0}).Get().text);
     return 0;
+  });
+}
+
+// "Error: Subscript out of range (0x9)": the number where the error has one.
+std::string MessageOf(const ScriptFailure& failure) {
+  if (failure.number == codes::kFailed) return failure.message;
+  char digits[8];
+  const auto bits = static_cast<std::uint32_t>(failure.number);
+  const char* end = std::to_chars(digits, digits + sizeof digits, bits, 16).ptr;
+  return Built([&](std::string& out) {
+    Append(out, failure.message, " (0x", ToUpper({digits, static_cast<std::size_t>(end - digits)}), ")");
   });
 }
 
@@ -151,7 +164,7 @@ std::optional<PageFailure> ScriptPage::FailureOf(const std::optional<ScriptFailu
   PageFailure page;
   page.kind = cause == EndCause::None ? FailureKind::Script : KindOf(cause);
   if (failure) {
-    page.message = failure->message;
+    page.message = MessageOf(*failure);
     page.file = failure->file;
     page.line = failure->line;
   }

@@ -153,6 +153,10 @@ PageResult Site::Run(std::string_view page, const PageRequest& request, PageSess
     PageResult result;
     result.failure = fault.failure;
     return result;
+  } catch (const std::bad_alloc&) {   // not even room for an empty page
+    PageResult result;
+    result.failure = PageFailure{FailureKind::MemoryLimit, "the page needs more memory than its limit", std::string(page), 0};
+    return result;
   }
 }
 
