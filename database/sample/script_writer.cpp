@@ -95,6 +95,11 @@ void ScriptWriter::Finish() {
   EndStatement();
   for (const std::string& statement : IndexStatements(engine_)) out_ << statement << ";\n";
   out_ << (engine_ == Engine::SqlServer ? "commit transaction;\n" : "commit;\n");
+  // The engine's picture of the rows, so that its plans are good from the first question on.
+  if (engine_ == Engine::Postgresql) out_ << "analyze;\n";
+  if (engine_ == Engine::Mariadb) {
+    for (const SchemaTable& table : SchemaTables()) out_ << "analyze table " << table.name << ";\n";
+  }
 }
 
 }   // namespace kalvo::sample

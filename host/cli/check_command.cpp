@@ -245,18 +245,34 @@ class Check {
     for (const Report& report : kReports) {
       if (!ReadsDatabase(report.id)) continue;
       const std::string sql = Lower(tables_->GetTable(report.id)->GetSQL());
-      const bool reads = HasWord(sql, Lower(table)) &&
-                         (column.empty() || HasWord(sql, Lower(column)) || sql.find(".*") != std::string::npos);
+      const bool reads = column.empty() ? FindWord(sql, Lower(table)) != std::string::npos
+                                        : ReadsColumn(sql, Lower(table), Lower(column));
       if (reads) Append(readers, readers.empty() ? "" : ", ", static_cast<int>(report.id), " ", report.name);
     }
     return readers.empty() ? "the Top-N reports" : readers;
   }
 
-  static bool HasWord(std::string_view text, std::string_view word) {
-    const auto isLetter = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; };
-    for (std::size_t at = text.find(word); at != std::string_view::npos; at = text.find(word, at + 1)) {
+  static bool IsLetter(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
+
+  static std::size_t FindWord(std::string_view text, std::string_view word, std::size_t from = 0) {
+    for (std::size_t at = text.find(word, from); at != std::string_view::npos; at = text.find(word, at + 1)) {
       const std::size_t end = at + word.size();
-      if ((at == 0 || !isLetter(text[at - 1])) && (end == text.size() || !isLetter(text[end]))) return true;
+      if ((at == 0 || !IsLetter(text[at - 1])) && (end == text.size() || !IsLetter(text[end]))) return at;
+    }
+    return std::string_view::npos;
+  }
+
+  // Whether a statement reads a column of a table: it names both, or all columns of one of the table's aliases.
+  static bool ReadsColumn(std::string_view sql, std::string_view table, std::string_view column) {
+    std::size_t at = FindWord(sql, table);
+    if (at == std::string_view::npos) return false;
+    if (FindWord(sql, column) != std::string_view::npos) return true;
+    for (; at != std::string_view::npos; at = FindWord(sql, table, at + 1)) {
+      const std::size_t alias = std::min(at + table.size() + 1, sql.size());
+      std::size_t end = alias;
+      while (end < sql.size() && IsLetter(sql[end])) ++end;
+      const std::string all = std::string(sql.substr(alias, end - alias)) + ".*";
+      if (end > alias && FindWord(sql, all) != std::string_view::npos) return true;
     }
     return false;
   }

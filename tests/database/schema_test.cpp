@@ -1,0 +1,75 @@
+#include "database/sample/schema.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+#include "database/sample_databases.h"
+#include "platform/conversion.h"
+#include "platform/database.h"
+
+namespace kalvo {
+namespace {
+
+TEST(Schema, HasNoWordLeftOpenForAnyEngine) {
+  using sample::Engine;
+  for (const Engine engine : {Engine::Sqlite, Engine::Postgresql, Engine::Mariadb, Engine::SqlServer}) {
+    for (const std::string& statement : sample::TableStatements(engine)) {
+      EXPECT_EQ(statement.find('@'), std::string::npos) << statement;
+    }
+    EXPECT_GT(sample::IndexStatements(engine).size(), 15u);
+  }
+}
+
+TEST(Schema, ListsItsTablesWithTheirColumns) {
+  const auto tables = sample::SchemaTables();
+  const auto group = std::ranges::find(tables, "EXDB_GROUP", &sample::SchemaTable::name);
+  ASSERT_NE(group, tables.end());
+  EXPECT_EQ(group->columns, (std::vector<std::string>{"GroupId", "Name", "Description"}));
+  const auto current = std::ranges::find(tables, "EXDB_SERVERCURRENT", &sample::SchemaTable::name);
+  ASSERT_NE(current, tables.end());
+  EXPECT_EQ(current->columns.size(), 3u) << "a key is no column";
+}
+
+TEST(Schema, SaysWhatARowOfEachTableIs) {
+  const std::string_view text = sample::SchemaText();
+  for (const sample::SchemaTable& table : sample::SchemaTables()) {
+    const std::size_t at = text.find("create table " + table.name + " ");
+    ASSERT_NE(at, std::string_view::npos) << table.name;
+    const std::string_view before = text.substr(0, at - 1);
+    EXPECT_TRUE(before.substr(before.rfind('\n') + 1).starts_with("-- ")) << table.name;
+  }
+}
+
+class SchemaOnEngine : public testing::TestWithParam<test::Engine> {};
+
+// The same tables with the same columns and as many rows, whichever engine holds the sample.
+TEST_P(SchemaOnEngine, HoldsTheWholeSample) {
+  const auto rowsOf = [](test::Engine engine, const std::string& table) {
+    const std::string sql = "select count(*) as n from " + table;
+    const auto connection = test::SampleDatabases::Shared().PlatformOf(engine).database.Connect("KalvoDB");
+    const auto records = connection->Execute({sql, sql, ""});
+    std::string scratch;
+    EXPECT_FALSE(records->IsEmpty());
+    return std::string(records->GetRows().Text(0, 0, scratch));
+  };
+  for (const sample::SchemaTable& table : sample::SchemaTables()) {
+    EXPECT_EQ(rowsOf(GetParam(), table.name), rowsOf(test::Engine::Sqlite, table.name)) << table.name;
+    const std::string sql = "select * from " + table.name + " where (1 = 0)";
+    const auto connection = test::SampleDatabases::Shared().PlatformOf(GetParam()).database.Connect("KalvoDB");
+    const auto records = connection->Execute({sql, sql, ""});
+    std::vector<std::string> expected, actual;
+    for (const std::string& column : table.columns) expected.push_back(ToLower(column));
+    for (std::int32_t i = 0; i < records->FieldCount(); ++i) actual.push_back(ToLower(records->FieldName(i)));
+    EXPECT_EQ(actual, expected) << table.name;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Engines, SchemaOnEngine,
+                         testing::Values(test::Engine::Sqlite, test::Engine::SqliteOdbc, test::Engine::Postgresql,
+                                         test::Engine::Mariadb),
+                         [](const auto& engine) { return test::NameOf(engine.param); });
+
+}   // namespace
+}   // namespace kalvo
