@@ -1,6 +1,7 @@
 #include <iostream>
 
 #include "database/sample/sample.h"
+#include "database/sample_mail/sample_mail.h"
 #include "host/cli/arguments.h"
 #include "host/cli/commands.h"
 
@@ -8,7 +9,9 @@ namespace kalvo::host {
 
 int RunSample(const SampleArguments& arguments) {
   sample::TextProgress progress(std::cerr);
-  sample::MakeSample({arguments.out, sample::SampleSizeFromName(arguments.size), arguments.seed}, progress);
+  const sample::SampleOptions options{arguments.out, sample::SampleSizeFromName(arguments.size), arguments.seed};
+  sample::MakeSample(options, progress);
+  sample::MakeSampleMail(options, progress);
   return kDone;
 }
 

@@ -1,6 +1,7 @@
 #include "host/parts/parts.h"
 
 #include "host/parts/database_part.h"
+#include "host/parts/mail_part.h"
 #include "host/parts/ranking_part.h"
 #include "host/parts/setting_error.h"
 #include "platform/append.h"
@@ -16,14 +17,6 @@ const Locale& LocaleNamed(const std::string& name) {
   std::string message = "there is no locale \"" + name + "\"; there are";
   for (const Locale& locale : kLocales) Append(message, ' ', locale.name);
   throw SettingError(message);
-}
-
-LiveDrillerMaker MakeMail(const std::string& where) {
-  if (where.empty()) return {};
-  if (where.starts_with("maildir:") || where.starts_with("imap://")) {
-    throw SettingError("this build has no mailbox adapter for \"" + where + "\"");
-  }
-  throw SettingError("\"" + where + "\" names no mailboxes; maildir:DIR or imap://HOST:PORT does");
 }
 
 }   // namespace

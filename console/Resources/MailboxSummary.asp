@@ -1,0 +1,20 @@
+<%@ Language="JavaScript" %><%
+var pageTitle = "Mailbox";
+var pageSection = "resources";
+var pageScripts = ["Scripts/confirm.js"];
+%><!--#include file="../Include/Header.inc"--><!--#include file="../Include/Choices.inc"--><!--#include file="../Include/Mailbox.inc"--><%
+var server = Argument("Server"), mailbox = {value: Argument("Mailbox")}, container = Argument("Container"),
+  message = Argument("MessageId"), scope,
+  tables = {folders: TABLE_MAPI_FOLDERS, messages: TABLE_MAPI_MESSAGES, attachments: TABLE_MAPI_ATTACHMENTS};
+OpenForm("MailboxSummary.asp", "Mailbox", "Mailbox:", mailbox.value);
+if (server !== "" && mailbox.value !== "" &&
+    generator.DisplayFolderPath(server, mailbox, container, Argument("ContainerId"), TABLE_MAPI_FOLDERS)) {
+  scope = {name: server, mailbox: mailbox.value, container: container};
+  if (message === "") {
+    FolderTables(tables, scope);
+  } else {
+    generator.DisplayMessageInformation(server, mailbox.value, container, message, true);
+    AttachmentTable(tables, scope);
+  }
+}
+%><!--#include file="../Include/Footer.inc"-->
