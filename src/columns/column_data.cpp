@@ -20,11 +20,13 @@ constexpr double kDirectoryStore = 2;
 
 std::string_view ReadValue(RowCell& cell) { return cell.value = cell.row.GetField(cell.column.databaseField); }
 
-double ReadNumber(RowCell& cell) {
-  const auto number = ParseNumber(ReadValue(cell));
+double NumberOf(std::string_view value) {
+  const auto number = ParseNumber(value);
   if (!number) throw TypeMismatch();
   return *number;
 }
+
+double ReadNumber(RowCell& cell) { return NumberOf(ReadValue(cell)); }
 
 // A field that holds a code; text that is no number is no code.
 bool FieldEquals(RowSource& row, std::string_view field, double code) {
@@ -89,14 +91,25 @@ void AppendDeleteForm(RowCell& cell, bool publicFolder) {
 void FormatImage(RowCell& cell) {
   switch (cell.column.id) {
     case COL_TOPN_MailboxFolder_ModifiedDateSort_Graphic:
-    case COL_MAPI_FOLDERGRAPHIC: cell.display.AppendGraphicInput(cell.text, cell.display.FolderGraphicID(), ""); break;
+    case COL_MAPI_FOLDERGRAPHIC:
+      cell.display.AppendGraphicInput(cell.text, cell.display.FolderGraphicID(), "");
+      break;
     case COL_TOPN_MailboxMessage_Graphic:
-    case COL_TOPN_PublicFolderMessage_Graphic: AppendMessagePicture(cell, "18"); break;
+    case COL_TOPN_PublicFolderMessage_Graphic:
+      AppendMessagePicture(cell, "18");
+      break;
     case COL_MAPI_MESSAGEGRAPHIC:
-    case COL_MAPI_PUBLICFOLDERMESSAGEGRAPHIC: AppendMessagePicture(cell, "HasAttachment"); break;
-    case COL_MAPI_DeleteMailboxMessage: AppendDeleteForm(cell, false); break;
-    case COL_MAPI_DeletePublicFolderMessage: AppendDeleteForm(cell, true); break;
-    default: break;
+    case COL_MAPI_PUBLICFOLDERMESSAGEGRAPHIC:
+      AppendMessagePicture(cell, "HasAttachment");
+      break;
+    case COL_MAPI_DeleteMailboxMessage:
+      AppendDeleteForm(cell, false);
+      break;
+    case COL_MAPI_DeletePublicFolderMessage:
+      AppendDeleteForm(cell, true);
+      break;
+    default:
+      break;
   }
 }
 
@@ -115,7 +128,7 @@ void FormatAlertedResource(RowCell& cell) {
   }
 }
 
-}  // namespace
+}   // namespace
 
 void FormatCell(RowCell& cell) {
   const ColumnDefinition& column = cell.column;
@@ -130,23 +143,37 @@ void FormatCell(RowCell& cell) {
     case FORMATTYPE_DATETIME:
       if (!ReadValue(cell).empty()) display.AppendDateTime(cell.text, cell.value, "");
       break;
-    case FORMATTYPE_BackupDateTime: FormatBackupDateTime(cell); break;
+    case FORMATTYPE_BackupDateTime:
+      FormatBackupDateTime(cell);
+      break;
     case FORMATTYPE_TIME:
-      if (!ReadValue(cell).empty()) AppendDuration(cell.text, ToInt32(ReadNumber(cell)));
+      if (!ReadValue(cell).empty()) AppendDuration(cell.text, ToInt32(NumberOf(cell.value)));
       break;
     case FORMATTYPE_DATETIMEFLOAT:
       if (!ReadValue(cell).empty()) display.AppendDateTimeFloat(cell.text, cell.value);
       break;
-    case FORMATTYPE_MEMBERSHIPCHECKBOX: FormatMembership(cell); break;
+    case FORMATTYPE_MEMBERSHIPCHECKBOX:
+      FormatMembership(cell);
+      break;
     case FORMATTYPE_SERVERSTATE:
       cell.text = ToInt16(ReadNumber(cell)) == kStateManaged ? "Managed" : "Unmanaged";
       break;
-    case FORMATTYPE_IMAGE: FormatImage(cell); break;
-    case FORMATTYPE_STATUS: cell.text = ReadNumber(cell) == kStateSucceeded ? "Succeeded" : "Failed"; break;
-    case FORMATTYPE_BACKUPTYPE: cell.text = ReadNumber(cell) == kDirectoryStore ? "Dir Store" : "Info Store"; break;
-    case FORMATTYPE_ALERTEDRESOURCE: FormatAlertedResource(cell); break;
-    default: cell.context.AppendServerHTMLEncode(cell.text, ReadValue(cell)); break;
+    case FORMATTYPE_IMAGE:
+      FormatImage(cell);
+      break;
+    case FORMATTYPE_STATUS:
+      cell.text = ReadNumber(cell) == kStateSucceeded ? "Succeeded" : "Failed";
+      break;
+    case FORMATTYPE_BACKUPTYPE:
+      cell.text = ReadNumber(cell) == kDirectoryStore ? "Dir Store" : "Info Store";
+      break;
+    case FORMATTYPE_ALERTEDRESOURCE:
+      FormatAlertedResource(cell);
+      break;
+    default:
+      cell.context.AppendServerHTMLEncode(cell.text, ReadValue(cell));
+      break;
   }
 }
 
-}  // namespace kalvo
+}   // namespace kalvo
