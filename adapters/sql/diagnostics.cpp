@@ -42,17 +42,22 @@ std::int32_t NumberOf(std::string_view sqlState, std::string_view text) {
   return codes::kFailed;
 }
 
-// Drivers break their texts into lines; a description is one.
+// Drivers break their texts into lines; a description is one. They also quote what the page was asked for, and a
+// page shows a description as it stands: without angle brackets it stays text there.
 std::string Described(std::string_view sqlState, std::string_view text) {
   std::string out;
   Append(out, '[', sqlState, "] ");
   const std::size_t begin = out.size();
   for (const char c : text) {
-    const bool blank = static_cast<unsigned char>(c) <= ' ';
-    if (!blank)
+    if (c == '<') {
+      out += "\u2039";
+    } else if (c == '>') {
+      out += "\u203A";
+    } else if (static_cast<unsigned char>(c) > ' ') {
       out += c;
-    else if (out.size() > begin && out.back() != ' ')
+    } else if (out.size() > begin && out.back() != ' ') {
       out += ' ';
+    }
   }
   while (out.size() > begin && out.back() == ' ') out.pop_back();
   return out;

@@ -39,6 +39,11 @@ TEST(Diagnostics, ADescriptionIsOneLine) {
   EXPECT_EQ(DatabaseError("42601", "ERROR: a;\r\n  b\tc\n").Description(), "[42601] ERROR: a; b c");
 }
 
+TEST(Diagnostics, ADescriptionIsNoMarkup) {
+  EXPECT_EQ(DatabaseError("22P02", "invalid input: \"<script>x</script>\"").Description(),
+            "[22P02] invalid input: \"\u2039script\u203Ax\u2039/script\u203A\"");
+}
+
 TEST(Diagnostics, AConnectionFailsWithOneNumberWhateverTheState) {
   EXPECT_EQ(ConnectionError("42000", "Access denied").Number(), codes::kFailed);
   EXPECT_EQ(ConnectionError("42000", "Access denied").Description(), "[42000] Access denied");
