@@ -17,6 +17,7 @@ run: build build/sample/kalvo.db
 
 build:
 	@tools/install-packages build run
+	@mkdir -p build
 	@cmake --preset release >build/release.log 2>&1 || { cat build/release.log; exit 1; }
 	@cmake --build --preset release --parallel $(JOBS) --target kalvo
 	@cp -f build/release/kalvo build/kalvo.new && mv -f build/kalvo.new build/kalvo
