@@ -31,9 +31,13 @@ class ConnectionPool {
   // and a server may have been started anew: a lost connection is opened again once and the step repeated.
   template <typename Step>
   auto With(const std::string& server, const std::string& user, Step&& step) {
+    return With(server, user, Deadline(settings_.limits.operation), step);
+  }
+
+  template <typename Step>
+  auto With(const std::string& server, const std::string& user, const Deadline& deadline, Step&& step) {
     const ServerAddress& address = settings_.AddressOf(server);
     RefuseWhileSilent(address);
-    const Deadline deadline(settings_.limits.operation);
     try {
       return Try(address, user, deadline, step);
     } catch (const ImapError& error) {

@@ -12,7 +12,7 @@ struct Limits {
   std::size_t literalBytes = 16u << 20;         // one literal
   std::size_t answerBytes = 64u << 20;          // everything that answers one command
   int depth = 500;                              // open parentheses
-  std::chrono::milliseconds silence{5000};      // without a byte while we wait for one
+  std::chrono::milliseconds silence{10000};     // without a byte while we wait for one
   std::chrono::milliseconds operation{20000};   // everything that one call of ours takes
 };
 

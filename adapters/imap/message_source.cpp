@@ -41,7 +41,32 @@ bool KnowsHere(const mail::MessageSort& sort) {
 }   // namespace
 
 ImapMessages::ImapMessages(std::shared_ptr<ConnectionPool> pool, Place place, std::shared_ptr<KnownFolder> folder)
-    : pool_(std::move(pool)), place_(std::move(place)), folder_(std::move(folder)), messages_(folder_->messages) {}
+    : pool_(std::move(pool)),
+      place_(std::move(place)),
+      folder_(std::move(folder)),
+      messages_(folder_->messages),
+      timeLeft_(pool_->Config().limits.operation) {}
+
+template <typename Step>
+auto ImapMessages::Ask(Step&& step) {
+  struct Counting {
+    std::chrono::milliseconds& left;
+    Deadline::Clock::time_point begin = Deadline::Clock::now();
+    ~Counting() { left -= std::chrono::ceil<std::chrono::milliseconds>(Deadline::Clock::now() - begin); }
+  } const counting{timeLeft_};
+  return pool_->With(place_.server, place_.user, Deadline(timeLeft_), [&](Connection& connection) {
+    if (connection.Stay(place_.folder).uidValidity != folder_->state.uidValidity) {
+      throw mail::NoSuchFolder("The folder was made anew meanwhile.");
+    }
+    return step(connection);
+  });
+}
+
+std::vector<Fetched> ImapMessages::Fetch(std::span<const std::uint32_t> uids) {
+  auto fetched = Ask([&](Connection& connection) { return connection.Fetch(uids); });
+  pool_->CountFetched(fetched.size());
+  return fetched;
+}
 
 mail::MessageRow ImapMessages::Row(std::span<const std::int32_t> upcoming) {
   const Summary& summary = At(upcoming.front());
@@ -71,20 +96,12 @@ void ImapMessages::FetchWindow(std::span<const std::int32_t> upcoming) {
     if (!folder_->rows.contains(uid)) uids.push_back(uid);
   }
   expected_ = seen < upcoming.size() ? upcoming[seen] : -1;
-  auto fetched = pool_->With(place_.server, place_.user, [&](Connection& connection) {
-    Check(connection.Stay(place_.folder));
-    return connection.Fetch(uids);
-  });
-  pool_->CountFetched(fetched.size());
+  auto fetched = Fetch(uids);
   auto& rows = folder_->rows;
   if (rows.size() + uids.size() > kKeptRows) rows.clear();
   for (auto& message : fetched) rows.insert_or_assign(message.uid, std::move(message));
   // A message that is gone meanwhile keeps its row, without texts.
   for (const auto uid : uids) rows.try_emplace(uid);
-}
-
-void ImapMessages::Check(const FolderState& state) const {
-  if (state.uidValidity != folder_->state.uidValidity) throw mail::NoSuchFolder("The folder was made anew meanwhile.");
 }
 
 std::optional<std::vector<std::int32_t>> ImapMessages::Order(std::span<const mail::MessageSort> keys) {
@@ -127,9 +144,8 @@ std::optional<std::vector<std::int32_t>> ImapMessages::ServerOrder(std::span<con
   sorts.push_back({ServerSortKey::Arrival, false});
 
   std::vector<std::uint32_t> uids, candidates;
-  const bool sorted = pool_->With(place_.server, place_.user, [&](Connection& connection) {
+  const bool sorted = Ask([&](Connection& connection) {
     if (!connection.Has("SORT")) return false;
-    Check(connection.Stay(place_.folder));
     uids = connection.SortedUids(sorts);
     candidates = connection.WithoutSentDate();
     return true;
@@ -169,12 +185,7 @@ std::optional<std::vector<std::uint32_t>> ImapMessages::Undated(std::vector<std:
     if (!folder_->rows.contains(uid)) unknown.push_back(uid);
   }
   if (!unknown.empty()) {
-    auto fetched = pool_->With(place_.server, place_.user, [&](Connection& connection) {
-      Check(connection.Stay(place_.folder));
-      return connection.Fetch(unknown);
-    });
-    pool_->CountFetched(fetched.size());
-    for (auto& message : fetched) folder_->rows.insert_or_assign(message.uid, std::move(message));
+    for (auto& message : Fetch(unknown)) folder_->rows.insert_or_assign(message.uid, std::move(message));
   }
   std::vector<std::uint32_t> undated;
   for (const auto uid : candidates) {

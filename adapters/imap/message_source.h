@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -40,7 +41,11 @@ class ImapMessages : public mail::MessageSource {
   void SortHere(std::vector<std::int32_t>& order, std::span<const mail::MessageSort> keys) const;
   std::optional<std::vector<std::int32_t>> ServerOrder(std::span<const mail::MessageSort> keys);
   std::optional<std::vector<std::uint32_t>> Undated(std::vector<std::uint32_t> candidates);
-  void Check(const FolderState& state) const;
+  std::vector<Fetched> Fetch(std::span<const std::uint32_t> uids);
+
+  // Runs a step on the folder, which is open then. All steps of a listing share the time of one.
+  template <typename Step>
+  auto Ask(Step&& step);
 
   std::shared_ptr<ConnectionPool> pool_;
   Place place_;
@@ -49,6 +54,7 @@ class ImapMessages : public mail::MessageSource {
   std::string key_;
   std::int32_t expected_ = -1;   // the message after the last window
   std::size_t window_ = 0;
+  std::chrono::milliseconds timeLeft_;
 };
 
 // "validity-uid", the key of a message in its folder.

@@ -48,7 +48,7 @@ struct Settings {
 //   ca-file=FILE         the certificate authorities to trust, default the system's
 //   server=NAME=HOST:PORT    where the directory's server of that name is, when not at HOST:PORT; once for each
 //   sort=no              never ask the server to sort
-//   silence=SECONDS      the longest wait for a byte, default 5
+//   silence=SECONDS      the longest wait for a byte, default 10
 //   time-limit=SECONDS   the longest that one step may take, default 20
 // The directory is a file as `mail::ReadDirectory` has it. A mailbox's location is its login name; a server's
 // public folders are the name of their namespace ("Public/"). The password is the first line of its file.

@@ -222,7 +222,8 @@ PlainImap::PlainImap(std::uint16_t port, std::string_view user, std::string_view
 PlainImap::~PlainImap() { close(socket_); }
 
 std::string PlainImap::Run(const std::string& command) {
-  const std::string tag = "T" + std::to_string(++tag_);
+  std::string tag("T");
+  tag += std::to_string(++tag_);
   const std::string line = tag + " " + command + "\r\n";
   for (std::size_t sent = 0; sent < line.size();) {
     const auto count = send(socket_, line.data() + sent, line.size() - sent, MSG_NOSIGNAL);

@@ -313,7 +313,7 @@ TEST_F(ImapStoreTest, AServerKilledWhileItDeletesLosesNothingElse) {
       EXPECT_EQ(before.size() - after.size(), 1u);
     }
     for (const auto& message : before) {
-      if (message.find("Subject: " + subject + "\r\n") == message.npos) {
+      if (message.find("Subject: " + subject + "\n") == message.npos) {
         EXPECT_TRUE(std::binary_search(after.begin(), after.end(), message));
       }
     }
