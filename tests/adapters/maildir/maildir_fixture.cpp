@@ -47,10 +47,11 @@ fs::path MaildirFolder(const fs::path& tree, const std::vector<std::string>& pat
 }
 
 void Deliver(const fs::path& folder, const std::string& name, std::string_view text, std::int64_t received) {
-  const fs::path file = folder / (name.find(':') == std::string::npos ? "new" : "cur") / name;
+  const fs::path file = folder / "tmp" / name;
   WriteFile(file, text);
   const timespec times[2] = {{received, 0}, {received, 0}};
   utimensat(AT_FDCWD, file.c_str(), times, 0);
+  fs::rename(file, folder / (name.find(':') == std::string::npos ? "new" : "cur") / name);
 }
 
 void LoadFixture(const fs::path& store) {
