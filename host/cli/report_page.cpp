@@ -1,9 +1,9 @@
 #include "host/cli/report_page.h"
 
-#include <cctype>
-
+#include "host/script/encoding.h"
 #include "kalvo/table_generator.h"
 #include "platform/append.h"
+#include "platform/conversion.h"
 #include "platform/error.h"
 #include "platform/page_host.h"
 
@@ -11,12 +11,6 @@ namespace kalvo::host {
 namespace {
 
 using Query = std::vector<std::pair<std::string, std::string>>;
-
-bool SameKey(std::string_view left, std::string_view right) {
-  return left.size() == right.size() && std::equal(left.begin(), left.end(), right.begin(), [](char a, char b) {
-           return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
-         });
-}
 
 class TextResponse : public Response {
  public:
@@ -33,7 +27,7 @@ class ListRequest : public Request {
     std::vector<std::string> keys;
     for (const auto& [key, value] : query_) {
       bool known = false;
-      for (const std::string& earlier : keys) known = known || SameKey(earlier, key);
+      for (const std::string& earlier : keys) known = known || EqualsIgnoringCase(earlier, key);
       if (!known) keys.push_back(key);
     }
     return keys;
@@ -49,7 +43,7 @@ class ListRequest : public Request {
       for (const std::string_view value : Values(key)) Append(out, out.empty() ? "" : ", ", value);
     });
   }
-  std::string ServerVariable(std::string_view name) override { return SameKey(name, "URL") ? "/Report.asp" : ""; }
+  std::string ServerVariable(std::string_view name) override { return EqualsIgnoringCase(name, "URL") ? "/Report.asp" : ""; }
   std::string Item(std::string_view name) override {
     return QueryCount(name) > 0 ? QueryText(name) : ServerVariable(name);
   }
@@ -58,7 +52,7 @@ class ListRequest : public Request {
   std::vector<std::string_view> Values(std::string_view key) const {
     std::vector<std::string_view> values;
     for (const auto& [name, value] : query_) {
-      if (SameKey(name, key)) values.push_back(value);
+      if (EqualsIgnoringCase(name, key)) values.push_back(value);
     }
     return values;
   }
@@ -68,45 +62,15 @@ class ListRequest : public Request {
 
 class Encoders : public Server {
  public:
-  void HTMLEncode(std::string& out, std::string_view text) override {
-    for (const char c : text) {
-      switch (c) {
-        case '&':
-          out += "&amp;";
-          break;
-        case '<':
-          out += "&lt;";
-          break;
-        case '>':
-          out += "&gt;";
-          break;
-        case '"':
-          out += "&quot;";
-          break;
-        default:
-          out += c;
-      }
-    }
-  }
-  void URLEncode(std::string& out, std::string_view text) override {
-    static constexpr char kDigits[] = "0123456789ABCDEF";
-    for (const char c : text) {
-      const auto byte = static_cast<unsigned char>(c);
-      if (byte < 128 && std::isalnum(byte))
-        out += c;
-      else if (c == ' ')
-        out += '+';
-      else
-        Append(out, '%', kDigits[byte >> 4], kDigits[byte & 15]);
-    }
-  }
+  void HTMLEncode(std::string& out, std::string_view text) override { AppendHtmlEncoded(out, text); }
+  void URLEncode(std::string& out, std::string_view text) override { AppendUrlEncoded(out, text); }
 };
 
 class RightsSession : public Session {
  public:
   explicit RightsSession(bool administrator) : administrator_(administrator) {}
   Value Item(std::string_view name) override {
-    return administrator_ && SameKey(name, "KalvoAdministrator") ? Value(std::string("Yes")) : Value(Empty());
+    return administrator_ && EqualsIgnoringCase(name, "KalvoAdministrator") ? Value(std::string("Yes")) : Value(Empty());
   }
   std::shared_ptr<LiveContainer> StaticObject(std::string_view) override { throw ObjectRequired(); }
 

@@ -1,7 +1,6 @@
 #include "host/script/page_objects.h"
 
-#include <algorithm>
-
+#include "host/script/encoding.h"
 #include "host/script/late_binding/adapters.h"
 #include "host/script/page_source.h"
 #include "host/script/script_page.h"
@@ -13,18 +12,6 @@ namespace {
 
 constexpr std::string_view kLiveDriller = "gLiveDriller";
 
-std::string_view HtmlOf(char c) {
-  switch (c) {
-    case '&': return "&amp;";
-    case '<': return "&lt;";
-    case '>': return "&gt;";
-    case '"': return "&quot;";
-    default: return {};
-  }
-}
-
-bool StaysInUrl(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); }
-
 // Where a path is allowed: a text, a number, a boolean, a date, null or empty.
 bool IsKept(const Value& value) { return !std::holds_alternative<std::shared_ptr<Object>>(value); }
 
@@ -32,30 +19,9 @@ bool IsKept(const Value& value) { return !std::holds_alternative<std::shared_ptr
 
 // ---- Server ----------------------------------------------------------------------------------------------------
 
-void ServerObject::HTMLEncode(std::string& out, std::string_view text) {
-  constexpr std::string_view kEncoded = "&<>\"";
-  std::size_t from = 0;
-  while (from < text.size()) {
-    const std::size_t to = std::min(text.find_first_of(kEncoded, from), text.size());
-    out += text.substr(from, to - from);
-    if (to < text.size()) out += HtmlOf(text[to]);
-    from = to + 1;
-  }
-}
+void ServerObject::HTMLEncode(std::string& out, std::string_view text) { AppendHtmlEncoded(out, text); }
 
-void ServerObject::URLEncode(std::string& out, std::string_view text) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  for (const char c : text) {
-    if (StaysInUrl(c)) {
-      out += c;
-    } else if (c == ' ') {
-      out += '+';
-    } else {
-      const auto byte = static_cast<unsigned char>(c);
-      Append(out, '%', kDigits[byte >> 4], kDigits[byte & 15]);
-    }
-  }
-}
+void ServerObject::URLEncode(std::string& out, std::string_view text) { AppendUrlEncoded(out, text); }
 
 std::string ServerObject::EncodedHtml(std::string_view text) {
   return Built([&](std::string& out) { HTMLEncode(out, text); });
