@@ -1,0 +1,43 @@
+#include "datasrc/field_map.h"
+
+#include <gtest/gtest.h>
+
+#include "fakes/error_of.h"
+
+namespace kalvo {
+namespace {
+
+TEST(FieldMap, FindsNamesWhateverTheirCase) {
+  FieldMap map;
+  EXPECT_FALSE(map.Find("Name"));
+  map.Add("Name");
+  map.Add("SIZE");
+  map.Add("");
+  EXPECT_EQ(map.Find("nAmE"), 0);
+  EXPECT_EQ(map.Find("size"), 1);
+  EXPECT_EQ(map.Find(""), 2);
+  EXPECT_FALSE(map.Find("Names"));
+  EXPECT_EQ(map.Count(), 3);
+}
+
+TEST(FieldMap, ANameThatIsThereAlreadyFails) {
+  FieldMap map;
+  map.Add("Name");
+  EXPECT_EQ(fakes::ErrorOf([&] { map.Add("NAME"); }), 457);
+  EXPECT_EQ(map.Count(), 1);
+}
+
+TEST(FieldMap, HoldsManyNamesAndForgetsThem) {
+  FieldMap map;
+  for (int round = 0; round < 2; ++round) {
+    for (int i = 0; i < 1000; ++i) map.Add("Field" + std::to_string(i));
+    for (int i = 0; i < 1000; ++i) EXPECT_EQ(map.Find("fIELD" + std::to_string(i)), i);
+    EXPECT_FALSE(map.Find("Field1000"));
+    map.Clear();
+    EXPECT_EQ(map.Count(), 0);
+    EXPECT_FALSE(map.Find("Field1"));
+  }
+}
+
+}   // namespace
+}   // namespace kalvo
