@@ -72,7 +72,9 @@ Argument<std::span<const std::int16_t>>::Argument(const Source& source) {
   const duk_size_t length = ArrayLength(engine.Context(), source.Index());
   for (duk_size_t i = 0; i < length; ++i) {
     engine.CheckLimits();
-    numbers.push_back(ToInt16(Element(engine, source.Index(), static_cast<duk_uarridx_t>(i))));
+    const Value number = Element(engine, source.Index(), static_cast<duk_uarridx_t>(i));
+    if (std::holds_alternative<std::shared_ptr<Object>>(number)) throw TypeMismatch();
+    numbers.push_back(ToInt16(number));
   }
 }
 

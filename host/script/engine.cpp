@@ -319,7 +319,7 @@ std::string TextAt(duk_context* context, duk_idx_t index) {
 
 int kalvo_engine_must_stop(void* heap) {
   auto& engine = *static_cast<kalvo::host::Engine*>(heap);
-  if (!engine.HasEnded() && engine.IsPastDeadline()) engine.cause_ = kalvo::host::EndCause::TimeLimit;
+  if (!engine.HasEnded() && engine.IsPastDeadline()) engine.MarkEnded(kalvo::host::EndCause::TimeLimit);
   return engine.HasEnded() ? 1 : 0;
 }
 

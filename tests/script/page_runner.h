@@ -1,0 +1,96 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "fakes/clock.h"
+#include "fakes/database.h"
+#include "fakes/live.h"
+#include "fakes/ranking.h"
+#include "host/script/page.h"
+#include "platform/conversion.h"
+#include "platform/platform.h"
+#include "support/temporary_folder.h"
+
+namespace kalvo::host {
+
+// Keeps what it receives.
+class KeepingSink : public PageSink {
+ public:
+  std::vector<PageHead> heads;
+  std::string body;
+  int pieces = 0;
+
+  void Head(const PageHead& head) override { heads.push_back(head); }
+  void Body(std::string_view bytes) override {
+    body += bytes;
+    ++pieces;
+  }
+};
+
+class KeepingSession : public PageSession {
+ public:
+  std::map<std::string, Value> values;
+  std::shared_ptr<LiveContainer> driller;
+  int drillersMade = 0;
+  bool abandoned = false;
+
+  Value Get(std::string_view name) override {
+    const auto found = values.find(ToLower(name));
+    return found == values.end() ? Value() : found->second;
+  }
+  void Set(std::string_view name, const Value& value) override { values[ToLower(name)] = value; }
+  void Abandon() override { abandoned = true; }
+  std::shared_ptr<LiveContainer> LiveDriller() override {
+    ++drillersMade;
+    return driller;
+  }
+};
+
+// A site in a folder of its own, and one page of it after the other.
+class PageTest : public testing::Test {
+ protected:
+  void Put(const std::string& path, const std::string& text) {
+    std::filesystem::create_directories((folder.Path() / path).parent_path());
+    test::WriteFile(folder.Path() / path, text);
+  }
+
+  // Runs a page of this text and answers what it wrote, also when it failed.
+  std::string Run(const std::string& text) {
+    Put("page.asp", text);
+    return RunFile("page.asp");
+  }
+
+  // Runs script code and answers what it wrote.
+  std::string Script(const std::string& code) { return Run("<%" + code + "%>"); }
+
+  std::string RunFile(const std::string& path) {
+    sink = KeepingSink();
+    if (request.url.empty()) request.url = "/" + path;
+    result = site.Run(path, request, session, sink, options);
+    if (result.failure) SendRest(result, sink);
+    return sink.body;
+  }
+
+  // "page.asp:3: Error: x", or "" for a page that ran to its end.
+  std::string Failure() const { return result.failure ? Describe(*result.failure) : ""; }
+
+  test::TemporaryFolder folder;
+  fakes::FakeDatabase database;
+  fakes::FakeRanking ranking;
+  fakes::FakeClock clock;
+  Platform platform{database, ranking, clock};
+  Site site{folder.Path(), platform};
+  PageRequest request;
+  PageOptions options;
+  KeepingSession session;
+  KeepingSink sink;
+  PageResult result;
+};
+
+}   // namespace kalvo::host
