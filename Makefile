@@ -41,9 +41,8 @@ format:
 
 bench:
 	@tools/install-packages
-	@cmake --preset release
-	@cmake --build --preset release --parallel $(JOBS)
-	@cmake --build --preset release --target bench
+	@cmake --preset bench
+	@cmake --build --preset bench --parallel $(JOBS) --target bench
 
 packages:
 	@tools/install-packages

@@ -15,7 +15,7 @@ using LiveDrillerMaker = std::function<std::shared_ptr<LiveContainer>()>;
 
 // A session that lives as long as this object: its values are given at the start, and what a page writes is
 // there for the rest of that page.
-class MemorySession : public PageSession {
+class MemorySession final : public PageSession {
  public:
   // An empty maker means that mailboxes are not configured.
   explicit MemorySession(const NamedTexts& values, LiveDrillerMaker makeDriller = {});
