@@ -1,0 +1,4 @@
+<%
+// The Current Alerts report, and nothing else on the page.
+Server.CreateObject("KalvoTables.KalvoforExchangeTableGenerator").BuildTable(TABLE_CURRENTALERTS);
+%>
