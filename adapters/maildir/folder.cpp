@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <charconv>
 #include <ctime>
+#include <iterator>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -71,20 +72,26 @@ Stamp Folder::StampNow() {
           Nanoseconds(fresh.st_mtim)};
 }
 
-// The files of "cur", then those of "new" that are not in "cur" as well: a delivery that moves them makes a second
-// name before it removes the first.
+// The files of "cur", then those of "new" that are not in "cur" as well: a reader that moves them may make the second
+// name before it removes the first. "new" is read first, so that none that moves meanwhile is missed.
 std::vector<Folder::FoundFile> Folder::Files() {
-  std::vector<FoundFile> files;
-  std::unordered_set<std::string> seen;
+  std::vector<FoundFile> fresh, files;
   for (const bool isNew : {true, false}) {
     if (!ListOf(isNew)) continue;
     for (Name& name : NamesIn(ListOf(isNew))) {
-      if (!name.isFolder && !name.text.starts_with('.')) files.push_back({std::move(name.text), isNew});
+      if (!name.isFolder && !name.text.starts_with('.'))
+        (isNew ? fresh : files).push_back({std::move(name.text), isNew});
     }
   }
-  // Read "new" first, so that no file that moves to "cur" meanwhile is missed; keep the later place.
-  std::reverse(files.begin(), files.end());
-  std::erase_if(files, [&](const FoundFile& file) { return !seen.emplace(UniquePart(file.name)).second; });
+  std::move(fresh.begin(), fresh.end(), std::back_inserter(files));
+  std::unordered_set<std::string_view> seen;
+  seen.reserve(files.size());
+  std::vector<std::size_t> doubled;
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    if (!seen.insert(UniquePart(files[i].name)).second) doubled.push_back(i);
+  }
+  for (auto at = doubled.rbegin(); at != doubled.rend(); ++at)
+    files.erase(files.begin() + static_cast<std::ptrdiff_t>(*at));
   return files;
 }
 
@@ -111,6 +118,7 @@ std::shared_ptr<const Snapshot> Folder::Messages() {
     }
   }
   std::unordered_map<std::string_view, const Entry*> byUnique;
+  byUnique.reserve(known.size());
   for (const Entry& entry : known) byUnique.emplace(entry.unique, &entry);
 
   std::vector<FoundFile> files = Files();
