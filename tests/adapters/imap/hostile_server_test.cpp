@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdlib>
+#include <iterator>
+#include <random>
 #include <thread>
 
 #include "adapters/imap/fake_mail_server.h"
@@ -187,6 +190,86 @@ TEST_F(HostileServer, WithoutUidplusNothingIsDeleted) {
   }
   for (const auto& command : server_.Commands()) {
     EXPECT_TRUE(command.find("STORE") == command.npos && command.find("EXPUNGE") == command.npos) << command;
+  }
+}
+
+TEST_F(HostileServer, ADeleteWhoseAnswerIsLostIsNotDoneTwice) {
+  const auto live = Browse(store_);
+  live->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath);
+  const auto id = ToText(live->Messages()->Field("ExchangeId"));
+  const auto select = "* 3 EXISTS\r\n* OK [UIDVALIDITY 7] ok\r\n* OK [UIDNEXT 4] ok\r\n";
+  bool expunged = false;
+  server_.Misbehave("", [&](Talk& talk, const std::string& tag) {
+    const auto command = server_.Commands().empty() ? "" : server_.Commands().back();
+    if (tag.empty()) {
+      talk.Send("* OK ready\r\n");
+    } else if (command.starts_with("UID EXPUNGE")) {
+      expunged = true;
+      talk.Close();
+    } else if (command.starts_with("CAPABILITY")) {
+      talk.Send("* CAPABILITY IMAP4rev1 UIDPLUS\r\n" + tag + " OK done\r\n");
+    } else if (command.starts_with("SELECT")) {
+      talk.Send(select + tag + " OK done\r\n");
+    } else if (command.starts_with("UID FETCH") && !expunged) {
+      talk.Send("* 3 FETCH (UID 3)\r\n" + tag + " OK done\r\n");
+    } else {
+      talk.Send(tag + " OK done\r\n");
+    }
+  });
+  live->RemoveMessage("EX01", "alice", "", id, 0);
+  int expunges = 0;
+  for (const auto& command : server_.Commands()) expunges += command.starts_with("UID EXPUNGE 3") ? 1 : 0;
+  EXPECT_EQ(expunges, 1);
+}
+
+// Whatever comes, the process stays and says what it made of it.
+TEST_F(HostileServer, AnswersWithErrorsInThemAreSurvived) {
+  const char* rounds = std::getenv("KALVO_FUZZ_ROUNDS");
+  std::mt19937 random(20260101);
+  const std::string pieces[] = {
+      "(",    ")",    "\"",         "\\",    "{3}\r\nabc", "{0}\r\n",          "NIL",
+      " ",    "\r\n", "4294967296", "-1",    "* ",         "=?utf-8?B?//8=?=", std::string(1, '\0'),
+      "\xFF", "%",    "[",          "BODY[]"};
+  const std::string answers[] = {
+      "* 1 FETCH (UID 1 RFC822.SIZE 101 INTERNALDATE \"01-Jan-1999 00:00:00 +0000\" ENVELOPE (\"Fri, 01 Jan 1999 "
+      "00:00:00 +0000\" \"S\" ((\"N\" NIL \"a\" \"b.example\")) ((NIL NIL \"g\" NIL)) NIL NIL NIL NIL NIL \"<i>\") "
+      "BODYSTRUCTURE ((\"text\" \"plain\" (\"charset\" \"utf-8\") NIL NIL \"7bit\" 5 1 NIL NIL NIL NIL)(\"message\" "
+      "\"rfc822\" NIL NIL NIL \"7bit\" 9 (NIL {3}\r\nabc NIL NIL NIL NIL NIL NIL NIL NIL) (\"text\" \"html\" NIL NIL "
+      "NIL "
+      "\"7bit\" 5 1) 2)(\"application\" \"pdf\" (\"name\" \"a\") NIL NIL \"base64\" 99 NIL (\"attachment\" "
+      "(\"filename*0*\" \"utf-8''%C3\" \"filename*1\" \"b\")) (\"en\" \"de\") \"loc\" (1 \"x\" (2 NIL))) \"mixed\" "
+      "(\"boundary\" \"b\") NIL NIL NIL))\r\n",
+      "* 3 EXISTS\r\n* FLAGS (\\Seen $X)\r\n* OK [UIDVALIDITY 7] ok\r\n* OK [UIDNEXT 4] ok\r\n* OK [PERMANENTFLAGS "
+      "(\\Seen \\*)] x\r\n",
+      "* LIST (\\HasChildren) \"/\" \"INBOX\"\r\n* LIST (\\Noselect) \"/\" {3}\r\nabc\r\n* LIST () NIL x\r\n",
+      "* SEARCH 1 2 3\r\n",
+      "* CAPABILITY IMAP4rev1 UIDPLUS SORT NAMESPACE ACL AUTH=PLAIN\r\n",
+      "* OK [CAPABILITY IMAP4rev1] ready\r\n"};
+  const char* commands[] = {"UID FETCH", "EXAMINE", "LIST", "UID SEARCH", "CAPABILITY", "GREETING"};
+  for (int round = rounds == nullptr ? 300 : std::atoi(rounds); round > 0; --round) {
+    const auto which = random() % std::size(answers);
+    auto answer = answers[which];
+    for (auto changes = 1 + random() % 3; changes > 0; --changes) {
+      const auto at = random() % answer.size();
+      switch (random() % 3) {
+        case 0:
+          answer.replace(at, 1, pieces[random() % std::size(pieces)]);
+          break;
+        case 1:
+          answer.erase(at, 1 + random() % 10);
+          break;
+        default:
+          answer.insert(at, answer.substr(random() % answer.size(), random() % 30));
+      }
+      if (answer.empty()) answer = " ";
+    }
+    SCOPED_TRACE(answer);
+    SetUp();
+    server_.Misbehave(commands[which], [&](Talk& talk, const std::string& tag) {
+      talk.Send(answer + (tag.empty() ? "" : tag + " OK done\r\n"));
+      talk.Close();
+    });
+    EXPECT_NE(Page(), "");
   }
 }
 

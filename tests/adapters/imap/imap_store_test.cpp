@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdio>
 #include <functional>
+#include <iterator>
 #include <thread>
 
 #include "adapters/imap/imap_under_test.h"
@@ -231,6 +232,62 @@ bare
              "Bl\xC3\xBCte.png", "a very long name.zip", "a \"b\".txt", "message/rfc822", "application/octet-stream"}));
   const auto sizes = live->Attachments();
   EXPECT_NEAR(ToDouble(sizes->Field("Size")), 108, 3);
+}
+
+TEST_F(ImapStoreTest, OddMessagesAreListedLikeAnyOther) {
+  std::string nested = "Subject: nested\nContent-Type: multipart/mixed; boundary=b0\n\n", inner = "Subject: inner\n";
+  for (int i = 0; i < 300; ++i) {
+    const auto number = std::to_string(i), next = std::to_string(i + 1);
+    nested += "--b" + number + "\nContent-Type: multipart/mixed; boundary=b" + next + "\n\n";
+    inner += "Content-Type: message/rfc822\n\nSubject: inner " + number + "\n";
+  }
+  const std::string messages[] = {
+      "\n",
+      "no header at all\n",
+      "Subject:\n\nx\n",
+      "Subject: " + std::string(400'000, 'h') + "\n\nx\n",
+      "Subject: " + std::string(3000, '(') + "\n\nx\n",
+      "Subject: \"" + std::string(3000, '(') + "\\\n\nx\n",
+      "Subject: * 1 FETCH (BODYSTRUCTURE " + std::string(3000, '(') +
+          "\nFrom: =?utf-8?Q?=22=28=28?= <a@b.example>\n\nx\n",
+      "Subject: raw \xFC and \xC3\xBC {5}\n\nx\n",
+      "Subject: =?utf-8?B?broken?= =?nowhere?Q?x?=\nFrom: \"unclosed <a@b\n\nx\n",
+      "Subject: group\nFrom: undisclosed-recipients:;\n\nx\n",
+      "Subject: two\nFrom: A <a@b.example>, B <b@b.example>\n\nx\n",
+      "Subject: folded\n and\n\tfolded again\nContent-Type: nonsense\nContent-Disposition: ;;;filename\n\nx\n",
+      nested,
+      inner + "\nx\n",
+  };
+  {
+    PlainImap imap(server_.Port(), "alice");
+    std::int64_t received = 915148800;
+    for (const auto& message : messages) imap.Append("INBOX", message, received++);
+  }
+  const auto live = Browse(Store());
+  OpenInbox(*live);
+  const auto listed = live->Messages();
+  listed->AddSortField("ModifiedDate", 0);
+  listed->Sort();
+  ASSERT_EQ(listed->Count(), static_cast<int>(std::size(messages)));
+  const auto names = FieldsOf(*listed, "Name");
+  EXPECT_EQ(names[0], "");
+  EXPECT_EQ(names[1], "");
+  EXPECT_LT(names[3].size(), 600u);
+  EXPECT_GE(names[3].size(), 500u);
+  EXPECT_TRUE(names[4].starts_with("((((")) << names[4].substr(0, 20);
+  EXPECT_TRUE(names[6].starts_with("* 1 FETCH (BODYSTRUCTURE ((((")) << names[6].substr(0, 40);
+  EXPECT_NE(names[7].find("\xC3\xBC {5}"), std::string::npos) << names[7];
+  EXPECT_EQ(names[11], "folded and folded again");
+  EXPECT_EQ(names[12], "nested");
+  EXPECT_EQ(names[13], "inner");
+  const auto senders = FieldsOf(*listed, "Sender");
+  EXPECT_EQ(senders[6], "\"(( <a@b.example>");
+  EXPECT_EQ(senders[9], "");
+  EXPECT_EQ(senders[10], "A <a@b.example>");
+  for (const auto& id : FieldsOf(*listed, "ExchangeId")) {
+    EXPECT_EQ(Failure([&] { live->GotoMsgAttachment("EX01", "alice", id, 0); }), "");
+    live->Attachments();
+  }
 }
 
 TEST_F(ImapStoreTest, ANameCannotEndACommand) {
