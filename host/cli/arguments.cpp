@@ -74,6 +74,14 @@ void AddCheck(CLI::App& app, CheckArguments& check) {
   app.add_option("--config", check.config, "the settings' file")->type_name("FILE");
 }
 
+void AddPasswd(CLI::App& app, PasswdArguments& passwd) {
+  app.add_option("--users", passwd.users, "the users file; made when it is not there")->type_name("FILE")->required();
+  app.add_option("NAME", passwd.name, "the user: alice, or DOMAIN\\alice")->required();
+  app.add_flag("--administrator", passwd.administrator, "may do and see everything");
+  app.add_flag("--drill-down", passwd.drillDown, "may open the own mailbox");
+  app.add_flag("--delete", passwd.remove, "removes the user");
+}
+
 }   // namespace
 
 std::variant<Arguments, int> ParseArguments(int count, char** words) {
@@ -83,14 +91,17 @@ std::variant<Arguments, int> ParseArguments(int count, char** words) {
   ServeArguments serve;
   SampleArguments sample;
   CheckArguments check;
+  PasswdArguments passwd;
   CLI::App* runPage = app.add_subcommand("page", "Run one page and print it");
   CLI::App* runServe = app.add_subcommand("serve", "Serve the console");
   CLI::App* runSample = app.add_subcommand("sample", "Make sample data");
   CLI::App* runCheck = app.add_subcommand("check", "Check the reporting database");
+  CLI::App* runPasswd = app.add_subcommand("passwd", "Add a user, change her password and rights, or remove her");
   AddPage(*runPage, page);
   AddServe(*runServe, serve);
   AddSample(*runSample, sample);
   AddCheck(*runCheck, check);
+  AddPasswd(*runPasswd, passwd);
 
   try {
     app.parse(count, words);
@@ -100,6 +111,7 @@ std::variant<Arguments, int> ParseArguments(int count, char** words) {
   if (runPage->parsed()) return Arguments(std::move(page));
   if (runServe->parsed()) return Arguments(std::move(serve));
   if (runSample->parsed()) return Arguments(std::move(sample));
+  if (runPasswd->parsed()) return Arguments(std::move(passwd));
   return Arguments(std::move(check));
 }
 

@@ -43,7 +43,15 @@ struct CheckArguments {
   std::optional<std::string> config;
 };
 
-using Arguments = std::variant<PageArguments, ServeArguments, SampleArguments, CheckArguments>;
+struct PasswdArguments {
+  std::string users;
+  std::string name;
+  bool administrator = false;
+  bool drillDown = false;
+  bool remove = false;
+};
+
+using Arguments = std::variant<PageArguments, ServeArguments, SampleArguments, CheckArguments, PasswdArguments>;
 
 // Exit codes of every sub-command.
 inline constexpr int kDone = 0;

@@ -4,6 +4,7 @@ namespace kalvo::host {
 
 struct CheckArguments;
 struct PageArguments;
+struct PasswdArguments;
 struct SampleArguments;
 struct ServeArguments;
 
@@ -17,5 +18,9 @@ int RunServe(const ServeArguments& arguments);
 
 int RunSample(const SampleArguments& arguments);
 int RunCheck(const CheckArguments& arguments);
+
+// Edits the users file. The password comes from the terminal, asked for twice, or is the first line of standard
+// input.
+int RunPasswd(const PasswdArguments& arguments);
 
 }   // namespace kalvo::host

@@ -13,6 +13,7 @@ struct Run {
   int operator()(const kalvo::host::ServeArguments& arguments) const { return kalvo::host::RunServe(arguments); }
   int operator()(const kalvo::host::SampleArguments& arguments) const { return kalvo::host::RunSample(arguments); }
   int operator()(const kalvo::host::CheckArguments& arguments) const { return kalvo::host::RunCheck(arguments); }
+  int operator()(const kalvo::host::PasswdArguments& arguments) const { return kalvo::host::RunPasswd(arguments); }
 };
 
 }   // namespace

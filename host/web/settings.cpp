@@ -67,6 +67,9 @@ const Rule kRules[] = {
   {"web",          Word{&Settings::web, IsWeb},              "\"embedded\" or \"external\""},
   {"nginx",        Word{&Settings::nginx},                   "the nginx program"},
   {"log",          LogPath{},                                "a file, or \"-\" for standard error"},
+  {"users",        Path{&Settings::users},                   "the users file that `kalvo passwd` makes, or \"\" for none"},
+  {"sessions",     Path{&Settings::sessions},                "a folder for the sessions of those who signed in"},
+  {"session_minutes", Whole{&Settings::sessionMinutes, 1, 1440}, "a whole number of minutes from 1 to 1440"},
   {"error_pages",  Path{&Settings::errorPages},              "a folder with 404.html, 500.html, 503.html"},
 };
 // clang-format on
@@ -177,6 +180,20 @@ fs::path OwnRunFolder(std::string_view listen) {
   return (runtime && *runtime ? fs::path(runtime) : fs::temp_directory_path()) / name;
 }
 
+// Either everybody signs in, or everybody is the same visitor.
+void CompleteLogin(Settings& settings) {
+  if (settings.sessions.empty()) settings.sessions = settings.run / "sessions";
+  settings.sessions = fs::absolute(settings.sessions).lexically_normal();
+  if (settings.users.empty()) return;
+  settings.users = fs::absolute(settings.users).lexically_normal();
+  if (!fs::is_regular_file(settings.users)) {
+    throw SettingError("users: there is no file " + settings.users.string() + "; `kalvo passwd` makes it");
+  }
+  if (!settings.logon.empty() || !settings.session.empty()) {
+    throw SettingError("users and [visitor] exclude each other: visitors sign in, or all are the same one");
+  }
+}
+
 }   // namespace
 
 Settings ReadSettings(const fs::path& file) {
@@ -198,14 +215,15 @@ Settings ReadSettings(const fs::path& file) {
 void Complete(Settings& settings) {
   if (!ParseAddress(settings.listen)) {
     throw SettingError("\"" + settings.listen +
-                       "\" is no loopback address with a port; 127.0.0.1:8080 or [::1]:8080 is. Other addresses wait "
-                       "until there is a login");
+                       "\" is no loopback address with a port; 127.0.0.1:8080 or [::1]:8080 is. Other machines come in "
+                       "through a web server that encrypts");
   }
   if (settings.site.empty()) settings.site = KALVO_DEFAULT_SITE;
   if (!fs::is_directory(settings.site)) throw SettingError("the site " + settings.site.string() + " is no folder");
   settings.site = fs::canonical(settings.site);
   if (settings.run.empty()) settings.run = OwnRunFolder(settings.listen);
   settings.run = fs::absolute(settings.run).lexically_normal();
+  CompleteLogin(settings);
   if (!settings.errorPages.empty() && !fs::is_directory(settings.errorPages)) {
     throw SettingError("error_pages: " + settings.errorPages.string() + " is no folder");
   }

@@ -10,7 +10,7 @@ namespace kalvo::web {
 
 // How a site is served. Every setting has a default; `kalvo.toml` in the source folder shows them all.
 struct Settings {
-  std::string listen = "127.0.0.1:8080";   // a loopback address: there is no login
+  std::string listen = "127.0.0.1:8080";   // a loopback address: nothing is encrypted
   std::filesystem::path site;              // the pages; default: the console of this program
   int workers = 4;                         // pages that run at a time
   int queue = 64;                          // requests that may wait for a worker; one more is answered 503
@@ -24,7 +24,10 @@ struct Settings {
   std::string nginx = "nginx";        // the program
   std::string log = "-";              // a file, or "-" for standard error
   std::filesystem::path errorPages;   // a folder with 404.html, 500.html, 503.html ...; default: plain ones
-  std::string logon;                  // who every visitor is
+  std::filesystem::path users;        // the users file; with it, everybody signs in
+  std::filesystem::path sessions;     // a private folder; default: "sessions" below `run`
+  int sessionMinutes = 30;            // without a request, after which one signs in again
+  std::string logon;                  // without a users file: who every visitor is
   host::NamedTexts session;           // and the session values every visitor has
 
   bool External() const { return web == "external"; }

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <csignal>
 
+#include "host/parts/setting_error.h"
 #include "host/web/error_pages.h"
 #include "host/web/fastcgi.h"
 #include "host/web/log.h"
@@ -63,7 +64,13 @@ int StatusOf(const host::PageFailure& failure) { return failure.kind == host::Fa
 
 Worker::Worker(const Settings& settings, host::Site& site, const host::LiveDrillerMaker& makeDriller,
                std::filesystem::path errors, const Log& log, WorkerSlot& slot)
-    : settings_(settings), site_(site), makeDriller_(makeDriller), errors_(std::move(errors)), log_(log), slot_(slot) {}
+    : settings_(settings), site_(site), makeDriller_(makeDriller), errors_(std::move(errors)), log_(log), slot_(slot) {
+  if (settings.users.empty()) return;
+  login::GateSettings gate{settings.users, settings.sessions, {}, {}};
+  gate.lifetimes.idle = settings.sessionMinutes * 60;
+  gate.patience = std::chrono::milliseconds(static_cast<std::int64_t>(settings.timeLimit * 500));
+  gate_.emplace(gate, makeDriller, log);
+}
 
 int Worker::Run(int socket, pid_t parent) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -99,19 +106,45 @@ void Worker::RunPage(FCGX_Request& request) {
   if (!asked.complete) return SendError(request, 400);
 
   host::PageRequest page = asked.request;
-  page.logonName = settings_.logon;
-  page.serverVariables.emplace_back("AUTH_USER", settings_.logon);
-  host::MemorySession session(settings_.session, makeDriller_);
+  std::optional<login::Admission> admission = Admit(request, asked.page, page);
+  if (!admission) return;
+  page.logonName = admission->logon;
+  page.serverVariables.emplace_back("AUTH_USER", admission->logon);
+  for (auto& variable : admission->variables) page.serverVariables.push_back(std::move(variable));
   host::PageOptions options;
   options.limits = {settings_.timeLimit, static_cast<std::size_t>(settings_.memoryLimit)};
   FastCgiSink sink(request);
-  const host::PageResult result = site_.Run(asked.page, page, session, sink, options);
+  const host::PageResult result = site_.Run(asked.page, page, *admission->session, sink, options);
   if (!result.failure) return FCGX_Finish_r(&request);
 
   const int status = StatusOf(*result.failure);
   if (status != 404) log_.Write("page " + Describe(*result.failure));
   if (!result.headSent) return SendError(request, status);
   // Half a page was sent. Its end is not, so that nobody takes it for the whole.
+}
+
+std::optional<login::Admission> Worker::Admit(FCGX_Request& request, std::string_view page, host::PageRequest& asked) {
+  if (!gate_) {
+    return login::Admission{
+        std::make_unique<host::MemorySession>(settings_.session, makeDriller_), settings_.logon, {}};
+  }
+  try {
+    auto decision = gate_->Admit(page, asked);
+    if (auto* admission = std::get_if<login::Admission>(&decision)) return std::move(*admission);
+    const host::PageHead& head = std::get<login::Answer>(decision).head;
+    if (head.status >= 400) {
+      SendError(request, head.status);
+    } else {
+      FastCgiSink(request).Head(head);
+      FCGX_Finish_r(&request);
+    }
+  } catch (const login::SessionBusy&) {
+    SendError(request, 503);
+  } catch (const host::SettingError& error) {
+    log_.Write(error.what());
+    SendError(request, 500);
+  }
+  return std::nullopt;
 }
 
 void Worker::SendError(FCGX_Request& request, int status) {

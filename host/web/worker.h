@@ -3,9 +3,11 @@
 #include <sys/types.h>
 
 #include <filesystem>
+#include <optional>
 
 #include "host/parts/memory_session.h"
 #include "host/script/page.h"
+#include "host/web/login/gate.h"
 
 struct FCGX_Request;
 
@@ -28,6 +30,8 @@ class Worker {
  private:
   void Serve(FCGX_Request& request);
   void RunPage(FCGX_Request& request);
+  // Who may see the page, and as whom; nothing when the answer has been sent already.
+  std::optional<login::Admission> Admit(FCGX_Request& request, std::string_view page, host::PageRequest& asked);
   void SendError(FCGX_Request& request, int status);
 
   const Settings& settings_;
@@ -36,6 +40,7 @@ class Worker {
   std::filesystem::path errors_;
   const Log& log_;
   WorkerSlot& slot_;
+  std::optional<login::Gate> gate_;   // where visitors sign in
 };
 
 // How long the supervisor waits beyond the page's own time limit before it ends a worker.

@@ -1,0 +1,194 @@
+#include "host/web/login/gate.h"
+
+#include <algorithm>
+
+#include "host/parts/memory_session.h"
+#include "host/script/request.h"
+#include "host/web/log.h"
+#include "host/web/login/addresses.h"
+#include "host/web/login/password.h"
+#include "platform/append.h"
+#include "platform/conversion.h"
+
+namespace kalvo::web::login {
+namespace {
+
+constexpr std::string_view kCookie = "KalvoSession";
+constexpr std::string_view kSignIn = "/SignIn.asp";   // below the site's root
+constexpr std::string_view kSignOut = "/SignOut.asp";
+
+std::string_view VariableOf(const host::PageRequest& request, std::string_view name) {
+  for (const auto& [key, value] : request.serverVariables) {
+    if (key == name) return value;
+  }
+  return "";
+}
+
+// The session that the browser names; "" where it names none that could be one.
+std::string SessionIdOf(const host::PageRequest& request) {
+  const host::NamedValues cookies = host::NamedValues::FromCookies(request.cookies);
+  for (const std::string& value : cookies.Of(kCookie)) {
+    if (IsToken(value)) return value;
+  }
+  return "";
+}
+
+std::string_view Trimmed(std::string_view text) {
+  while (text.starts_with(' ')) text.remove_prefix(1);
+  return text;
+}
+
+std::string WithoutSessionCookie(std::string_view header) {
+  std::string kept;
+  while (!header.empty()) {
+    const std::size_t end = std::min(header.find(';'), header.size());
+    const std::string_view cookie = Trimmed(header.substr(0, end));
+    header.remove_prefix(std::min(end + 1, header.size()));
+    if (!EqualsIgnoringCase(cookie.substr(0, cookie.find('=')), kCookie)) {
+      Append(kept, kept.empty() ? "" : "; ", cookie);
+    }
+  }
+  return kept;
+}
+
+void HideSession(host::PageRequest& request) {
+  request.cookies = WithoutSessionCookie(request.cookies);
+  for (auto& [name, value] : request.serverVariables) {
+    if (name == "HTTP_COOKIE") value = request.cookies;
+  }
+}
+
+std::string CookieOf(const host::PageRequest& request, std::string_view id) {
+  std::string cookie;
+  Append(cookie, kCookie, '=', id, "; Path=", kConsole, "; HttpOnly; SameSite=Strict");
+  if (id.empty()) Append(cookie, "; Max-Age=0");
+  if (EqualsIgnoringCase(VariableOf(request, "HTTPS"), "on")) Append(cookie, "; Secure");
+  return cookie;
+}
+
+Answer GoTo(int status, std::string_view reason, std::string address) {
+  Answer answer;
+  answer.head.status = status;
+  answer.head.reason = reason;
+  answer.head.headers = {{"Location", std::move(address)}, {"Cache-Control", "no-store"}};
+  return answer;
+}
+
+Answer SeeOther(std::string address) { return GoTo(303, "See Other", std::move(address)); }
+
+// A form that a page of another site sent, with names of its own in it, signs nobody in.
+bool CameFromElsewhere(const host::PageRequest& request) {
+  const std::string_view site = VariableOf(request, "HTTP_SEC_FETCH_SITE");
+  if (!site.empty() && site != "same-origin" && site != "none") return true;
+  const std::string_view origin = VariableOf(request, "HTTP_ORIGIN");
+  if (origin.empty()) return false;
+  const std::size_t host = origin.find("://");
+  return host == std::string_view::npos ||
+         !EqualsIgnoringCase(origin.substr(host + 3), VariableOf(request, "HTTP_HOST"));
+}
+
+std::string FirstOf(const host::NamedValues& form, std::string_view name) {
+  const auto& values = form.Of(name);
+  return values.empty() ? "" : values.front();
+}
+
+}   // namespace
+
+Gate::Gate(const GateSettings& settings, const host::LiveDrillerMaker& makeDriller, const Log& log)
+    : settings_(settings),
+      log_(log),
+      users_(settings.users),
+      sessions_(settings.sessions, settings.lifetimes, makeDriller, log),
+      throttle_(settings.sessions / "attempts") {}
+
+std::variant<Admission, Answer> Gate::Admit(std::string_view page, host::PageRequest& request) {
+  const std::string id = SessionIdOf(request);
+  HideSession(request);
+  if (page == kSignIn) {
+    if (request.method == "POST") return SignIn(request, id);
+    return SignInPage("");
+  }
+  if (page == kSignOut) {
+    if (request.method != "POST") return SeeOther(std::string(kConsole));
+    Drop(id);
+    Answer answer = SeeOther(std::string(kSignInPage));
+    answer.head.headers.emplace_back("Set-Cookie", CookieOf(request, ""));
+    return answer;
+  }
+  auto session = SessionOf(id);
+  if (!session) {
+    // What was posted is lost; the page is not.
+    return GoTo(302, "Found", SignInAddress(request.url, request.queryString));
+  }
+  Admission admission;
+  admission.logon = session->Account();
+  admission.variables = {{"AUTH_TYPE", "Form"}};
+  admission.session = std::move(session);
+  return admission;
+}
+
+std::variant<Admission, Answer> Gate::SignIn(host::PageRequest& request, std::string_view oldSession) {
+  if (CameFromElsewhere(request)) {
+    Answer answer;
+    answer.head.status = 403;
+    answer.head.reason = "Forbidden";
+    return answer;
+  }
+  const host::NamedValues form = host::NamedValues::FromQuery(request.form);
+  const std::string name = FirstOf(form, "Name"), password = FirstOf(form, "Password"), back = FirstOf(form, "Return");
+  const std::optional<std::string> account = AccountNamed(name);
+  const std::string counted = account.value_or(name);
+  const std::string address(VariableOf(request, "REMOTE_ADDR"));
+  // The page is shown as if it had been asked for, and does not see the password.
+  request.method = "GET";
+  request.form.clear();
+  request.queryString = IsOfThisConsole(back) ? SignInAddress(back, "").substr(kSignInPage.size()) : "";
+  if (request.queryString.starts_with('?')) request.queryString.erase(0, 1);
+
+  if (const std::int64_t wait = throttle_.Begin(counted, address); wait > 0) {
+    return SignInPage("wait " + std::to_string(wait));
+  }
+  const std::optional<User> user = Checked(account, password);
+  if (!user) {
+    log_.Write("sign-in refused: " + counted + " from " + address);
+    return SignInPage("wrong");
+  }
+  throttle_.Succeeded(counted, address);
+  Drop(oldSession);
+  Answer answer = SeeOther(IsOfThisConsole(back) ? back : std::string(kConsole));
+  answer.head.headers.emplace_back("Set-Cookie", CookieOf(request, sessions_.Create(*user)));
+  return answer;
+}
+
+Admission Gate::SignInPage(std::string why) const {
+  Admission admission;
+  admission.session = std::make_unique<host::MemorySession>(host::NamedTexts());
+  admission.variables = {{"AUTH_TYPE", "Form"}, {"KALVO_SIGN_IN", std::move(why)}};
+  return admission;
+}
+
+std::optional<User> Gate::Checked(const std::optional<std::string>& account, std::string_view password) const {
+  if (password.size() > kLongestPassword) return std::nullopt;
+  const std::optional<User> user = account ? users_.Find(*account) : std::nullopt;
+  if (!user) {
+    PretendToCheck(password);
+    return std::nullopt;
+  }
+  return PasswordFits(user->hash, password) ? user : std::nullopt;
+}
+
+// Whose password or rights have changed since the sign-in, or who is no user any more, signs in again.
+std::unique_ptr<FileSession> Gate::SessionOf(std::string_view id) {
+  auto session = sessions_.Open(id, settings_.patience);
+  if (!session) return nullptr;
+  const std::optional<User> user = users_.Find(session->Account());
+  if (user && session->BelongsTo(*user)) return session;
+  session->Abandon();
+  return nullptr;
+}
+
+void Gate::Drop(std::string_view id) {
+  if (auto session = sessions_.Open(id, settings_.patience)) session->Abandon();
+}
+
+}   // namespace kalvo::web::login

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "host/script/page.h"
+#include "host/web/login/session_store.h"
+#include "host/web/login/throttle.h"
+#include "host/web/login/users.h"
+
+namespace kalvo::web::login {
+
+struct GateSettings {
+  std::filesystem::path users;      // the users file
+  std::filesystem::path sessions;   // a private folder
+  Lifetimes lifetimes;
+  std::chrono::milliseconds patience{10'000};   // for another page of the same session
+};
+
+// A page may run: with this session, for this user ("" on the sign-in page), with these variables added.
+struct Admission {
+  std::unique_ptr<host::PageSession> session;
+  std::string logon;
+  host::NamedTexts variables;
+};
+
+// No page runs; this is the answer.
+struct Answer {
+  host::PageHead head;
+};
+
+// Stands before every page: knows by a cookie who asks, lets nobody but the signed-in pass to any page but the
+// sign-in page, and does the signing in and out itself.
+//
+// The cookie is the gate's own business: pages do not see it. To the sign-in page the variable "KALVO_SIGN_IN" says
+// why it is shown again: "wrong", or "wait N" with a number of seconds. "AUTH_TYPE" is "Form" on every page.
+class Gate {
+ public:
+  // The maker and the log outlive the gate. Fails with SettingError.
+  Gate(const GateSettings& settings, const host::LiveDrillerMaker& makeDriller, const Log& log);
+
+  // `page` is the page's path below the site's root. What the page is not meant to see is taken out of the request.
+  // Fails with SettingError when users or sessions cannot be read; throws SessionBusy.
+  std::variant<Admission, Answer> Admit(std::string_view page, host::PageRequest& request);
+
+ private:
+  std::variant<Admission, Answer> SignIn(host::PageRequest& request, std::string_view oldSession);
+  Admission SignInPage(std::string why) const;
+  std::optional<User> Checked(const std::optional<std::string>& account, std::string_view password) const;
+  std::unique_ptr<FileSession> SessionOf(std::string_view id);
+  void Drop(std::string_view id);
+
+  GateSettings settings_;
+  const Log& log_;
+  UsersFile users_;
+  SessionStore sessions_;
+  Throttle throttle_;
+};
+
+}   // namespace kalvo::web::login

@@ -1,0 +1,74 @@
+#include "host/web/login/password.h"
+
+#include <sodium.h>
+
+#include <algorithm>
+#include <new>
+#include <stdexcept>
+
+namespace kalvo::web::login {
+namespace {
+
+constexpr std::size_t kTokenBytes = 32;
+constexpr std::string_view kHashPrefix = crypto_pwhash_argon2id_STRPREFIX;
+
+void Prepare() {
+  if (sodium_init() < 0) throw std::runtime_error("the cryptography library cannot be used");
+}
+
+std::string Hexadecimal(const unsigned char (&bytes)[kTokenBytes]) {
+  char digits[2 * kTokenBytes + 1];
+  sodium_bin2hex(digits, sizeof digits, bytes, kTokenBytes);
+  return digits;
+}
+
+}   // namespace
+
+std::string HashPassword(std::string_view password) {
+  Prepare();
+  char hash[crypto_pwhash_STRBYTES];
+  if (crypto_pwhash_str(hash, password.data(), password.size(), crypto_pwhash_OPSLIMIT_INTERACTIVE,
+                        crypto_pwhash_MEMLIMIT_INTERACTIVE) != 0) {
+    throw std::bad_alloc();
+  }
+  return hash;
+}
+
+bool PasswordFits(std::string_view hash, std::string_view password) {
+  Prepare();
+  // The library wants an ended text; a longer one than it makes is no hash.
+  if (!IsPasswordHash(hash) || password.size() > kLongestPassword) return false;
+  const std::string ended(hash);
+  return crypto_pwhash_str_verify(ended.c_str(), password.data(), password.size()) == 0;
+}
+
+void PretendToCheck(std::string_view password) {
+  static const std::string kHash = HashPassword("nobody has this password");
+  PasswordFits(kHash, password);
+}
+
+bool IsPasswordHash(std::string_view text) {
+  return text.size() < crypto_pwhash_STRBYTES && text.starts_with(kHashPrefix) &&
+         std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c < 0x7f; });
+}
+
+std::string NewToken() {
+  Prepare();
+  unsigned char bytes[kTokenBytes];
+  randombytes_buf(bytes, sizeof bytes);
+  return Hexadecimal(bytes);
+}
+
+bool IsToken(std::string_view text) {
+  return text.size() == 2 * kTokenBytes &&
+         std::all_of(text.begin(), text.end(), [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); });
+}
+
+std::string Fingerprint(std::string_view text) {
+  Prepare();
+  unsigned char bytes[kTokenBytes];
+  crypto_generichash(bytes, sizeof bytes, reinterpret_cast<const unsigned char*>(text.data()), text.size(), nullptr, 0);
+  return Hexadecimal(bytes);
+}
+
+}   // namespace kalvo::web::login

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kalvo::web::login {
+
+// The shortest and the longest password that is taken, in bytes.
+inline constexpr std::size_t kShortestPassword = 8;
+inline constexpr std::size_t kLongestPassword = 1024;
+
+// An argon2id hash with a salt of its own, as one word of printable characters. Takes 64 MiB and some 60 ms.
+std::string HashPassword(std::string_view password);
+
+// Whether the password is the one that was hashed. Takes as long for a wrong one as for the right one.
+bool PasswordFits(std::string_view hash, std::string_view password);
+
+// Takes as long as `PasswordFits`, so that nobody learns by the clock which users there are.
+void PretendToCheck(std::string_view password);
+
+// Whether it is a hash that `HashPassword` makes.
+bool IsPasswordHash(std::string_view text);
+
+// 256 random bits as 64 hexadecimal digits.
+std::string NewToken();
+bool IsToken(std::string_view text);
+
+// A short name for a text, from which the text cannot be found out: 64 hexadecimal digits.
+std::string Fingerprint(std::string_view text);
+
+}   // namespace kalvo::web::login

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "host/parts/memory_session.h"
+#include "host/web/login/session_values.h"
+#include "host/web/login/users.h"
+
+namespace kalvo::web {
+class Log;
+}
+
+namespace kalvo::web::login {
+
+struct Lifetimes {
+  std::int64_t idle = 30 * 60;           // seconds without a request
+  std::int64_t longest = 12 * 60 * 60;   // seconds since the sign-in
+};
+
+// A session that a request holds: nobody else reads or writes it until this object goes. What changed is kept then.
+class FileSession : public host::PageSession {
+ public:
+  ~FileSession() override;
+  FileSession(const FileSession&) = delete;
+  FileSession& operator=(const FileSession&) = delete;
+
+  const std::string& Account() const { return account_; }
+
+  // Whether the user is still the one who signed in, with the rights she had.
+  bool BelongsTo(const User& user) const;
+
+  Value Get(std::string_view name) override { return values_.Get(name); }
+  void Set(std::string_view name, const Value& value) override;
+  void Abandon() override { abandoned_ = true; }
+  std::shared_ptr<LiveContainer> LiveDriller() override;
+
+ private:
+  friend class SessionStore;
+  FileSession(int file, std::filesystem::path path, const host::LiveDrillerMaker& makeDriller, const Log& log)
+      : file_(file), path_(std::move(path)), makeDriller_(makeDriller), log_(log) {}
+
+  bool Read();
+  void Keep();
+  std::string Content() const;
+
+  int file_;   // locked
+  std::filesystem::path path_;
+  const host::LiveDrillerMaker& makeDriller_;
+  const Log& log_;
+  std::string account_, stamp_;
+  std::int64_t created_ = 0;   // seconds since 1970
+  SessionValues values_;
+  bool changed_ = false, abandoned_ = false;
+  std::shared_ptr<LiveContainer> driller_;
+};
+
+// Thrown when other pages of the session kept it longer than somebody would wait.
+struct SessionBusy {};
+
+// Sessions as files of one private folder, shared by all processes that serve the site. A file is named after its
+// session's fingerprint: who reads the folder's names can take over none of them.
+class SessionStore {
+ public:
+  // Makes the folder. The maker and the log outlive the store. Fails with SettingError.
+  SessionStore(std::filesystem::path folder, const Lifetimes& lifetimes, const host::LiveDrillerMaker& makeDriller,
+               const Log& log);
+
+  // Begins a session for a user, with her rights as session values, and answers its identifier: one that nobody
+  // had before. Drops what has expired.
+  std::string Create(const User& user);
+
+  // The session, held; null when there is none or it has expired. Any text may be asked for. Throws SessionBusy.
+  std::unique_ptr<FileSession> Open(std::string_view id, std::chrono::milliseconds patience);
+
+ private:
+  std::filesystem::path PathOf(std::string_view id) const;
+  bool HasExpired(const FileSession& session) const;
+  void Sweep() const;
+
+  std::filesystem::path folder_;
+  Lifetimes lifetimes_;
+  const host::LiveDrillerMaker& makeDriller_;
+  const Log& log_;
+};
+
+}   // namespace kalvo::web::login

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kalvo::web::login {
+
+// Somebody who may sign in.
+struct User {
+  std::string account;   // "KALVO\alice", as pages and the mailboxes' owners name her
+  bool administrator = false;
+  bool drillDown = false;   // may open her own mailbox
+  std::string hash;         // of her password
+
+  // Changes when anything about the user does. It tells nothing of the password.
+  std::string Stamp() const;
+};
+
+// The account that a name stands for: "alice" is "KALVO\alice", "COTE\alice" is itself. Nothing for a name that no
+// account can have: domain and name are letters, digits, ".", "-", "_" and what lies beyond ASCII, at most 64 bytes
+// each.
+std::optional<std::string> AccountNamed(std::string_view name);
+
+// The users file: a line for each user, her account, her rights ("administrator,drill-down", or "-") and the hash
+// of her password, with blanks between them; "#" begins a comment line. Whoever edits it with an editor edits
+// between two sign-ins: it is read anew for each.
+class UsersFile {
+ public:
+  explicit UsersFile(std::filesystem::path file) : file_(std::move(file)) {}
+
+  // The user of that account, matched without regard to case. Fails with SettingError, which names file and line,
+  // when the file cannot be read or has a line that is none.
+  std::optional<User> Find(std::string_view account) const;
+
+  // Adds the user or replaces the one of her account. The file is made where there is none, for its owner's eyes
+  // only, and a reader sees the old one or the new.
+  void Put(const User& user);
+
+  // False when there was no such user.
+  bool Remove(std::string_view account);
+
+ private:
+  std::vector<std::string> Lines() const;
+  void Write(const std::vector<std::string>& lines);
+
+  std::filesystem::path file_;
+};
+
+}   // namespace kalvo::web::login

@@ -1,0 +1,242 @@
+#include "host/web/login/gate.h"
+
+#include <gtest/gtest.h>
+
+#include "host/web/log.h"
+#include "host/web/login/addresses.h"
+#include "host/web/login/password.h"
+#include "support/temporary_folder.h"
+
+namespace kalvo::web::login {
+namespace {
+
+constexpr const char* kPassword = "correct horse";
+
+class Gates : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { hash_ = HashPassword(kPassword); }
+
+  void SetUp() override {
+    users_.Put({"KALVO\\alice", true, false, hash_});
+    users_.Put({"KALVO\\bob", false, true, hash_});
+  }
+
+  using Decision = std::variant<Admission, Answer>;
+
+  host::PageRequest Asked(const std::string& page, const std::string& cookie = "") {
+    host::PageRequest request;
+    request.url = "/KalvoforExchange" + page;
+    request.cookies = cookie;
+    request.serverVariables = {{"REMOTE_ADDR", "10.0.0.1"}, {"HTTP_HOST", "console:8080"}, {"HTTP_COOKIE", cookie}};
+    return request;
+  }
+
+  Decision SignIn(const std::string& name, const std::string& password, const std::string& more = "",
+                  const std::string& cookie = "") {
+    host::PageRequest request = Asked("/SignIn.asp", cookie);
+    request.method = "POST";
+    request.form = "Name=" + name + "&Password=" + password + more;
+    return gate_.Admit("/SignIn.asp", request);
+  }
+
+  static std::string HeaderOf(const Decision& decision, std::string_view name) {
+    for (const auto& [key, value] : std::get<Answer>(decision).head.headers) {
+      if (key == name) return value;
+    }
+    return "";
+  }
+
+  // The cookie that the browser sends from then on.
+  static std::string CookieOf(const Decision& decision) {
+    const std::string cookie = HeaderOf(decision, "Set-Cookie");
+    return cookie.substr(0, cookie.find(';'));
+  }
+
+  std::string CookieOfBob() { return CookieOf(SignIn("bob", "correct+horse")); }
+
+  static std::string Variable(const Admission& admission, std::string_view name) {
+    for (const auto& [key, value] : admission.variables) {
+      if (key == name) return value;
+    }
+    return "none";
+  }
+
+  // Where a request is sent, and "" when its page runs.
+  std::string Sent(const std::string& page, const std::string& cookie = "", const std::string& method = "GET") {
+    host::PageRequest request = Asked(page, cookie);
+    request.method = method;
+    const Decision decision = gate_.Admit(page, request);
+    return std::holds_alternative<Admission>(decision) ? "" : HeaderOf(decision, "Location");
+  }
+
+  static std::string hash_;
+  test::TemporaryFolder folder_;
+  UsersFile users_{folder_.Path() / "users"};
+  Log log_{(folder_.Path() / "log").string()};
+  host::LiveDrillerMaker nobody_;
+  Gate gate_{{folder_.Path() / "users", folder_.Path() / "sessions", {}, std::chrono::milliseconds(50)}, nobody_, log_};
+};
+
+std::string Gates::hash_;
+
+TEST_F(Gates, LetNobodyPassWithoutASignIn) {
+  for (const std::string& cookie : {std::string(), std::string("KalvoSession="), "KalvoSession=" + NewToken(),
+                                    std::string("KalvoSession=../users"), "KalvoSession=" + std::string(50'000, 'a'),
+                                    std::string("KalvoSession=\xFF\x01"), std::string("KalvoAdministrator=Yes")}) {
+    EXPECT_EQ(Sent("/Tasks/TopN.asp", cookie),
+              "/KalvoforExchange/SignIn.asp?Return=%2FKalvoforExchange%2FTasks%2FTopN%2Easp");
+    EXPECT_NE(Sent("/Configuration/Process.asp", cookie, "POST"), "");
+    EXPECT_EQ(Sent("/Default.asp", cookie), "/KalvoforExchange/SignIn.asp");
+    EXPECT_NE(Sent("/signin.ASP", cookie), "");
+    EXPECT_NE(Sent("/Tasks/SignIn.asp", cookie), "");
+  }
+}
+
+TEST_F(Gates, ShowTheSignInPageToEverybody) {
+  host::PageRequest request = Asked("/SignIn.asp");
+  const Decision decision = gate_.Admit("/SignIn.asp", request);
+  const auto& admission = std::get<Admission>(decision);
+  EXPECT_EQ(admission.logon, "");
+  EXPECT_EQ(Variable(admission, "KALVO_SIGN_IN"), "");
+}
+
+TEST_F(Gates, SignInWithNameAndPassword) {
+  const Decision decision = SignIn("bob", "correct+horse");
+  EXPECT_EQ(std::get<Answer>(decision).head.status, 303);
+  EXPECT_EQ(HeaderOf(decision, "Location"), "/KalvoforExchange/");
+  const std::string cookie = HeaderOf(decision, "Set-Cookie");
+  EXPECT_TRUE(cookie.ends_with("; Path=/KalvoforExchange/; HttpOnly; SameSite=Strict")) << cookie;
+
+  host::PageRequest request = Asked("/Tasks/TopN.asp", CookieOf(decision));
+  Decision page = gate_.Admit("/Tasks/TopN.asp", request);
+  ASSERT_TRUE(std::holds_alternative<Admission>(page));
+  const auto& admission = std::get<Admission>(page);
+  EXPECT_EQ(admission.logon, "KALVO\\bob");
+  EXPECT_EQ(admission.session->Get("KalvoAdministrator"), Value());
+  EXPECT_EQ(admission.session->Get("KalvoDrillDownAuth"), Value(std::string("Yes")));
+}
+
+TEST_F(Gates, RefuseEveryOtherNameAndPassword) {
+  const struct {
+    const char *name, *password;
+  } kCases[] = {{"bob", "correct+hors"},
+                {"bob", ""},
+                {"carol", "correct+horse"},
+                {"", ""},
+                {"COTE%5Cbob", "correct+horse"},
+                {"bob%0A", "correct+horse"},
+                {"KALVO%5Cbob%00", "correct+horse"}};
+  for (const auto& c : kCases) {
+    const Decision decision = SignIn(c.name, c.password);
+    ASSERT_TRUE(std::holds_alternative<Admission>(decision)) << c.name;
+    EXPECT_EQ(Variable(std::get<Admission>(decision), "KALVO_SIGN_IN"), "wrong") << c.name;
+    EXPECT_EQ(std::get<Admission>(decision).logon, "");
+  }
+}
+
+TEST_F(Gates, DoNotHandThePasswordToThePage) {
+  host::PageRequest request = Asked("/SignIn.asp");
+  request.method = "POST";
+  request.form = "Name=bob&Password=nearly+right&Return=%2FKalvoforExchange%2FTasks%2FTopN.asp";
+  gate_.Admit("/SignIn.asp", request);
+  EXPECT_EQ(request.form, "");
+  EXPECT_EQ(request.queryString, "Return=%2FKalvoforExchange%2FTasks%2FTopN%2Easp");
+  EXPECT_EQ(test::ReadFile(folder_.Path() / "log").find("nearly"), std::string::npos);
+}
+
+TEST_F(Gates, SlowWhoGuesses) {
+  for (int i = 0; i < 8; ++i) SignIn("bob", "wrong");
+  const Decision decision = SignIn("bob", "correct+horse");
+  ASSERT_TRUE(std::holds_alternative<Admission>(decision)) << "not even the right one is heard";
+  EXPECT_TRUE(Variable(std::get<Admission>(decision), "KALVO_SIGN_IN").starts_with("wait "));
+}
+
+TEST_F(Gates, SendBackToThisConsoleOnly) {
+  EXPECT_EQ(
+      HeaderOf(SignIn("bob", "correct+horse", "&Return=%2FKalvoforExchange%2FTasks%2FTopN.asp%3FSort%3D8"), "Location"),
+      "/KalvoforExchange/Tasks/TopN.asp?Sort=8");
+  for (const char* elsewhere :
+       {"http%3A%2F%2Fexample.org%2F", "%2F%2Fexample.org", "%2F%5Cexample.org", "javascript%3A1",
+        "%2FKalvoforExchange%2F%0D%0ASet-Cookie%3Ax", "%2FKalvoforExchange%2F..%2Fx"}) {
+    EXPECT_EQ(HeaderOf(SignIn("bob", "correct+horse", std::string("&Return=") + elsewhere), "Location"),
+              "/KalvoforExchange/")
+        << elsewhere;
+  }
+}
+
+TEST_F(Gates, BeginANewSessionAtEachSignIn) {
+  const std::string first = CookieOfBob();
+  const std::string second = CookieOf(SignIn("bob", "correct+horse", "", first));
+  EXPECT_NE(first, second);
+  EXPECT_NE(Sent("/Tasks/TopN.asp", first), "") << "the one before is over";
+  EXPECT_EQ(Sent("/Tasks/TopN.asp", second), "");
+}
+
+TEST_F(Gates, DoNotTakeOverASessionThatTheBrowserMadeUp) {
+  const std::string planted = "KalvoSession=" + NewToken();
+  const std::string cookie = CookieOf(SignIn("bob", "correct+horse", "", planted));
+  EXPECT_NE(cookie, planted);
+  EXPECT_NE(Sent("/Tasks/TopN.asp", planted), "");
+}
+
+TEST_F(Gates, RefuseAFormFromAnotherSite) {
+  for (const auto& [name, value] : {std::pair{"HTTP_ORIGIN", "http://example.org"}, std::pair{"HTTP_ORIGIN", "null"},
+                                    std::pair{"HTTP_SEC_FETCH_SITE", "cross-site"}}) {
+    host::PageRequest request = Asked("/SignIn.asp");
+    request.method = "POST";
+    request.form = "Name=bob&Password=correct+horse";
+    request.serverVariables.emplace_back(name, value);
+    const Decision decision = gate_.Admit("/SignIn.asp", request);
+    ASSERT_TRUE(std::holds_alternative<Answer>(decision));
+    EXPECT_EQ(std::get<Answer>(decision).head.status, 403);
+  }
+  host::PageRequest request = Asked("/SignIn.asp");
+  request.method = "POST";
+  request.form = "Name=bob&Password=correct+horse";
+  request.serverVariables.emplace_back("HTTP_ORIGIN", "http://console:8080");
+  request.serverVariables.emplace_back("HTTP_SEC_FETCH_SITE", "same-origin");
+  EXPECT_EQ(std::get<Answer>(gate_.Admit("/SignIn.asp", request)).head.status, 303);
+}
+
+TEST_F(Gates, SignOut) {
+  const std::string cookie = CookieOfBob();
+  EXPECT_EQ(Sent("/SignOut.asp", cookie), "/KalvoforExchange/") << "a link signs nobody out";
+  EXPECT_EQ(Sent("/Tasks/TopN.asp", cookie), "");
+  host::PageRequest request = Asked("/SignOut.asp", cookie);
+  request.method = "POST";
+  const Decision decision = gate_.Admit("/SignOut.asp", request);
+  EXPECT_EQ(HeaderOf(decision, "Location"), "/KalvoforExchange/SignIn.asp");
+  EXPECT_NE(HeaderOf(decision, "Set-Cookie")
+                .find("KalvoSession=; Path=/KalvoforExchange/; HttpOnly; SameSite=Strict; Max-Age=0"),
+            std::string::npos);
+  EXPECT_NE(Sent("/Tasks/TopN.asp", cookie), "");
+}
+
+TEST_F(Gates, EndTheSessionOfWhomTheUsersFileNoLongerKnowsSo) {
+  const std::string cookie = CookieOfBob();
+  EXPECT_EQ(Sent("/Tasks/TopN.asp", cookie), "");
+  users_.Put({"KALVO\\bob", true, true, hash_});
+  EXPECT_NE(Sent("/Tasks/TopN.asp", cookie), "") << "rights changed";
+  const std::string again = CookieOfBob();
+  users_.Remove("KALVO\\bob");
+  EXPECT_NE(Sent("/Tasks/TopN.asp", again), "") << "no user any more";
+}
+
+TEST_F(Gates, KeepTheCookieFromPages) {
+  const std::string cookie = CookieOfBob();
+  host::PageRequest request = Asked("/Tasks/TopN.asp", "a=1; " + cookie + "; b=2");
+  ASSERT_TRUE(std::holds_alternative<Admission>(gate_.Admit("/Tasks/TopN.asp", request)));
+  EXPECT_EQ(request.cookies, "a=1; b=2");
+  for (const auto& [name, value] : request.serverVariables) EXPECT_EQ(value.find(cookie), std::string::npos) << name;
+}
+
+TEST_F(Gates, MarkTheCookieSecureBehindEncryption) {
+  host::PageRequest request = Asked("/SignIn.asp");
+  request.method = "POST";
+  request.form = "Name=bob&Password=correct+horse";
+  request.serverVariables.emplace_back("HTTPS", "on");
+  EXPECT_TRUE(HeaderOf(gate_.Admit("/SignIn.asp", request), "Set-Cookie").ends_with("; Secure"));
+}
+
+}   // namespace
+}   // namespace kalvo::web::login

@@ -1,0 +1,224 @@
+#include "host/web/login/session_store.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <thread>
+
+#include "host/web/log.h"
+#include "host/web/login/password.h"
+#include "platform/live_mailbox.h"
+#include "support/temporary_folder.h"
+
+namespace kalvo::web::login {
+namespace {
+
+using std::chrono::milliseconds;
+
+const User kAlice{"KALVO\\alice", true, false, "$argon2id$alice"};
+
+class Sessions : public testing::Test {
+ protected:
+  SessionStore Store(const Lifetimes& lifetimes = {}) {
+    return {folder_.Path() / "sessions", lifetimes, nobody_, log_};
+  }
+
+  // Makes every session look as old as that.
+  void Age(std::int64_t seconds) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "sessions")) {
+      const timespec then{std::time(nullptr) - seconds, 0};
+      const timespec times[] = {then, then};
+      utimensat(AT_FDCWD, entry.path().c_str(), times, 0);
+    }
+  }
+
+  std::size_t Files() {
+    const std::filesystem::directory_iterator all(folder_.Path() / "sessions");
+    return static_cast<std::size_t>(std::distance(begin(all), end(all)));
+  }
+
+  test::TemporaryFolder folder_;
+  Log log_{(folder_.Path() / "log").string()};
+  host::LiveDrillerMaker nobody_;
+};
+
+TEST_F(Sessions, BeginWithTheRightsOfTheUsersFile) {
+  const struct {
+    bool administrator, drillDown;
+    Value expectedAdministrator, expectedDrillDown;
+  } kCases[] = {
+      {true, true, std::string("Yes"), std::string("Yes")},
+      {true, false, std::string("Yes"), Empty{}},
+      {false, true, Empty{}, std::string("Yes")},
+      {false, false, Empty{}, Empty{}},
+  };
+  SessionStore store = Store();
+  for (const auto& c : kCases) {
+    const auto session = store.Open(store.Create({"KALVO\\bob", c.administrator, c.drillDown, "$argon2id$x"}), {});
+    ASSERT_TRUE(session);
+    EXPECT_EQ(session->Account(), "KALVO\\bob");
+    EXPECT_EQ(session->Get("KalvoAdministrator"), c.expectedAdministrator);
+    EXPECT_EQ(session->Get("KalvoDrillDownAuth"), c.expectedDrillDown);
+  }
+}
+
+TEST_F(Sessions, KeepValuesFromPageToPage) {
+  SessionStore store = Store();
+  const std::string id = store.Create(kAlice);
+  store.Open(id, {})->Set("Visits", std::int32_t{1});
+  SessionStore another = Store();
+  const auto session = another.Open(id, {});
+  ASSERT_TRUE(session);
+  EXPECT_EQ(session->Get("visits"), Value(std::int32_t{1}));
+  EXPECT_EQ(session->Get("KalvoAdministrator"), Value(std::string("Yes")));
+  EXPECT_TRUE(session->BelongsTo(kAlice));
+}
+
+TEST_F(Sessions, HaveIdentifiersThatNobodyHadAndFilesThatDoNotTellThem) {
+  SessionStore store = Store();
+  const std::string first = store.Create(kAlice), second = store.Create(kAlice);
+  EXPECT_NE(first, second);
+  for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "sessions")) {
+    EXPECT_EQ(entry.path().string().find(first), std::string::npos);
+    EXPECT_EQ(test::ReadFile(entry.path()).find(first), std::string::npos);
+    struct stat state {};
+    stat(entry.path().c_str(), &state);
+    EXPECT_EQ(state.st_mode & 0777, 0600u);
+  }
+}
+
+TEST_F(Sessions, AreNotFoundByAnythingElse) {
+  SessionStore store = Store();
+  const std::string id = store.Create(kAlice);
+  std::string other = id;
+  other[0] = other[0] == 'a' ? 'b' : 'a';
+  for (const std::string& no :
+       {std::string(), other, id.substr(1), id + "0", std::string("../../etc/passwd"), "../sessions/" + id,
+        std::string(64, '/'), std::string(100'000, 'a'), std::string(64, '\0')}) {
+    EXPECT_FALSE(store.Open(no, {}));
+  }
+  EXPECT_TRUE(store.Open(id, {}));
+}
+
+TEST_F(Sessions, AreGoneWhenAbandoned) {
+  SessionStore store = Store();
+  const std::string id = store.Create(kAlice);
+  {
+    const auto session = store.Open(id, {});
+    session->Set("x", true);
+    session->Abandon();
+  }
+  EXPECT_FALSE(store.Open(id, {}));
+  EXPECT_EQ(Files(), 0u);
+}
+
+TEST_F(Sessions, ExpireWhenNobodyAsks) {
+  SessionStore store = Store({.idle = 60, .longest = 1000});
+  const std::string id = store.Create(kAlice);
+  Age(50);
+  EXPECT_TRUE(store.Open(id, {})) << "and is used again by this";
+  Age(61);
+  EXPECT_FALSE(store.Open(id, {}));
+  EXPECT_EQ(Files(), 0u);
+}
+
+TEST_F(Sessions, ExpireHoweverOftenSomebodyAsks) {
+  SessionStore store = Store({.idle = 60, .longest = -1});
+  EXPECT_FALSE(store.Open(store.Create(kAlice), {}));
+}
+
+TEST_F(Sessions, OfOthersAreSweptWhenTheyHaveExpired) {
+  SessionStore store = Store({.idle = 60, .longest = 1000});
+  store.Create(kAlice);
+  store.Create(kAlice);
+  Age(100);
+  store.Create(kAlice);
+  EXPECT_EQ(Files(), 1u);
+}
+
+TEST_F(Sessions, AreHeldByOnePageAtATime) {
+  SessionStore store = Store();
+  const std::string id = store.Create(kAlice);
+  auto held = store.Open(id, {});
+  EXPECT_THROW(store.Open(id, milliseconds(30)), SessionBusy);
+  held.reset();
+  EXPECT_TRUE(store.Open(id, {}));
+}
+
+TEST_F(Sessions, WaitForThePageBeforeAndSeeWhatItWrote) {
+  SessionStore store = Store();
+  const std::string id = store.Create(kAlice);
+  auto held = store.Open(id, {});
+  held->Set("x", std::int32_t{1});
+  std::thread other([&] {
+    std::this_thread::sleep_for(milliseconds(100));
+    held.reset();
+  });
+  const auto session = store.Open(id, milliseconds(5000));
+  other.join();
+  ASSERT_TRUE(session);
+  EXPECT_EQ(session->Get("x"), Value(std::int32_t{1}));
+}
+
+TEST_F(Sessions, LoseNoChangeOfManyProcesses) {
+  SessionStore store = Store();
+  const std::string id = store.Create(kAlice);
+  store.Open(id, {})->Set("n", std::int32_t{0});
+  constexpr int kProcesses = 4, kTimes = 25;
+  for (int i = 0; i < kProcesses; ++i) {
+    if (fork() == 0) {
+      for (int k = 0; k < kTimes; ++k) {
+        const auto session = store.Open(id, milliseconds(20'000));
+        session->Set("n", std::get<std::int32_t>(session->Get("n")) + 1);
+      }
+      _exit(0);
+    }
+  }
+  for (int i = 0; i < kProcesses; ++i) {
+    int status = 0;
+    wait(&status);
+    EXPECT_EQ(status, 0);
+  }
+  EXPECT_EQ(store.Open(id, {})->Get("n"), Value(std::int32_t{kProcesses * kTimes}));
+}
+
+TEST_F(Sessions, AreFreedWhenTheirProcessDies) {
+  SessionStore store = Store();
+  const std::string id = store.Create(kAlice);
+  if (fork() == 0) {
+    const auto session = store.Open(id, milliseconds(1000));
+    raise(SIGKILL);
+  }
+  int status = 0;
+  wait(&status);
+  EXPECT_TRUE(store.Open(id, milliseconds(1000)));
+}
+
+TEST_F(Sessions, ThatSomebodyDamagedAreNoSessions) {
+  SessionStore store = Store();
+  for (const std::string& damage : {std::string(), std::string("kalvo session 1\n"), std::string("nonsense"),
+                                    std::string("kalvo session 1\nKALVO\\alice\nstamp\n123\n\xFF\xFF")}) {
+    const std::string id = store.Create(kAlice);
+    for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "sessions")) {
+      test::WriteFile(entry.path(), damage);
+    }
+    EXPECT_FALSE(store.Open(id, {})) << damage;
+  }
+}
+
+TEST_F(Sessions, EndWhenPasswordOrRightsChange) {
+  SessionStore store = Store();
+  const std::string id = store.Create(kAlice);
+  User changed = kAlice;
+  changed.administrator = false;
+  EXPECT_FALSE(store.Open(id, {})->BelongsTo(changed));
+  changed = kAlice;
+  changed.hash = "$argon2id$other";
+  EXPECT_FALSE(store.Open(id, {})->BelongsTo(changed));
+}
+
+}   // namespace
+}   // namespace kalvo::web::login

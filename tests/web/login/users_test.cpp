@@ -1,0 +1,132 @@
+#include "host/web/login/users.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <thread>
+
+#include "host/parts/setting_error.h"
+#include "host/web/login/password.h"
+#include "support/temporary_folder.h"
+
+namespace kalvo::web::login {
+namespace {
+
+const std::string kHash = "$argon2id$v=19$m=65536,t=2,p=1$c2FsdHNhbHRzYWx0c2FsdA$aGFzaA";
+
+class Users : public testing::Test {
+ protected:
+  void Hold(const std::string& text) { test::WriteFile(file_, text); }
+
+  test::TemporaryFolder folder_;
+  const std::filesystem::path file_ = folder_.Path() / "users";
+  UsersFile users_{file_};
+};
+
+TEST(Account, OfANameHasADomain) {
+  const struct {
+    const char* why;
+    std::string name;
+    std::optional<std::string> account;
+  } kCases[] = {
+      {"a name alone is of this product's domain", "alice", "KALVO\\alice"},
+      {"a domain is kept", "COTE\\alice", "COTE\\alice"},
+      {"points, hyphens and letters of all kinds", "o.brien-j\xC3\xBCrgen_1", "KALVO\\o.brien-j\xC3\xBCrgen_1"},
+      {"nothing", "", std::nullopt},
+      {"no name", "KALVO\\", std::nullopt},
+      {"no domain", "\\alice", std::nullopt},
+      {"two backslashes", "A\\B\\c", std::nullopt},
+      {"a blank", "al ice", std::nullopt},
+      {"a line end", "alice\nKALVO\\mallory", std::nullopt},
+      {"a comment", "#alice", std::nullopt},
+      {"a colon", "alice:", std::nullopt},
+      {"more than 64 bytes", std::string(65, 'a'), std::nullopt},
+  };
+  for (const auto& c : kCases) EXPECT_EQ(AccountNamed(c.name), c.account) << c.why;
+}
+
+TEST_F(Users, AreWhatTheFileSays) {
+  Hold("# people\n\nKALVO\\alice administrator,drill-down " + kHash + "\nKALVO\\bob - " + kHash +
+       "\r\nKALVO\\carol drill-down " + kHash + "\n");
+  const auto alice = users_.Find("kalvo\\ALICE");
+  ASSERT_TRUE(alice);
+  EXPECT_EQ(alice->account, "KALVO\\alice");
+  EXPECT_TRUE(alice->administrator && alice->drillDown);
+  EXPECT_EQ(alice->hash, kHash);
+  const auto bob = users_.Find("KALVO\\bob"), carol = users_.Find("KALVO\\carol");
+  ASSERT_TRUE(bob && carol);
+  EXPECT_FALSE(bob->administrator || bob->drillDown || carol->administrator);
+  EXPECT_TRUE(carol->drillDown);
+  EXPECT_FALSE(users_.Find("KALVO\\dave"));
+  EXPECT_FALSE(users_.Find("KALVO\\al"));
+}
+
+TEST_F(Users, AreNotReadFromALineThatIsNone) {
+  for (const char* rest : {"", " administrator", " root $argon2id$x", " - secret", " - $argon2id$x more"}) {
+    Hold(std::string("# one\nKALVO\\alice") + rest + "\n");
+    try {
+      users_.Find("KALVO\\alice");
+      ADD_FAILURE() << rest;
+    } catch (const host::SettingError& error) {
+      EXPECT_NE(std::string(error.what()).find("users:2"), std::string::npos) << error.what();
+    }
+  }
+}
+
+TEST_F(Users, CannotBeFoundInAFileThatIsNotThere) { EXPECT_THROW(users_.Find("KALVO\\alice"), host::SettingError); }
+
+TEST_F(Users, ArePutReplacedAndRemoved) {
+  users_.Put({"KALVO\\alice", true, false, kHash});
+  users_.Put({"KALVO\\bob", false, false, kHash});
+  EXPECT_TRUE(users_.Find("KALVO\\alice")->administrator);
+  users_.Put({"KALVO\\Alice", false, true, kHash});
+  EXPECT_FALSE(users_.Find("KALVO\\alice")->administrator);
+  EXPECT_TRUE(users_.Remove("kalvo\\alice"));
+  EXPECT_FALSE(users_.Find("KALVO\\alice"));
+  EXPECT_FALSE(users_.Remove("KALVO\\alice"));
+  EXPECT_TRUE(users_.Find("KALVO\\bob"));
+}
+
+TEST_F(Users, KeepCommentsOfTheFile) {
+  Hold("# people\nKALVO\\bob - " + kHash + "\n");
+  users_.Put({"KALVO\\alice", false, false, kHash});
+  EXPECT_TRUE(test::ReadFile(file_).starts_with("# people\nKALVO\\bob - "));
+}
+
+TEST_F(Users, AreForTheOwnersEyesOnly) {
+  users_.Put({"KALVO\\alice", false, false, kHash});
+  struct stat state {};
+  ASSERT_EQ(stat(file_.c_str(), &state), 0);
+  EXPECT_EQ(state.st_mode & 0777, 0600u);
+  chmod(file_.c_str(), 0640);
+  users_.Put({"KALVO\\bob", false, false, kHash});
+  ASSERT_EQ(stat(file_.c_str(), &state), 0);
+  EXPECT_EQ(state.st_mode & 0777, 0640u) << "what an administrator chose is kept";
+}
+
+TEST_F(Users, AreNotLostWhenTwoEdit) {
+  const auto add = [&](const std::string& prefix) {
+    UsersFile users(file_);
+    for (int i = 0; i < 20; ++i) users.Put({"KALVO\\" + prefix + std::to_string(i), false, false, kHash});
+  };
+  std::thread other(add, "a");
+  add("b");
+  other.join();
+  for (int i = 0; i < 20; ++i) {
+    EXPECT_TRUE(users_.Find("KALVO\\a" + std::to_string(i)) && users_.Find("KALVO\\b" + std::to_string(i)));
+  }
+}
+
+TEST(UserStamp, ChangesWithPasswordAndRights) {
+  const User alice{"KALVO\\alice", false, false, kHash};
+  User changed = alice;
+  EXPECT_EQ(changed.Stamp(), alice.Stamp());
+  changed.administrator = true;
+  EXPECT_NE(changed.Stamp(), alice.Stamp());
+  changed = alice;
+  changed.hash += "x";
+  EXPECT_NE(changed.Stamp(), alice.Stamp());
+}
+
+}   // namespace
+}   // namespace kalvo::web::login
