@@ -24,7 +24,7 @@ struct Paging {
     paging.last = paging.first + paging.size - 1;
     // A remainder of less than a quarter page is shown here instead of on a page of its own.
     const bool beyond = paging.last > records;
-    if (beyond || (records - paging.last) * 4 < paging.size) paging.last = records;
+    if (beyond || (std::int64_t{records} - paging.last) * 4 < paging.size) paging.last = records;
     return paging;
   }
 
@@ -33,4 +33,4 @@ struct Paging {
   constexpr bool IsPaged() const { return !StartsAtFirst() || !EndsAtLast(); }
 };
 
-}  // namespace kalvo
+}   // namespace kalvo
