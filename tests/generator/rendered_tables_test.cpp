@@ -31,7 +31,7 @@ const Rendered kTables[] = {
     {"alerts_traced", TABLE_CURRENTALERTS, "Debug=All&PageSize=1"},
     {"failing_cells", TABLE_TASK_RECOVERYMANAGEMENT_FAILEDBACKUPS, ""},
     {"totals", TABLE_RES_ORGANIZATION_SERVERSUMMARY, ""},
-    {"last_scan_alone", TABLE_AmbiguousAddressResolution, ""},
+    {"ambiguous_addresses", TABLE_AmbiguousAddressResolution, ""},
     {"membership", TABLE_SINGLESERVERGROUPMEMBERSHIP, "", User::Administrator},
     {"quota_violations", TABLE_TASK_STORAGEADVISORY_DISABLEDRECIPIENTS, "", User::Administrator},
     {"top_mailboxes_of_a_site", TABLE_TOPN_MBCNT, "Sort=7&SortOrder=DESC", User::Owner, TOPN_SITE},
