@@ -12,7 +12,8 @@ JOBS ?= $(shell nproc)
 
 .PHONY: run build test tidy format bench packages clean
 
-run: build build/sample/kalvo.db
+run: build build/sample/kalvo.db build/sample/users
+	@echo "Sign in as administrator, adam.abbott (who may open the own mailbox) or visitor; password: kalvo-sample"
 	@exec build/kalvo serve --config kalvo.toml --listen $(LISTEN)
 
 build:
@@ -24,6 +25,14 @@ build:
 
 build/sample/kalvo.db: | build
 	@build/kalvo sample --out build/sample --size $(SAMPLE)
+
+# Three users with different rights. Their password is no secret, and is good for the sample alone.
+build/sample/users: build/sample/kalvo.db
+	@rm -f $@
+	@echo kalvo-sample | build/kalvo passwd --users $@.part administrator --administrator --drill-down >build/users.log
+	@echo kalvo-sample | build/kalvo passwd --users $@.part adam.abbott --drill-down >>build/users.log
+	@echo kalvo-sample | build/kalvo passwd --users $@.part visitor >>build/users.log
+	@mv $@.part $@
 
 test:
 	@tools/install-packages
