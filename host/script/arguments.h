@@ -69,7 +69,7 @@ struct UnchangedArgument {
 };
 
 template <typename T>
-  requires std::same_as<T, std::string_view>
+requires std::same_as<T, std::string_view>
 struct Argument<T> : UnchangedArgument {
   explicit(false) Argument(const Source& source) : text(source.frame.TextOf(source.i)) {}
   std::string_view Get() const { return text; }
@@ -128,7 +128,7 @@ struct Argument<std::int32_t> : UnchangedArgument {
 
 // An enumeration arrives as its number; any number of 32 bits does.
 template <typename E>
-  requires std::is_enum_v<E>
+requires std::is_enum_v<E>
 struct Argument<E> : UnchangedArgument {
   explicit(false) Argument(const Source& source) : value(ToInt32(source.frame.ValueOf(source.i))) {}
   E Get() const { return static_cast<E>(value); }
@@ -178,7 +178,9 @@ struct Argument<std::string&> : BoxedArgument<std::string> {
 
 template <>
 struct Argument<bool&> : BoxedArgument<bool> {
-  explicit(false) Argument(const Source& source) : BoxedArgument{BoxedValue(source), {}} { held = ToBoolean(box.value); }
+  explicit(false) Argument(const Source& source) : BoxedArgument{BoxedValue(source), {}} {
+    held = ToBoolean(box.value);
+  }
 };
 
 template <>
@@ -196,7 +198,7 @@ concept OuterInterface = requires(Engine& engine, duk_idx_t index) {
 // An object of a class of ours: fails with 424 for what is no object, with 13 for an object of another class.
 // Where the operation takes an interface, any script object serves.
 template <typename T>
-  requires std::derived_from<T, Object>
+requires std::derived_from<T, Object>
 struct Argument<T&> : UnchangedArgument {
   explicit(false) Argument(const Source& source) {
     Engine& engine = source.frame.engine;
@@ -245,4 +247,4 @@ void PushResult(Engine& engine, const T& result) {
   }
 }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

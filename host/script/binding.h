@@ -72,7 +72,8 @@ void RunOperation(CallFrame& frame) {
       throw;
     }
     writeBack();
-  }(std::make_index_sequence<Types::kCount>());
+  }
+  (std::make_index_sequence<Types::kCount>());
 }
 
 template <auto F, std::size_t N>
@@ -102,4 +103,4 @@ consteval Member Property(std::string_view name) {
   return {MemberKind::Property, name, {}, 0, RunOperation<Get>, RunOperation<Set>};
 }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

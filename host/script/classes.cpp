@@ -57,7 +57,7 @@ void End(Object& object) {
 template <typename T>
 constexpr ClassBinding Public(std::string_view name, std::span<const Member> (*members)(), std::size_t bytes) {
   ClassBinding binding{name, Owns<T>, members, Make<T>, bytes};
-  if constexpr (requires(T& object, ScriptingContext& context) { object.OnStartPage(context); }) {
+  if constexpr (requires(T & object, ScriptingContext & context) { object.OnStartPage(context); }) {
     binding.start = Start<T>;
     binding.end = End<T>;
   }
@@ -101,7 +101,7 @@ constexpr ClassBinding kClasses[] = {
 };
 // clang-format on
 
-}  // namespace
+}   // namespace
 
 std::string Signature(const Member& member) {
   std::string text(member.name);
@@ -110,10 +110,17 @@ std::string Signature(const Member& member) {
   for (const Parameter& parameter : member.Parameters()) {
     Append(text, text.back() == '(' ? "" : ", ", parameter.name);
     switch (parameter.kind) {
-      case Parameter::Default::None: break;
-      case Parameter::Default::Text: Append(text, " = \"", parameter.text, '"'); break;
-      case Parameter::Default::Number: Append(text, " = ", parameter.number); break;
-      case Parameter::Default::Boolean: Append(text, " = ", parameter.number != 0 ? "true" : "false"); break;
+      case Parameter::Default::None:
+        break;
+      case Parameter::Default::Text:
+        Append(text, " = \"", parameter.text, '"');
+        break;
+      case Parameter::Default::Number:
+        Append(text, " = ", parameter.number);
+        break;
+      case Parameter::Default::Boolean:
+        Append(text, " = ", parameter.number != 0 ? "true" : "false");
+        break;
     }
   }
   return text + ")";
@@ -130,4 +137,4 @@ const ClassBinding* FindPublicClass(std::string_view name) {
   return nullptr;
 }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

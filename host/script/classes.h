@@ -46,4 +46,4 @@ inline constexpr std::string_view kClassPrefix = "KalvoTables.";
 // The public class that a script names "KalvoTables.Display", in any case; null when there is none.
 const ClassBinding* FindPublicClass(std::string_view name);
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

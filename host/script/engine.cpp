@@ -17,7 +17,7 @@ namespace {
 constexpr std::size_t kProgress = 64;
 constexpr std::size_t kReserve = 8;   // the part of the limit that a page has on top to end in
 
-}  // namespace
+}   // namespace
 
 // The memory of the state and of what is charged to it.
 struct Engine::Memory {
@@ -121,7 +121,8 @@ void FindPlace(std::string_view stack, std::string& file, int& line) {
 
 std::int32_t SignedNumber(double number) {
   if (!std::isfinite(number)) return codes::kFailed;
-  return static_cast<std::int32_t>(static_cast<std::uint32_t>(static_cast<std::int64_t>(std::fmod(number, 4294967296.0))));
+  return static_cast<std::int32_t>(
+      static_cast<std::uint32_t>(static_cast<std::int64_t>(std::fmod(number, 4294967296.0))));
 }
 
 // The program's own run-time errors are 0x800A0000 plus their number in script.
@@ -134,7 +135,8 @@ std::int32_t NumberForScript(std::int32_t number) {
 
 std::int32_t NumberFromScript(std::int32_t number) {
   const auto bits = static_cast<std::uint32_t>(number);
-  return (bits & 0xFFFF0000) == kRunTimeErrors && (bits & 0xFFFF) != 0 ? static_cast<std::int32_t>(bits & 0xFFFF) : number;
+  return (bits & 0xFFFF0000) == kRunTimeErrors && (bits & 0xFFFF) != 0 ? static_cast<std::int32_t>(bits & 0xFFFF)
+                                                                       : number;
 }
 
 // Reads what was thrown. It may be anything, and its properties may be script that throws again.
@@ -168,7 +170,7 @@ struct FailureReader {
   }
 };
 
-}  // namespace
+}   // namespace
 
 Engine::Engine(const PageLimits& limits, ScriptPage* page)
     : memory_(std::make_unique<Memory>()),
@@ -315,7 +317,7 @@ std::string TextAt(duk_context* context, duk_idx_t index) {
   return utf8;
 }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host
 
 int kalvo_engine_must_stop(void* heap) {
   auto& engine = *static_cast<kalvo::host::Engine*>(heap);

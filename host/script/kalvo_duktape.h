@@ -13,6 +13,9 @@
 #define DUK_USE_INTERRUPT_COUNTER
 #undef DUK_USE_EXEC_TIMEOUT_CHECK
 #define DUK_USE_EXEC_TIMEOUT_CHECK(heap) kalvo_engine_must_stop(heap)
+// Texts are hashed whole: by a few of their characters, long texts that differ in little would be one chain.
+#undef DUK_USE_STRHASH_DENSE
+#define DUK_USE_STRHASH_DENSE
 // Script that calls the library that calls script nests on the thread's stack, and so do the compiler and the
 // regular expressions: the limits keep the deepest nesting within a few MiB.
 #undef DUK_USE_NATIVE_CALL_RECLIMIT

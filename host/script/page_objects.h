@@ -74,4 +74,4 @@ class ScriptingContextObject : public ScriptingContext {
   ScriptPage& page_;
 };
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

@@ -221,7 +221,7 @@ class Parser {
   std::size_t bytes_ = 0;
 };
 
-}  // namespace
+}   // namespace
 
 LinePlace PageSource::PlaceOf(int line) const {
   if (line < 1 || static_cast<std::size_t>(line) > lines.size()) return {0, 0};
@@ -254,4 +254,4 @@ std::optional<std::string> PathBelowRoot(std::string_view base, std::string_view
   return below;
 }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

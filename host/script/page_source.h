@@ -53,4 +53,4 @@ PageSource ParsePage(std::string_view page, PageFiles& files);
 // A path below the root without "." and "..", or nothing when it leads out. `base` is the folder it starts from.
 std::optional<std::string> PathBelowRoot(std::string_view base, std::string_view path);
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

@@ -93,4 +93,4 @@ class RequestObject : public Request {
   std::shared_ptr<NameCollection> query_, form_, cookies_, variables_;
 };
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

@@ -28,7 +28,7 @@ void RequireHeaderText(std::string_view text) {
   if (HoldsControl(text)) throw Error(codes::kFailed, "A header holds no line breaks and no control characters");
 }
 
-}  // namespace
+}   // namespace
 
 void ResponseObject::RequireHead() const {
   if (headSent_) throw Error(codes::kFailed, "The headers are sent already");
@@ -110,4 +110,4 @@ PageHead ResponseObject::Head() const {
   return head;
 }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

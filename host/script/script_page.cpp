@@ -74,7 +74,7 @@ FailureKind KindOf(EndCause cause) {
   return cause == EndCause::MemoryLimit ? FailureKind::MemoryLimit : FailureKind::TimeLimit;
 }
 
-}  // namespace
+}   // namespace
 
 ScriptPage::ScriptPage(const SiteParts& site, const CompiledPage& compiled, const PageRequest& request,
                        PageSession& session, PageSink& sink, const PageOptions& options)
@@ -179,4 +179,4 @@ std::optional<PageFailure> ScriptPage::FailureOf(const std::optional<ScriptFailu
   return page;
 }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

@@ -69,4 +69,4 @@ class ScriptPage {
   std::vector<Started> started_;
 };
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

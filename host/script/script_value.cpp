@@ -90,7 +90,7 @@ Value ObjectValue(Engine& engine, duk_idx_t index) {
   return std::make_shared<OpaqueScriptObject>(engine, index);
 }
 
-}  // namespace
+}   // namespace
 
 ScriptReference::ScriptReference(Engine& engine, duk_idx_t index) : home_(engine.Home()) {
   duk_context* context = engine.Context();
@@ -134,16 +134,22 @@ Value ValueAt(Engine& engine, duk_idx_t index) {
   duk_context* context = engine.Context();
   const duk_idx_t at = duk_normalize_index(context, index);
   switch (duk_get_type(context, at)) {
-    case DUK_TYPE_NULL: return Null{};
-    case DUK_TYPE_BOOLEAN: return duk_get_boolean(context, at) != 0;
-    case DUK_TYPE_NUMBER: return NumberValue(duk_get_number(context, at));
+    case DUK_TYPE_NULL:
+      return Null{};
+    case DUK_TYPE_BOOLEAN:
+      return duk_get_boolean(context, at) != 0;
+    case DUK_TYPE_NUMBER:
+      return NumberValue(duk_get_number(context, at));
     case DUK_TYPE_STRING:
       if (duk_is_symbol(context, at)) throw TypeMismatch();
       return TextAt(context, at);
-    case DUK_TYPE_OBJECT: return ObjectValue(engine, at);
+    case DUK_TYPE_OBJECT:
+      return ObjectValue(engine, at);
     case DUK_TYPE_UNDEFINED:
-    case DUK_TYPE_NONE: return Empty{};
-    default: throw TypeMismatch();
+    case DUK_TYPE_NONE:
+      return Empty{};
+    default:
+      throw TypeMismatch();
   }
 }
 
@@ -167,7 +173,9 @@ void PushValue(Engine& engine, const Value& value) {
     void operator()(double number) const { duk_push_number(context, number); }
     void operator()(Date date) const { PushDate(context, date); }
     void operator()(const std::string& text) const { PushText(context, text); }
-    void operator()(const Bytes& bytes) const { PushText(context, {reinterpret_cast<const char*>(bytes.data()), bytes.size()}); }
+    void operator()(const Bytes& bytes) const {
+      PushText(context, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    }
     void operator()(const std::shared_ptr<Object>& object) const { PushObject(engine, object); }
   };
   std::visit(Pusher{engine, context}, value);
@@ -175,4 +183,4 @@ void PushValue(Engine& engine, const Value& value) {
 
 void PushObject(Engine& engine, Object& object) { PushObject(engine, object.weak_from_this().lock()); }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

@@ -58,4 +58,4 @@ void PushObject(Engine& engine, Object& object);
 // The program's object behind a script object; null for a script object of its own.
 std::shared_ptr<Object> NativeAt(duk_context* context, duk_idx_t index);
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

@@ -74,7 +74,7 @@ int TakeLine(std::string& message) {
   return line;
 }
 
-}  // namespace
+}   // namespace
 
 // The site's compiled pages.
 class Site::Pages {
@@ -139,8 +139,7 @@ class Site::Pages {
   std::map<std::string, Kept> kept_;
 };
 
-Site::Site(fs::path root, const Platform& platform)
-    : pages_(std::make_unique<Pages>(root, platform)) {}
+Site::Site(fs::path root, const Platform& platform) : pages_(std::make_unique<Pages>(root, platform)) {}
 
 Site::~Site() = default;
 
@@ -155,7 +154,8 @@ PageResult Site::Run(std::string_view page, const PageRequest& request, PageSess
     return result;
   } catch (const std::bad_alloc&) {   // not even room for an empty page
     PageResult result;
-    result.failure = PageFailure{FailureKind::MemoryLimit, "the page needs more memory than its limit", std::string(page), 0};
+    result.failure =
+        PageFailure{FailureKind::MemoryLimit, "the page needs more memory than its limit", std::string(page), 0};
     return result;
   }
 }
@@ -182,4 +182,4 @@ void SendRest(const PageResult& result, PageSink& sink) {
   if (!result.unsent.empty()) sink.Body(result.unsent);
 }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

@@ -116,7 +116,7 @@ int HexDigit(char c) {
   return -1;
 }
 
-}  // namespace
+}   // namespace
 
 bool IsAscii(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
@@ -158,7 +158,8 @@ std::string UrlDecoded(std::string_view text) {
   std::string bytes;
   bytes.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool escape = text[i] == '%' && i + 2 < text.size() && HexDigit(text[i + 1]) >= 0 && HexDigit(text[i + 2]) >= 0;
+    const bool escape =
+        text[i] == '%' && i + 2 < text.size() && HexDigit(text[i + 1]) >= 0 && HexDigit(text[i + 2]) >= 0;
     if (escape) {
       bytes += static_cast<char>(HexDigit(text[i + 1]) * 16 + HexDigit(text[i + 2]));
       i += 2;
@@ -169,4 +170,4 @@ std::string UrlDecoded(std::string_view text) {
   return WellFormed(bytes);
 }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

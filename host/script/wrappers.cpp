@@ -23,7 +23,9 @@ constexpr const char* kHolder = DUK_HIDDEN_SYMBOL("holder");
 constexpr int kMembersPerClass = 128;
 
 const ClassBinding& ClassOf(int magic) { return Classes()[static_cast<std::size_t>(magic / kMembersPerClass)]; }
-const Member& MemberOf(int magic) { return ClassOf(magic).members()[static_cast<std::size_t>(magic % kMembersPerClass)]; }
+const Member& MemberOf(int magic) {
+  return ClassOf(magic).members()[static_cast<std::size_t>(magic % kMembersPerClass)];
+}
 
 Holder* HolderAt(duk_context* context, duk_idx_t index) {
   if (!duk_is_object(context, index)) return nullptr;
@@ -188,7 +190,7 @@ bool AppendTextOf(std::string& out, const Object& object) {
   return typed != nullptr;
 }
 
-}  // namespace
+}   // namespace
 
 std::shared_ptr<Object> NativeAt(duk_context* context, duk_idx_t index) {
   const Holder* holder = HolderAt(context, index);
@@ -218,4 +220,4 @@ bool AppendDefaultText(std::string& out, const Object& object) {
   return AppendTextOf<ValueList>(out, object) || AppendTextOf<NameCollection>(out, object);
 }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

@@ -12,8 +12,10 @@ class Arguments : public PageTest {
  protected:
   // What an expression gives, with a display `d`, a context `x` and a table `t` at hand.
   std::string Value(const std::string& expression) {
-    return Script("var d = Server.CreateObject('KalvoTables.Display'), x = Server.CreateObject('KalvoTables.Context'),"
-                  "t = Server.CreateObject('KalvoTables.Table'), box; Response.Write(" + expression + ");");
+    return Script(
+        "var d = Server.CreateObject('KalvoTables.Display'), x = Server.CreateObject('KalvoTables.Context'),"
+        "t = Server.CreateObject('KalvoTables.Table'), box; Response.Write(" +
+        expression + ");");
   }
 };
 

@@ -45,8 +45,9 @@ TEST_F(Intrinsics, WriteValuesAsTheProgramWritesThem) {
 }
 
 TEST_F(Intrinsics, BufferTheResponseUntilItIsFlushed) {
-  EXPECT_EQ(Script("Response.Write('a'); Response.Clear(); Response.Write('b'); Response.Flush(); Response.Write('c');"),
-            "bc");
+  EXPECT_EQ(
+      Script("Response.Write('a'); Response.Clear(); Response.Write('b'); Response.Flush(); Response.Write('c');"),
+      "bc");
   EXPECT_EQ(sink.pieces, 2);
   ASSERT_EQ(sink.heads.size(), 1U);
   EXPECT_EQ(sink.heads[0].status, 200);
@@ -59,8 +60,9 @@ TEST_F(Intrinsics, SendTheHeadOfAnEmptyPage) {
 }
 
 TEST_F(Intrinsics, SetStatusTypeAndHeaders) {
-  Script("Response.Status = '404 Not Found'; Response.ContentType = 'text/plain'; Response.AddHeader('X-A', 'b');"
-         "Response.AddHeader('X-A', 'c'); Response.Write(Response.Status + Response.ContentType);");
+  Script(
+      "Response.Status = '404 Not Found'; Response.ContentType = 'text/plain'; Response.AddHeader('X-A', 'b');"
+      "Response.AddHeader('X-A', 'c'); Response.Write(Response.Status + Response.ContentType);");
   EXPECT_EQ(sink.body, "404 Not Foundtext/plain");
   ASSERT_EQ(sink.heads.size(), 1U);
   EXPECT_EQ(sink.heads[0].status, 404);
@@ -71,11 +73,16 @@ TEST_F(Intrinsics, SetStatusTypeAndHeaders) {
 
 TEST_F(Intrinsics, RefuseHeadersThatWouldBreakTheResponse) {
   const char* kCode[] = {
-      "Response.AddHeader('X', 'a\\r\\nSet-Cookie: b')", "Response.AddHeader('X: y', 'a')",
-      "Response.AddHeader('', 'a')",                      "Response.Redirect('/x\\nY: z')",
-      "Response.ContentType = 'text/html\\r\\n'",         "Response.Status = '200 OK\\r\\nX: y'",
-      "Response.Status = 'OK'",                           "Response.Status = '99 Low'",
-      "Response.Flush(); Response.AddHeader('X', 'late')", "Response.Flush(); Response.Redirect('/late')",
+      "Response.AddHeader('X', 'a\\r\\nSet-Cookie: b')",
+      "Response.AddHeader('X: y', 'a')",
+      "Response.AddHeader('', 'a')",
+      "Response.Redirect('/x\\nY: z')",
+      "Response.ContentType = 'text/html\\r\\n'",
+      "Response.Status = '200 OK\\r\\nX: y'",
+      "Response.Status = 'OK'",
+      "Response.Status = '99 Low'",
+      "Response.Flush(); Response.AddHeader('X', 'late')",
+      "Response.Flush(); Response.Redirect('/late')",
   };
   for (const char* code : kCode) {
     Script(code);

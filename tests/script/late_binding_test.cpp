@@ -47,9 +47,10 @@ class Adapters : public testing::Test {
 };
 
 TEST_F(Adapters, CallFunctionsAndReadOtherMembers) {
-  const auto live = Make<LiveContainer>("({owner: 'a', MailboxOwner: function (s, m) { return this.owner + s + m; },"
-                                        "MessageSubject: 'read', MessageSize: function () { return 7; },"
-                                        "FolderCount: 3, MessageSender: null, MessageCreationDate: undefined})");
+  const auto live = Make<LiveContainer>(
+      "({owner: 'a', MailboxOwner: function (s, m) { return this.owner + s + m; },"
+      "MessageSubject: 'read', MessageSize: function () { return 7; },"
+      "FolderCount: 3, MessageSender: null, MessageCreationDate: undefined})");
   EXPECT_EQ(live->MailboxOwner("s", "m"), "asm");
   EXPECT_EQ(live->MessageSubject(), Value(std::string("read")));
   EXPECT_EQ(live->MessageSize(), Value(7));
@@ -61,24 +62,27 @@ TEST_F(Adapters, CallFunctionsAndReadOtherMembers) {
 }
 
 TEST_F(Adapters, FindInheritedMembersAndAccessors) {
-  const auto listing = Make<Listing>("(function () { function L() { this.n = 2; } L.prototype.Count = function () {"
-                                     "return this.n; }; Object.defineProperty(L.prototype, 'Total', {get: function () {"
-                                     "return function (name) { return name + this.n; }; }}); return new L(); })()");
+  const auto listing = Make<Listing>(
+      "(function () { function L() { this.n = 2; } L.prototype.Count = function () {"
+      "return this.n; }; Object.defineProperty(L.prototype, 'Total', {get: function () {"
+      "return function (name) { return name + this.n; }; }}); return new L(); })()");
   EXPECT_EQ(listing->Count(), 2);
   EXPECT_EQ(listing->Total("Size"), Value(std::string("Size2")));
 }
 
 TEST_F(Adapters, PassArgumentsAsTheyAre) {
-  const auto live = Make<LiveContainer>("({log: '', GotoContainer: function () { this.log = JSON.stringify("
-                                        "Array.prototype.slice.call(arguments)); }})");
+  const auto live = Make<LiveContainer>(
+      "({log: '', GotoContainer: function () { this.log = JSON.stringify("
+      "Array.prototype.slice.call(arguments)); }})");
   live->GotoContainer("S\u20AC", "m", "", 0, 5);
   EXPECT_EQ(Text("object.log"), "[\"S\u20AC\",\"m\",\"\",0,5]");
 }
 
 TEST_F(Adapters, TurnWhatScriptThrowsIntoErrors) {
-  const auto listing = Make<Listing>("({MoveFirst: function () { var e = new Error('m'); e.number = -507445201;"
-                                     "e.description = 'd'; throw e; }, Sort: function () { nosuch(); },"
-                                     "get Count() { throw 'text'; }, Field: function () { return {}; }})");
+  const auto listing = Make<Listing>(
+      "({MoveFirst: function () { var e = new Error('m'); e.number = -507445201;"
+      "e.description = 'd'; throw e; }, Sort: function () { nosuch(); },"
+      "get Count() { throw 'text'; }, Field: function () { return {}; }})");
   try {
     listing->MoveFirst();
     FAIL();
@@ -139,8 +143,9 @@ TEST_F(Adapters, AreColumnsThatGetWrappersAndABox) {
 }
 
 TEST_F(Adapters, GiveTheBoxBackFromAColumnThatFails) {
-  const auto column = Make<TableColumn>("({ConstructHTMLTotal: function (x, d, s, first) { first.value = false;"
-                                        "throw {number: 9, description: 'd'}; }})");
+  const auto column = Make<TableColumn>(
+      "({ConstructHTMLTotal: function (x, d, s, first) { first.value = false;"
+      "throw {number: 9, description: 'd'}; }})");
   const auto source = Make<RowSource>("({})");
   auto context = std::make_shared<Context>();
   auto display = std::make_shared<Display>();
@@ -191,7 +196,8 @@ TEST_F(Adapters, AreRequests) {
     const char* request;
   } kCases[] = {
       {"a function of the key, and without one the collection",
-       "({QueryString: function (key) { var all = {a: ['1', '2'], B: 'x'}; return key === undefined ? all : all[key]; }})"},
+       "({QueryString: function (key) { var all = {a: ['1', '2'], B: 'x'}; return key === undefined ? all : all[key]; "
+       "}})"},
       {"a function that carries its keys",
        "(function () { function q(key) { return {a: {Count: 2, Item: function (i) { return i; }}, B: 'x'}[key]; }"
        "q.a = 1; q.B = 1; return {QueryString: q}; })()"},
@@ -235,22 +241,24 @@ class LateBinding : public PageTest {};
 
 TEST_F(LateBinding, ReadsTheIntrinsicObjectsOfAScriptContext) {
   request.queryString = "Sort=a";
-  EXPECT_EQ(Script("var t = '', x = new ActiveXObject('KalvoTables.Context'); x.OnStartPage({Request: Request,"
-                   "Session: Session, Server: Server, Response: {Write: function (s) { t += s; }, Flush: function () {}}});"
-                   "x.IncrementTableIndex(); Response.Write(x.TableSortFieldInformation()); x.FailureMessage('m');"
-                   "Response.Write(t); Response.Write(x.GetRequest() === Request);"),
-            "a<p>Error Generating Table: &nbsp;m</p>\r\nTrue");
+  EXPECT_EQ(
+      Script("var t = '', x = new ActiveXObject('KalvoTables.Context'); x.OnStartPage({Request: Request,"
+             "Session: Session, Server: Server, Response: {Write: function (s) { t += s; }, Flush: function () {}}});"
+             "x.IncrementTableIndex(); Response.Write(x.TableSortFieldInformation()); x.FailureMessage('m');"
+             "Response.Write(t); Response.Write(x.GetRequest() === Request);"),
+      "a<p>Error Generating Table: &nbsp;m</p>\r\nTrue");
 }
 
 TEST_F(LateBinding, TakesAPagesOwnRequestServerAndSession) {
-  EXPECT_EQ(Script("var x = new ActiveXObject('KalvoTables.Context'), own = {Write: function () {}, Flush: function () {}};"
-                   "var session = {Value: function (n) { return n === 'KalvoAdministrator' ? 'Yes' : ''; }};"
-                   "x.OnStartPage({Response: own, Session: session, Request: {QueryString: {Sort: 's', k: ['1', '2']},"
-                   "ServerVariables: function () { return '/own.asp'; }}, Server: {HTMLEncode: function (t) {"
-                   "return '[' + t + ']'; }, URLEncode: function (t) { return '{' + t + '}'; }}});"
-                   "x.IncrementTableIndex(); Response.Write([x.KalvoAdministrator(), x.ServerHTMLEncode('a'),"
-                   "x.TableURL('f', '', '', ''), x.GetSession() === session].join(' '));"),
-            "true [a] /own.asp?k={1}&k={2}&Sort={f}&SortOrder={}&First={}&PageSize={} true");
+  EXPECT_EQ(
+      Script("var x = new ActiveXObject('KalvoTables.Context'), own = {Write: function () {}, Flush: function () {}};"
+             "var session = {Value: function (n) { return n === 'KalvoAdministrator' ? 'Yes' : ''; }};"
+             "x.OnStartPage({Response: own, Session: session, Request: {QueryString: {Sort: 's', k: ['1', '2']},"
+             "ServerVariables: function () { return '/own.asp'; }}, Server: {HTMLEncode: function (t) {"
+             "return '[' + t + ']'; }, URLEncode: function (t) { return '{' + t + '}'; }}});"
+             "x.IncrementTableIndex(); Response.Write([x.KalvoAdministrator(), x.ServerHTMLEncode('a'),"
+             "x.TableURL('f', '', '', ''), x.GetSession() === session].join(' '));"),
+      "true [a] /own.asp?k={1}&k={2}&Sort={f}&SortOrder={}&First={}&PageSize={} true");
 }
 
 TEST_F(LateBinding, TakesAnObjectOfAnotherClassAsARowSource) {
@@ -264,19 +272,20 @@ TEST_F(LateBinding, TakesAnObjectOfAnotherClassAsARowSource) {
 
 TEST_F(LateBinding, RendersATableOfScriptColumns) {
   database.results = {{{"Name"}, {{std::string("one")}, {std::string("two")}}}, {{"Name"}, {{std::string("sum")}}}};
-  EXPECT_EQ(Script(
-                "var x = Server.CreateObject('KalvoTables.Context'), d = Server.CreateObject('KalvoTables.Display'),"
-                "t = Server.CreateObject('KalvoTables.Table'), out = '', seen = [];"
-                "t.Initialize(TABLETYPE_KALVODB, TABLE_CURRENTALERTS, 'T', table_ShowTotals, false, false, false, false,"
-                "[7], 'select x', '', '');"
-                "t.BuildHTML(x, {Write: function (s) { out += s; }, Flush: function () {}}, d, {GetColumn: function (id) {"
-                "return {ConstructHTMLHeader: function (c) { return '<th' + id + (c === x) + '>'; },"
-                "ConstructHTMLData: function (c, d, s) { seen.push(s); return '[' + s.GetField('Name') + s.GetRowIndex() + ']'; },"
-                "ConstructHTMLTotal: function (c, d, s, f) { var was = f.value; f.value = false; return s.GetField('Name')"
-                "+ was; }}; }}, 'Empty', 'Title');"
-                "Response.Write(out.match(/<th7true>/).length + '|' + out.match(/\\[\\w+\\]/g).join() + '|' +"
-                "/sumtrue/.test(out) + '|' + (seen[0] === seen[1]));"),
-            "1|[one1],[two2]|true|true");
+  EXPECT_EQ(
+      Script("var x = Server.CreateObject('KalvoTables.Context'), d = Server.CreateObject('KalvoTables.Display'),"
+             "t = Server.CreateObject('KalvoTables.Table'), out = '', seen = [];"
+             "t.Initialize(TABLETYPE_KALVODB, TABLE_CURRENTALERTS, 'T', table_ShowTotals, false, false, false, false,"
+             "[7], 'select x', '', '');"
+             "t.BuildHTML(x, {Write: function (s) { out += s; }, Flush: function () {}}, d, {GetColumn: function (id) {"
+             "return {ConstructHTMLHeader: function (c) { return '<th' + id + (c === x) + '>'; },"
+             "ConstructHTMLData: function (c, d, s) { seen.push(s); return '[' + s.GetField('Name') + s.GetRowIndex() "
+             "+ ']'; },"
+             "ConstructHTMLTotal: function (c, d, s, f) { var was = f.value; f.value = false; return s.GetField('Name')"
+             "+ was; }}; }}, 'Empty', 'Title');"
+             "Response.Write(out.match(/<th7true>/).length + '|' + out.match(/\\[\\w+\\]/g).join() + '|' +"
+             "/sumtrue/.test(out) + '|' + (seen[0] === seen[1]));"),
+      "1|[one1],[two2]|true|true");
 }
 
 TEST_F(LateBinding, ServesScriptsWithANativeDriller) {
@@ -293,15 +302,17 @@ TEST_F(LateBinding, ServesScriptsWithANativeDriller) {
 TEST_F(LateBinding, UsesANativeDrillerInThePagesSession) {
   session.driller = std::make_shared<fakes::FakeLive>();
   request.logonName = "domain\\KEN";
-  EXPECT_EQ(Script("Response.Write(Server.CreateObject('KalvoTables.Context').DrillDownPermission('s', 'm'));"), "True");
+  EXPECT_EQ(Script("Response.Write(Server.CreateObject('KalvoTables.Context').DrillDownPermission('s', 'm'));"),
+            "True");
 }
 
 TEST_F(LateBinding, ReleasesCyclesBetweenScriptAndLibrary) {
   session.driller = std::make_shared<fakes::FakeLive>();
   const std::weak_ptr<LiveContainer> driller = session.driller;
-  Script("var x = new ActiveXObject('KalvoTables.Context'); var own = {x: x, d: Session.StaticObjects('gLiveDriller'),"
-         "Write: function () { return x; }, Flush: function () {}}; own.own = own;"
-         "x.OnStartPage({Response: own, Request: Request, Session: Session, Server: Server});");
+  Script(
+      "var x = new ActiveXObject('KalvoTables.Context'); var own = {x: x, d: Session.StaticObjects('gLiveDriller'),"
+      "Write: function () { return x; }, Flush: function () {}}; own.own = own;"
+      "x.OnStartPage({Response: own, Request: Request, Session: Session, Server: Server});");
   EXPECT_EQ(Failure(), "");
   session.driller = nullptr;
   EXPECT_TRUE(driller.expired());

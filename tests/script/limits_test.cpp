@@ -36,7 +36,8 @@ TEST_F(Limits, EndPagesThatNeverEnd) {
       {"a loop in a sort", "[1, 2, 3].sort(function () { while (true); });"},
       {"a loop in a row source",
        "var c = new ActiveXObject('KalvoTables.KalvoColumn'), x = Server.CreateObject('KalvoTables.Context'),"
-       "d = Server.CreateObject('KalvoTables.Display'); c.Initialize(2, 'N', 'F', 0, '', '', 1, false, 1, 0, '', 1, 1, '',"
+       "d = Server.CreateObject('KalvoTables.Display'); c.Initialize(2, 'N', 'F', 0, '', '', 1, false, 1, 0, '', 1, 1, "
+       "'',"
        "false, ''); c.ConstructHTMLData(x, d, {GetField: function () { while (true); }});"},
       {"a loop in what an error says", "throw {toString: function () { while (true); }};"},
       {"a loop in the session's object", "Session.StaticObjects('endless');"},
@@ -53,15 +54,17 @@ TEST_F(Limits, EndPagesThatNeverEnd) {
 
 TEST_F(Limits, EndScriptThatTheLibraryCalls) {
   session.values["kalvoadministrator"] = std::string("Yes");
-  Timed("var x = Server.CreateObject('KalvoTables.Context'), d = Server.CreateObject('KalvoTables.Display');"
-        "var live = {GotoContainer: function () { while (true); }};"
-        "x.EncapsulateGotoContainerFailure(live, 's', 'm', 'c', 0, 0, 'e'); Response.Write('not reached');");
+  Timed(
+      "var x = Server.CreateObject('KalvoTables.Context'), d = Server.CreateObject('KalvoTables.Display');"
+      "var live = {GotoContainer: function () { while (true); }};"
+      "x.EncapsulateGotoContainerFailure(live, 's', 'm', 'c', 0, 0, 'e'); Response.Write('not reached');");
   EXPECT_EQ(Kind(), FailureKind::TimeLimit);
   EXPECT_EQ(sink.body, "");
 }
 
 TEST_F(Limits, NameTheLineThatRuns) {
-  Run("\n<%\nwhile (true); %>");
+  options.limits.seconds = 2;
+  Run("\n<% var n = 0;\nwhile (true) ++n; %>");
   EXPECT_EQ(Failure(), "page.asp:3: the page has run for longer than its time limit");
 }
 
@@ -97,6 +100,12 @@ TEST_F(Limits, LetPagesUseTheSameMemoryAgain) {
                    "for (i = 0; i < 300; ++i) { Response.Write('x'.repeat(100000)); Response.Clear(); }"
                    "Response.Write('done');"),
             "done");
+  EXPECT_EQ(Failure(), "");
+}
+
+TEST_F(Limits, LetPagesKeepManyLongTextsThatDifferInLittle) {
+  options.limits = {20, 256};
+  EXPECT_LT(Timed("var a = [], s = 'x'.repeat(1000); for (var i = 0; i < 30000; ++i) a.push(s + i + s);"), 2);
   EXPECT_EQ(Failure(), "");
 }
 

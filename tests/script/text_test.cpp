@@ -26,7 +26,8 @@ TEST(Text, IllFormedSequencesBecomeReplacements) {
     std::string bytes, text;
   } kCases[] = {
       {"ASCII stays", "abc", "abc"},
-      {"the largest of each length stay", "\x7F\xDF\xBF\xEF\xBF\xBF\xF4\x8F\xBF\xBF", "\x7F\xDF\xBF\xEF\xBF\xBF\xF4\x8F\xBF\xBF"},
+      {"the largest of each length stay", "\x7F\xDF\xBF\xEF\xBF\xBF\xF4\x8F\xBF\xBF",
+       "\x7F\xDF\xBF\xEF\xBF\xBF\xF4\x8F\xBF\xBF"},
       {"a byte that begins nothing", "a\xFFz", "a" + r + "z"},
       {"a continuation alone", "\x80", r},
       {"an overlong slash", "\xC0\xAF", r + r},
@@ -70,7 +71,9 @@ TEST(Text, UrlsAreDecoded) {
   } kCases[] = {
       {"blanks", "a+b%20c", "a b c"},
       {"bytes make characters", "%C3%AB%e2%82%ac", "\u00EB\u20AC"},
-      {"ill-formed bytes", "a%FFb", "a\xEF\xBF\xBD" "b"},
+      {"ill-formed bytes", "a%FFb",
+       "a\xEF\xBF\xBD"
+       "b"},
       {"a percent sign at the end", "100%", "100%"},
       {"one digit only", "%4", "%4"},
       {"no digits", "%zz%4G", "%zz%4G"},

@@ -1,5 +1,5 @@
-#include "host/script/bindings/members.h"
 #include "kalvo/context.h"
+#include "host/script/bindings/members.h"
 
 namespace kalvo::host {
 namespace {
@@ -54,8 +54,8 @@ constexpr Member kContext[] = {
 };
 // clang-format on
 
-}  // namespace
+}   // namespace
 
 std::span<const Member> ContextMembers() { return kContext; }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

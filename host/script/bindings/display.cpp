@@ -1,5 +1,5 @@
-#include "host/script/bindings/members.h"
 #include "kalvo/display.h"
+#include "host/script/bindings/members.h"
 
 namespace kalvo::host {
 namespace {
@@ -43,8 +43,8 @@ constexpr Member kDisplay[] = {
 };
 // clang-format on
 
-}  // namespace
+}   // namespace
 
 std::span<const Member> DisplayMembers() { return kDisplay; }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

@@ -66,7 +66,7 @@ constexpr Member kScriptingContext[] = {
 };
 // clang-format on
 
-}  // namespace
+}   // namespace
 
 std::span<const Member> RequestMembers() { return kRequest; }
 std::span<const Member> NameCollectionMembers() { return kNameCollection; }
@@ -78,9 +78,7 @@ std::span<const Member> ScriptingContextMembers() { return kScriptingContext; }
 
 // ---- objects that are called -------------------------------------------------------------------------------------
 
-void CallRequest(CallFrame& frame) {
-  PushValue(frame.engine, SelfOf<RequestObject>(frame).Lookup(frame.TextOf(0)));
-}
+void CallRequest(CallFrame& frame) { PushValue(frame.engine, SelfOf<RequestObject>(frame).Lookup(frame.TextOf(0))); }
 
 void CallNameCollection(CallFrame& frame) {
   const auto& collection = SelfOf<NameCollection>(frame);
@@ -106,7 +104,7 @@ bool IsMemberName(std::string_view key) {
   return false;
 }
 
-}  // namespace
+}   // namespace
 
 void DecorateNameCollection(Engine& engine, const Object& object) {
   duk_context* context = engine.Context();
@@ -124,4 +122,4 @@ void DecorateNameCollection(Engine& engine, const Object& object) {
   }
 }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

@@ -26,4 +26,4 @@ bool LateBound::Has(Engine& engine, const char* member) const {
   return has;
 }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

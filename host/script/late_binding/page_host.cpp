@@ -96,7 +96,7 @@ class ScriptScriptingContext : public ScriptingContext, public LateBound {
   }
 };
 
-}  // namespace
+}   // namespace
 
 template <>
 std::shared_ptr<Response> Adapt<Response>(Engine& engine, duk_idx_t index) {
@@ -118,4 +118,4 @@ std::shared_ptr<ScriptingContext> Adapt<ScriptingContext>(Engine& engine, duk_id
   return std::make_shared<ScriptScriptingContext>(engine, index);
 }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

@@ -1,8 +1,8 @@
 // A script object as the page's request. `QueryString` may be a function of the key, an object of keys, or one of
 // the callable intrinsic collections; the values of a key may be a text, an array, or an object with Count and Item.
+#include "host/script/request.h"
 #include "host/script/late_binding/adapters.h"
 #include "host/script/late_binding/late_bound.h"
-#include "host/script/request.h"
 #include "platform/conversion.h"
 
 namespace kalvo::host {
@@ -11,7 +11,8 @@ namespace {
 // The values of a key, read from whatever stands on the top of the stack.
 class ValuesReader {
  public:
-  explicit ValuesReader(Engine& engine) : engine_(engine), context_(engine.Context()), at_(duk_get_top_index(context_)) {}
+  explicit ValuesReader(Engine& engine)
+      : engine_(engine), context_(engine.Context()), at_(duk_get_top_index(context_)) {}
 
   std::vector<std::string> Read() const {
     if (duk_is_null_or_undefined(context_, at_)) return {};
@@ -198,11 +199,11 @@ class ScriptRequest : public Request, public LateBound {
   }
 };
 
-}  // namespace
+}   // namespace
 
 template <>
 std::shared_ptr<Request> Adapt<Request>(Engine& engine, duk_idx_t index) {
   return std::make_shared<ScriptRequest>(engine, index);
 }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host

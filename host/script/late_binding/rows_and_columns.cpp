@@ -56,8 +56,7 @@ class ScriptColumn : public TableColumn, public LateBound {
   }
 
   // The flag goes as a box, and comes back also from a column that fails.
-  void AppendTotal(std::string& out, Context& context, Display& display, RowSource& totals,
-                   bool& firstCell) override {
+  void AppendTotal(std::string& out, Context& context, Display& display, RowSource& totals, bool& firstCell) override {
     Reach([&](Engine& engine) {
       duk_context* script = engine.Context();
       const duk_idx_t box = duk_push_object(script);
@@ -108,7 +107,7 @@ class ScriptColumnCatalogue : public ColumnCatalogue, public LateBound {
   std::shared_ptr<TableColumn> current_;
 };
 
-}  // namespace
+}   // namespace
 
 template <>
 std::shared_ptr<RowSource> Adapt<RowSource>(Engine& engine, duk_idx_t index) {
@@ -125,4 +124,4 @@ std::shared_ptr<ColumnCatalogue> Adapt<ColumnCatalogue>(Engine& engine, duk_idx_
   return std::make_shared<ScriptColumnCatalogue>(engine, index);
 }
 
-}  // namespace kalvo::host
+}   // namespace kalvo::host
