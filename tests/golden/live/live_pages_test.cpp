@@ -1,0 +1,90 @@
+// The live tables, the folder path and the details of a message over the sample's mail store.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "golden/live/sample_site.h"
+#include "platform/live_mailbox.h"
+
+namespace kalvo::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kFolder = fs::path(KALVO_SOURCE_DIR) / "tests/golden/live";
+const std::string kAlice = "Server=SEA-EX01&Mailbox=alice%40kalvo.example";
+
+class LivePages : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { site_ = new SampleSite; }
+  static void TearDownTestSuite() { delete site_; }
+
+  // Compares with a golden file; what differs is left beside it.
+  static void ExpectGolden(const std::string& name, const std::string& page, const std::string& query,
+                           const std::string& logon, const std::vector<std::string>& rights = {}) {
+    const std::string html = site_->Run(kFolder, page, query, logon, rights).body;
+    const fs::path golden = kFolder / (name + ".html");
+    const std::string expected = exists(golden) ? ReadFile(golden) : "";
+    if (html == expected) return;
+    WriteFile(golden.string() + ".actual", html);
+    const auto at = static_cast<std::size_t>(
+        std::mismatch(expected.begin(), expected.end(), html.begin(), html.end()).first - expected.begin());
+    const std::size_t from = at < 60 ? 0 : at - 60;
+    ADD_FAILURE() << golden.filename() << " differs at byte " << at << "\nexpected: ..." << expected.substr(from, 200)
+                  << "\nactual:   ..." << html.substr(from, 200);
+  }
+
+  static std::string LargestMessage() {
+    const auto live = site_->Live();
+    live->GotoContainer("SEA-EX01", "alice@kalvo.example", "Inbox", 0, live::kByPath);
+    return FirstBy(*live, "Size");
+  }
+
+  static inline SampleSite* site_ = nullptr;
+};
+
+const std::vector<std::string> kUser = {"KalvoDrillDownAuth"};
+const std::vector<std::string> kAdministrator = {"KalvoAdministrator", "KalvoDrillDownAuth"};
+const std::string kPaged = "&Sort=&SortOrder=&First=1&PageSize=20&Sort=Size&SortOrder=DESC&First=11&PageSize=10";
+
+TEST_F(LivePages, AMailboxHasFolders) { ExpectGolden("mailbox", "mailbox.asp", kAlice, "KALVO\\alice"); }
+
+TEST_F(LivePages, AFolderHasPagesOfMessages) {
+  ExpectGolden("inbox", "mailbox.asp", kAlice + "&Container=Inbox" + kPaged, "KALVO\\alice");
+}
+
+TEST_F(LivePages, APathHasALinkForEachStep) {
+  ExpectGolden("path", "mailbox.asp", kAlice + "&Container=%5CProjects%5CAurora", "KALVO\\alice");
+}
+
+TEST_F(LivePages, AMessageHasDetailsAndAttachments) {
+  ExpectGolden("message", "message.asp", kAlice + "&Container=Inbox&MessageId=" + Encoded(LargestMessage()),
+               "KALVO\\alice", kUser);
+}
+
+TEST_F(LivePages, PublicFoldersAreAnAdministrators) {
+  const std::string sales = "Server=SEA-EX01&Mailbox=Sales%5COrders";
+  ExpectGolden("public", "public.asp", sales, "KALVO\\admin", kAdministrator);
+  ExpectGolden("public_refused", "public.asp", sales, "KALVO\\alice", kUser);
+  const auto live = site_->Live();
+  live->GotoContainer("SEA-EX01", "Kalvo SEA-EX01", "Sales\\Orders", 0, live::kByPath | live::kPublicFolders);
+  ExpectGolden("public_message", "public_message.asp", sales + "&MessageId=" + Encoded(FirstBy(*live, "Size")),
+               "KALVO\\admin", kAdministrator);
+}
+
+TEST_F(LivePages, NamesThatMeanNoOneMailboxAreExplained) {
+  ExpectGolden("ambiguous", "mailbox.asp", "Server=SEA-EX01&Mailbox=A", "KALVO\\admin", kAdministrator);
+  ExpectGolden("none", "mailbox.asp", "Server=SEA-EX01&Mailbox=Nobody", "KALVO\\admin", kAdministrator);
+  ExpectGolden("elsewhere", "mailbox.asp", "Server=SEA-EX02&Mailbox=Alice+Archer", "KALVO\\admin", kAdministrator);
+  ExpectGolden("refused", "mailbox.asp", kAlice, "KALVO\\someone");
+}
+
+TEST_F(LivePages, WhatIsGoneOrMadeUpIsToldOf) {
+  ExpectGolden("no_folder", "mailbox.asp", kAlice + "&Container=Nowhere", "KALVO\\alice");
+  ExpectGolden("no_folder_id", "mailbox.asp", kAlice + "&ContainerId=madeup", "KALVO\\alice");
+  ExpectGolden("no_message", "message.asp", kAlice + "&MessageId=madeup", "KALVO\\alice", kUser);
+  ExpectGolden("no_public_folder", "public.asp", "Server=SEA-EX01&Mailbox=Nowhere", "KALVO\\admin", kAdministrator);
+}
+
+}   // namespace
+}   // namespace kalvo::test
