@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -21,15 +22,14 @@ namespace {
 using namespace kalvo;
 namespace fs = std::filesystem;
 
-constexpr int kMessages = 50'000;
 constexpr int kRows = 50;
 
-std::string Message(int number) {
+std::string Message(int number, int count) {
   char head[400];
   std::snprintf(head, sizeof head,
                 "From: Sender %d <s%d@example.com>\nTo: alice@example.com\nSubject: Report %d of the week\n"
                 "Date: %s, %02d Jan 1999 %02d:%02d:%02d +0000\nMessage-ID: <%d@example.com>\nMIME-Version: 1.0\n",
-                number % 700, number % 700, number * 7919 % kMessages, "Mon", 1 + number * 31 % 28, number % 24,
+                number % 700, number % 700, number * 7919 % count, "Mon", 1 + number * 31 % 28, number % 24,
                 number % 60, number * 7 % 60, number);
   std::string text = head;
   const std::string lines(1000 + number % 40 * 50, 'x');
@@ -38,14 +38,14 @@ std::string Message(int number) {
          "\n--b\nContent-Type: application/pdf; name=a.pdf\nContent-Transfer-Encoding: base64\n\nQUJD\n--b--\n";
 }
 
-void Fill(const tests::DovecotServer& server) {
+void Fill(const tests::DovecotServer& server, int count) {
   tests::PlainImap(server.Port(), "alice").Run("SELECT INBOX");
   const auto folder = server.Folder() + "/users/alice/Maildir/cur/";
   struct stat owner {};
   stat(folder.c_str(), &owner);
-  for (int i = 0; i < kMessages; ++i) {
+  for (int i = 0; i < count; ++i) {
     const auto path = Built([&](std::string& out) { Append(out, folder, 915148800 + i, ".M1P1.bench:2,S"); });
-    std::ofstream(path) << Message(i);
+    std::ofstream(path) << Message(i, count);
     const utimbuf times{915148800 + i, 915148800 + i};
     utime(path.c_str(), &times);
     if (chown(path.c_str(), owner.st_uid, owner.st_gid) != 0) std::perror("chown");
@@ -72,7 +72,7 @@ void Page(const std::shared_ptr<imap::ImapStore>& store, std::string_view field)
   mail::Browser live(store);
   live.GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath);
   const auto messages = live.Messages();
-  if (live.MessageCount() != kMessages) std::printf("only %d messages\n", live.MessageCount());
+  if (live.MessageCount() != messages->Count()) std::printf("the counts differ\n");
   messages->ClearSortFields();
   messages->AddSortField(field, 1);
   messages->Sort();
@@ -95,9 +95,11 @@ void Print(const char* what, const char* state, const std::shared_ptr<imap::Imap
 
 }   // namespace
 
-int main() {
+// The argument is the number of messages, when not 50 000.
+int main(int argumentCount, char** arguments) {
+  const int messageCount = argumentCount > 1 ? std::atoi(arguments[1]) : 50'000;
   tests::DovecotServer server({"alice"});
-  Fill(server);
+  Fill(server, messageCount);
   server.Write("directory",
                "[server EX01]\n[mailbox Alice]\nserver = EX01\naccount = K\\alice\n"
                "address = alice@example.com\nlocation = alice\n");
@@ -107,7 +109,7 @@ int main() {
            "/?tls=none&silence=60&time-limit=60&directory=", server.Folder(),
            "/directory&password-file=", server.Folder(), "/password");
   });
-  std::printf("%d messages, first page of %d\n", kMessages, kRows);
+  std::printf("%d messages, first page of %d\n", messageCount, kRows);
   const struct {
     const char *what, *field, *more;
   } kPages[] = {

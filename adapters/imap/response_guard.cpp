@@ -11,10 +11,27 @@ namespace {
 
 constexpr std::array<std::string_view, 5> kProse = {"OK", "NO", "BAD", "BYE", "PREAUTH"};
 constexpr std::size_t kKeywordBytes = 16;
+constexpr std::size_t kCodeBytes = 32;
 
 bool IsBlank(char byte) { return static_cast<unsigned char>(byte) <= 0x20; }
 
 char Upper(char byte) { return byte >= 'a' && byte <= 'z' ? static_cast<char>(byte - 'a' + 'A') : byte; }
+
+// The parser falls over a list of lasting flags whose first flag is none ("[PERMANENTFLAGS ((").
+bool BreaksTheParser(std::string_view code) {
+  const auto take = [&](std::string_view word) {
+    if (code.starts_with(' ')) code.remove_prefix(1);
+    if (!code.starts_with(word)) return false;
+    code.remove_prefix(word.size());
+    return true;
+  };
+  if (!take("[") || !take("PERMANENTFLAGS") || !take("(")) return false;
+  if (code.starts_with(' ')) code.remove_prefix(1);
+  if (code.starts_with(')') || code.starts_with("\\*")) return false;
+  if (code.starts_with('\\')) code.remove_prefix(1);
+  const auto flag = code.empty() ? 0 : static_cast<unsigned char>(code[0]);
+  return flag <= 0x20 || flag >= 0x7F || std::string_view("(){%*\"\\]").find(code[0]) != std::string_view::npos;
+}
 
 }   // namespace
 
@@ -45,6 +62,7 @@ void ResponseGuard::Take(char byte) {
     return EndLine();
   }
   if (byte == '\r') return;
+  if (prose_) return TakeProse(byte);
   TakeHead(byte);
   if (prose_) return;
   switch (state_) {
@@ -86,6 +104,11 @@ void ResponseGuard::TakeHead(char byte) {
   word_++;
 }
 
+void ResponseGuard::TakeProse(char byte) {
+  if (code_.size() >= kCodeBytes || (IsBlank(byte) && code_.ends_with(' '))) return;
+  code_ += IsBlank(byte) ? ' ' : Upper(byte);
+}
+
 void ResponseGuard::TakePlain(char byte) {
   switch (byte) {
     case '(':
@@ -125,6 +148,8 @@ void ResponseGuard::TakeLiteralSize(char byte) {
 void ResponseGuard::EndLine() {
   // The parser might read on in a string that we take for closed.
   if (state_ != State::Plain && depth_ > 0) return Refuse("broke a line inside a quoted string", 0);
+  if (BreaksTheParser(code_)) return Refuse("has flags that the protocol does not have", 0);
+  code_.clear();
   state_ = State::Plain;
   lineBytes_ = 0;
   depth_ = 0;

@@ -30,6 +30,7 @@ class ResponseGuard {
   void TakeHead(char byte);
   void TakePlain(char byte);
   void TakeLiteralSize(char byte);
+  void TakeProse(char byte);
   void EndLine();
   void Open();
   void Refuse(std::string_view what, std::size_t limit);
@@ -45,6 +46,7 @@ class ResponseGuard {
   int word_ = 0;
   std::string keyword_;
   bool prose_ = false;
+  std::string code_;   // how the prose begins, runs of blanks as one
   std::string refusal_;
 };
 
