@@ -78,7 +78,12 @@ FailureKind KindOf(EndCause cause) {
 
 ScriptPage::ScriptPage(const SiteParts& site, const CompiledPage& compiled, const PageRequest& request,
                        PageSession& session, PageSink& sink, const PageOptions& options)
-    : site_(site), compiled_(compiled), options_(options), engine_(options.limits, this) {
+    : site_(site),
+      compiled_(compiled),
+      options_(options),
+      ranking_(*this, site.platform.topN),
+      platform_{site.platform.database, ranking_, site.platform.clock, site.platform.locale},
+      engine_(options.limits, this) {
   request_ = std::make_shared<RequestObject>(request);
   response_ = std::make_shared<ResponseObject>(engine_, sink);
   server_ = std::make_shared<ServerObject>(*this);
@@ -91,7 +96,7 @@ ScriptPage::~ScriptPage() = default;
 std::shared_ptr<Object> ScriptPage::Make(std::string_view name, bool started) {
   const ClassBinding* binding = FindPublicClass(name);
   if (binding == nullptr) throw CannotCreateObject();
-  std::shared_ptr<Object> object = binding->make(site_.platform);
+  std::shared_ptr<Object> object = binding->make(platform_);
   if (!started || binding->start == nullptr) return object;
   engine_.Charge(static_cast<std::ptrdiff_t>(binding->bytes));   // kept to the page's end
   started_.push_back({object, binding});

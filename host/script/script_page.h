@@ -7,8 +7,10 @@
 
 #include "host/script/classes.h"
 #include "host/script/engine.h"
+#include "host/script/late_binding/ranking.h"
 #include "host/script/page_objects.h"
 #include "host/script/page_source.h"
+#include "platform/platform.h"
 
 namespace kalvo::host {
 
@@ -60,6 +62,8 @@ class ScriptPage {
   const SiteParts& site_;
   const CompiledPage& compiled_;
   const PageOptions& options_;
+  PageRanking ranking_;
+  const Platform platform_;   // as the page's objects see it: with the session's own Top-N loader
   Engine engine_;
   std::shared_ptr<RequestObject> request_;
   std::shared_ptr<ResponseObject> response_;

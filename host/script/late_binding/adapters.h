@@ -8,6 +8,7 @@
 #include "platform/error.h"
 #include "platform/live_mailbox.h"
 #include "platform/page_host.h"
+#include "platform/ranking.h"
 
 namespace kalvo::host {
 
@@ -26,6 +27,10 @@ template <>
 std::shared_ptr<LiveContainer> Adapt<LiveContainer>(Engine& engine, duk_idx_t index);
 template <>
 std::shared_ptr<Listing> Adapt<Listing>(Engine& engine, duk_idx_t index);
+template <>
+std::shared_ptr<RankedResults> Adapt<RankedResults>(Engine& engine, duk_idx_t index);
+template <>
+std::shared_ptr<TopNLoader> Adapt<TopNLoader>(Engine& engine, duk_idx_t index);
 template <>
 std::shared_ptr<ScriptingContext> Adapt<ScriptingContext>(Engine& engine, duk_idx_t index);
 template <>
