@@ -8,8 +8,26 @@ namespace kalvo::mail {
 
 namespace {
 
+// A name comes from the request, and a page shows a description as it stands: without angle brackets it stays
+// text there.
+void AppendName(std::string& out, std::string_view name) {
+  for (const char c : name) {
+    if (c == '<') {
+      out += "\u2039";
+    } else if (c == '>') {
+      out += "\u203A";
+    } else {
+      out += c;
+    }
+  }
+}
+
 Error Named(std::int32_t number, std::string_view before, std::string_view name, std::string_view after) {
-  return Error(number, Built([&](std::string& out) { Append(out, before, "\"", name, "\"", after); }));
+  return Error(number, Built([&](std::string& out) {
+                 Append(out, before, "\"");
+                 AppendName(out, name);
+                 Append(out, "\"", after);
+               }));
 }
 
 }   // namespace

@@ -91,7 +91,7 @@ void AddFolderAlert(const Organization& organization, AlertBook& book, const Ser
         Measured(type.measure, folder.messages, folder.space, static_cast<std::uint64_t>(server.id) + i);
     if (value <= ServerLimit(type, group, 1)) continue;
     book.Add(
-        {type, folder.path, &server, group.name, ServerLimit(type, group, 1), value, PublicFolderIdentifier(folder)});
+        {type, folder.path, &server, group.name, ServerLimit(type, group, 1), value, PublicFolderIdentifier(organization, folder)});
     return;
   }
 }

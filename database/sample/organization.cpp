@@ -202,15 +202,4 @@ std::string OwnerAccount(const Organization& organization, const Mailbox& mailbo
       [&](std::string& out) { Append(out, organization.servers[mailbox.server].domain, "\\", Alias(mailbox)); });
 }
 
-std::string PublicFolderIdentifier(const PublicFolder& folder) {
-  // Kept short and printable: two hexadecimal digits for every byte of the path.
-  static constexpr char kDigits[] = "0123456789ABCDEF";
-  return Built([&](std::string& out) {
-    for (const char c : folder.path) {
-      const auto byte = static_cast<unsigned char>(c);
-      Append(out, kDigits[byte >> 4], kDigits[byte & 15]);
-    }
-  });
-}
-
 }   // namespace kalvo::sample

@@ -86,7 +86,7 @@ std::string DistinguishedName(const Organization& organization, const Mailbox& m
 // "KALVO\kathleen.obrien": who owns the mailbox, as a logon name.
 std::string OwnerAccount(const Organization& organization, const Mailbox& mailbox);
 
-// The identifier by which alerts and rankings name a public folder.
-std::string PublicFolderIdentifier(const PublicFolder& folder);
+// The identifier by which alerts, rankings and the sample's mail store name a public folder.
+std::string PublicFolderIdentifier(const Organization& organization, const PublicFolder& folder);
 
 }   // namespace kalvo::sample

@@ -243,7 +243,7 @@ class TopNWriter {
                     {"PublicFolderId", "ServerId", "FolderPath", "ExchangeId", "MsgCount", "MsgSize", "LastModified"});
     for (std::size_t i = 0; i < organization_.publicFolders.size(); ++i) {
       const PublicFolder& folder = organization_.publicFolders[i];
-      run_.rows.Add(i + 1, organization_.servers[folder.server].id, folder.path, PublicFolderIdentifier(folder),
+      run_.rows.Add(i + 1, organization_.servers[folder.server].id, folder.path, PublicFolderIdentifier(organization_, folder),
                     folder.messages, folder.space, DateOf(newestOfFolders_[i]));
     }
   }

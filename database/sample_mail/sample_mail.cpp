@@ -8,7 +8,7 @@
 #include <set>
 #include <string>
 
-#include "adapters/mail/text.h"
+#include "database/sample/mail_names.h"
 #include "database/sample/messages.h"
 #include "database/sample_mail/mail_text.h"
 #include "platform/append.h"
@@ -46,12 +46,8 @@ void WriteFile(const fs::path& file, std::string_view content) {
 }
 
 std::string FolderName(std::string_view path) {
-  std::string name;
-  for (const std::string& step : mail::ParsePath(path)) {
-    const bool isInbox = name.empty() && step == "Inbox";
-    Append(name, '.', isInbox ? "INBOX" : mail::ToModifiedUtf7(step));
-  }
-  return name == ".INBOX" ? "" : name;
+  const std::string name = MaildirName(path);
+  return name == "INBOX" ? "" : "." + name;
 }
 
 class MailWriter {
@@ -161,12 +157,10 @@ class MailWriter {
   }
 
   void WriteKey() {
-    Random random = organization_.RandomFor("identifiers");
-    std::string key;
-    for (int i = 0; i < 16; ++i) key += static_cast<char>(random.Below(256));
+    const mail::IdentifierKey key = MailKey(organization_);
     fs::create_directory(store_ / ".kalvo");
     fs::permissions(store_ / ".kalvo", fs::perms::owner_all);
-    WriteFile(store_ / ".kalvo" / "key", key);
+    WriteFile(store_ / ".kalvo" / "key", std::string(key.begin(), key.end()));
   }
 
   const Organization& organization_;

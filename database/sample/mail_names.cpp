@@ -1,0 +1,29 @@
+#include "database/sample/mail_names.h"
+
+#include "adapters/mail/text.h"
+#include "platform/append.h"
+
+namespace kalvo::sample {
+
+mail::IdentifierKey MailKey(const Organization& organization) {
+  Random random = organization.RandomFor("identifiers");
+  mail::IdentifierKey key;
+  for (std::uint8_t& byte : key) byte = static_cast<std::uint8_t>(random.Below(256));
+  return key;
+}
+
+std::string MaildirName(std::string_view path) {
+  return Built([&](std::string& name) {
+    for (const std::string& step : mail::ParsePath(path)) {
+      const bool isInbox = name.empty() && step == "Inbox";
+      Append(name, name.empty() ? "" : ".", isInbox ? "INBOX" : mail::ToModifiedUtf7(step));
+    }
+  });
+}
+
+std::string PublicFolderIdentifier(const Organization& organization, const PublicFolder& folder) {
+  const mail::IdentifierKey key = MailKey(organization);
+  return mail::FolderIdentifier({key, organization.servers[folder.server].computerName, ""}, MaildirName(folder.path));
+}
+
+}   // namespace kalvo::sample
