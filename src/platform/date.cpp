@@ -55,9 +55,15 @@ void AppendDay(std::string& out, const year_month_day& day, const Locale& locale
   const auto dayOfMonth = [&] { AppendDayPart(out, unsigned{day.day()}, locale); };
   const auto separator = [&] { out += locale.dateSeparator; };
   switch (locale.dateOrder) {
-    case DateOrder::MonthDayYear: month(), separator(), dayOfMonth(), separator(), Append(out, int{day.year()}); break;
-    case DateOrder::DayMonthYear: dayOfMonth(), separator(), month(), separator(), Append(out, int{day.year()}); break;
-    case DateOrder::YearMonthDay: Append(out, int{day.year()}), separator(), month(), separator(), dayOfMonth(); break;
+    case DateOrder::MonthDayYear:
+      month(), separator(), dayOfMonth(), separator(), Append(out, int{day.year()});
+      break;
+    case DateOrder::DayMonthYear:
+      dayOfMonth(), separator(), month(), separator(), Append(out, int{day.year()});
+      break;
+    case DateOrder::YearMonthDay:
+      Append(out, int{day.year()}), separator(), month(), separator(), dayOfMonth();
+      break;
   }
 }
 
@@ -187,7 +193,7 @@ class DateReader {
   int year_ = 0, month_ = 0, day_ = 0, hour_ = 0, minute_ = 0, second_ = 0;
 };
 
-}  // namespace
+}   // namespace
 
 void AppendDate(std::string& out, Date date, const Locale& locale) {
   const auto moment = TakeApart(date.serial);
@@ -220,4 +226,4 @@ int YearOf(Date date) {
   return int{moment->day.year()};
 }
 
-}  // namespace kalvo
+}   // namespace kalvo
