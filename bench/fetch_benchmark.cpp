@@ -180,8 +180,8 @@ class Reporter final : public benchmark::ConsoleReporter {
   std::map<std::string, double> times_;
 };
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo
 
 int main(int count, char** arguments) {
   benchmark::Initialize(&count, arguments);

@@ -93,7 +93,7 @@ void Print(const char* what, const char* state, const std::shared_ptr<imap::Imap
               after.messagesFetched - before.messagesFetched, (after.bytesRead - before.bytesRead) / 1024);
 }
 
-}   // namespace
+}  // namespace
 
 // The argument is the number of messages, when not 50 000.
 int main(int argumentCount, char** arguments) {

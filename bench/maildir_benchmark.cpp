@@ -122,7 +122,7 @@ void PrintFloor(const char* what, const std::function<std::int64_t()>& step) {
   std::printf("%-34s %9.1f ms %29lld\n", what, time, static_cast<long long>(result));
 }
 
-}   // namespace
+}  // namespace
 
 int main() {
   std::string name = (fs::temp_directory_path() / "kalvo-bench-XXXXXX").string();

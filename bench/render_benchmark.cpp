@@ -11,11 +11,11 @@
 
 #include "bench/memory_database.h"
 #include "bench/memory_page.h"
+#include "datasrc/row_source.h"
 #include "kalvo/column_database.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
 #include "kalvo/table.h"
-#include "datasrc/row_source.h"
 #include "kalvo/table_database.h"
 #include "platform/append.h"
 
@@ -24,7 +24,7 @@ namespace {
 
 // ---- the report: servers with their figures, as the catalogue's table 31 shows them ------------------------
 
-const std::vector<std::string> kFields = {"DomainName", "ComputerName", "Missing",  "Mailboxes",
+const std::vector<std::string> kFields = {"DomainName", "ComputerName", "Missing", "Mailboxes",
                                           "MBSpace",    "PBFolders",    "PbSpace"};
 
 MemoryTable Servers(int rows) {
@@ -42,8 +42,7 @@ MemoryTable Servers(int rows) {
 // ---- the library -------------------------------------------------------------------------------------------
 
 // A page of the report, as far as one can be asked for.
-void RenderPage(MemoryPage& page, const Platform& platform, KalvoTableDatabase& tables,
-                KalvoColumnDatabase& columns) {
+void RenderPage(MemoryPage& page, const Platform& platform, KalvoTableDatabase& tables, KalvoColumnDatabase& columns) {
   auto context = std::make_shared<Context>();
   auto display = std::make_shared<Display>(platform.locale);
   context->OnStartPage(page);
@@ -54,8 +53,7 @@ void RenderPage(MemoryPage& page, const Platform& platform, KalvoTableDatabase& 
 }
 
 // Rows alone, as many as there are: a page shows 32767 at the most.
-void RenderRows(MemoryPage& page, const Platform& platform, KalvoTableDatabase& tables,
-                KalvoColumnDatabase& columns) {
+void RenderRows(MemoryPage& page, const Platform& platform, KalvoTableDatabase& tables, KalvoColumnDatabase& columns) {
   auto context = std::make_shared<Context>();
   auto display = std::make_shared<Display>(platform.locale);
   context->OnStartPage(page);

@@ -101,7 +101,7 @@ void Measure(const std::string& file) {
   }
 }
 
-}   // namespace
+}  // namespace
 
 int main(int count, char** arguments) {
   if (count > 1) {

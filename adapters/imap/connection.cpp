@@ -30,7 +30,7 @@ std::string Shown(const char* answer) {
   return text;
 }
 
-}   // namespace
+}  // namespace
 
 Connection::Session::Session(Transport& transport, ResponseGuard& guard)
     : imap(mailimap_new(0, nullptr)), stream(NewGuardedStream(transport, guard)) {
@@ -132,4 +132,4 @@ bool Connection::Has(const char* capability) { return mailimap_has_extension(ses
 
 std::size_t Connection::BytesRead() const { return transport_->BytesRead(); }
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

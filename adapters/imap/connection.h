@@ -24,14 +24,14 @@ struct Login {
 };
 
 struct Folder {
-  std::string name;   // as the server writes it
+  std::string name;  // as the server writes it
   bool selectable = true;
 };
 
 // The state of a folder's messages: as long as all three are the same, the messages are.
 struct FolderState {
   std::uint32_t uidValidity = 0;
-  std::uint32_t uidNext = 0;   // 0 where the server does not tell
+  std::uint32_t uidNext = 0;  // 0 where the server does not tell
   std::uint32_t messages = 0;
 
   bool operator==(const FolderState&) const = default;
@@ -106,7 +106,7 @@ class Connection {
   void Check(int code, std::string_view step);
   [[noreturn]] void Fail(int code, std::string_view step);
 
-  std::string name_;   // for errors
+  std::string name_;  // for errors
   std::unique_ptr<Transport> transport_;
   std::unique_ptr<ResponseGuard> guard_;
   std::unique_ptr<Session> session_;
@@ -118,4 +118,4 @@ class Connection {
   std::vector<std::string> foreign_;
 };
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

@@ -28,7 +28,7 @@ void AddPrefixes(const mailimap_namespace_item* item, std::vector<std::string>& 
   }
 }
 
-}   // namespace
+}  // namespace
 
 std::vector<Folder> Connection::List(std::string_view pattern, std::string_view prefix) {
   CheckSendable("The folder name", pattern);
@@ -126,4 +126,4 @@ std::optional<std::string> Connection::Rights(const std::string& folder) {
   return std::string(data->rights);
 }
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

@@ -32,12 +32,9 @@ Owned<mailimap_fetch_type> FetchOf(Items... items) {
 mailimap_sort_key* NewSortKey(const ServerSort& sort) {
   const int reverse = sort.descending ? 1 : 0;
   switch (sort.key) {
-    case ServerSortKey::Date:
-      return mailimap_sort_key_new_date(reverse);
-    case ServerSortKey::Arrival:
-      return mailimap_sort_key_new_arrival(reverse);
-    case ServerSortKey::Size:
-      return mailimap_sort_key_new_size(reverse);
+    case ServerSortKey::Date: return mailimap_sort_key_new_date(reverse);
+    case ServerSortKey::Arrival: return mailimap_sort_key_new_arrival(reverse);
+    case ServerSortKey::Size: return mailimap_sort_key_new_size(reverse);
   }
   return nullptr;
 }
@@ -55,7 +52,7 @@ Owned<mailimap_store_att_flags> DeletedFlag(bool set) {
                                              : mailimap_store_att_flags_new_remove_flags_silent(flags));
 }
 
-}   // namespace
+}  // namespace
 
 std::vector<std::uint32_t> Connection::AllUids() {
   const Owned<mailimap_search_key> all(mailimap_search_key_new_all());
@@ -140,4 +137,4 @@ void Connection::Expunge(std::uint32_t uid) {
   Check(mailimap_uid_expunge(session_->imap, set.get()), "EXPUNGE");
 }
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

@@ -11,7 +11,7 @@ constexpr std::size_t kKeptConnections = 8;
 // A page asks a silent server several times in a row; only the first of them waits.
 constexpr std::chrono::milliseconds kSilence{1000};
 
-}   // namespace
+}  // namespace
 
 Connection& ConnectionPool::Get(const ServerAddress& address, const std::string& user, const Deadline& deadline) {
   const auto found = std::find_if(kept_.begin(), kept_.end(),
@@ -44,4 +44,4 @@ void ConnectionPool::RefuseWhileSilent(const ServerAddress& address) {
   silent_.erase(found);
 }
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

@@ -121,9 +121,9 @@ class ConnectionPool {
   };
 
   const Settings settings_;
-  std::list<Kept> kept_;   // the one used last first
+  std::list<Kept> kept_;  // the one used last first
   std::map<const ServerAddress*, Silence> silent_;
   Traffic cost_;
 };
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

@@ -24,4 +24,4 @@ class Deadline {
   Clock::time_point end_;
 };
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

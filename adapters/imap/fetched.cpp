@@ -96,18 +96,12 @@ std::string Parameter(const mailimap_body_fld_param* parameters, const char* nam
 
 constexpr std::string_view MediaType(const mailimap_media_basic& media) {
   switch (media.med_type) {
-    case MAILIMAP_MEDIA_BASIC_APPLICATION:
-      return "application";
-    case MAILIMAP_MEDIA_BASIC_AUDIO:
-      return "audio";
-    case MAILIMAP_MEDIA_BASIC_IMAGE:
-      return "image";
-    case MAILIMAP_MEDIA_BASIC_MESSAGE:
-      return "message";
-    case MAILIMAP_MEDIA_BASIC_VIDEO:
-      return "video";
-    default:
-      return View(media.med_basic_type);
+    case MAILIMAP_MEDIA_BASIC_APPLICATION: return "application";
+    case MAILIMAP_MEDIA_BASIC_AUDIO: return "audio";
+    case MAILIMAP_MEDIA_BASIC_IMAGE: return "image";
+    case MAILIMAP_MEDIA_BASIC_MESSAGE: return "message";
+    case MAILIMAP_MEDIA_BASIC_VIDEO: return "video";
+    default: return View(media.med_basic_type);
   }
 }
 
@@ -148,22 +142,15 @@ void AddParts(const mailimap_body& body, std::vector<mail::Attachment>& attachme
       const auto& text = *part.bd_data.bd_type_text;
       return AddPart("text", View(text.bd_media_text), *text.bd_fields, part.bd_ext_1part, attachments);
     }
-    default:
-      return;
+    default: return;
   }
 }
 
 void ReadItem(const mailimap_msg_att_static& item, Fetched& message) {
   switch (item.att_type) {
-    case MAILIMAP_MSG_ATT_UID:
-      message.uid = item.att_data.att_uid;
-      return;
-    case MAILIMAP_MSG_ATT_RFC822_SIZE:
-      message.size = item.att_data.att_rfc822_size;
-      return;
-    case MAILIMAP_MSG_ATT_INTERNALDATE:
-      message.received = ArrivalTime(*item.att_data.att_internal_date);
-      return;
+    case MAILIMAP_MSG_ATT_UID: message.uid = item.att_data.att_uid; return;
+    case MAILIMAP_MSG_ATT_RFC822_SIZE: message.size = item.att_data.att_rfc822_size; return;
+    case MAILIMAP_MSG_ATT_INTERNALDATE: message.received = ArrivalTime(*item.att_data.att_internal_date); return;
     case MAILIMAP_MSG_ATT_ENVELOPE: {
       const auto& envelope = *item.att_data.att_env;
       message.sent = SentTime(envelope.env_date);
@@ -171,15 +158,12 @@ void ReadItem(const mailimap_msg_att_static& item, Fetched& message) {
       message.sender = Sender(envelope);
       return;
     }
-    case MAILIMAP_MSG_ATT_BODYSTRUCTURE:
-      AddParts(*item.att_data.att_bodystructure, message.attachments);
-      return;
-    default:
-      return;
+    case MAILIMAP_MSG_ATT_BODYSTRUCTURE: AddParts(*item.att_data.att_bodystructure, message.attachments); return;
+    default: return;
   }
 }
 
-}   // namespace
+}  // namespace
 
 Fetched ReadMessage(const mailimap_msg_att& answer) {
   Fetched message;
@@ -189,4 +173,4 @@ Fetched ReadMessage(const mailimap_msg_att& answer) {
   return message;
 }
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

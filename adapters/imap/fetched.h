@@ -15,7 +15,7 @@ namespace kalvo::imap {
 struct Summary {
   std::uint32_t uid = 0;
   std::int64_t size = 0;
-  std::int64_t received = 0;   // seconds since 1970, UTC
+  std::int64_t received = 0;  // seconds since 1970, UTC
 };
 
 // One message, without its body. Texts are decoded and cleaned.
@@ -32,4 +32,4 @@ struct Fetched {
 // What a FETCH answer says of one message; what it leaves out stays as it was made.
 Fetched ReadMessage(const mailimap_msg_att& answer);
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

@@ -36,7 +36,7 @@ void FetchNew(Connection& connection, const std::vector<std::uint32_t>& uids, Su
   }
 }
 
-}   // namespace
+}  // namespace
 
 std::int64_t KnownFolder::TotalSize() const {
   return std::accumulate(messages->begin(), messages->end(), std::int64_t{0},
@@ -90,4 +90,4 @@ void FolderCache::Trim() {
   entries_.erase(entry, entries_.end());
 }
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

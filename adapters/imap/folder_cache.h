@@ -16,8 +16,8 @@ namespace kalvo::imap {
 // numbers the folder anew; the list of messages holds as long as the folder's state.
 struct KnownFolder {
   FolderState state;
-  std::shared_ptr<const std::vector<Summary>> messages;   // the last received first
-  std::unordered_map<std::uint32_t, Fetched> rows;        // those that were shown
+  std::shared_ptr<const std::vector<Summary>> messages;  // the last received first
+  std::unordered_map<std::uint32_t, Fetched> rows;       // those that were shown
 
   std::int64_t TotalSize() const;
 };
@@ -41,7 +41,7 @@ class FolderCache {
   std::shared_ptr<KnownFolder> Use(const std::string& place);
   void Trim();
 
-  std::list<Entry> entries_;   // the one used last first
+  std::list<Entry> entries_;  // the one used last first
 };
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

@@ -43,7 +43,7 @@ void Free(mailstream_low* low) {
 mailstream_low_driver kDriver = {Read,    Write,   Close,   Descriptor, Free,   Nothing,
                                  nullptr, nullptr, nullptr, nullptr,    nullptr};
 
-}   // namespace
+}  // namespace
 
 mailstream* NewGuardedStream(Transport& transport, ResponseGuard& guard) {
   auto* low = mailstream_low_new(new Ends{transport, guard}, &kDriver);
@@ -53,4 +53,4 @@ mailstream* NewGuardedStream(Transport& transport, ResponseGuard& guard) {
   return stream;
 }
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

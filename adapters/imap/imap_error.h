@@ -7,11 +7,11 @@
 namespace kalvo::imap {
 
 enum class Fault {
-  Refused,       // the server answered NO: the connection is as good as before
-  Lost,          // the connection is gone: another one may do
-  TimedOut,      // the server is silent or slow
-  Unreachable,   // no connection can be made
-  Nonsense,      // what came is not what the protocol has, or more than we take
+  Refused,      // the server answered NO: the connection is as good as before
+  Lost,         // the connection is gone: another one may do
+  TimedOut,     // the server is silent or slow
+  Unreachable,  // no connection can be made
+  Nonsense,     // what came is not what the protocol has, or more than we take
 };
 
 // A failure of a mail server; 0x80004005 and a sentence that names the server, the step and what went wrong.
@@ -25,4 +25,4 @@ class ImapError : public Error {
   Fault fault_;
 };
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

@@ -9,4 +9,4 @@ std::shared_ptr<mail::MailStore> OpenImapStore(std::string_view url) {
   return std::make_shared<ImapStore>(ReadSettings(url));
 }
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

@@ -14,4 +14,4 @@ namespace kalvo::imap {
 // is connected to before it is asked for.
 std::shared_ptr<mail::MailStore> OpenImapStore(std::string_view url);
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

@@ -68,7 +68,7 @@ std::string PlaceText(const Place& place) {
   return Built([&](std::string& out) { Append(out, place.server, '\n', place.user, '\n', place.folder); });
 }
 
-}   // namespace
+}  // namespace
 
 ImapStore::ImapStore(Settings settings)
     : pool_(std::make_shared<ConnectionPool>(std::move(settings))), key_(MakeKey(pool_->Config())) {
@@ -245,4 +245,4 @@ void ImapStore::Remove(const mail::Tree& tree, std::string_view folder, std::str
   pool_->WithOwn(tree.server, UserOf(tree), [&](Connection& connection) { removal.Run(connection); });
 }
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

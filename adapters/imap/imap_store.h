@@ -36,8 +36,8 @@ class ImapStore : public mail::MailStore {
  private:
   // The folders of a tree below one of its folders, as the server has them.
   struct Root {
-    std::string prefix;                  // of every name in the tree
-    std::vector<std::string> excluded;   // prefixes that belong to other trees
+    std::string prefix;                 // of every name in the tree
+    std::vector<std::string> excluded;  // prefixes that belong to other trees
   };
 
   std::string UserOf(const mail::Tree& tree) const;
@@ -52,4 +52,4 @@ class ImapStore : public mail::MailStore {
   std::filesystem::file_time_type directoryWritten_;
 };
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

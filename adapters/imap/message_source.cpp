@@ -13,8 +13,8 @@ namespace kalvo::imap {
 
 namespace {
 
-constexpr std::size_t kWindow = 50;            // a page
-constexpr std::size_t kLargestWindow = 2000;   // for a listing that is read from end to end
+constexpr std::size_t kWindow = 50;           // a page
+constexpr std::size_t kLargestWindow = 2000;  // for a listing that is read from end to end
 constexpr std::size_t kKeptRows = 50'000;
 constexpr std::size_t kUndatedAtMost = 2000;
 
@@ -23,14 +23,10 @@ constexpr std::int64_t kOldestDate = 31'536'000;
 
 std::optional<ServerSortKey> ServerKey(mail::MessageField field) {
   switch (field) {
-    case mail::MessageField::Sent:
-      return ServerSortKey::Date;
-    case mail::MessageField::Received:
-      return ServerSortKey::Arrival;
-    case mail::MessageField::Size:
-      return ServerSortKey::Size;
-    default:
-      return std::nullopt;
+    case mail::MessageField::Sent: return ServerSortKey::Date;
+    case mail::MessageField::Received: return ServerSortKey::Arrival;
+    case mail::MessageField::Size: return ServerSortKey::Size;
+    default: return std::nullopt;
   }
 }
 
@@ -38,7 +34,7 @@ bool KnowsHere(const mail::MessageSort& sort) {
   return sort.field == mail::MessageField::Received || sort.field == mail::MessageField::Size;
 }
 
-}   // namespace
+}  // namespace
 
 ImapMessages::ImapMessages(std::shared_ptr<ConnectionPool> pool, Place place, std::shared_ptr<KnownFolder> folder)
     : pool_(std::move(pool)),
@@ -213,4 +209,4 @@ std::optional<MessageNumber> ReadMessageKey(std::string_view key) {
   return number;
 }
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

@@ -52,7 +52,7 @@ class ImapMessages : public mail::MessageSource {
   std::shared_ptr<KnownFolder> folder_;
   std::shared_ptr<const std::vector<Summary>> messages_;
   std::string key_;
-  std::int32_t expected_ = -1;   // the message after the last window
+  std::int32_t expected_ = -1;  // the message after the last window
   std::size_t window_ = 0;
   std::chrono::milliseconds timeLeft_;
 };
@@ -68,4 +68,4 @@ struct MessageNumber {
 // Nothing for a text that is no such key.
 std::optional<MessageNumber> ReadMessageKey(std::string_view key);
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

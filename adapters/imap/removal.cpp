@@ -56,4 +56,4 @@ void Removal::CheckAllowed(Connection& connection) const {
   throw mail::StoreFailed("Deleting messages is not allowed in this folder.");
 }
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

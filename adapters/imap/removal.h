@@ -30,4 +30,4 @@ class Removal {
   bool expunging_ = false;
 };
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

@@ -33,7 +33,7 @@ bool BreaksTheParser(std::string_view code) {
   return flag <= 0x20 || flag >= 0x7F || std::string_view("(){%*\"\\]").find(code[0]) != std::string_view::npos;
 }
 
-}   // namespace
+}  // namespace
 
 bool ResponseGuard::Accept(std::string_view bytes) {
   answerBytes_ += bytes.size();
@@ -70,18 +70,10 @@ void ResponseGuard::Take(char byte) {
       if (byte == '\\') state_ = State::Escaped;
       if (byte == '"') state_ = State::Plain;
       break;
-    case State::Escaped:
-      state_ = State::Quoted;
-      break;
-    case State::LiteralSize:
-      TakeLiteralSize(byte);
-      break;
-    case State::LiteralEnd:
-      state_ = State::Plain;
-      [[fallthrough]];
-    case State::Plain:
-      TakePlain(byte);
-      break;
+    case State::Escaped: state_ = State::Quoted; break;
+    case State::LiteralSize: TakeLiteralSize(byte); break;
+    case State::LiteralEnd: state_ = State::Plain; [[fallthrough]];
+    case State::Plain: TakePlain(byte); break;
   }
   before_ = byte;
 }
@@ -111,22 +103,16 @@ void ResponseGuard::TakeProse(char byte) {
 
 void ResponseGuard::TakePlain(char byte) {
   switch (byte) {
-    case '(':
-      return Open();
-    case ')':
-      depth_ = std::max(0, depth_ - 1);
-      return;
-    case '"':
-      state_ = State::Quoted;
-      return;
+    case '(': return Open();
+    case ')': depth_ = std::max(0, depth_ - 1); return;
+    case '"': state_ = State::Quoted; return;
     case '{':
       // Inside a word a brace is only a character.
       if (!IsBlank(before_) && before_ != '(') return;
       state_ = State::LiteralSize;
       literalSize_ = 0;
       return;
-    default:
-      return;
+    default: return;
   }
 }
 
@@ -169,4 +155,4 @@ void ResponseGuard::Refuse(std::string_view what, std::size_t limit) {
   if (limit > 0) Append(refusal_, limit);
 }
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

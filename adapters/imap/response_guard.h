@@ -46,8 +46,8 @@ class ResponseGuard {
   int word_ = 0;
   std::string keyword_;
   bool prose_ = false;
-  std::string code_;   // how the prose begins, runs of blanks as one
+  std::string code_;  // how the prose begins, runs of blanks as one
   std::string refusal_;
 };
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

@@ -57,10 +57,10 @@ struct Connection::Session {
   Session& operator=(const Session&) = delete;
 
   mailimap* imap;
-  mailstream* stream;   // owned by the session once it is connected
+  mailstream* stream;  // owned by the session once it is connected
 };
 
 // A stream for the library that reads through the guard. Never throws; a refused byte is a failed read.
 mailstream* NewGuardedStream(Transport& transport, ResponseGuard& guard);
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

@@ -148,7 +148,7 @@ struct Reader {
   }
 };
 
-}   // namespace
+}  // namespace
 
 const ServerAddress& Settings::AddressOf(std::string_view serverName) const {
   const auto found = servers.find(Lower(serverName));
@@ -193,4 +193,4 @@ void CheckSendable(std::string_view what, std::string_view text) {
   }
 }
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

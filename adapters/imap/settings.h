@@ -10,28 +10,28 @@
 namespace kalvo::imap {
 
 enum class Security {
-  None,       // bytes as they are: for a server on this machine
-  StartTls,   // TLS over the plain connection, before anything is said
-  Tls,        // TLS from the first byte
+  None,      // bytes as they are: for a server on this machine
+  StartTls,  // TLS over the plain connection, before anything is said
+  Tls,       // TLS from the first byte
 };
 
 struct ServerAddress {
   std::string host;
   std::uint16_t port = 143;
   Security security = Security::StartTls;
-  std::string certificateFile;   // the authorities to trust, PEM; "": the system's
+  std::string certificateFile;  // the authorities to trust, PEM; "": the system's
 };
 
 // Where the mailboxes are and how we log in there. Only these servers are ever connected to.
 struct Settings {
-  ServerAddress server;                                        // of every server name that has no address of its own
-  std::map<std::string, ServerAddress, std::less<>> servers;   // by server name, in lower case
+  ServerAddress server;                                       // of every server name that has no address of its own
+  std::map<std::string, ServerAddress, std::less<>> servers;  // by server name, in lower case
   std::string administrator;
   std::string password;
-  std::string loginTemplate = "{mailbox}*{admin}";   // {mailbox}: the mailbox's location in the directory
-  std::string publicTemplate = "{admin}";            // who reads and deletes in public folders
+  std::string loginTemplate = "{mailbox}*{admin}";  // {mailbox}: the mailbox's location in the directory
+  std::string publicTemplate = "{admin}";           // who reads and deletes in public folders
   std::string directoryFile;
-  bool serverSort = true;   // use the server's own sorting where it has one
+  bool serverSort = true;  // use the server's own sorting where it has one
   Limits limits;
 
   const ServerAddress& AddressOf(std::string_view serverName) const;
@@ -58,4 +58,4 @@ Settings ReadSettings(std::string_view url);
 // Fails where a text that is to be sent holds a byte that could end the command: below 0x20, or 0x7F.
 void CheckSendable(std::string_view what, std::string_view text);
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

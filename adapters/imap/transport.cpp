@@ -154,4 +154,4 @@ std::ptrdiff_t Transport::Write(const char* bytes, std::size_t size) {
   }
 }
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

@@ -59,4 +59,4 @@ class Transport {
   std::size_t bytesRead_ = 0;
 };
 
-}   // namespace kalvo::imap
+}  // namespace kalvo::imap

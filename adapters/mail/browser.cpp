@@ -18,7 +18,7 @@ KeptBinding Kept(const Binding& binding, std::string folder = {}) {
   return {binding.key, std::string(binding.server), std::string(binding.mailbox), std::move(folder)};
 }
 
-}   // namespace
+}  // namespace
 
 Browser::Browser(std::shared_ptr<MailStore> store) : store_(std::move(store)) {}
 Browser::~Browser() = default;
@@ -163,4 +163,4 @@ Browser::Position& Browser::Standing() {
   return *position_;
 }
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

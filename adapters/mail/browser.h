@@ -49,7 +49,7 @@ class Browser : public LiveContainer {
  private:
   // The folder that the container stands on, with what was listed of it.
   struct Position {
-    std::shared_ptr<const Directory> names;   // keeps the tree's mailbox
+    std::shared_ptr<const Directory> names;  // keeps the tree's mailbox
     Tree tree;
     std::string folder;
     FolderPath path;
@@ -72,4 +72,4 @@ class Browser : public LiveContainer {
   std::optional<MessageDetails> message_;
 };
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

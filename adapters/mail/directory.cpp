@@ -13,10 +13,10 @@ namespace {
 constexpr std::string_view kProduct = "Kalvo ";
 
 std::string_view WithoutDomain(std::string_view account) {
-  return account.substr(account.rfind('\\') + 1);   // no domain: from 0
+  return account.substr(account.rfind('\\') + 1);  // no domain: from 0
 }
 
-}   // namespace
+}  // namespace
 
 Directory::Directory(std::vector<MailServer> servers, std::vector<Mailbox> mailboxes)
     : servers_(std::move(servers)), mailboxes_(std::move(mailboxes)) {
@@ -99,4 +99,4 @@ std::string ProductMailbox(std::string_view server) {
   return Built([&](std::string& out) { Append(out, kProduct, server); });
 }
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

@@ -12,18 +12,18 @@ namespace kalvo::mail {
 // A mailbox as its store knows it.
 struct Mailbox {
   std::string server;
-  std::string name;                     // display name
-  std::string account;                  // its owner, in the form of the logon name
-  std::vector<std::string> addresses;   // the first is the one that it is known by
-  std::string distinguishedName;        // may be ""
-  std::string location;                 // where the store keeps it, in the store's own terms
+  std::string name;                    // display name
+  std::string account;                 // its owner, in the form of the logon name
+  std::vector<std::string> addresses;  // the first is the one that it is known by
+  std::string distinguishedName;       // may be ""
+  std::string location;                // where the store keeps it, in the store's own terms
 
   const std::string& Address() const { return addresses.front(); }
 };
 
 struct MailServer {
   std::string name;
-  std::string publicFolders;   // where the store keeps them, in the store's own terms; "" for none
+  std::string publicFolders;  // where the store keeps them, in the store's own terms; "" for none
 };
 
 // The servers and mailboxes of a store, and which of them a typed name means:
@@ -54,13 +54,13 @@ class Directory {
 
   std::vector<MailServer> servers_;
   std::vector<Mailbox> mailboxes_;
-  std::unordered_multimap<std::string, std::size_t> exact_;      // addresses, distinguished names, accounts
-  std::unordered_multimap<std::string, std::size_t> accounts_;   // without their domain
-  std::vector<std::pair<std::string, std::size_t>> names_;       // display names in lower case, sorted
+  std::unordered_multimap<std::string, std::size_t> exact_;     // addresses, distinguished names, accounts
+  std::unordered_multimap<std::string, std::size_t> accounts_;  // without their domain
+  std::vector<std::pair<std::string, std::size_t>> names_;      // display names in lower case, sorted
 };
 
 // "Kalvo <server>", without regard to case.
 bool IsProductMailbox(std::string_view server, std::string_view mailbox);
 std::string ProductMailbox(std::string_view server);
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

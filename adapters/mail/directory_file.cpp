@@ -134,7 +134,7 @@ class DirectoryReader {
   std::optional<Mailbox> mailbox_;
 };
 
-}   // namespace
+}  // namespace
 
 Directory ReadDirectory(std::string_view file, std::string_view text) { return DirectoryReader(file, text).Read(); }
 
@@ -145,4 +145,4 @@ Directory ReadDirectoryFile(const std::string& path) {
   return ReadDirectory(path, text);
 }
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

@@ -26,4 +26,4 @@ Directory ReadDirectory(std::string_view file, std::string_view text);
 // The same, from a file. Fails where it cannot be read.
 Directory ReadDirectoryFile(const std::string& path);
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

@@ -8,29 +8,12 @@ namespace kalvo::mail {
 
 namespace {
 
-// A name comes from the request, and a page shows a description as it stands: without angle brackets it stays
-// text there.
-void AppendName(std::string& out, std::string_view name) {
-  for (const char c : name) {
-    if (c == '<') {
-      out += "\u2039";
-    } else if (c == '>') {
-      out += "\u203A";
-    } else {
-      out += c;
-    }
-  }
-}
-
+// The name comes from the request.
 Error Named(std::int32_t number, std::string_view before, std::string_view name, std::string_view after) {
-  return Error(number, Built([&](std::string& out) {
-                 Append(out, before, "\"");
-                 AppendName(out, name);
-                 Append(out, "\"", after);
-               }));
+  return Error(number, Built([&](std::string& out) { Append(out, before, '"', InDescription(name), '"', after); }));
 }
 
-}   // namespace
+}  // namespace
 
 Error NoSuchFolder(std::string_view what) { return Error(codes::kNoSuchFolder, std::string(what)); }
 
@@ -52,4 +35,4 @@ Error UnknownField(std::string_view name) { return Named(codes::kFailed, "The li
 
 Error StoreFailed(std::string description) { return Error(codes::kFailed, std::move(description)); }
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

@@ -107,7 +107,7 @@ std::string Read(const Binding& binding, char kind, std::string_view identifier)
   throw NoSuchFolder("The identifier was not issued for this mailbox.");
 }
 
-}   // namespace
+}  // namespace
 
 std::uint64_t KeyedHash(const IdentifierKey& key, std::string_view bytes) {
   const auto* at = reinterpret_cast<const std::uint8_t*>(bytes.data());
@@ -146,4 +146,4 @@ MessageKeys ReadMessageIdentifier(const Binding& binding, std::string_view ident
   return {payload.substr(2, length), payload.substr(2 + length)};
 }
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

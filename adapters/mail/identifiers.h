@@ -13,8 +13,8 @@ using IdentifierKey = std::array<std::uint8_t, 16>;
 // it; whoever reads it says which tree it has to belong to.
 struct Binding {
   const IdentifierKey& key;
-  std::string_view server;    // without regard to case
-  std::string_view mailbox;   // the mailbox's place in the store; "" for the public folders
+  std::string_view server;   // without regard to case
+  std::string_view mailbox;  // the mailbox's place in the store; "" for the public folders
 };
 
 struct MessageKeys {
@@ -33,4 +33,4 @@ MessageKeys ReadMessageIdentifier(const Binding& binding, std::string_view ident
 // A keyed check value of any bytes (SipHash-2-4).
 std::uint64_t KeyedHash(const IdentifierKey& key, std::string_view bytes);
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

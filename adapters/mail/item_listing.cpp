@@ -22,7 +22,7 @@ Key KeyOf(Value value) {
   return ToDouble(value);
 }
 
-}   // namespace
+}  // namespace
 
 std::int64_t ListingItems::Total(std::size_t field) {
   std::vector<std::int32_t> all(static_cast<std::size_t>(Count()));
@@ -98,4 +98,4 @@ std::size_t ItemListing::FieldPosition(std::string_view name) const {
   return static_cast<std::size_t>(found - fields.begin());
 }
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

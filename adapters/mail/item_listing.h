@@ -23,7 +23,7 @@ struct ListingField {
 };
 
 struct SortKey {
-  std::size_t field;   // its position in `ListingItems::Fields`
+  std::size_t field;  // its position in `ListingItems::Fields`
   bool descending;
 };
 
@@ -71,4 +71,4 @@ class ItemListing : public Listing {
   std::size_t position_ = 0;
 };
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

@@ -71,18 +71,12 @@ class FolderItems : public HeldItems<FolderInfo> {
  protected:
   Value FieldOf(const FolderInfo& folder, std::size_t field) const override {
     switch (field) {
-      case kFolderName:
-        return folder.name;
-      case kFolderId:
-        return FolderIdentifier(binding_.Bound(), folder.key);
-      case kFolderSize:
-        return folder.size;
-      case kFolderMessages:
-        return std::int64_t{folder.messageCount};
-      case kFolderCreated:
-        return DateValue(folder.created);
-      default:
-        return DateValue(folder.modified);
+      case kFolderName: return folder.name;
+      case kFolderId: return FolderIdentifier(binding_.Bound(), folder.key);
+      case kFolderSize: return folder.size;
+      case kFolderMessages: return std::int64_t{folder.messageCount};
+      case kFolderCreated: return DateValue(folder.created);
+      default: return DateValue(folder.modified);
     }
   }
 
@@ -112,16 +106,11 @@ class AddressItems : public HeldItems<std::string> {
 
 MessageField SortField(std::size_t field) {
   switch (field) {
-    case kSubject:
-      return MessageField::Subject;
-    case kSender:
-      return MessageField::Sender;
-    case kSize:
-      return MessageField::Size;
-    case kSent:
-      return MessageField::Sent;
-    default:
-      return MessageField::Received;
+    case kSubject: return MessageField::Subject;
+    case kSender: return MessageField::Sender;
+    case kSize: return MessageField::Size;
+    case kSent: return MessageField::Sent;
+    default: return MessageField::Received;
   }
 }
 
@@ -142,27 +131,20 @@ class MessageItems : public ListingItems {
       current_ = upcoming.front();
     }
     switch (field) {
-      case kSubject:
-        return std::string(row_.subject);
-      case kMessageId:
-        return MessageIdentifier(binding_.Bound(), binding_.folder, row_.key);
-      case kSender:
-        return std::string(row_.sender);
-      case kSize:
-        return row_.size;
-      case kSent:
-        return DateValue(row_.sent);
-      case kReceived:
-        return DateValue(row_.received);
-      default:
-        return std::int32_t{row_.hasAttachment ? 1 : 0};
+      case kSubject: return std::string(row_.subject);
+      case kMessageId: return MessageIdentifier(binding_.Bound(), binding_.folder, row_.key);
+      case kSender: return std::string(row_.sender);
+      case kSize: return row_.size;
+      case kSent: return DateValue(row_.sent);
+      case kReceived: return DateValue(row_.received);
+      default: return std::int32_t{row_.hasAttachment ? 1 : 0};
     }
   }
 
   std::optional<std::vector<std::int32_t>> Order(std::span<const SortKey> keys) override {
     std::vector<MessageSort> sorts;
     for (const SortKey& key : keys) sorts.push_back({SortField(key.field), key.descending});
-    current_ = -1;   // the source may have read other rows for it
+    current_ = -1;  // the source may have read other rows for it
     return source_->Order(sorts);
   }
 
@@ -173,7 +155,7 @@ class MessageItems : public ListingItems {
   std::int32_t current_ = -1;
 };
 
-}   // namespace
+}  // namespace
 
 std::shared_ptr<ListingItems> MakeFolderItems(KeptBinding binding, std::vector<FolderInfo> folders) {
   return std::make_shared<FolderItems>(std::move(binding), std::move(folders));
@@ -191,4 +173,4 @@ std::shared_ptr<ListingItems> MakeAddressItems(std::vector<std::string> addresse
   return std::make_shared<AddressItems>(std::move(addresses));
 }
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

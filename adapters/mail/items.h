@@ -14,7 +14,7 @@ namespace kalvo::mail {
 struct KeptBinding {
   IdentifierKey key{};
   std::string server, mailbox;
-  std::string folder;   // of messages
+  std::string folder;  // of messages
 
   Binding Bound() const { return {key, server, mailbox}; }
 };
@@ -24,4 +24,4 @@ std::shared_ptr<ListingItems> MakeMessageItems(KeptBinding binding, std::unique_
 std::shared_ptr<ListingItems> MakeAttachmentItems(std::vector<Attachment> attachments);
 std::shared_ptr<ListingItems> MakeAddressItems(std::vector<std::string> addresses);
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

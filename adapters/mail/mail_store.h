@@ -21,8 +21,8 @@ using FolderPath = std::vector<std::string>;
 
 // One tree of folders: a mailbox, or the public folders of a server.
 struct Tree {
-  std::string server;                 // as the directory spells it
-  const Mailbox* mailbox = nullptr;   // of the directory; null for the public folders
+  std::string server;                // as the directory spells it
+  const Mailbox* mailbox = nullptr;  // of the directory; null for the public folders
 
   bool IsPublic() const { return mailbox == nullptr; }
 };
@@ -31,10 +31,10 @@ struct Tree {
 // call to call and from process to process. The root's key is "".
 struct FolderInfo {
   std::string key;
-  std::string name;        // UTF-8, cleaned for showing (`CleanText`)
-  std::int64_t size = 0;   // bytes of its own messages
+  std::string name;       // UTF-8, cleaned for showing (`CleanText`)
+  std::int64_t size = 0;  // bytes of its own messages
   std::int32_t messageCount = 0;
-  std::optional<std::int64_t> created;   // seconds since 1970, UTC
+  std::optional<std::int64_t> created;  // seconds since 1970, UTC
   std::optional<std::int64_t> modified;
 };
 
@@ -42,10 +42,10 @@ struct FolderInfo {
 struct MessageRow {
   std::string_view key;
   std::string_view subject;
-  std::string_view sender;                // `SenderText`
-  std::int64_t size = 0;                  // bytes
-  std::optional<std::int64_t> sent;       // the Date header; seconds since 1970, UTC
-  std::optional<std::int64_t> received;   // arrival in the store
+  std::string_view sender;               // `SenderText`
+  std::int64_t size = 0;                 // bytes
+  std::optional<std::int64_t> sent;      // the Date header; seconds since 1970, UTC
+  std::optional<std::int64_t> received;  // arrival in the store
   bool hasAttachment = false;
 };
 
@@ -76,8 +76,8 @@ class MessageSource {
 };
 
 struct Attachment {
-  std::string name;        // cleaned; see `AttachmentName`
-  std::int64_t size = 0;   // decoded bytes
+  std::string name;       // cleaned; see `AttachmentName`
+  std::int64_t size = 0;  // decoded bytes
 };
 
 struct MessageDetails {
@@ -86,7 +86,7 @@ struct MessageDetails {
   std::int64_t size = 0;
   std::optional<std::int64_t> sent;
   std::optional<std::int64_t> received;
-  std::vector<Attachment> attachments;   // as they stand in the message
+  std::vector<Attachment> attachments;  // as they stand in the message
 };
 
 // What a mail store has to offer beneath the browsing object, which checks names, rights of identifiers and flags
@@ -122,4 +122,4 @@ class MailStore {
   virtual void Remove(const Tree& tree, std::string_view folder, std::string_view message) = 0;
 };
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

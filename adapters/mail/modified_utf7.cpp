@@ -86,7 +86,7 @@ char32_t Take(std::string_view& text) {
   return code;
 }
 
-}   // namespace
+}  // namespace
 
 std::string ToModifiedUtf7(std::string_view utf8) {
   std::string out;
@@ -130,4 +130,4 @@ std::string FromModifiedUtf7(std::string_view name) {
   return out;
 }
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

@@ -11,11 +11,11 @@ namespace kalvo::mail {
 
 namespace {
 
-constexpr std::size_t kLongestText = 500;   // characters
+constexpr std::size_t kLongestText = 500;  // characters
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD", kEllipsis = "\xE2\x80\xA6";
 
 struct Character {
-  std::size_t length;   // bytes; 1 for a bad byte
+  std::size_t length;  // bytes; 1 for a bad byte
   char32_t code;
   bool good;
 };
@@ -43,7 +43,7 @@ bool IsControl(char32_t code) {
          (code >= 0x2066 && code <= 0x2069) || code == 0xFEFF;
 }
 
-}   // namespace
+}  // namespace
 
 std::string CleanText(std::string_view raw) {
   std::string clean;
@@ -121,4 +121,4 @@ std::string PathText(const FolderPath& path) {
   return text;
 }
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

@@ -36,4 +36,4 @@ std::string PathText(const FolderPath& path);
 std::string ToModifiedUtf7(std::string_view utf8);
 std::string FromModifiedUtf7(std::string_view name);
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 constexpr int kFileFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-constexpr std::time_t kAbandonedAfter = 60;   // seconds
+constexpr std::time_t kAbandonedAfter = 60;  // seconds
 
 struct CloseFolder {
   void operator()(DIR* folder) const { closedir(folder); }
@@ -45,7 +45,7 @@ File CreateBeside(const File& folder, const std::string& name) {
   return file;
 }
 
-}   // namespace
+}  // namespace
 
 File& File::operator=(File&& other) noexcept {
   std::swap(handle_, other.handle_);
@@ -127,4 +127,4 @@ bool ReplaceFile(const File& folder, const std::string& name, std::string_view c
   return false;
 }
 
-}   // namespace kalvo::maildir
+}  // namespace kalvo::maildir

@@ -55,4 +55,4 @@ std::optional<std::string> ReadAll(const File& file, std::size_t limit);
 // cannot be done, or another process is doing the same right now.
 bool ReplaceFile(const File& folder, const std::string& name, std::string_view content);
 
-}   // namespace kalvo::maildir
+}  // namespace kalvo::maildir

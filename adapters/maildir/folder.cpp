@@ -20,9 +20,9 @@ namespace kalvo::maildir {
 namespace {
 
 constexpr std::size_t kLongestIndex = std::size_t{1} << 30;
-constexpr std::int64_t kSecond = 1'000'000'000;   // nanoseconds
+constexpr std::int64_t kSecond = 1'000'000'000;  // nanoseconds
 constexpr std::int64_t kSettledAfter = 2 * kSecond;
-constexpr int kAttempts = 5;   // a file may be renamed while we look for it
+constexpr int kAttempts = 5;  // a file may be renamed while we look for it
 
 std::int64_t Nanoseconds(const timespec& time) { return time.tv_sec * kSecond + time.tv_nsec; }
 
@@ -36,7 +36,7 @@ std::int64_t SizeOf(std::string_view fileName, const struct stat& status) {
   return SizeFromName(fileName).value_or(status.st_size);
 }
 
-}   // namespace
+}  // namespace
 
 std::string_view UniquePart(std::string_view fileName) { return fileName.substr(0, fileName.find(':')); }
 
@@ -67,7 +67,7 @@ Folder::Folder(File folder, const File& indexes, std::string indexName, std::str
       work_(work) {}
 
 Stamp Folder::StampNow() {
-  const struct stat cur = StatusOf(cur_), fresh = StatusOf(new_);   // zeros for one that is not there
+  const struct stat cur = StatusOf(cur_), fresh = StatusOf(new_);  // zeros for one that is not there
   return {static_cast<std::int64_t>(cur.st_ino), Nanoseconds(cur.st_mtim), static_cast<std::int64_t>(fresh.st_ino),
           Nanoseconds(fresh.st_mtim)};
 }
@@ -124,7 +124,7 @@ std::shared_ptr<const Snapshot> Folder::Messages() {
   std::vector<FoundFile> files = Files();
   std::vector<Entry> entries;
   std::vector<std::string> texts;
-  texts.reserve(files.size() * 3);   // entries refer to them: they must not move
+  texts.reserve(files.size() * 3);  // entries refer to them: they must not move
   const auto keep = [&](std::string text) -> std::string_view { return texts.emplace_back(std::move(text)); };
   for (FoundFile& found : files) {
     const std::string_view name = keep(std::move(found.name));
@@ -133,7 +133,7 @@ std::shared_ptr<const Snapshot> Folder::Messages() {
       entry = *at->second;
     } else {
       const File file = OpenFile(ListOf(found.isNew), std::string(name));
-      if (!file) continue;   // gone again, or renamed: the next listing has it
+      if (!file) continue;  // gone again, or renamed: the next listing has it
       const struct stat status = StatusOf(file);
       MessageContent content = ReadMessage(file, Read::Listing);
       ++work_.messagesParsed;
@@ -201,7 +201,7 @@ bool Folder::Remove(std::string_view unique) {
     const auto found = Find(unique);
     if (!found) return false;
     const File& list = ListOf(found->isNew);
-    if (!OpenFile(list, found->name)) continue;   // renamed meanwhile, or no message at all
+    if (!OpenFile(list, found->name)) continue;  // renamed meanwhile, or no message at all
     if (unlinkat(list.Handle(), found->name.c_str(), 0) == 0) return true;
     if (errno != ENOENT) break;
   }
@@ -221,4 +221,4 @@ std::optional<std::int64_t> Folder::Modified() {
   return std::max(stamp.curTime, stamp.newTime) / kSecond;
 }
 
-}   // namespace kalvo::maildir
+}  // namespace kalvo::maildir

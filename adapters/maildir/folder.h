@@ -15,7 +15,7 @@ namespace kalvo::maildir {
 // What was done since the store was opened, for tests and measurements.
 struct Work {
   std::int64_t messagesParsed = 0;
-  std::int64_t bytesRead = 0;   // of messages and indexes
+  std::int64_t bytesRead = 0;  // of messages and indexes
 };
 
 // The messages of a folder as they were at one moment, the last received first.
@@ -26,8 +26,8 @@ class Snapshot {
   const std::vector<Entry>& Entries() const { return entries_; }
 
  private:
-  std::shared_ptr<const std::string> bytes_;   // of the index; entries refer to them
-  std::vector<std::string> texts_;             // of what was read anew
+  std::shared_ptr<const std::string> bytes_;  // of the index; entries refer to them
+  std::vector<std::string> texts_;            // of what was read anew
   std::vector<Entry> entries_;
 };
 
@@ -55,8 +55,8 @@ class Folder {
   // Deletes the file of a message. False where it is gone.
   bool Remove(std::string_view unique);
 
-  std::optional<std::int64_t> Created();    // seconds since 1970: when the folder was made, where its marker says
-  std::optional<std::int64_t> Modified();   // when a message was last added, removed or renamed
+  std::optional<std::int64_t> Created();   // seconds since 1970: when the folder was made, where its marker says
+  std::optional<std::int64_t> Modified();  // when a message was last added, removed or renamed
 
  private:
   struct FoundFile {
@@ -82,4 +82,4 @@ std::string_view UniquePart(std::string_view fileName);
 // The size that a file's name tells (",S=1234"); nothing where it tells none.
 std::optional<std::int64_t> SizeFromName(std::string_view fileName);
 
-}   // namespace kalvo::maildir
+}  // namespace kalvo::maildir

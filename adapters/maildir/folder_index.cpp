@@ -106,7 +106,7 @@ Entry ReadEntry(Reader& reader) {
   return entry;
 }
 
-}   // namespace
+}  // namespace
 
 std::size_t IndexHeadLength(std::string_view identity) { return HeadBytes(identity, {}).size(); }
 
@@ -157,4 +157,4 @@ std::optional<std::vector<Entry>> ReadIndexEntries(std::string_view bytes, std::
   return entries;
 }
 
-}   // namespace kalvo::maildir
+}  // namespace kalvo::maildir

@@ -10,9 +10,9 @@ namespace kalvo::maildir {
 
 // One message of a folder as its index keeps it. Texts are cleaned and refer to the index's own bytes.
 struct Entry {
-  std::string_view unique;     // the file's name up to ":"; it stays when flags change
-  std::string_view fileName;   // when the index was made; the file may have been renamed since
-  bool isNew = false;          // in "new", else in "cur"
+  std::string_view unique;    // the file's name up to ":"; it stays when flags change
+  std::string_view fileName;  // when the index was made; the file may have been renamed since
+  bool isNew = false;         // in "new", else in "cur"
   bool hasAttachment = false;
   std::int64_t size = 0;
   std::optional<std::int64_t> sent;
@@ -23,14 +23,14 @@ struct Entry {
 // How a folder's two lists of files looked when they were read. As long as they look the same, and were settled,
 // nothing was added, removed or renamed.
 struct Stamp {
-  std::int64_t curInode = 0, curTime = 0, newInode = 0, newTime = 0;   // times in nanoseconds
+  std::int64_t curInode = 0, curTime = 0, newInode = 0, newTime = 0;  // times in nanoseconds
   bool operator==(const Stamp&) const = default;
 };
 
 // The summary at the front of an index.
 struct IndexHead {
   Stamp stamp;
-  bool settled = false;   // the stamp was old enough that a change in the same tick cannot hide
+  bool settled = false;  // the stamp was old enough that a change in the same tick cannot hide
   std::int32_t count = 0;
   std::int64_t totalSize = 0;
 };
@@ -45,4 +45,4 @@ std::optional<std::vector<Entry>> ReadIndexEntries(std::string_view bytes, std::
 // The length of a head for an identity: reading that many bytes is enough for `ReadIndexHead`.
 std::size_t IndexHeadLength(std::string_view identity);
 
-}   // namespace kalvo::maildir
+}  // namespace kalvo::maildir

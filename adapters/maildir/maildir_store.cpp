@@ -22,7 +22,7 @@ namespace kalvo::maildir {
 
 namespace {
 
-constexpr std::string_view kInbox = "INBOX";   // its key; its files lie at the top of the tree
+constexpr std::string_view kInbox = "INBOX";  // its key; its files lie at the top of the tree
 constexpr const char* kMailboxes = "mailboxes.txt";
 constexpr const char* kOwnFolder = ".kalvo";
 constexpr const char* kKeyFile = "key";
@@ -70,7 +70,7 @@ class SnapshotSource : public mail::MessageSource {
   std::shared_ptr<const Snapshot> snapshot_;
 };
 
-}   // namespace
+}  // namespace
 
 // The trees of folders. A folder's key is its name as Maildir++ has it, without the leading point: "Sub.Folder".
 class MaildirStore::Trees : public mail::MailStore {
@@ -264,4 +264,4 @@ std::shared_ptr<LiveContainer> MaildirStore::Open() { return std::make_shared<ma
 
 const Work& MaildirStore::Done() const { return trees_->Done(); }
 
-}   // namespace kalvo::maildir
+}  // namespace kalvo::maildir

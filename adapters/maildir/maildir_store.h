@@ -38,4 +38,4 @@ class MaildirStore {
   std::shared_ptr<Trees> trees_;
 };
 
-}   // namespace kalvo::maildir
+}  // namespace kalvo::maildir

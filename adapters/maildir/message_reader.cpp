@@ -86,13 +86,13 @@ void ReadParts(GMimeObject* top, Read what, MessageContent& content) {
   }
 }
 
-}   // namespace
+}  // namespace
 
 MessageContent ReadMessage(const File& file, Read what) {
   static std::once_flag started;
   std::call_once(started, g_mime_init);
   MessageContent content;
-  const int handle = fcntl(file.Handle(), F_DUPFD_CLOEXEC, 0);   // the stream closes its own
+  const int handle = fcntl(file.Handle(), F_DUPFD_CLOEXEC, 0);  // the stream closes its own
   if (handle < 0) return content;
   const Ref<GMimeStream> stream(g_mime_stream_fs_new_with_bounds(handle, 0, kLongestMessage));
   const Ref<GMimeParser> parser(g_mime_parser_new_with_stream(stream.get()));
@@ -105,4 +105,4 @@ MessageContent ReadMessage(const File& file, Read what) {
   return content;
 }
 
-}   // namespace kalvo::maildir
+}  // namespace kalvo::maildir

@@ -14,7 +14,7 @@ namespace kalvo::odbc {
 
 namespace {
 
-constexpr std::size_t kLongestBound = 4000;   // characters or bytes; longer columns are read piece by piece
+constexpr std::size_t kLongestBound = 4000;  // characters or bytes; longer columns are read piece by piece
 constexpr std::size_t kBytesInCharacter = 4;
 
 struct TypeRow {
@@ -53,14 +53,10 @@ Reading ReadingOf(SQLSMALLINT type) {
 // SQLite's driver holds every value but a blob as text, and a value need not be of its column's type.
 Reading SqliteReading(Reading reading, bool computed) {
   switch (reading) {
-    case Reading::Bytes:
-      return Reading::Bytes;
-    case Reading::Timestamp:
-      return Reading::SqliteDate;
-    case Reading::Text:
-      return computed ? Reading::SqliteComputed : Reading::Text;
-    default:
-      return Reading::Decimal;
+    case Reading::Bytes: return Reading::Bytes;
+    case Reading::Timestamp: return Reading::SqliteDate;
+    case Reading::Text: return computed ? Reading::SqliteComputed : Reading::Text;
+    default: return Reading::Decimal;
   }
 }
 
@@ -74,38 +70,25 @@ std::string TextAttribute(SQLHSTMT statement, SQLUSMALLINT number, SQLUSMALLINT 
 
 SQLSMALLINT CTypeOf(Reading reading) {
   switch (reading) {
-    case Reading::Integer:
-      return SQL_C_SBIGINT;
-    case Reading::Boolean:
-      return SQL_C_BIT;
-    case Reading::Double:
-      return SQL_C_DOUBLE;
-    case Reading::Timestamp:
-      return SQL_C_TYPE_TIMESTAMP;
-    case Reading::Bytes:
-      return SQL_C_BINARY;
-    default:
-      return SQL_C_CHAR;
+    case Reading::Integer: return SQL_C_SBIGINT;
+    case Reading::Boolean: return SQL_C_BIT;
+    case Reading::Double: return SQL_C_DOUBLE;
+    case Reading::Timestamp: return SQL_C_TYPE_TIMESTAMP;
+    case Reading::Bytes: return SQL_C_BINARY;
+    default: return SQL_C_CHAR;
   }
 }
 
 std::size_t WidthOf(Reading reading, SQLULEN size) {
   constexpr std::size_t kDecimalWidth = 128;
   switch (reading) {
-    case Reading::Integer:
-      return sizeof(SQLBIGINT);
-    case Reading::Boolean:
-      return 1;
-    case Reading::Double:
-      return sizeof(double);
-    case Reading::Timestamp:
-      return sizeof(SQL_TIMESTAMP_STRUCT);
-    case Reading::Decimal:
-      return kDecimalWidth;
-    case Reading::Bytes:
-      return size <= kLongestBound ? size : 0;
-    default:
-      return size > 0 && size <= kLongestBound ? size * kBytesInCharacter + 1 : 0;
+    case Reading::Integer: return sizeof(SQLBIGINT);
+    case Reading::Boolean: return 1;
+    case Reading::Double: return sizeof(double);
+    case Reading::Timestamp: return sizeof(SQL_TIMESTAMP_STRUCT);
+    case Reading::Decimal: return kDecimalWidth;
+    case Reading::Bytes: return size <= kLongestBound ? size : 0;
+    default: return size > 0 && size <= kLongestBound ? size * kBytesInCharacter + 1 : 0;
   }
 }
 
@@ -160,7 +143,7 @@ void AddUntyped(sql::BlockStore& rows, std::string_view text) {
   AddDateOrText(rows, date, text);
 }
 
-}   // namespace
+}  // namespace
 
 std::vector<Column> DescribeColumns(SQLHSTMT statement, Engine engine) {
   SQLSMALLINT count = 0;
@@ -172,27 +155,17 @@ std::vector<Column> DescribeColumns(SQLHSTMT statement, Engine engine) {
 
 void AddValue(sql::BlockStore& rows, const Column& column, std::string_view value) {
   switch (column.reading) {
-    case Reading::Text:
-      return rows.AddText(value);
-    case Reading::Integer:
-      return rows.AddInteger(As<std::int64_t>(value));
-    case Reading::Double:
-      return rows.AddDouble(As<double>(value));
-    case Reading::Boolean:
-      return rows.AddBoolean(As<std::uint8_t>(value) != 0);
-    case Reading::Timestamp:
-      return AddTimestamp(rows, As<SQL_TIMESTAMP_STRUCT>(value));
-    case Reading::Bytes:
-      return rows.AddBytes({reinterpret_cast<const std::uint8_t*>(value.data()), value.size()});
-    case Reading::Decimal:
-      return AddDecimal(rows, value);
-    case Reading::SqliteDate:
-      return AddDateOrText(rows, sql::ParseIsoDate(value), value);
-    case Reading::SqliteComputed:
-      return AddDateOrText(rows, sql::ParseIsoDateTime(value), value);
-    case Reading::SqliteUntyped:
-      return AddUntyped(rows, value);
+    case Reading::Text: return rows.AddText(value);
+    case Reading::Integer: return rows.AddInteger(As<std::int64_t>(value));
+    case Reading::Double: return rows.AddDouble(As<double>(value));
+    case Reading::Boolean: return rows.AddBoolean(As<std::uint8_t>(value) != 0);
+    case Reading::Timestamp: return AddTimestamp(rows, As<SQL_TIMESTAMP_STRUCT>(value));
+    case Reading::Bytes: return rows.AddBytes({reinterpret_cast<const std::uint8_t*>(value.data()), value.size()});
+    case Reading::Decimal: return AddDecimal(rows, value);
+    case Reading::SqliteDate: return AddDateOrText(rows, sql::ParseIsoDate(value), value);
+    case Reading::SqliteComputed: return AddDateOrText(rows, sql::ParseIsoDateTime(value), value);
+    case Reading::SqliteUntyped: return AddUntyped(rows, value);
   }
 }
 
-}   // namespace kalvo::odbc
+}  // namespace kalvo::odbc

@@ -25,7 +25,7 @@ std::size_t BlockRows(const std::vector<Column>& columns) {
 // A driver counts the zero behind a text as part of its buffer.
 std::size_t Capacity(const Column& column, std::size_t bytes) { return column.cType == SQL_C_CHAR ? bytes - 1 : bytes; }
 
-}   // namespace
+}  // namespace
 
 Cursor::Cursor(std::shared_ptr<Session> session, const std::string& sql)
     : session_(std::move(session)), sql_(sql), statement_(session_->Get()) {
@@ -103,7 +103,7 @@ Cursor::Outcome Cursor::AddBlock(sql::BlockStore& rows) const {
         rows.AddNull();
         continue;
       }
-      const auto size = static_cast<std::size_t>(length);   // SQL_NO_TOTAL becomes very large
+      const auto size = static_cast<std::size_t>(length);  // SQL_NO_TOTAL becomes very large
       if (size > Capacity(column, column.width)) return Outcome::ValueTooLong;
       AddValue(rows, column, {buffers_[i].values.data() + row * column.width, size});
     }
@@ -160,4 +160,4 @@ void Cursor::AddPieces(sql::BlockStore& rows, SQLUSMALLINT number) {
   AddValue(rows, column, {scratch_.data(), have});
 }
 
-}   // namespace kalvo::odbc
+}  // namespace kalvo::odbc

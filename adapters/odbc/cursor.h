@@ -50,8 +50,8 @@ class Cursor {
   std::vector<Column> columns_;
   std::vector<Buffer> buffers_;
   bool inPieces_ = false;
-  SQLULEN fetched_ = 0;   // rows of the block that was fetched last; 0 past the end
+  SQLULEN fetched_ = 0;  // rows of the block that was fetched last; 0 past the end
   std::string scratch_;
 };
 
-}   // namespace kalvo::odbc
+}  // namespace kalvo::odbc

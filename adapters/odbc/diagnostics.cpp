@@ -35,4 +35,4 @@ void CheckConnection(SQLRETURN result, SQLHDBC connection) {
   throw sql::ConnectionError(diagnostic.sqlState, diagnostic.text);
 }
 
-}   // namespace kalvo::odbc
+}  // namespace kalvo::odbc

@@ -22,4 +22,4 @@ void CheckConnection(SQLRETURN result, SQLHDBC connection);
 // The bytes of a text for the calls of ODBC, which take them without const.
 inline SQLCHAR* Bytes(const std::string& text) { return reinterpret_cast<SQLCHAR*>(const_cast<char*>(text.data())); }
 
-}   // namespace kalvo::odbc
+}  // namespace kalvo::odbc

@@ -29,4 +29,4 @@ using EnvironmentHandle = Handle<SQL_HANDLE_ENV>;
 using ConnectionHandle = Handle<SQL_HANDLE_DBC>;
 using StatementHandle = Handle<SQL_HANDLE_STMT>;
 
-}   // namespace kalvo::odbc
+}  // namespace kalvo::odbc

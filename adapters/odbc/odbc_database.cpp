@@ -30,4 +30,4 @@ void OdbcDatabase::MakeEnvironment() {
   environment_ = environment;
 }
 
-}   // namespace kalvo::odbc
+}  // namespace kalvo::odbc

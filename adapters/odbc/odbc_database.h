@@ -15,8 +15,8 @@ template <short Type>
 class Handle;
 
 struct Options {
-  std::chrono::milliseconds timeLimit{15000};    // for running one statement, and for fetching its rows
-  std::chrono::milliseconds loginLimit{10000};   // for connecting, where the driver obeys
+  std::chrono::milliseconds timeLimit{15000};   // for running one statement, and for fetching its rows
+  std::chrono::milliseconds loginLimit{10000};  // for connecting, where the driver obeys
 };
 
 // The reporting database behind an ODBC data source. Where sources lie is the ODBC configuration's business
@@ -38,7 +38,7 @@ class OdbcDatabase final : public Database {
   Options options_;
   const Locale& locale_;
   std::mutex mutex_;
-  std::shared_ptr<Handle<1>> environment_;   // a SQL_HANDLE_ENV, made by the first connection
+  std::shared_ptr<Handle<1>> environment_;  // a SQL_HANDLE_ENV, made by the first connection
 };
 
-}   // namespace kalvo::odbc
+}  // namespace kalvo::odbc

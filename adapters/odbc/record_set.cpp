@@ -45,4 +45,4 @@ std::unique_ptr<RecordSet> OdbcConnection::Execute(const Batch& batch) {
   return std::make_unique<OdbcRecordSet>(session_, sql::StatementQueue(sql::CheckedStatements(batch)));
 }
 
-}   // namespace kalvo::odbc
+}  // namespace kalvo::odbc

@@ -29,7 +29,7 @@ class OdbcRecordSet final : public RecordSet {
   sql::StatementQueue following_;
   std::unique_ptr<Cursor> cursor_;
   bool isEmpty_ = true;
-  std::unique_ptr<sql::BlockStore> rows_;   // made by the first `GetRows`
+  std::unique_ptr<sql::BlockStore> rows_;  // made by the first `GetRows`
 };
 
 class OdbcConnection final : public Connection {
@@ -43,4 +43,4 @@ class OdbcConnection final : public Connection {
   std::shared_ptr<Session> session_;
 };
 
-}   // namespace kalvo::odbc
+}  // namespace kalvo::odbc

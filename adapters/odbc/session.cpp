@@ -11,10 +11,10 @@ namespace kalvo::odbc {
 
 namespace {
 
-constexpr std::chrono::seconds kGrace{1};   // the server's own limit is a backstop behind the watchdog's
+constexpr std::chrono::seconds kGrace{1};  // the server's own limit is a backstop behind the watchdog's
 
 struct EngineName {
-  std::string_view part;   // of the name that the driver gives the database
+  std::string_view part;  // of the name that the driver gives the database
   Engine engine;
 };
 
@@ -22,12 +22,12 @@ struct EngineName {
 struct SetUpStatement {
   Engine engine;
   std::string_view sql;
-  int timeUnits;   // in a second
+  int timeUnits;  // in a second
 };
 
 // What a data source of a driver is given when its own configuration is silent.
 struct DriverDefault {
-  std::string_view part;   // of the driver's name or its library's
+  std::string_view part;  // of the driver's name or its library's
   const char* key;
   std::string_view value;
 };
@@ -82,7 +82,7 @@ std::string ConnectionString(std::string_view dataSource) {
   return out;
 }
 
-}   // namespace
+}  // namespace
 
 Session::Session(std::shared_ptr<EnvironmentHandle> environment, std::string_view dataSource, const Options& options,
                  const Locale& locale)
@@ -139,4 +139,4 @@ void Session::Run(const std::string& text) {
   CheckStatement(SQLExecDirect(statement.Get(), Bytes(text), static_cast<SQLINTEGER>(text.size())), statement.Get());
 }
 
-}   // namespace kalvo::odbc
+}  // namespace kalvo::odbc

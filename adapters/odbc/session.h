@@ -54,4 +54,4 @@ class Session {
   Watchdog watchdog_;
 };
 
-}   // namespace kalvo::odbc
+}  // namespace kalvo::odbc

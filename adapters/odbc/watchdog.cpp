@@ -47,4 +47,4 @@ bool Watchdog::Watch::Fired() const {
   return watchdog_.fired_;
 }
 
-}   // namespace kalvo::odbc
+}  // namespace kalvo::odbc

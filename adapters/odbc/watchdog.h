@@ -37,10 +37,10 @@ class Watchdog {
   mutable std::mutex mutex_;
   std::condition_variable changed_;
   std::thread thread_;
-  SQLHSTMT statement_ = SQL_NULL_HANDLE;   // the one that is watched
+  SQLHSTMT statement_ = SQL_NULL_HANDLE;  // the one that is watched
   Clock::time_point deadline_;
   bool fired_ = false;
   bool ending_ = false;
 };
 
-}   // namespace kalvo::odbc
+}  // namespace kalvo::odbc

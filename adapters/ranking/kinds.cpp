@@ -95,7 +95,7 @@ constexpr SubjectRow kSubjects[] = {
 
 const SubjectRow& RowOf(Subject subject) { return kSubjects[static_cast<std::size_t>(subject)]; }
 
-}   // namespace
+}  // namespace
 
 const Kind& FindKind(std::int16_t number) {
   for (const Kind& kind : kKinds) {
@@ -111,4 +111,4 @@ std::span<const FieldSource> FieldsOf(Subject subject) { return RowOf(subject).f
 
 std::string_view TablesOf(Subject subject) { return RowOf(subject).tables; }
 
-}   // namespace kalvo::ranking
+}  // namespace kalvo::ranking

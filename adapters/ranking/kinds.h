@@ -11,7 +11,7 @@ namespace kalvo::ranking {
 // What a ranking is of.
 enum class Subject : std::uint8_t { Mailboxes, PublicFolders, MailboxMessages, PublicFolderMessages };
 
-enum class RankedBy : std::uint8_t { Amount, Date };   // the largest first; the oldest first
+enum class RankedBy : std::uint8_t { Amount, Date };  // the largest first; the oldest first
 enum class Age : std::uint8_t { Any, Old };
 
 // What a kind's amount is, where it is not the item's own figure.
@@ -49,4 +49,4 @@ inline bool IsOfMailboxes(Subject subject) {
   return subject == Subject::Mailboxes || subject == Subject::MailboxMessages;
 }
 
-}   // namespace kalvo::ranking
+}  // namespace kalvo::ranking

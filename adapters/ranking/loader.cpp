@@ -28,12 +28,9 @@ double Serial(std::string_view text, const Locale& locale) {
 Value Typed(std::string_view text, FieldType type, const Locale& locale) {
   if (text.empty()) return Empty{};
   switch (type) {
-    case FieldType::Integer:
-      return Integer(text);
-    case FieldType::DateSerial:
-      return Serial(text, locale);
-    case FieldType::Text:
-      break;
+    case FieldType::Integer: return Integer(text);
+    case FieldType::DateSerial: return Serial(text, locale);
+    case FieldType::Text: break;
   }
   return std::string(text);
 }
@@ -46,18 +43,13 @@ void SetAverage(ResultSet& results, const Value& messages, const Value& space) {
 
 void SetAmount(ResultSet& results, const Kind& kind, const Value& amount) {
   switch (kind.amount) {
-    case Amount::AsTheItemHas:
-      break;
-    case Amount::OldMessages:
-      results.Set(kMessages, amount);
-      break;
-    case Amount::OldSpace:
-      results.Set(kSpace, amount);
-      break;
+    case Amount::AsTheItemHas: break;
+    case Amount::OldMessages: results.Set(kMessages, amount); break;
+    case Amount::OldSpace: results.Set(kSpace, amount); break;
   }
 }
 
-}   // namespace
+}  // namespace
 
 void RankingReader::Read(std::int16_t kindNumber, Scope scope, std::string_view name, RankedResults& results) const {
   auto* const rows = dynamic_cast<ResultSet*>(&results);
@@ -82,7 +74,7 @@ void RankingReader::Fill(ResultSet& results, const Kind& kind, const Rows& rows)
   for (std::int32_t row = 0; row < rows.RowCount(); ++row) {
     results.AddRow();
     Value messages, space;
-    std::int32_t column = 1;   // behind the amount
+    std::int32_t column = 1;  // behind the amount
     for (const FieldSource& source : FieldsOf(kind.subject)) {
       Value value = Typed(rows.Text(column++, row, scratch), source.type, settings_.locale);
       if (source.field == kMessages) messages = value;
@@ -118,4 +110,4 @@ void MailboxGroupLoader::LoadGroup(std::int16_t, std::string_view, RankedResults
 void MailboxGroupLoader::LoadSite(std::int16_t, std::string_view, RankedResults&) { throw MemberNotSupported(); }
 void MailboxGroupLoader::LoadOrg(std::int16_t, std::string_view, RankedResults&) { throw MemberNotSupported(); }
 
-}   // namespace kalvo::ranking
+}  // namespace kalvo::ranking

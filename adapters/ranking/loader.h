@@ -50,4 +50,4 @@ class MailboxGroupLoader : public TopNLoader {
   RankingReader reader_;
 };
 
-}   // namespace kalvo::ranking
+}  // namespace kalvo::ranking

@@ -19,7 +19,7 @@ class Factory : public TopNFactory {
   RankingReader reader_;
 };
 
-}   // namespace
+}  // namespace
 
 std::unique_ptr<TopNFactory> MakeRanking(Database& database, const Settings& settings) {
   if (settings.rows < 1 || settings.oldDays < 0) {
@@ -31,4 +31,4 @@ std::unique_ptr<TopNFactory> MakeRanking(Database& database, const Settings& set
   return std::make_unique<Factory>(database, settings);
 }
 
-}   // namespace kalvo::ranking
+}  // namespace kalvo::ranking

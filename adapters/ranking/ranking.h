@@ -8,7 +8,7 @@
 namespace kalvo {
 class Database;
 class TopNFactory;
-}   // namespace kalvo
+}  // namespace kalvo
 
 namespace kalvo::ranking {
 
@@ -20,13 +20,13 @@ inline constexpr std::int32_t kOldDays = 90;
 
 // What a host may choose. A report has no more rows, and knows no other age, than the scanner has ranked.
 struct Settings {
-  std::int32_t rows = kRankedRows;               // at least 1
-  std::int32_t oldDays = kOldDays;               // at least 0
-  const Locale& locale = kEnglishUnitedStates;   // in which the database writes dates
+  std::int32_t rows = kRankedRows;              // at least 1
+  std::int32_t oldDays = kOldDays;              // at least 0
+  const Locale& locale = kEnglishUnitedStates;  // in which the database writes dates
 };
 
 // The Top-N loader over the rankings in the reporting database. A load opens a connection of its own and closes
 // it again. The database outlives the factory and whatever it has made.
 std::unique_ptr<TopNFactory> MakeRanking(Database& database, const Settings& settings = {});
 
-}   // namespace kalvo::ranking
+}  // namespace kalvo::ranking

@@ -21,7 +21,7 @@ std::size_t Checked(std::int16_t field) {
 // A value as it is sorted: nothing, a number, or a text in lower case.
 struct SortKey {
   enum class Kind { Nothing, Number, Text } kind = Kind::Nothing;
-  std::int64_t whole = 0;   // integers are compared exactly
+  std::int64_t whole = 0;  // integers are compared exactly
   double number = 0;
   std::string text;
 };
@@ -54,7 +54,7 @@ bool Less(const SortKey& a, const SortKey& b) {
   return a.text < b.text;
 }
 
-}   // namespace
+}  // namespace
 
 void ResultSet::Clear() {
   rows_.clear();
@@ -123,4 +123,4 @@ void ResultSet::Sort(std::int16_t column, std::int32_t ascending) {
   MoveFirst();
 }
 
-}   // namespace kalvo::ranking
+}  // namespace kalvo::ranking

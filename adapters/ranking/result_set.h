@@ -14,18 +14,18 @@ enum Field : std::int16_t {
   kMailboxId = 1,
   kMailboxName = 2,
   kPublicFolderId = 3,
-  kPublicFolderName = 4,   // its path
+  kPublicFolderName = 4,  // its path
   kMessages = 7,
-  kSpace = 8,       // bytes
-  kModified = 10,   // of a mailbox or public folder: a date serial
+  kSpace = 8,      // bytes
+  kModified = 10,  // of a mailbox or public folder: a date serial
   kMessageId = 11,
   kFolderId = 12,
-  kMessageModified = 13,   // a date serial
-  kMessageSize = 14,       // bytes
+  kMessageModified = 13,  // a date serial
+  kMessageSize = 14,      // bytes
   kServer = 15,
-  kMailbox = 16,         // by which the mailbox is found: its distinguished name; a public folder's path
-  kAverageSize = 17,     // bytes a message
-  kHasAttachment = 18,   // 0: none
+  kMailbox = 16,        // by which the mailbox is found: its distinguished name; a public folder's path
+  kAverageSize = 17,    // bytes a message
+  kHasAttachment = 18,  // 0: none
 };
 
 inline constexpr std::int16_t kFirstField = 1;
@@ -70,4 +70,4 @@ class ResultSet : public RankedResults {
   bool onTotals_ = false;
 };
 
-}   // namespace kalvo::ranking
+}  // namespace kalvo::ranking

@@ -58,7 +58,7 @@ std::string Replaced(std::string text, std::string_view what, std::string_view w
   return text.replace(text.find(what), what.size(), with);
 }
 
-}   // namespace
+}  // namespace
 
 Statement MakeStatement(const Kind& kind, Scope scope, std::string_view name, const Settings& settings) {
   const ScopeRow& row = RowOf(scope);
@@ -72,4 +72,4 @@ Statement MakeStatement(const Kind& kind, Scope scope, std::string_view name, co
   return statement;
 }
 
-}   // namespace kalvo::ranking
+}  // namespace kalvo::ranking

@@ -22,4 +22,4 @@ struct Statement {
 // by; those of the kind's subject follow.
 Statement MakeStatement(const Kind& kind, Scope scope, std::string_view name, const Settings& settings);
 
-}   // namespace kalvo::ranking
+}  // namespace kalvo::ranking

@@ -15,9 +15,9 @@ namespace {
 
 constexpr std::int32_t kBlockRows = 256;
 constexpr std::size_t kPieceSize = 64 << 10;
-constexpr std::size_t kOwnPiece = kPieceSize / 4;   // texts from this size on get a piece of their own
+constexpr std::size_t kOwnPiece = kPieceSize / 4;  // texts from this size on get a piece of their own
 
-}   // namespace
+}  // namespace
 
 const char* TextArena::Keep(std::string_view bytes) {
   if (bytes.size() >= kOwnPiece) {
@@ -94,15 +94,11 @@ const BlockStore::Cell& BlockStore::At(std::int32_t field, std::int32_t row) con
 std::string_view BlockStore::Text(std::int32_t field, std::int32_t row, std::string& scratch) const {
   const Cell& cell = At(field, row);
   switch (cell.kind) {
-    case Kind::Null:
-      return {};
-    case Kind::Boolean:
-      return cell.integer ? "True" : "False";
+    case Kind::Null: return {};
+    case Kind::Boolean: return cell.integer ? "True" : "False";
     case Kind::Text:
-    case Kind::Bytes:
-      return {cell.bytes, cell.size};
-    default:
-      break;
+    case Kind::Bytes: return {cell.bytes, cell.size};
+    default: break;
   }
   scratch.clear();
   if (cell.kind == Kind::Integer) Append(scratch, cell.integer);
@@ -118,4 +114,4 @@ std::optional<std::span<const std::uint8_t>> BlockStore::Binary(std::int32_t fie
   return std::span(reinterpret_cast<const std::uint8_t*>(cell.bytes), cell.size);
 }
 
-}   // namespace kalvo::sql
+}  // namespace kalvo::sql

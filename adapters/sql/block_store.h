@@ -24,7 +24,7 @@ class TextArena {
 
  private:
   std::vector<std::unique_ptr<char[]>> pieces_;
-  char* free_ = nullptr;   // the unused end of the piece in use
+  char* free_ = nullptr;  // the unused end of the piece in use
   std::size_t left_ = 0;
   std::size_t memoryUse_ = 0;
 };
@@ -47,7 +47,7 @@ class BlockStore final : public Rows {
   void AddText(std::string_view text);
   void AddBytes(std::span<const std::uint8_t> bytes);
 
-  std::int32_t RowCount() const override { return rowCount_; }   // complete rows
+  std::int32_t RowCount() const override { return rowCount_; }  // complete rows
   std::int32_t FieldCount() const override { return fieldCount_; }
 
   // Both fail with 9 outside of the result.
@@ -63,7 +63,7 @@ class BlockStore final : public Rows {
       double number;
       const char* bytes;
     };
-    std::uint32_t size;   // of text and bytes
+    std::uint32_t size;  // of text and bytes
     Kind kind;
   };
 
@@ -75,10 +75,10 @@ class BlockStore final : public Rows {
   const Locale& locale_;
   const std::int32_t fieldCount_;
   const std::size_t memoryLimit_;
-  std::vector<std::unique_ptr<Cell[]>> blocks_;   // a fixed number of rows each
+  std::vector<std::unique_ptr<Cell[]>> blocks_;  // a fixed number of rows each
   TextArena arena_;
   std::int32_t rowCount_ = 0;
   std::int32_t nextField_ = 0;
 };
 
-}   // namespace kalvo::sql
+}  // namespace kalvo::sql

@@ -10,8 +10,8 @@ namespace kalvo::sql {
 namespace {
 
 struct Rule {
-  std::string_view sqlState;   // its beginning
-  std::string_view text;       // part of the driver's text
+  std::string_view sqlState;  // its beginning
+  std::string_view text;      // part of the driver's text
   std::int32_t number;
 };
 
@@ -42,28 +42,12 @@ std::int32_t NumberOf(std::string_view sqlState, std::string_view text) {
   return codes::kFailed;
 }
 
-// Drivers break their texts into lines; a description is one. They also quote what the page was asked for, and a
-// page shows a description as it stands: without angle brackets it stays text there.
+// Drivers break their texts into lines, and quote what the page was asked for.
 std::string Described(std::string_view sqlState, std::string_view text) {
-  std::string out;
-  Append(out, '[', sqlState, "] ");
-  const std::size_t begin = out.size();
-  for (const char c : text) {
-    if (c == '<') {
-      out += "\u2039";
-    } else if (c == '>') {
-      out += "\u203A";
-    } else if (static_cast<unsigned char>(c) > ' ') {
-      out += c;
-    } else if (out.size() > begin && out.back() != ' ') {
-      out += ' ';
-    }
-  }
-  while (out.size() > begin && out.back() == ' ') out.pop_back();
-  return out;
+  return Built([&](std::string& out) { Append(out, '[', sqlState, "] ", InDescription(text)); });
 }
 
-}   // namespace
+}  // namespace
 
 Error DatabaseError(std::string_view sqlState, std::string_view text) {
   return Error(NumberOf(sqlState, text), Described(sqlState, text));
@@ -81,4 +65,4 @@ Error TimeoutError(double seconds) {
                }));
 }
 
-}   // namespace kalvo::sql
+}  // namespace kalvo::sql

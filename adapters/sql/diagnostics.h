@@ -18,4 +18,4 @@ Error ConnectionError(std::string_view sqlState, std::string_view text);
 // A statement that was stopped at its deadline: "[HYT00] ...".
 Error TimeoutError(double seconds);
 
-}   // namespace kalvo::sql
+}  // namespace kalvo::sql

@@ -31,7 +31,7 @@ bool IsFraction(std::string_view text) {
   return true;
 }
 
-}   // namespace
+}  // namespace
 
 std::optional<Date> ParseIsoDate(std::string_view text) {
   constexpr std::size_t kDate = 10, kSeconds = 19;
@@ -51,4 +51,4 @@ std::optional<Date> ParseIsoDateTime(std::string_view text) {
   return ParseIsoDate(text);
 }
 
-}   // namespace kalvo::sql
+}  // namespace kalvo::sql

@@ -14,4 +14,4 @@ std::optional<Date> ParseIsoDate(std::string_view text);
 // Exactly "2024-02-03 10:00:00", the form in which a database without dates of its own gives a computed one.
 std::optional<Date> ParseIsoDateTime(std::string_view text);
 
-}   // namespace kalvo::sql
+}  // namespace kalvo::sql

@@ -15,7 +15,7 @@ namespace {
 
 using Tokens = std::span<const Token>;
 
-constexpr std::size_t kShownText = 60;   // of an offending text, in its error
+constexpr std::size_t kShownText = 60;  // of an offending text, in its error
 
 Error Refusal(std::string_view reason, std::string_view shown) {
   const bool whole = shown.size() <= kShownText;
@@ -118,7 +118,7 @@ void CheckTokens(Tokens own, Tokens completed, Tokens orderBy) {
   }
 }
 
-}   // namespace
+}  // namespace
 
 std::vector<std::string_view> CheckedStatements(const Batch& batch) {
   if (batch.sql.find('\0') != batch.sql.npos) throw DatabaseError("42000", "The SQL holds a zero byte.");
@@ -137,4 +137,4 @@ std::vector<std::string_view> CheckedStatements(const Batch& batch) {
   return texts;
 }
 
-}   // namespace kalvo::sql
+}  // namespace kalvo::sql

@@ -14,4 +14,4 @@ namespace kalvo::sql {
 // database's to complain about. The views are into the batch's completed text.
 std::vector<std::string_view> CheckedStatements(const Batch& batch);
 
-}   // namespace kalvo::sql
+}  // namespace kalvo::sql

@@ -33,4 +33,4 @@ class StatementQueue {
   std::deque<std::string> statements_;
 };
 
-}   // namespace kalvo::sql
+}  // namespace kalvo::sql

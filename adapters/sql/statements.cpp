@@ -81,12 +81,12 @@ class Splitter {
   std::vector<std::span<const Token>> statements_;
   std::size_t begin_ = 0;
   int depth_ = 0;
-  bool mainSelectAwaited_ = false;   // a WITH has begun and its SELECT is still to come
-  const Token* last_ = nullptr;      // outside of parentheses, comments left out
+  bool mainSelectAwaited_ = false;  // a WITH has begun and its SELECT is still to come
+  const Token* last_ = nullptr;     // outside of parentheses, comments left out
   const Token* beforeLast_ = nullptr;
 };
 
-}   // namespace
+}  // namespace
 
 std::vector<std::span<const Token>> SplitStatements(std::span<const Token> tokens) { return Splitter(tokens).Split(); }
 
@@ -96,4 +96,4 @@ std::string_view StatementText(std::span<const Token> statement) {
   return {begin, static_cast<std::size_t>(last.data() + last.size() - begin)};
 }
 
-}   // namespace kalvo::sql
+}  // namespace kalvo::sql

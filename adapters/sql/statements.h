@@ -15,4 +15,4 @@ std::vector<std::span<const Token>> SplitStatements(std::span<const Token> token
 // The text from the first token of a statement to its last.
 std::string_view StatementText(std::span<const Token> statement);
 
-}   // namespace kalvo::sql
+}  // namespace kalvo::sql

@@ -83,7 +83,7 @@ Piece First(std::string_view text, Placeholders placeholders) {
   return {TokenKind::Symbol, 1};
 }
 
-}   // namespace
+}  // namespace
 
 std::vector<Token> Tokenize(std::string_view sql, Placeholders placeholders) {
   std::vector<Token> tokens;
@@ -107,4 +107,4 @@ bool IsKeyword(const Token& token, std::string_view keyword) {
   return token.kind == TokenKind::Word && EqualsIgnoringCase(token.text, keyword);
 }
 
-}   // namespace kalvo::sql
+}  // namespace kalvo::sql

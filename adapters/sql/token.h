@@ -6,17 +6,17 @@
 namespace kalvo::sql {
 
 enum class TokenKind {
-  Word,         // a keyword or a plain name
-  QuotedName,   // "x", `x` or [x]
-  String,       // 'x'
+  Word,        // a keyword or a plain name
+  QuotedName,  // "x", `x` or [x]
+  String,      // 'x'
   Number,
-  Comment,   // -- x, or /* x */
+  Comment,  // -- x, or /* x */
   Open,
   Close,
-  Symbol,         // any other character
-  Sort,           // %SORT%
-  Scope,          // %NAME%, %ORG%, %SITE% or %MAILBOX%
-  Unterminated,   // a string, a quoted name or a comment that never ends
+  Symbol,        // any other character
+  Sort,          // %SORT%
+  Scope,         // %NAME%, %ORG%, %SITE% or %MAILBOX%
+  Unterminated,  // a string, a quoted name or a comment that never ends
 };
 
 // A piece of an SQL text, as a view into it.
@@ -38,4 +38,4 @@ std::string_view PlaceholderAt(std::string_view text);
 // True for a word token that is this keyword, in any case. `keyword` is in upper case.
 bool IsKeyword(const Token& token, std::string_view keyword);
 
-}   // namespace kalvo::sql
+}  // namespace kalvo::sql

@@ -10,8 +10,8 @@ namespace kalvo::sqlite {
 
 namespace {
 
-constexpr int kStepsBetweenLooks = 1000;   // of SQLite's machine, between two looks at the deadline
-constexpr int kLongestValue = 64 << 20;    // in bytes; longer ones fail
+constexpr int kStepsBetweenLooks = 1000;  // of SQLite's machine, between two looks at the deadline
+constexpr int kLongestValue = 64 << 20;   // in bytes; longer ones fail
 constexpr int kOpenFlags = SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE;
 
 void Harden(sqlite3* connection) {
@@ -22,7 +22,7 @@ void Harden(sqlite3* connection) {
   AllowReadingOnly(connection);
 }
 
-}   // namespace
+}  // namespace
 
 Session::Session(const std::string& file, const Options& options, const Locale& locale)
     : options_(options), locale_(locale) {
@@ -69,4 +69,4 @@ std::unique_ptr<RecordSet> SqliteConnection::Execute(const Batch& batch) {
   return std::make_unique<SqliteRecordSet>(session_, sql::StatementQueue(sql::CheckedStatements(batch)));
 }
 
-}   // namespace kalvo::sqlite
+}  // namespace kalvo::sqlite

@@ -60,4 +60,4 @@ class SqliteConnection final : public Connection {
   std::shared_ptr<Session> session_;
 };
 
-}   // namespace kalvo::sqlite
+}  // namespace kalvo::sqlite

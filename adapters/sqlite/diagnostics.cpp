@@ -11,7 +11,7 @@ namespace kalvo::sqlite {
 namespace {
 
 struct StateOfText {
-  std::string_view text;   // the beginning of SQLite's message
+  std::string_view text;  // the beginning of SQLite's message
   std::string_view sqlState;
 };
 
@@ -47,7 +47,7 @@ std::string_view StateOf(int code, std::string_view text) {
   return "HY000";
 }
 
-}   // namespace
+}  // namespace
 
 Error LastError(sqlite3* connection) {
   const std::string_view text = sqlite3_errmsg(connection);
@@ -55,4 +55,4 @@ Error LastError(sqlite3* connection) {
   return state.starts_with("08") ? sql::ConnectionError(state, text) : sql::DatabaseError(state, text);
 }
 
-}   // namespace kalvo::sqlite
+}  // namespace kalvo::sqlite

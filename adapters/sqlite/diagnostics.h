@@ -9,4 +9,4 @@ namespace kalvo::sqlite {
 // The error of the connection's last failed call, with the SQLSTATE that fits it.
 Error LastError(sqlite3* connection);
 
-}   // namespace kalvo::sqlite
+}  // namespace kalvo::sqlite

@@ -20,12 +20,9 @@ bool Reads(int action, const char* function) {
   switch (action) {
     case SQLITE_SELECT:
     case SQLITE_READ:
-    case SQLITE_RECURSIVE:
-      return true;
-    case SQLITE_FUNCTION:
-      return !function || sqlite3_stricmp(function, "load_extension") != 0;
-    default:
-      return false;
+    case SQLITE_RECURSIVE: return true;
+    case SQLITE_FUNCTION: return !function || sqlite3_stricmp(function, "load_extension") != 0;
+    default: return false;
   }
 }
 
@@ -48,10 +45,10 @@ extern "C" int KalvoGuardConnection(sqlite3* connection, const char**, const sql
   return sqlite3_set_authorizer(connection, KalvoAuthorizeDriver, nullptr);
 }
 
-}   // namespace
+}  // namespace
 
 void AllowReadingOnly(sqlite3* connection) { sqlite3_set_authorizer(connection, KalvoAuthorizeReading, nullptr); }
 
 void GuardEveryConnection() { sqlite3_auto_extension(reinterpret_cast<void (*)()>(KalvoGuardConnection)); }
 
-}   // namespace kalvo::sqlite
+}  // namespace kalvo::sqlite

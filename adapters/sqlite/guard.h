@@ -13,4 +13,4 @@ void AllowReadingOnly(sqlite3* connection);
 // writes SQLite files in the same process lifts the guard with `sqlite3_set_authorizer(connection, nullptr, nullptr)`.
 void GuardEveryConnection();
 
-}   // namespace kalvo::sqlite
+}  // namespace kalvo::sqlite

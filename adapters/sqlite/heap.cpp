@@ -60,7 +60,7 @@ bool InstallAllocator() {
          sqlite3_config(SQLITE_CONFIG_MALLOC, &methods) == SQLITE_OK;
 }
 
-}   // namespace
+}  // namespace
 
 void PrepareLibrary(std::size_t heapLimit) {
   static const bool countsItself = InstallAllocator();
@@ -69,4 +69,4 @@ void PrepareLibrary(std::size_t heapLimit) {
   sqlite3_initialize();
 }
 
-}   // namespace kalvo::sqlite
+}  // namespace kalvo::sqlite

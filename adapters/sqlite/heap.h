@@ -12,4 +12,4 @@ inline constexpr std::size_t kHeapLimit = std::size_t{256} << 20;
 // limit alone.
 void PrepareLibrary(std::size_t heapLimit = kHeapLimit);
 
-}   // namespace kalvo::sqlite
+}  // namespace kalvo::sqlite

@@ -83,4 +83,4 @@ void SqliteRecordSet::AddText(sql::BlockStore& rows, int column, std::string_vie
   date ? rows.AddDate(*date) : rows.AddText(text);
 }
 
-}   // namespace kalvo::sqlite
+}  // namespace kalvo::sqlite

@@ -39,7 +39,7 @@ class SqliteRecordSet final : public RecordSet {
   Statement statement_;
   bool isEmpty_ = true;
   std::vector<DateRule> dateRules_;
-  std::unique_ptr<sql::BlockStore> rows_;   // made by the first `GetRows`
+  std::unique_ptr<sql::BlockStore> rows_;  // made by the first `GetRows`
 };
 
-}   // namespace kalvo::sqlite
+}  // namespace kalvo::sqlite

@@ -13,4 +13,4 @@ std::unique_ptr<Connection> SqliteDatabase::Connect(std::string_view) {
   return std::make_unique<SqliteConnection>(std::make_shared<Session>(file_, options_, locale_));
 }
 
-}   // namespace kalvo::sqlite
+}  // namespace kalvo::sqlite

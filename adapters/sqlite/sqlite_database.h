@@ -11,9 +11,9 @@
 namespace kalvo::sqlite {
 
 struct Options {
-  std::chrono::milliseconds timeLimit{15000};    // for running one statement, and for fetching its rows
-  std::chrono::milliseconds busyTimeout{5000};   // how long a writer of the file is waited for
-  std::size_t heapLimit = kHeapLimit;            // of all of the process's SQLite connections together
+  std::chrono::milliseconds timeLimit{15000};   // for running one statement, and for fetching its rows
+  std::chrono::milliseconds busyTimeout{5000};  // how long a writer of the file is waited for
+  std::size_t heapLimit = kHeapLimit;           // of all of the process's SQLite connections together
 };
 
 // The reporting database in one SQLite file. Every data source name opens this file, read-only, on a connection
@@ -32,4 +32,4 @@ class SqliteDatabase final : public Database {
   const Locale& locale_;
 };
 
-}   // namespace kalvo::sqlite
+}  // namespace kalvo::sqlite

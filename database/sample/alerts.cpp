@@ -90,8 +90,8 @@ void AddFolderAlert(const Organization& organization, AlertBook& book, const Ser
     const std::int64_t value =
         Measured(type.measure, folder.messages, folder.space, static_cast<std::uint64_t>(server.id) + i);
     if (value <= ServerLimit(type, group, 1)) continue;
-    book.Add(
-        {type, folder.path, &server, group.name, ServerLimit(type, group, 1), value, PublicFolderIdentifier(organization, folder)});
+    book.Add({type, folder.path, &server, group.name, ServerLimit(type, group, 1), value,
+              PublicFolderIdentifier(organization, folder)});
     return;
   }
 }
@@ -100,16 +100,11 @@ std::optional<std::int64_t> FileSystemValue(const AlertType& type, const FileSys
   std::int64_t files = 0;
   for (const DbFile& file : system.files) files += file.size;
   switch (type.measure) {
-    case Measure::PercentUsed:
-      return system.PercentUsed();
-    case Measure::FreeSpace:
-      return system.free;
-    case Measure::OtherSpace:
-      return system.size - system.free - files;
-    case Measure::DaysLeft:
-      return system.free / (files / 200 + 1);
-    default:
-      return Measured(type.measure, 0, 0, key);
+    case Measure::PercentUsed: return system.PercentUsed();
+    case Measure::FreeSpace: return system.free;
+    case Measure::OtherSpace: return system.size - system.free - files;
+    case Measure::DaysLeft: return system.free / (files / 200 + 1);
+    default: return Measured(type.measure, 0, 0, key);
   }
 }
 
@@ -194,7 +189,7 @@ void WritePolicies(SampleRun& run) {
   }
 }
 
-}   // namespace
+}  // namespace
 
 void WriteAlerts(SampleRun& run) {
   run.rows.Table("RMC_ALERTTYPE", {"AlertTypeId", "AlertTypeCode", "SubSystem", "DisplayName"});
@@ -232,4 +227,4 @@ void WriteViolations(SampleRun& run) {
   }
 }
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

@@ -26,4 +26,4 @@ std::string PublicFolderIdentifier(const Organization& organization, const Publi
   return mail::FolderIdentifier({key, organization.servers[folder.server].computerName, ""}, MaildirName(folder.path));
 }
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

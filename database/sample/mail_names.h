@@ -16,4 +16,4 @@ mail::IdentifierKey MailKey(const Organization& organization);
 // A folder's place in its Maildir++ tree, by its path: "Sales.Price lists". "INBOX" is the tree itself.
 std::string MaildirName(std::string_view path);
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

@@ -4,7 +4,7 @@ namespace kalvo::sample {
 namespace {
 
 constexpr std::int64_t kKiB = 1024;
-constexpr std::int64_t kTypicalAge = 45 * 86'400;   // seconds
+constexpr std::int64_t kTypicalAge = 45 * 86'400;  // seconds
 constexpr std::int64_t kAttachmentSize = 32 * kKiB;
 
 // A circular that everybody got on the same day: the reports show what they do with equal ones.
@@ -20,7 +20,7 @@ void AddDates(Random& random, Moment scan, std::vector<Message>& messages) {
   }
 }
 
-}   // namespace
+}  // namespace
 
 void MakeMessages(Random& random, std::int32_t count, std::int64_t space, Moment scan, std::vector<Message>& messages) {
   messages.assign(static_cast<std::size_t>(count), {});
@@ -43,4 +43,4 @@ void MakeMessages(Random& random, std::int32_t count, std::int64_t space, Moment
   }
 }
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

@@ -10,9 +10,9 @@ namespace kalvo::sample {
 
 // One message of a mailbox or public folder.
 struct Message {
-  std::int64_t size = 0;            // bytes
-  std::optional<Moment> modified;   // nothing: nobody knows when
-  std::uint8_t folder = 0;          // in kMailboxFolders; 0 in a public folder
+  std::int64_t size = 0;           // bytes
+  std::optional<Moment> modified;  // nothing: nobody knows when
+  std::uint8_t folder = 0;         // in kMailboxFolders; 0 in a public folder
   bool hasAttachment = false;
 };
 
@@ -24,4 +24,4 @@ inline constexpr std::size_t kFoldersAMailbox = std::size(kMailboxFolders);
 // gives the same messages.
 void MakeMessages(Random& random, std::int32_t count, std::int64_t space, Moment scan, std::vector<Message>& messages);
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

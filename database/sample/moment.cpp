@@ -20,4 +20,4 @@ std::string MomentText(Moment moment) {
   });
 }
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

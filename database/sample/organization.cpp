@@ -10,20 +10,20 @@ namespace kalvo::sample {
 namespace {
 
 constexpr std::int64_t kKiB = 1024;
-constexpr Moment kNow{1791184500};   // 2026-10-05 07:15:00
+constexpr Moment kNow{1791184500};  // 2026-10-05 07:15:00
 
 struct Division {
   std::string_view organization, domain;
 };
 struct Site {
   std::size_t division;
-  std::string_view name, prefix;   // the prefix of its servers' names
+  std::string_view name, prefix;  // the prefix of its servers' names
 };
 struct SizeRow {
   SampleSize size;
   std::string_view name;
   std::int64_t servers, mailboxes, publicFoldersAServer;
-  std::int64_t mailboxMessages, folderMessages;   // in a typical mailbox and public folder
+  std::int64_t mailboxMessages, folderMessages;  // in a typical mailbox and public folder
 };
 
 // clang-format off
@@ -108,7 +108,7 @@ Mailbox MakeMailbox(std::uint32_t person, std::uint32_t server, std::int64_t typ
   mailbox.person = person;
   mailbox.server = server;
   mailbox.group = static_cast<std::uint8_t>(random.OneIn(3) ? 1 + random.Below(4) : 0);
-  if (random.OneIn(30)) return mailbox;   // nobody has used it yet
+  if (random.OneIn(30)) return mailbox;  // nobody has used it yet
   mailbox.messages = static_cast<std::int32_t>(1 + Scaled(typicalMessages, random));
   mailbox.space = mailbox.messages * (kKiB + Scaled(22 * kKiB, random)) + random.Below(kKiB);
   return mailbox;
@@ -160,7 +160,7 @@ void AddPublicFolders(Organization& organization, const SizeRow& row) {
   }
 }
 
-}   // namespace
+}  // namespace
 
 SampleSize SampleSizeFromName(std::string_view name) {
   for (const SizeRow& row : kSizes) {
@@ -202,4 +202,4 @@ std::string OwnerAccount(const Organization& organization, const Mailbox& mailbo
       [&](std::string& out) { Append(out, organization.servers[mailbox.server].domain, "\\", Alias(mailbox)); });
 }
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

@@ -9,7 +9,7 @@ namespace {
 
 struct NamePart {
   std::string_view shown;
-  std::string_view account;   // its letters in ASCII
+  std::string_view account;  // its letters in ASCII
 };
 
 // Names of several scripts, with what has to be escaped in HTML, URLs and SQL. They sort alike by code point and
@@ -58,7 +58,7 @@ constexpr std::uint32_t kInitials = 26;
 struct Parts {
   const NamePart& first;
   const NamePart& last;
-  std::uint32_t round;   // 0: plain; 1 to 26: with a middle initial; above: with a number too
+  std::uint32_t round;  // 0: plain; 1 to 26: with a middle initial; above: with a number too
 };
 
 Parts PartsOf(std::uint32_t person) {
@@ -68,7 +68,7 @@ Parts PartsOf(std::uint32_t person) {
 }
 static_assert(kFirsts == 80 && kLasts == 70, "2741 has no divisor in common with their product");
 
-}   // namespace
+}  // namespace
 
 std::uint32_t PlainNames() { return kFirsts * kLasts; }
 
@@ -90,4 +90,4 @@ std::string PersonAccount(std::uint32_t person) {
   return name;
 }
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

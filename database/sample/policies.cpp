@@ -47,14 +47,14 @@ std::string BytesText(std::int64_t bytes) {
   return Built([&](std::string& out) { Append(out, tenths / 10, ".", tenths % 10, " MB"); });
 }
 
-}   // namespace
+}  // namespace
 
 std::span<const AlertType> AlertTypes() { return kTypes; }
 
 std::int64_t MailboxLimit(const AlertType& type, std::size_t mailboxGroup, int step) {
   static constexpr std::int64_t kPercentOfLimit[] = {100, 300, 200, 120, 50};
   const std::int64_t limit = type.limit * kPercentOfLimit[mailboxGroup] / 100;
-  return limit << (step - 1);   // every step allows twice as much as the one before
+  return limit << (step - 1);  // every step allows twice as much as the one before
 }
 
 std::int64_t ServerLimit(const AlertType& type, const ServerGroup& group, int step) {
@@ -64,22 +64,14 @@ std::int64_t ServerLimit(const AlertType& type, const ServerGroup& group, int st
 
 std::int64_t Measured(Measure measure, std::int64_t messages, std::int64_t space, std::uint64_t key) {
   switch (measure) {
-    case Measure::Messages:
-      return messages;
-    case Measure::Space:
-      return space;
-    case Measure::OldMessages:
-      return messages * 2 / 5;
-    case Measure::OldSpace:
-      return space * 3 / 10;
-    case Measure::Growth:
-      return static_cast<std::int64_t>(8 + key * 31 % 70);
-    case Measure::Idle:
-      return static_cast<std::int64_t>(20 + key * 67 % 600);
-    case Measure::AverageSize:
-      return messages == 0 ? 0 : space / messages;
-    default:
-      return 0;
+    case Measure::Messages: return messages;
+    case Measure::Space: return space;
+    case Measure::OldMessages: return messages * 2 / 5;
+    case Measure::OldSpace: return space * 3 / 10;
+    case Measure::Growth: return static_cast<std::int64_t>(8 + key * 31 % 70);
+    case Measure::Idle: return static_cast<std::int64_t>(20 + key * 67 % 600);
+    case Measure::AverageSize: return messages == 0 ? 0 : space / messages;
+    default: return 0;
   }
 }
 
@@ -87,52 +79,33 @@ std::string MeasureText(Measure measure, std::int64_t value) {
   return Built([&](std::string& out) {
     switch (measure) {
       case Measure::Messages:
-      case Measure::OldMessages:
-        Append(out, value, " messages");
-        break;
+      case Measure::OldMessages: Append(out, value, " messages"); break;
       case Measure::Space:
       case Measure::OldSpace:
       case Measure::FreeSpace:
-      case Measure::OtherSpace:
-        out = BytesText(value);
-        break;
+      case Measure::OtherSpace: out = BytesText(value); break;
       case Measure::Growth:
-      case Measure::PercentUsed:
-        Append(out, value, "%");
-        break;
+      case Measure::PercentUsed: Append(out, value, "%"); break;
       case Measure::Idle:
-      case Measure::DaysLeft:
-        Append(out, value, " days");
-        break;
-      case Measure::AverageSize:
-        Append(out, value / 1'024, " KB");
-        break;
-      case Measure::Duration:
-        Append(out, value / 3'600, " h ", value / 60 % 60, " min");
-        break;
-      case Measure::None:
-        break;
+      case Measure::DaysLeft: Append(out, value, " days"); break;
+      case Measure::AverageSize: Append(out, value / 1'024, " KB"); break;
+      case Measure::Duration: Append(out, value / 3'600, " h ", value / 60 % 60, " min"); break;
+      case Measure::None: break;
     }
   });
 }
 
 std::string_view SubjectText(Subject subject) {
   switch (subject) {
-    case Subject::Mailbox:
-      return "Mailbox";
-    case Subject::PublicFolder:
-      return "Public folder";
-    case Subject::FileSystem:
-      return "File System";
-    case Subject::MailboxGroup:
-      return "Mailbox Group";
-    case Subject::ServerGroup:
-      return "Server Group";
+    case Subject::Mailbox: return "Mailbox";
+    case Subject::PublicFolder: return "Public folder";
+    case Subject::FileSystem: return "File System";
+    case Subject::MailboxGroup: return "Mailbox Group";
+    case Subject::ServerGroup: return "Server Group";
     case Subject::Server:
-    case Subject::NewServer:
-      return "Server";
+    case Subject::NewServer: return "Server";
   }
   return "";
 }
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

@@ -21,13 +21,13 @@ enum class Measure {
   OldSpace,
   Growth,
   Idle,
-  AverageSize,   // of a mailbox, a folder or a group
+  AverageSize,  // of a mailbox, a folder or a group
   PercentUsed,
   FreeSpace,
   OtherSpace,
-  DaysLeft,   // of a file system
+  DaysLeft,  // of a file system
   Duration,
-  None,   // of a backup; nothing is measured
+  None,  // of a backup; nothing is measured
 };
 
 struct AlertType {
@@ -35,9 +35,9 @@ struct AlertType {
   std::string_view subsystem;
   Subject subject;
   Measure measure;
-  std::int64_t limit;      // the first step for an ordinary group, in messages, bytes, percent, days or seconds
-  std::string_view name;   // what kind of alert it is
-  std::string_view text;   // what is the matter
+  std::int64_t limit;     // the first step for an ordinary group, in messages, bytes, percent, days or seconds
+  std::string_view name;  // what kind of alert it is
+  std::string_view text;  // what is the matter
 };
 
 std::span<const AlertType> AlertTypes();
@@ -57,4 +57,4 @@ std::string MeasureText(Measure measure, std::int64_t value);
 // "Mailbox", "Public folder": how an alert names its kind of resource.
 std::string_view SubjectText(Subject subject);
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

@@ -54,4 +54,4 @@ class Random {
   std::uint64_t state_;
 };
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

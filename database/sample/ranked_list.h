@@ -13,11 +13,11 @@ namespace kalvo::sample {
 
 // An item that wants a place in a ranking. Of a message it holds what the message's row needs.
 struct Candidate {
-  std::int64_t item = 0;   // MailboxId, PublicFolderId or MessageId
+  std::int64_t item = 0;  // MailboxId, PublicFolderId or MessageId
   std::int64_t amount = 0;
   std::optional<Moment> modified;
-  std::int32_t server = 0;   // ServerId
-  std::int32_t owner = 0;    // of a message: its MailboxId or PublicFolderId
+  std::int32_t server = 0;  // ServerId
+  std::int32_t owner = 0;   // of a message: its MailboxId or PublicFolderId
   Message message = {};
 };
 
@@ -62,4 +62,4 @@ class RankedList {
   std::vector<Candidate> best_;
 };
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

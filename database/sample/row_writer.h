@@ -61,4 +61,4 @@ class RowWriter {
 // "2026-10-05 08:30:00"
 std::string MomentText(Moment moment);
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

@@ -23,7 +23,7 @@ constexpr NamedStep kSteps[] = {
     {"messages and rankings", WriteTopN},
 };
 
-}   // namespace
+}  // namespace
 
 void WriteSample(const Organization& organization, RowWriter& rows, Progress& progress) {
   SampleRun run{organization, rows, progress};
@@ -63,4 +63,4 @@ void TextProgress::Rows(std::int64_t done, std::int64_t total) {
   if (total > 0) out_ << "\r" << step_ << " " << done * 100 / total << "%" << std::flush;
 }
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

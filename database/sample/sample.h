@@ -14,7 +14,7 @@ enum class SampleSize { Small, Medium, Large };
 SampleSize SampleSizeFromName(std::string_view name);
 
 struct SampleOptions {
-  std::filesystem::path out;   // a folder, made when it is not there; receives kalvo.db
+  std::filesystem::path out;  // a folder, made when it is not there; receives kalvo.db
   SampleSize size = SampleSize::Small;
   std::uint64_t seed = 1;
 };
@@ -23,8 +23,8 @@ struct SampleOptions {
 class Progress {
  public:
   virtual ~Progress() = default;
-  virtual void Step(std::string_view what) = 0;                   // a step begins
-  virtual void Rows(std::int64_t done, std::int64_t total) = 0;   // within a step, every now and then
+  virtual void Step(std::string_view what) = 0;                  // a step begins
+  virtual void Rows(std::int64_t done, std::int64_t total) = 0;  // within a step, every now and then
 };
 
 // Tells nobody.
@@ -53,4 +53,4 @@ class TextProgress : public Progress {
 // kalvo::Error.
 void MakeSample(const SampleOptions& options, Progress& progress);
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

@@ -82,7 +82,7 @@ std::vector<std::string> Statements(Engine engine, bool indexes) {
 
 std::string FirstWord(std::string_view text) { return std::string(text.substr(0, text.find_first_of(" \n("))); }
 
-}   // namespace
+}  // namespace
 
 std::vector<std::string> TableStatements(Engine engine) { return Statements(engine, false); }
 
@@ -110,4 +110,4 @@ std::vector<SchemaTable> SchemaTables() {
   return tables;
 }
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

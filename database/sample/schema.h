@@ -24,4 +24,4 @@ struct SchemaTable {
 };
 std::vector<SchemaTable> SchemaTables();
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

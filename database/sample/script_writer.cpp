@@ -52,7 +52,7 @@ struct Literal {
   }
 };
 
-}   // namespace
+}  // namespace
 
 ScriptWriter::ScriptWriter(std::ostream& out, Engine engine) : out_(out), engine_(engine) {
   // A backslash is a letter like any other in the texts below.
@@ -102,4 +102,4 @@ void ScriptWriter::Finish() {
   }
 }
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

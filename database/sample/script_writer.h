@@ -27,9 +27,9 @@ class ScriptWriter : public RowWriter {
 
   std::ostream& out_;
   Engine engine_;
-  std::string insert_;   // "insert into T (A, B) values\n"
+  std::string insert_;  // "insert into T (A, B) values\n"
   std::string row_;
   int rowsInStatement_ = 0;
 };
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

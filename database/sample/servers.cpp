@@ -67,7 +67,7 @@ void WriteBackups(SampleRun& run, std::vector<Current>& current) {
   }
 }
 
-}   // namespace
+}  // namespace
 
 void WriteGroups(SampleRun& run) {
   const Organization& organization = run.organization;
@@ -149,4 +149,4 @@ void WriteGroupTotals(SampleRun& run) {
   }
 }
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

@@ -100,4 +100,4 @@ void SqliteWriter::Finish() {
   std::filesystem::rename(temporary_, name_);
 }
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

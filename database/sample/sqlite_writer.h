@@ -27,4 +27,4 @@ class SqliteWriter : public RowWriter {
   std::unique_ptr<File> file_;
 };
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

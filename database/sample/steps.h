@@ -12,7 +12,7 @@ struct SampleRun {
   const Organization& organization;
   RowWriter& rows;
   Progress& progress;
-  std::int32_t lastHistoryRecord = 0;   // totals, activity and backups are numbered in one sequence
+  std::int32_t lastHistoryRecord = 0;  // totals, activity and backups are numbered in one sequence
 
   std::int32_t NextHistoryRecord() { return ++lastHistoryRecord; }
 };
@@ -20,21 +20,21 @@ struct SampleRun {
 using SampleStep = void (*)(SampleRun& run);
 
 struct NamedStep {
-  std::string_view name;   // as progress tells it
+  std::string_view name;  // as progress tells it
   SampleStep write;
 };
 
-void WriteGroups(SampleRun& run);        // EXDB_GROUP, EXDB_SERVERGROUP, EXDB_RECIPIENTGROUP
-void WriteServers(SampleRun& run);       // EXDB_SERVER
-void WriteHistory(SampleRun& run);       // EXDB_SERVERTOTALS, -ACTIVITY, -BACKUP, -CURRENT
-void WriteStorage(SampleRun& run);       // EXDB_PARTITION, EXDB_DBFILE, EXDB_DBFILEHISTORY
-void WriteMailboxes(SampleRun& run);     // EXDB_MAILBOX
-void WriteGroupTotals(SampleRun& run);   // EXDB_RECIPIENTGROUPTOTALS, EXDB_RECIPIENTGROUPCURRENT
-void WriteAlerts(SampleRun& run);        // RMC_ALERTTYPE, RMC_ALERTCONFIG, RMC_ALERT
-void WriteViolations(SampleRun& run);    // EXDB_QUOTAVIOLATION
-void WriteTopN(SampleRun& run);          // the tables of topn_schema.sql
+void WriteGroups(SampleRun& run);       // EXDB_GROUP, EXDB_SERVERGROUP, EXDB_RECIPIENTGROUP
+void WriteServers(SampleRun& run);      // EXDB_SERVER
+void WriteHistory(SampleRun& run);      // EXDB_SERVERTOTALS, -ACTIVITY, -BACKUP, -CURRENT
+void WriteStorage(SampleRun& run);      // EXDB_PARTITION, EXDB_DBFILE, EXDB_DBFILEHISTORY
+void WriteMailboxes(SampleRun& run);    // EXDB_MAILBOX
+void WriteGroupTotals(SampleRun& run);  // EXDB_RECIPIENTGROUPTOTALS, EXDB_RECIPIENTGROUPCURRENT
+void WriteAlerts(SampleRun& run);       // RMC_ALERTTYPE, RMC_ALERTCONFIG, RMC_ALERT
+void WriteViolations(SampleRun& run);   // EXDB_QUOTAVIOLATION
+void WriteTopN(SampleRun& run);         // the tables of topn_schema.sql
 
 // Runs all steps in their order. A further step is one line of the list in sample.cpp.
 void WriteSample(const Organization& organization, RowWriter& rows, Progress& progress);
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

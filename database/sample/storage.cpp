@@ -37,7 +37,7 @@ FileSystem MakeFileSystem(std::string_view name, std::vector<DbFile> files, Rand
   return system;
 }
 
-}   // namespace
+}  // namespace
 
 std::vector<Backup> BackupsOf(const Organization& organization, const Server& server, int type) {
   Random random = RandomFor(organization, type == 1 ? "information store" : "directory store", server);
@@ -118,4 +118,4 @@ void WriteStorage(SampleRun& run) {
   }
 }
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

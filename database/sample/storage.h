@@ -29,11 +29,11 @@ std::int32_t BackupPolicy(const ServerGroup& group);
 
 struct DbFile {
   std::string_view component, kind, path;
-  std::int64_t size = 0;   // bytes
+  std::int64_t size = 0;  // bytes
 };
 
 struct FileSystem {
-  std::string_view name;   // "D:"
+  std::string_view name;  // "D:"
   std::int64_t size = 0, free = 0;
   std::vector<DbFile> files;
 
@@ -44,4 +44,4 @@ struct FileSystem {
 // space add up to the size of each.
 std::vector<FileSystem> FileSystemsOf(const Organization& organization, const Server& server);
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

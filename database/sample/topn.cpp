@@ -24,7 +24,7 @@ enum class Ranks : std::uint8_t {
 
 struct KindRow {
   Ranks ranks;
-  std::int16_t ofMailboxes, ofPublicFolders;   // the kind's number for each
+  std::int16_t ofMailboxes, ofPublicFolders;  // the kind's number for each
 };
 
 // clang-format off
@@ -66,7 +66,7 @@ class Rankings {
   const std::vector<Candidate>& Places(Ranks ranks) { return lists_[static_cast<std::size_t>(ranks)].Places(); }
 
  private:
-  std::vector<RankedList> lists_;   // in the order of `Ranks`
+  std::vector<RankedList> lists_;  // in the order of `Ranks`
 };
 
 struct OwnerFigures {
@@ -243,8 +243,9 @@ class TopNWriter {
                     {"PublicFolderId", "ServerId", "FolderPath", "ExchangeId", "MsgCount", "MsgSize", "LastModified"});
     for (std::size_t i = 0; i < organization_.publicFolders.size(); ++i) {
       const PublicFolder& folder = organization_.publicFolders[i];
-      run_.rows.Add(i + 1, organization_.servers[folder.server].id, folder.path, PublicFolderIdentifier(organization_, folder),
-                    folder.messages, folder.space, DateOf(newestOfFolders_[i]));
+      run_.rows.Add(i + 1, organization_.servers[folder.server].id, folder.path,
+                    PublicFolderIdentifier(organization_, folder), folder.messages, folder.space,
+                    DateOf(newestOfFolders_[i]));
     }
   }
 
@@ -293,14 +294,14 @@ class TopNWriter {
   const Organization& organization_;
   const bool keepsAll_;
   std::int64_t lastMessage_ = 0;
-  std::vector<Message> messages_;   // of the mailbox or folder that is being scanned
+  std::vector<Message> messages_;  // of the mailbox or folder that is being scanned
   std::vector<Rankings> ofMailboxes_, ofFolders_, ofGroups_;
   std::vector<std::optional<Moment>> newestOfMailboxes_, newestOfFolders_;
-  std::map<std::int64_t, std::int32_t> rankedFolders_;   // FolderId, its MailboxId
+  std::map<std::int64_t, std::int32_t> rankedFolders_;  // FolderId, its MailboxId
 };
 
-}   // namespace
+}  // namespace
 
 void WriteTopN(SampleRun& run) { TopNWriter(run).Write(); }
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

@@ -41,20 +41,13 @@ enum class Oddity { None, NoDate, BadDate, NoSubject, HugeSubject, BrokenHeaders
 
 Oddity PickOddity(Random& random) {
   switch (random.Below(40)) {
-    case 0:
-      return Oddity::NoDate;
-    case 1:
-      return Oddity::BadDate;
-    case 2:
-      return Oddity::NoSubject;
-    case 3:
-      return Oddity::HugeSubject;
-    case 4:
-      return Oddity::BrokenHeaders;
-    case 5:
-      return random.OneIn(4) ? Oddity::NoHeaders : Oddity::None;
-    default:
-      return Oddity::None;
+    case 0: return Oddity::NoDate;
+    case 1: return Oddity::BadDate;
+    case 2: return Oddity::NoSubject;
+    case 3: return Oddity::HugeSubject;
+    case 4: return Oddity::BrokenHeaders;
+    case 5: return random.OneIn(4) ? Oddity::NoHeaders : Oddity::None;
+    default: return Oddity::None;
   }
 }
 
@@ -130,7 +123,7 @@ void AppendBody(std::string& out, Random& random) {
   out += "--part--\n";
 }
 
-}   // namespace
+}  // namespace
 
 std::string MailText(Random& random, std::string_view recipient, Moment received) {
   std::string out;
@@ -149,4 +142,4 @@ std::string MailText(Random& random, std::string_view recipient, Moment received
   return out;
 }
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

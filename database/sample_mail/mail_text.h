@@ -12,4 +12,4 @@ namespace kalvo::sample {
 // it: broken headers, odd encodings, no date, no subject, a subject of thousands of characters.
 std::string MailText(Random& random, std::string_view recipient, Moment received);
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

@@ -20,7 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kMostMailboxes = 400;
-constexpr std::int64_t kMostMessages = 24, kMostPublicMessages = 12, kAlicesMessages = 75;   // in one folder
+constexpr std::int64_t kMostMessages = 24, kMostPublicMessages = 12, kAlicesMessages = 75;  // in one folder
 constexpr std::string_view kMark = "# The sample's servers and mailboxes; made by `kalvo sample`, which replaces it.\n";
 
 // clang-format off
@@ -176,7 +176,7 @@ bool IsSample(const fs::path& store) {
   return in.read(start.data(), static_cast<std::streamsize>(start.size())) && start == kMark;
 }
 
-}   // namespace
+}  // namespace
 
 void MakeSampleMail(const SampleOptions& options, Progress& progress) {
   MakeSampleMail(MakeOrganization(options.size, options.seed, progress), options.out, progress);
@@ -203,4 +203,4 @@ const Server& HomeOfSampleUsers(const Organization& organization) {
                        [](const Server& server) { return server.scanned && server.mailboxCount > 0; });
 }
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

@@ -23,4 +23,4 @@ void MakeSampleMail(const Organization& organization, const std::filesystem::pat
 // The server that holds the mailboxes of alice and admin.
 const Server& HomeOfSampleUsers(const Organization& organization);
 
-}   // namespace kalvo::sample
+}  // namespace kalvo::sample

@@ -82,7 +82,7 @@ void AddPasswd(CLI::App& app, PasswdArguments& passwd) {
   app.add_flag("--delete", passwd.remove, "removes the user");
 }
 
-}   // namespace
+}  // namespace
 
 std::variant<Arguments, int> ParseArguments(int count, char** words) {
   CLI::App app("Report tables for the console of a mail storage manager.", "kalvo");
@@ -115,4 +115,4 @@ std::variant<Arguments, int> ParseArguments(int count, char** words) {
   return Arguments(std::move(check));
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

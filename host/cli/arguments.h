@@ -16,14 +16,14 @@ struct PageArguments {
   std::string query;
   std::optional<std::string> form;
   std::string logon;
-  std::vector<std::pair<std::string, std::string>> session;   // name and value
-  std::vector<std::pair<std::string, std::string>> statics;   // name and file
+  std::vector<std::pair<std::string, std::string>> session;  // name and value
+  std::vector<std::pair<std::string, std::string>> statics;  // name and file
   std::string database = "odbc";
   std::string mail;
   std::string locale = "en-US";
   bool headers = false;
-  double timeLimit = 30;             // seconds
-  std::uint32_t memoryLimit = 256;   // MiB
+  double timeLimit = 30;            // seconds
+  std::uint32_t memoryLimit = 256;  // MiB
 };
 
 struct ServeArguments {
@@ -62,4 +62,4 @@ inline constexpr int kWrongUsage = 2;
 // line has been printed.
 std::variant<Arguments, int> ParseArguments(int count, char** words);
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

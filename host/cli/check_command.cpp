@@ -88,16 +88,13 @@ Named NameOf(KalvoTableConstants id) {
     case TABLE_TASK_CAPACITYPLANNING_SINGLESERVER:
     case TABLE_RES_SERVER_DBFILESUMMARY:
     case TABLE_CHARGEBACK_Server:
-    case TABLE_AmbiguousAddressResolution:
-      return Named::Server;
+    case TABLE_AmbiguousAddressResolution: return Named::Server;
     case TABLE_TASK_CAPACITYPLANNING_SUMMARY:
     case TABLE_RES_SERVERGROUPMEMBERSHIP:
     case TABLE_RES_SERVERGROUP_SERVERSUMMARY:
     case TABLE_SINGLESERVERGROUPMEMBERSHIP:
-    case TABLE_CHARGEBACK_ServerGroup:
-      return Named::Group;
-    default:
-      return id >= TABLE_TOPN_MBCNT && id <= TABLE_TOPN_LARGEOLDPFMSG ? Named::Server : Named::Nothing;
+    case TABLE_CHARGEBACK_ServerGroup: return Named::Group;
+    default: return id >= TABLE_TOPN_MBCNT && id <= TABLE_TOPN_LARGEOLDPFMSG ? Named::Server : Named::Nothing;
   }
 }
 
@@ -151,7 +148,7 @@ class Check {
         if (answer.empty()) continue;
         Line("Server") << engine << OneLine(answer[0][0]) << "\n";
         return;
-      } catch (const Error&) {   // another engine's word
+      } catch (const Error&) {  // another engine's word
       }
     }
     Line("Server") << "does not tell its version\n";
@@ -296,7 +293,7 @@ class Check {
           "select s.ComputerName, g.Name, s.DistOrgName, s.DistSiteName from EXDB_SERVER s, EXDB_GROUP g "
           "where g.GroupId = s.ServerGroupId and s.ServerState = 2 order by s.ComputerName");
       if (!answer.empty()) return {answer[0][0], answer[0][1], answer[0][2], answer[0][3]};
-    } catch (const Error&) {   // the schema's lines say why
+    } catch (const Error&) {  // the schema's lines say why
     }
     return {};
   }
@@ -307,7 +304,7 @@ class Check {
   std::shared_ptr<KalvoTableDatabase> tables_;
 };
 
-}   // namespace
+}  // namespace
 
 int RunCheck(const Platform& platform, const CheckOptions& options, std::ostream& out) {
   const auto told = [&](std::string_view what, const std::string& text) {
@@ -324,4 +321,4 @@ int RunCheck(const Platform& platform, const CheckOptions& options, std::ostream
   return fits && disjoint && run ? 0 : 1;
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -10,8 +10,8 @@ struct Platform;
 namespace kalvo::host {
 
 struct CheckOptions {
-  std::string where;    // what the data source is, as the user named it: "sqlite:kalvo.db"; shown, not read
-  std::string driver;   // the driver and its version, where the host knows them; shown, not read
+  std::string where;   // what the data source is, as the user named it: "sqlite:kalvo.db"; shown, not read
+  std::string driver;  // the driver and its version, where the host knows them; shown, not read
 };
 
 // Checks the reporting database behind the platform and writes what it finds: whether the data source opens,
@@ -20,4 +20,4 @@ struct CheckOptions {
 // runs, in one scope of the data itself. 0 when all is well, 1 when something is not.
 int RunCheck(const Platform& platform, const CheckOptions& options, std::ostream& out);
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

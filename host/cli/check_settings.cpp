@@ -19,4 +19,4 @@ int RunCheck(const CheckArguments& arguments) {
 #endif
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

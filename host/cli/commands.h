@@ -23,4 +23,4 @@ int RunCheck(const CheckArguments& arguments);
 // input.
 int RunPasswd(const PasswdArguments& arguments);
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -16,7 +16,7 @@ struct Run {
   int operator()(const kalvo::host::PasswdArguments& arguments) const { return kalvo::host::RunPasswd(arguments); }
 };
 
-}   // namespace
+}  // namespace
 
 int main(int count, char** words) {
   // A peer that hangs up is an error of that write, not the end of the process.

@@ -45,7 +45,7 @@ class OutputSink : public PageSink {
 
 struct PagePlace {
   fs::path root;
-  std::string page;   // its path below the root
+  std::string page;  // its path below the root
 };
 
 PagePlace Locate(const PageArguments& arguments) {
@@ -88,7 +88,7 @@ PageOptions MakeOptions(const PageArguments& arguments) {
   return options;
 }
 
-}   // namespace
+}  // namespace
 
 int RunPage(const PageArguments& arguments) {
   const PagePlace place = Locate(arguments);
@@ -104,4 +104,4 @@ int RunPage(const PageArguments& arguments) {
   return kFailed;
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -58,7 +58,7 @@ std::string ReadPassword() {
   return password;
 }
 
-}   // namespace
+}  // namespace
 
 int RunPasswd(const PasswdArguments& arguments) {
   const auto account = web::login::AccountNamed(arguments.name);
@@ -77,4 +77,4 @@ int RunPasswd(const PasswdArguments& arguments) {
   return kDone;
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -43,7 +43,9 @@ class ListRequest : public Request {
       for (const std::string_view value : Values(key)) Append(out, out.empty() ? "" : ", ", value);
     });
   }
-  std::string ServerVariable(std::string_view name) override { return EqualsIgnoringCase(name, "URL") ? "/Report.asp" : ""; }
+  std::string ServerVariable(std::string_view name) override {
+    return EqualsIgnoringCase(name, "URL") ? "/Report.asp" : "";
+  }
   std::string Item(std::string_view name) override {
     return QueryCount(name) > 0 ? QueryText(name) : ServerVariable(name);
   }
@@ -70,7 +72,8 @@ class RightsSession : public Session {
  public:
   explicit RightsSession(bool administrator) : administrator_(administrator) {}
   Value Item(std::string_view name) override {
-    return administrator_ && EqualsIgnoringCase(name, "KalvoAdministrator") ? Value(std::string("Yes")) : Value(Empty());
+    return administrator_ && EqualsIgnoringCase(name, "KalvoAdministrator") ? Value(std::string("Yes"))
+                                                                            : Value(Empty());
   }
   std::shared_ptr<LiveContainer> StaticObject(std::string_view) override { throw ObjectRequired(); }
 
@@ -114,7 +117,7 @@ std::string PlainText(std::string_view html) {
   return out;
 }
 
-}   // namespace
+}  // namespace
 
 std::string ReportPage::Build(KalvoTableConstants id, const ReportScope& scope) const {
   const auto page = std::make_shared<PageObjects>(query_, administrator_);
@@ -135,4 +138,4 @@ std::vector<std::string> FailuresOf(std::string_view html) {
   return failures;
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

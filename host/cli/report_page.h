@@ -44,4 +44,4 @@ class ReportPage {
 // The failures that a report's HTML tells of, each as one line of plain text.
 std::vector<std::string> FailuresOf(std::string_view html);
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

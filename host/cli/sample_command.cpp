@@ -15,4 +15,4 @@ int RunSample(const SampleArguments& arguments) {
   return kDone;
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -18,11 +18,11 @@ web::Settings Load(const ServeArguments& arguments) {
   return settings;
 }
 
-}   // namespace
+}  // namespace
 
 int RunServe(const ServeArguments& arguments) {
   web::Supervisor([&arguments] { return Load(arguments); }).Run(std::cout);
   return kDone;
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -28,7 +28,7 @@ Options WithLimit(double seconds) {
 }
 #endif
 
-}   // namespace
+}  // namespace
 
 std::unique_ptr<Database> MakeDatabase(std::string_view where, [[maybe_unused]] double secondsPerStatement,
                                        [[maybe_unused]] const Locale& locale) {
@@ -50,4 +50,4 @@ std::unique_ptr<Database> MakeDatabase(std::string_view where, [[maybe_unused]] 
   throw SettingError("\"" + std::string(where) + "\" is no reporting database; sqlite:FILE or odbc is");
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -6,7 +6,7 @@
 namespace kalvo {
 class Database;
 struct Locale;
-}   // namespace kalvo
+}  // namespace kalvo
 
 namespace kalvo::host {
 
@@ -15,4 +15,4 @@ namespace kalvo::host {
 // build.
 std::unique_ptr<Database> MakeDatabase(std::string_view where, double secondsPerStatement, const Locale& locale);
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

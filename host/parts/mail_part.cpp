@@ -38,7 +38,7 @@ LiveDrillerMaker OpenImap([[maybe_unused]] std::string_view url) {
 #endif
 }
 
-}   // namespace
+}  // namespace
 
 LiveDrillerMaker MakeMail(std::string_view where) {
   if (where.empty()) return {};
@@ -53,4 +53,4 @@ LiveDrillerMaker MakeMail(std::string_view where) {
   throw SettingError("\"" + std::string(where) + "\" names no mailboxes; maildir:DIR or imap://HOST:PORT does");
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

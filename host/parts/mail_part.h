@@ -11,4 +11,4 @@ namespace kalvo::host {
 // is not in this build, and for a mail store whose own settings are wrong.
 LiveDrillerMaker MakeMail(std::string_view where);
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -27,4 +27,4 @@ std::shared_ptr<LiveContainer> MemorySession::LiveDriller() {
   return driller_;
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

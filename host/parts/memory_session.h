@@ -26,9 +26,9 @@ class MemorySession final : public PageSession {
   std::shared_ptr<LiveContainer> LiveDriller() override;
 
  private:
-  std::map<std::string, Value> values_;   // by lower-case name
+  std::map<std::string, Value> values_;  // by lower-case name
   LiveDrillerMaker makeDriller_;
   std::shared_ptr<LiveContainer> driller_;
 };
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -19,7 +19,7 @@ const Locale& LocaleNamed(const std::string& name) {
   throw SettingError(message);
 }
 
-}   // namespace
+}  // namespace
 
 Parts::Parts(const PartsSettings& settings)
     : locale_(LocaleNamed(settings.locale)),
@@ -30,4 +30,4 @@ Parts::Parts(const PartsSettings& settings)
 
 Parts::~Parts() = default;
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

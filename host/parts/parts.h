@@ -11,10 +11,10 @@ namespace kalvo::host {
 
 // Where the parts are, in the words of the command line and of the settings.
 struct PartsSettings {
-  std::string database = "odbc";   // "sqlite:FILE" or "odbc"
-  std::string mail;                // "maildir:DIR", "imap://HOST:PORT", or "" for no mailboxes
+  std::string database = "odbc";  // "sqlite:FILE" or "odbc"
+  std::string mail;               // "maildir:DIR", "imap://HOST:PORT", or "" for no mailboxes
   std::string locale = "en-US";
-  double timeLimit = 30;   // seconds that one statement may take
+  double timeLimit = 30;  // seconds that one statement may take
 };
 
 // The outside of one process. Made once by the command that runs, it owns the parts and hands them down by
@@ -41,4 +41,4 @@ class Parts {
   LiveDrillerMaker makeDriller_;
 };
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

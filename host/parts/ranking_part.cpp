@@ -19,7 +19,7 @@ class NoRanking : public TopNFactory {
   std::shared_ptr<TopNLoader> NewMailboxGroupLoader() override { throw CannotCreateObject(); }
 };
 
-}   // namespace
+}  // namespace
 #endif
 
 std::unique_ptr<TopNFactory> MakeRanking([[maybe_unused]] Database& database, [[maybe_unused]] const Locale& locale) {
@@ -31,4 +31,4 @@ std::unique_ptr<TopNFactory> MakeRanking([[maybe_unused]] Database& database, [[
 #endif
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

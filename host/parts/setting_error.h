@@ -10,4 +10,4 @@ class SettingError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -21,7 +21,7 @@ LocalMoment LocalNow() {
   return moment;
 }
 
-}   // namespace
+}  // namespace
 
 Date SystemClock::Now() {
   const std::tm now = LocalNow().calendar;
@@ -36,4 +36,4 @@ float SystemClock::Timer() {
   return static_cast<float>(seconds + static_cast<double>(now.nanoseconds) / 1e9);
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

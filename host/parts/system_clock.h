@@ -11,4 +11,4 @@ class SystemClock : public Clock {
   float Timer() override;
 };
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -21,18 +21,14 @@ Value Element(Engine& engine, duk_idx_t array, duk_uarridx_t i) {
   return value;
 }
 
-}   // namespace
+}  // namespace
 
 Value Parameter::DefaultValue() const {
   switch (kind) {
-    case Default::Text:
-      return std::string(text);
-    case Default::Number:
-      return number;
-    case Default::Boolean:
-      return number != 0;
-    case Default::None:
-      break;
+    case Default::Text: return std::string(text);
+    case Default::Number: return number;
+    case Default::Boolean: return number != 0;
+    case Default::None: break;
   }
   return Empty{};
 }
@@ -120,4 +116,4 @@ void PushNumbers(Engine& engine, std::span<const std::int16_t> numbers) {
   }
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

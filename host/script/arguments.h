@@ -24,7 +24,7 @@ struct Parameter {
   enum class Default { None, Text, Number, Boolean };
 
   constexpr Parameter() = default;
-  constexpr Parameter(const char* itsName) : name(itsName) {}   // NOLINT: rows of a table
+  constexpr Parameter(const char* itsName) : name(itsName) {}  // NOLINT: rows of a table
   constexpr Parameter(const char* itsName, const char* value) : name(itsName), kind(Default::Text), text(value) {}
   constexpr Parameter(const char* itsName, int value) : name(itsName), kind(Default::Number), number(value) {}
   constexpr Parameter(const char* itsName, bool value) : name(itsName), kind(Default::Boolean), number(value) {}
@@ -34,7 +34,7 @@ struct Parameter {
   std::string_view text;
   std::int32_t number = 0;
 
-  Value DefaultValue() const;   // empty for a parameter that has none
+  Value DefaultValue() const;  // empty for a parameter that has none
 };
 
 // One call from script: its arguments stand on the stack from 0 on, filled up with undefined.
@@ -42,7 +42,7 @@ struct CallFrame {
   Engine& engine;
   Object& self;
   std::span<const Parameter> parameters;
-  std::size_t given = 0;   // how many arguments the script wrote
+  std::size_t given = 0;  // how many arguments the script wrote
 
   duk_context* Context() const { return engine.Context(); }
 
@@ -243,8 +243,8 @@ void PushResult(Engine& engine, const T& result) {
   } else if constexpr (std::same_as<T, Value>) {
     PushValue(engine, result);
   } else {
-    PushObject(engine, result);   // a shared pointer to an object
+    PushObject(engine, result);  // a shared pointer to an object
   }
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -23,8 +23,8 @@ struct Member {
   std::string_view name;
   std::array<Parameter, kMaxParameters> parameters{};
   std::size_t parameterCount = 0;
-  void (*call)(CallFrame&) = nullptr;   // runs the operation or reads the property; pushes one value
-  void (*set)(CallFrame&) = nullptr;    // writes the property; null for one that is only read
+  void (*call)(CallFrame&) = nullptr;  // runs the operation or reads the property; pushes one value
+  void (*set)(CallFrame&) = nullptr;   // writes the property; null for one that is only read
 
   std::span<const Parameter> Parameters() const { return {parameters.data(), parameterCount}; }
 };
@@ -103,4 +103,4 @@ consteval Member Property(std::string_view name) {
   return {MemberKind::Property, name, {}, 0, RunOperation<Get>, RunOperation<Set>};
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -101,7 +101,7 @@ constexpr ClassBinding kClasses[] = {
 };
 // clang-format on
 
-}   // namespace
+}  // namespace
 
 std::string Signature(const Member& member) {
   std::string text(member.name);
@@ -110,17 +110,10 @@ std::string Signature(const Member& member) {
   for (const Parameter& parameter : member.Parameters()) {
     Append(text, text.back() == '(' ? "" : ", ", parameter.name);
     switch (parameter.kind) {
-      case Parameter::Default::None:
-        break;
-      case Parameter::Default::Text:
-        Append(text, " = \"", parameter.text, '"');
-        break;
-      case Parameter::Default::Number:
-        Append(text, " = ", parameter.number);
-        break;
-      case Parameter::Default::Boolean:
-        Append(text, " = ", parameter.number != 0 ? "true" : "false");
-        break;
+      case Parameter::Default::None: break;
+      case Parameter::Default::Text: Append(text, " = \"", parameter.text, '"'); break;
+      case Parameter::Default::Number: Append(text, " = ", parameter.number); break;
+      case Parameter::Default::Boolean: Append(text, " = ", parameter.number != 0 ? "true" : "false"); break;
     }
   }
   return text + ")";
@@ -137,4 +130,4 @@ const ClassBinding* FindPublicClass(std::string_view name) {
   return nullptr;
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

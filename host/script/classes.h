@@ -14,7 +14,7 @@ namespace kalvo::host {
 
 // A class as scripts see it.
 struct ClassBinding {
-  std::string_view name;   // "Display"; scripts make a public class as "KalvoTables.Display"
+  std::string_view name;  // "Display"; scripts make a public class as "KalvoTables.Display"
 
   // Whether the object is one of this class, for an object whose class is asked for the first time.
   bool (*owns)(const Object& object) = nullptr;
@@ -22,7 +22,7 @@ struct ClassBinding {
 
   // Makes a new one; null for a class that scripts cannot make.
   std::shared_ptr<Object> (*make)(const Platform& platform) = nullptr;
-  std::size_t bytes = 0;   // about what one takes, counted to the page's memory
+  std::size_t bytes = 0;  // about what one takes, counted to the page's memory
 
   // Tell an object that `Server.CreateObject` made of the page's start and end; null where it has no such operation.
   void (*start)(Object& object, ScriptingContext& context) = nullptr;
@@ -46,4 +46,4 @@ inline constexpr std::string_view kClassPrefix = "KalvoTables.";
 // The public class that a script names "KalvoTables.Display", in any case; null when there is none.
 const ClassBinding* FindPublicClass(std::string_view name);
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

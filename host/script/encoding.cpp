@@ -32,18 +32,14 @@ void CopyRuns(std::string& out, std::string_view text, Stays stays, Replace repl
 
 constexpr std::string_view Reference(char byte) {
   switch (byte) {
-    case '&':
-      return "&amp;";
-    case '<':
-      return "&lt;";
-    case '>':
-      return "&gt;";
-    default:
-      return "&quot;";
+    case '&': return "&amp;";
+    case '<': return "&lt;";
+    case '>': return "&gt;";
+    default: return "&quot;";
   }
 }
 
-}   // namespace
+}  // namespace
 
 void AppendHtmlEncoded(std::string& out, std::string_view text) {
   CopyRuns(
@@ -66,4 +62,4 @@ void AppendUrlEncoded(std::string& out, std::string_view text) {
       });
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -12,4 +12,4 @@ void AppendHtmlEncoded(std::string& out, std::string_view text);
 // in upper-case hexadecimal. "a.b-c_d" gives "a%2Eb%2Dc%5Fd".
 void AppendUrlEncoded(std::string& out, std::string_view text);
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -15,15 +15,15 @@ namespace {
 
 // A page that is given less than this part of its limit between two collections of garbage is at its limit.
 constexpr std::size_t kProgress = 64;
-constexpr std::size_t kReserve = 8;   // the part of the limit that a page has on top to end in
+constexpr std::size_t kReserve = 8;  // the part of the limit that a page has on top to end in
 
-}   // namespace
+}  // namespace
 
 // The memory of the state and of what is charged to it.
 struct Engine::Memory {
   std::size_t limit = 0;
   std::size_t used = 0;
-  std::size_t sinceRefusal = SIZE_MAX;   // what was given since a request was last refused
+  std::size_t sinceRefusal = SIZE_MAX;  // what was given since a request was last refused
 
   bool Fits(std::size_t bytes) const { return bytes <= limit && used <= limit - bytes; }
 
@@ -170,7 +170,7 @@ struct FailureReader {
   }
 };
 
-}   // namespace
+}  // namespace
 
 Engine::Engine(const PageLimits& limits, ScriptPage* page)
     : memory_(std::make_unique<Memory>()),
@@ -213,7 +213,7 @@ void Engine::Install() {
   duk_put_prop_literal(context_, -2, "errThrow");
   duk_pop(context_);
   duk_push_global_object(context_);
-  duk_del_prop_literal(context_, -1, "Duktape");   // threads, finalizers and the like are no business of a page
+  duk_del_prop_literal(context_, -1, "Duktape");  // threads, finalizers and the like are no business of a page
   duk_pop(context_);
 }
 
@@ -317,7 +317,7 @@ std::string TextAt(duk_context* context, duk_idx_t index) {
   return utf8;
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host
 
 int kalvo_engine_must_stop(void* heap) {
   auto& engine = *static_cast<kalvo::host::Engine*>(heap);

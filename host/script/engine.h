@@ -29,10 +29,10 @@ enum class EndCause { None, Response, TimeLimit, MemoryLimit, Sink };
 
 // A thrown script value, read before it is dropped.
 struct ScriptFailure {
-  std::int32_t number = 0;   // 0x80004005 where it has none
-  std::string description;   // else its message
-  std::string message;       // as a console shows it: "TypeError: undefined not callable"
-  std::string file;          // the script that threw it, and the line of it; "" and 0 when unknown
+  std::int32_t number = 0;  // 0x80004005 where it has none
+  std::string description;  // else its message
+  std::string message;      // as a console shows it: "TypeError: undefined not callable"
+  std::string file;         // the script that threw it, and the line of it; "" and 0 when unknown
   int line = 0;
 };
 
@@ -155,7 +155,7 @@ class Engine {
   duk_uarridx_t slots_ = 0;
   std::vector<duk_uarridx_t> freeSlots_;
   std::unordered_map<const void*, void*> wrappers_;
-  std::string throwFile_;   // where a value that is no error was last thrown
+  std::string throwFile_;  // where a value that is no error was last thrown
   int throwLine_ = 0;
 };
 
@@ -166,4 +166,4 @@ void PushText(duk_context* context, std::string_view utf8);
 // The text of a string value on the stack.
 std::string TextAt(duk_context* context, duk_idx_t index);
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

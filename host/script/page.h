@@ -14,7 +14,7 @@
 namespace kalvo {
 class LiveContainer;
 struct Platform;
-}   // namespace kalvo
+}  // namespace kalvo
 
 namespace kalvo::host {
 
@@ -24,12 +24,12 @@ using NamedTexts = std::vector<std::pair<std::string, std::string>>;
 // sees it.
 struct PageRequest {
   std::string method = "GET";
-  std::string url;              // the path: ServerVariables("URL")
-  std::string queryString;      // without "?"
-  std::string form;             // an URL-encoded body; "" when there is none
-  std::string cookies;          // the Cookie header
-  std::string logonName;        // ServerVariables("LOGON_USER")
-  NamedTexts serverVariables;   // further ones, such as "REMOTE_ADDR" and "HTTP_USER_AGENT"
+  std::string url;             // the path: ServerVariables("URL")
+  std::string queryString;     // without "?"
+  std::string form;            // an URL-encoded body; "" when there is none
+  std::string cookies;         // the Cookie header
+  std::string logonName;       // ServerVariables("LOGON_USER")
+  NamedTexts serverVariables;  // further ones, such as "REMOTE_ADDR" and "HTTP_USER_AGENT"
 };
 
 // The status line and the headers of a response, without what the sender adds (length, date, connection).
@@ -37,7 +37,7 @@ struct PageHead {
   int status = 200;
   std::string reason = "OK";
   std::string contentType = "text/html; charset=utf-8";
-  NamedTexts headers;   // no name or value holds a control character
+  NamedTexts headers;  // no name or value holds a control character
 };
 
 // Where a response goes: the head once, then the body in pieces. Called only from inside `Site::Run` and
@@ -74,7 +74,7 @@ struct PageLimits {
 // A session static object made by script: what the text evaluates to, once a page, when it is first asked for.
 struct ScriptStatic {
   std::string name;
-  std::string file;   // named in failures
+  std::string file;  // named in failures
   std::string text;
 };
 
@@ -98,7 +98,7 @@ struct PageFailure {
 std::string Describe(const PageFailure& failure);
 
 struct PageResult {
-  std::optional<PageFailure> failure;   // nothing: the page ran to its end or to `Response.End`
+  std::optional<PageFailure> failure;  // nothing: the page ran to its end or to `Response.End`
   bool headSent = false;
 
   // After a failure: what the page wrote and did not flush. The caller sends it or throws it away. The head is
@@ -134,4 +134,4 @@ class Site {
   std::unique_ptr<Pages> pages_;
 };
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

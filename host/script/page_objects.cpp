@@ -15,7 +15,7 @@ constexpr std::string_view kLiveDriller = "gLiveDriller";
 // Where a path is allowed: a text, a number, a boolean, a date, null or empty.
 bool IsKept(const Value& value) { return !std::holds_alternative<std::shared_ptr<Object>>(value); }
 
-}   // namespace
+}  // namespace
 
 // ---- Server ----------------------------------------------------------------------------------------------------
 
@@ -99,4 +99,4 @@ std::shared_ptr<Request> ScriptingContextObject::GetRequest() { return page_.Pag
 std::shared_ptr<Session> ScriptingContextObject::GetSession() { return page_.PageSessionObject(); }
 std::shared_ptr<Server> ScriptingContextObject::GetServer() { return page_.PageServer(); }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -55,7 +55,7 @@ class SessionObject : public Session {
 
   ScriptPage& page_;
   PageSession& session_;
-  std::map<std::string, std::unique_ptr<ScriptReference>> statics_;   // made so far, by the name in lower case
+  std::map<std::string, std::unique_ptr<ScriptReference>> statics_;  // made so far, by the name in lower case
   std::shared_ptr<LiveContainer> driller_;
   bool drillerAsked_ = false;
 };
@@ -74,4 +74,4 @@ class ScriptingContextObject : public ScriptingContext {
   ScriptPage& page_;
 };
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

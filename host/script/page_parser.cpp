@@ -53,7 +53,7 @@ class Parser {
     std::string text;
     std::size_t at = 0;
     std::uint32_t line = 1;
-    std::optional<std::size_t> include;   // where the next include begins, once looked for
+    std::optional<std::size_t> include;  // where the next include begins, once looked for
   };
 
   [[noreturn]] void Fail(const File& file, std::uint32_t line, std::string message) const {
@@ -217,11 +217,11 @@ class Parser {
 
   PageFiles& files_;
   PageSource source_;
-  std::vector<std::string> open_;   // the files being read, the page first
+  std::vector<std::string> open_;  // the files being read, the page first
   std::size_t bytes_ = 0;
 };
 
-}   // namespace
+}  // namespace
 
 LinePlace PageSource::PlaceOf(int line) const {
   if (line < 1 || static_cast<std::size_t>(line) > lines.size()) return {0, 0};
@@ -254,4 +254,4 @@ std::optional<std::string> PathBelowRoot(std::string_view base, std::string_view
   return below;
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

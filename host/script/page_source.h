@@ -13,8 +13,8 @@ namespace kalvo::host {
 
 // Where a line of a page's script comes from.
 struct LinePlace {
-  std::uint32_t file = 0;   // index into PageSource::files
-  std::uint32_t line = 0;   // from 1
+  std::uint32_t file = 0;  // index into PageSource::files
+  std::uint32_t line = 0;  // from 1
 };
 
 // A page with its includes as one script. Text between the blocks stays outside of it: the script says
@@ -22,8 +22,8 @@ struct LinePlace {
 struct PageSource {
   std::string script;
   std::vector<std::string> texts;
-  std::vector<std::string> files;   // the page first; paths below the root
-  std::vector<LinePlace> lines;     // of each line of the script
+  std::vector<std::string> files;  // the page first; paths below the root
+  std::vector<LinePlace> lines;    // of each line of the script
 
   // The place of a line of the script, counted from 1; the page itself for a line that there is not.
   LinePlace PlaceOf(int line) const;
@@ -45,7 +45,7 @@ struct PageFault {
 };
 
 inline constexpr std::size_t kMaxIncludeDepth = 16;
-inline constexpr std::size_t kMaxPageBytes = 16 << 20;   // with all its includes
+inline constexpr std::size_t kMaxPageBytes = 16 << 20;  // with all its includes
 
 // Reads a page and its includes. Throws PageFault.
 PageSource ParsePage(std::string_view page, PageFiles& files);
@@ -53,4 +53,4 @@ PageSource ParsePage(std::string_view page, PageFiles& files);
 // A path below the root without "." and "..", or nothing when it leads out. `base` is the folder it starts from.
 std::optional<std::string> PathBelowRoot(std::string_view base, std::string_view path);
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -48,7 +48,7 @@ std::shared_ptr<NameCollection> Collection(NamedValues names, std::string_view t
   return std::make_shared<NameCollection>(std::move(names), WellFormed(text), lists);
 }
 
-}   // namespace
+}  // namespace
 
 NamedValues NamedValues::FromQuery(std::string_view text) {
   NamedValues names;
@@ -138,4 +138,4 @@ std::string RequestObject::Item(std::string_view name) {
   return holder != nullptr ? JoinedValues(holder->Names().Of(name)) : std::string();
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -30,7 +30,7 @@ class NamedValues {
  private:
   std::vector<std::string> keys_;
   std::vector<std::vector<std::string>> values_;
-  std::unordered_map<std::string, std::size_t> places_;   // by the name in lower case
+  std::unordered_map<std::string, std::size_t> places_;  // by the name in lower case
 };
 
 std::string JoinedValues(const std::vector<std::string>& values);
@@ -41,7 +41,7 @@ class ValueList : public Object {
   explicit ValueList(std::vector<std::string> values) : values_(std::move(values)) {}
 
   std::int32_t Count() const { return static_cast<std::int32_t>(values_.size()); }
-  std::string Item(std::int32_t i) const;   // from 1; fails with 9 outside of it
+  std::string Item(std::int32_t i) const;  // from 1; fails with 9 outside of it
   std::string Text() const { return JoinedValues(values_); }
   const std::vector<std::string>& Values() const { return values_; }
 
@@ -93,4 +93,4 @@ class RequestObject : public Request {
   std::shared_ptr<NameCollection> query_, form_, cookies_, variables_;
 };
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -28,7 +28,7 @@ void RequireHeaderText(std::string_view text) {
   if (HoldsControl(text)) throw Error(codes::kFailed, "A header holds no line breaks and no control characters");
 }
 
-}   // namespace
+}  // namespace
 
 void ResponseObject::RequireHead() const {
   if (headSent_) throw Error(codes::kFailed, "The headers are sent already");
@@ -51,7 +51,7 @@ void ResponseObject::Send() {
     if (!headSent_) sink_.Head(Head());
     headSent_ = true;
     if (!buffer_.empty()) sink_.Body(buffer_);
-  } catch (...) {   // no engine code runs in a sink: whatever it throws is its own
+  } catch (...) {  // no engine code runs in a sink: whatever it throws is its own
     sinkFailure_ = std::current_exception();
   }
   if (sinkFailure_ != nullptr) engine_.End(EndCause::Sink);
@@ -110,4 +110,4 @@ PageHead ResponseObject::Head() const {
   return head;
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

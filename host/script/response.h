@@ -56,4 +56,4 @@ class ResponseObject : public Response {
   std::exception_ptr sinkFailure_;
 };
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

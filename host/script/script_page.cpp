@@ -74,7 +74,7 @@ FailureKind KindOf(EndCause cause) {
   return cause == EndCause::MemoryLimit ? FailureKind::MemoryLimit : FailureKind::TimeLimit;
 }
 
-}   // namespace
+}  // namespace
 
 ScriptPage::ScriptPage(const SiteParts& site, const CompiledPage& compiled, const PageRequest& request,
                        PageSession& session, PageSink& sink, const PageOptions& options)
@@ -98,7 +98,7 @@ std::shared_ptr<Object> ScriptPage::Make(std::string_view name, bool started) {
   if (binding == nullptr) throw CannotCreateObject();
   std::shared_ptr<Object> object = binding->make(platform_);
   if (!started || binding->start == nullptr) return object;
-  engine_.Charge(static_cast<std::ptrdiff_t>(binding->bytes));   // kept to the page's end
+  engine_.Charge(static_cast<std::ptrdiff_t>(binding->bytes));  // kept to the page's end
   started_.push_back({object, binding});
   binding->start(*object, *context_);
   return object;
@@ -184,4 +184,4 @@ std::optional<PageFailure> ScriptPage::FailureOf(const std::optional<ScriptFailu
   return page;
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -63,7 +63,7 @@ class ScriptPage {
   const CompiledPage& compiled_;
   const PageOptions& options_;
   PageRanking ranking_;
-  const Platform platform_;   // as the page's objects see it: with the session's own Top-N loader
+  const Platform platform_;  // as the page's objects see it: with the session's own Top-N loader
   Engine engine_;
   std::shared_ptr<RequestObject> request_;
   std::shared_ptr<ResponseObject> response_;
@@ -73,4 +73,4 @@ class ScriptPage {
   std::vector<Started> started_;
 };
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

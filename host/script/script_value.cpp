@@ -11,7 +11,7 @@ namespace kalvo::host {
 namespace {
 
 constexpr double kDayMilliseconds = 86400000;
-constexpr double kUnixEpochSerial = 25569;   // 1970-01-01
+constexpr double kUnixEpochSerial = 25569;  // 1970-01-01
 
 // Days and their fraction as a serial: before day 0 the fraction counts away from it.
 double SerialOf(double days) {
@@ -90,7 +90,7 @@ Value ObjectValue(Engine& engine, duk_idx_t index) {
   return std::make_shared<OpaqueScriptObject>(engine, index);
 }
 
-}   // namespace
+}  // namespace
 
 ScriptReference::ScriptReference(Engine& engine, duk_idx_t index) : home_(engine.Home()) {
   duk_context* context = engine.Context();
@@ -107,7 +107,7 @@ ScriptReference::ScriptReference(Engine& engine, duk_idx_t index) : home_(engine
 ScriptReference::~ScriptReference() {
   if (*home_ == nullptr) return;
   duk_context* context = (*home_)->Context();
-  if (!duk_check_stack(context, 4)) return;   // kept until the engine closes
+  if (!duk_check_stack(context, 4)) return;  // kept until the engine closes
   duk_push_heap_stash(context);
   duk_get_prop_literal(context, -1, "kept");
   duk_push_undefined(context);
@@ -134,22 +134,16 @@ Value ValueAt(Engine& engine, duk_idx_t index) {
   duk_context* context = engine.Context();
   const duk_idx_t at = duk_normalize_index(context, index);
   switch (duk_get_type(context, at)) {
-    case DUK_TYPE_NULL:
-      return Null{};
-    case DUK_TYPE_BOOLEAN:
-      return duk_get_boolean(context, at) != 0;
-    case DUK_TYPE_NUMBER:
-      return NumberValue(duk_get_number(context, at));
+    case DUK_TYPE_NULL: return Null{};
+    case DUK_TYPE_BOOLEAN: return duk_get_boolean(context, at) != 0;
+    case DUK_TYPE_NUMBER: return NumberValue(duk_get_number(context, at));
     case DUK_TYPE_STRING:
       if (duk_is_symbol(context, at)) throw TypeMismatch();
       return TextAt(context, at);
-    case DUK_TYPE_OBJECT:
-      return ObjectValue(engine, at);
+    case DUK_TYPE_OBJECT: return ObjectValue(engine, at);
     case DUK_TYPE_UNDEFINED:
-    case DUK_TYPE_NONE:
-      return Empty{};
-    default:
-      throw TypeMismatch();
+    case DUK_TYPE_NONE: return Empty{};
+    default: throw TypeMismatch();
   }
 }
 
@@ -183,4 +177,4 @@ void PushValue(Engine& engine, const Value& value) {
 
 void PushObject(Engine& engine, Object& object) { PushObject(engine, object.weak_from_this().lock()); }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -20,7 +20,7 @@ class ScriptReference {
   void Push() const;
 
  private:
-  std::shared_ptr<Engine*> home_;   // emptied when the engine closes
+  std::shared_ptr<Engine*> home_;  // emptied when the engine closes
   duk_uarridx_t slot_ = 0;
 };
 
@@ -58,4 +58,4 @@ void PushObject(Engine& engine, Object& object);
 // The program's object behind a script object; null for a script object of its own.
 std::shared_ptr<Object> NativeAt(duk_context* context, duk_idx_t index);
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

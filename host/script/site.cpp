@@ -55,7 +55,7 @@ class SiteFiles : public PageFiles {
   }
 
   const fs::path& root_;
-  std::map<std::string, Stamp> stamps_;   // of the files read since they were last taken
+  std::map<std::string, Stamp> stamps_;  // of the files read since they were last taken
 };
 
 fs::path RealRoot(const fs::path& root) {
@@ -74,7 +74,7 @@ int TakeLine(std::string& message) {
   return line;
 }
 
-}   // namespace
+}  // namespace
 
 // The site's compiled pages.
 class Site::Pages {
@@ -152,7 +152,7 @@ PageResult Site::Run(std::string_view page, const PageRequest& request, PageSess
     PageResult result;
     result.failure = fault.failure;
     return result;
-  } catch (const std::bad_alloc&) {   // not even room for an empty page
+  } catch (const std::bad_alloc&) {  // not even room for an empty page
     PageResult result;
     result.failure =
         PageFailure{FailureKind::MemoryLimit, "the page needs more memory than its limit", std::string(page), 0};
@@ -182,4 +182,4 @@ void SendRest(const PageResult& result, PageSink& sink) {
   if (!result.unsent.empty()) sink.Body(result.unsent);
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

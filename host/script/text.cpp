@@ -11,7 +11,7 @@ constexpr char32_t kReplacement = 0xFFFD;
 
 struct Character {
   char32_t code;
-  std::size_t length;   // the bytes that it takes from the input
+  std::size_t length;  // the bytes that it takes from the input
 };
 
 bool Continues(std::string_view text, std::size_t at, unsigned low = 0x80, unsigned high = 0xBF) {
@@ -116,7 +116,7 @@ int HexDigit(char c) {
   return -1;
 }
 
-}   // namespace
+}  // namespace
 
 bool IsAscii(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
@@ -170,4 +170,4 @@ std::string UrlDecoded(std::string_view text) {
   return WellFormed(bytes);
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -19,4 +19,4 @@ bool IsAscii(std::string_view text);
 // A query string's or a form's text: "+" is a blank, "%XX" a byte; a "%" without two digits stands for itself.
 std::string UrlDecoded(std::string_view text);
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -14,7 +14,7 @@ namespace {
 struct Holder {
   std::shared_ptr<Object> object;
   void* wrapper;
-  std::ptrdiff_t bytes;   // counted to the page's memory while the wrapper lives
+  std::ptrdiff_t bytes;  // counted to the page's memory while the wrapper lives
 };
 
 constexpr const char* kHolder = DUK_HIDDEN_SYMBOL("holder");
@@ -190,7 +190,7 @@ bool AppendTextOf(std::string& out, const Object& object) {
   return typed != nullptr;
 }
 
-}   // namespace
+}  // namespace
 
 std::shared_ptr<Object> NativeAt(duk_context* context, duk_idx_t index) {
   const Holder* holder = HolderAt(context, index);
@@ -220,4 +220,4 @@ bool AppendDefaultText(std::string& out, const Object& object) {
   return AppendTextOf<ValueList>(out, object) || AppendTextOf<NameCollection>(out, object);
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -24,7 +24,7 @@ bool IsLoopback6(const std::string& host) {
   return inet_pton(AF_INET6, host.c_str(), &address) == 1 && IN6_IS_ADDR_LOOPBACK(&address);
 }
 
-}   // namespace
+}  // namespace
 
 std::optional<Address> ParseAddress(std::string_view text) {
   const auto colon = text.rfind(':');
@@ -39,4 +39,4 @@ std::optional<Address> ParseAddress(std::string_view text) {
   return std::nullopt;
 }
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

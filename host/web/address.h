@@ -9,7 +9,7 @@ namespace kalvo::web {
 
 // An address that browsers on this machine connect to.
 struct Address {
-  std::string host;   // as nginx takes it: "127.0.0.1", "[::1]"
+  std::string host;  // as nginx takes it: "127.0.0.1", "[::1]"
   std::uint16_t port = 0;
 };
 
@@ -17,4 +17,4 @@ struct Address {
 // other machines can reach.
 std::optional<Address> ParseAddress(std::string_view text);
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

@@ -42,7 +42,7 @@ bool ReadWhole(const fs::path& file, std::string& content) {
   return static_cast<bool>(in);
 }
 
-}   // namespace
+}  // namespace
 
 std::span<const ErrorPage> ErrorPages() { return kErrorPages; }
 
@@ -68,4 +68,4 @@ std::string ReadErrorPage(const fs::path& folder, int status) {
   return content;
 }
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

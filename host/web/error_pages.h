@@ -27,4 +27,4 @@ std::string_view ReasonOf(int status);
 // The page of a status, from a folder that `WriteErrorPages` filled.
 std::string ReadErrorPage(const std::filesystem::path& folder, int status);
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

@@ -54,7 +54,7 @@ std::string ReadBody(FCGX_Stream* in, std::size_t length) {
   return body;
 }
 
-}   // namespace
+}  // namespace
 
 FastCgiRequest ReadRequest(FCGX_Request& request) {
   FastCgiRequest taken;
@@ -95,4 +95,4 @@ void FastCgiSink::Put(std::string_view bytes) {
   }
 }
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

@@ -11,9 +11,9 @@ namespace kalvo::web {
 
 // A request as nginx handed it over.
 struct FastCgiRequest {
-  std::string page;   // the page's path below the site's root
+  std::string page;  // the page's path below the site's root
   host::PageRequest request;
-  bool complete = true;   // false: the posted body ended early, or is larger than is taken
+  bool complete = true;  // false: the posted body ended early, or is larger than is taken
 };
 
 // The largest posted body, in bytes; nginx refuses larger ones before.
@@ -38,4 +38,4 @@ class FastCgiSink : public host::PageSink {
   FCGX_Request& request_;
 };
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

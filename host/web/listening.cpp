@@ -37,7 +37,7 @@ int TryToBind(const Address& address) {
   return failed;
 }
 
-}   // namespace
+}  // namespace
 
 int ListenForNginx(const std::filesystem::path& path, int queue) {
   const int listening = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
@@ -62,4 +62,4 @@ void CheckAddressIsFree(const std::string& listen) {
   }
 }
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

@@ -15,4 +15,4 @@ void ChangeQueue(int socket, int queue);
 // Fails with SettingError when another program listens there already.
 void CheckAddressIsFree(const std::string& listen);
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

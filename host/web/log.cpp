@@ -34,7 +34,7 @@ void AppendNow(std::string& out) {
   out.append(text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &calendar));
 }
 
-}   // namespace
+}  // namespace
 
 Log::Log(std::string file) : file_(std::move(file)) { Reopen(); }
 
@@ -63,4 +63,4 @@ void Log::Reopen() {
   descriptor_ = opened;
 }
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

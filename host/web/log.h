@@ -28,4 +28,4 @@ class Log {
   int descriptor_ = -1;
 };
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

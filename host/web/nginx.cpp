@@ -41,7 +41,7 @@ std::uintmax_t SizeOf(const fs::path& file) {
   return error ? 0 : size;
 }
 
-}   // namespace
+}  // namespace
 
 Nginx::Nginx(std::string program, const RunFolder& run, const Log& log)
     : program_(std::move(program)), run_(run), log_(log) {}
@@ -136,4 +136,4 @@ bool Nginx::Ended(pid_t child, int status) {
   return true;
 }
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

@@ -46,4 +46,4 @@ class Nginx {
   std::int64_t nextStart_ = 0;
 };
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

@@ -109,7 +109,7 @@ void AppendAddresses(std::string& out, const Settings& settings, const RunFolder
          ";\n  if (-d $document_root$1) { return 301 /KalvoforExchange$1/; }\n  return 404;\n}\n");
 }
 
-}   // namespace
+}  // namespace
 
 std::string NginxSite(const Settings& settings, const RunFolder& run) {
   const int seconds = static_cast<int>(std::ceil(settings.timeLimit));
@@ -141,4 +141,4 @@ std::string NginxConfig(const Settings& settings, const RunFolder& run) {
   return out;
 }
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

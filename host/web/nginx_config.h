@@ -15,4 +15,4 @@ std::string NginxSite(const Settings& settings, const RunFolder& run);
 // ordinary user, with everything in the run folder.
 std::string NginxConfig(const Settings& settings, const RunFolder& run);
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

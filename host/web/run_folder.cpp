@@ -31,7 +31,7 @@ void MakePrivate(const fs::path& path) {
   }
 }
 
-}   // namespace
+}  // namespace
 
 RunFolder::RunFolder(fs::path path) : path_(std::move(path)) {
   if (Socket().native().size() >= sizeof(sockaddr_un::sun_path)) {
@@ -59,4 +59,4 @@ void WriteFile(const fs::path& file, std::string_view content) {
   if (!out || error) throw SettingError(file.string() + " cannot be written");
 }
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

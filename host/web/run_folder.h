@@ -31,4 +31,4 @@ class RunFolder {
 // Writes a file as a whole: a reader sees the old content or the new. Fails with SettingError.
 void WriteFile(const std::filesystem::path& file, std::string_view content);
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

@@ -49,7 +49,7 @@ struct Seconds {
 struct Rule {
   std::string_view key;
   std::variant<Word, Path, LogPath, Whole, Seconds> kind;
-  std::string_view right;   // what would be right, for whoever wrote something else
+  std::string_view right;  // what would be right, for whoever wrote something else
 };
 
 // clang-format off
@@ -194,7 +194,7 @@ void CompleteLogin(Settings& settings) {
   }
 }
 
-}   // namespace
+}  // namespace
 
 Settings ReadSettings(const fs::path& file) {
   if (!fs::is_regular_file(file)) throw SettingError(file.string() + ": there is no such settings file");
@@ -229,4 +229,4 @@ void Complete(Settings& settings) {
   }
 }
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

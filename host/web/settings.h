@@ -10,25 +10,25 @@ namespace kalvo::web {
 
 // How a site is served. Every setting has a default; `kalvo.toml` in the source folder shows them all.
 struct Settings {
-  std::string listen = "127.0.0.1:8080";   // a loopback address: nothing is encrypted
-  std::filesystem::path site;              // the pages; default: the console of this program
-  int workers = 4;                         // pages that run at a time
-  int queue = 64;                          // requests that may wait for a worker; one more is answered 503
-  double timeLimit = 30;                   // seconds a page may take
-  int memoryLimit = 256;                   // MiB the script of a page may take
-  std::string database = "odbc";           // where the data source "KalvoDB" points
-  std::string mail;                        // the mailboxes; "" for none
+  std::string listen = "127.0.0.1:8080";  // a loopback address: nothing is encrypted
+  std::filesystem::path site;             // the pages; default: the console of this program
+  int workers = 4;                        // pages that run at a time
+  int queue = 64;                         // requests that may wait for a worker; one more is answered 503
+  double timeLimit = 30;                  // seconds a page may take
+  int memoryLimit = 256;                  // MiB the script of a page may take
+  std::string database = "odbc";          // where the data source "KalvoDB" points
+  std::string mail;                       // the mailboxes; "" for none
   std::string locale = "en-US";
-  std::filesystem::path run;          // sockets, process ids, nginx's files; default: a private folder of the user
-  std::string web = "embedded";       // "external": for an nginx that is there already
-  std::string nginx = "nginx";        // the program
-  std::string log = "-";              // a file, or "-" for standard error
-  std::filesystem::path errorPages;   // a folder with 404.html, 500.html, 503.html ...; default: plain ones
-  std::filesystem::path users;        // the users file; with it, everybody signs in
-  std::filesystem::path sessions;     // a private folder; default: "sessions" below `run`
-  int sessionMinutes = 30;            // without a request, after which one signs in again
-  std::string logon;                  // without a users file: who every visitor is
-  host::NamedTexts session;           // and the session values every visitor has
+  std::filesystem::path run;         // sockets, process ids, nginx's files; default: a private folder of the user
+  std::string web = "embedded";      // "external": for an nginx that is there already
+  std::string nginx = "nginx";       // the program
+  std::string log = "-";             // a file, or "-" for standard error
+  std::filesystem::path errorPages;  // a folder with 404.html, 500.html, 503.html ...; default: plain ones
+  std::filesystem::path users;       // the users file; with it, everybody signs in
+  std::filesystem::path sessions;    // a private folder; default: "sessions" below `run`
+  int sessionMinutes = 30;           // without a request, after which one signs in again
+  std::string logon;                 // without a users file: who every visitor is
+  host::NamedTexts session;          // and the session values every visitor has
 
   bool External() const { return web == "external"; }
   host::PartsSettings Parts() const { return {database, mail, locale, timeLimit}; }
@@ -42,4 +42,4 @@ Settings ReadSettings(const std::filesystem::path& file);
 // SettingError.
 void Complete(Settings& settings);
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

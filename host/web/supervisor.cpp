@@ -22,9 +22,9 @@
 namespace kalvo::web {
 namespace {
 
-constexpr int kBeatMilliseconds = 100;      // how often the workers are looked after
-constexpr int kStopMilliseconds = 5000;     // for what is still running when the server is told to stop
-constexpr int kWorkerMilliseconds = 2000;   // for workers to go, once nobody asks them
+constexpr int kBeatMilliseconds = 100;     // how often the workers are looked after
+constexpr int kStopMilliseconds = 5000;    // for what is still running when the server is told to stop
+constexpr int kWorkerMilliseconds = 2000;  // for workers to go, once nobody asks them
 
 bool HasTerminal() {
   const int terminal = open("/dev/tty", O_RDONLY | O_CLOEXEC);
@@ -40,7 +40,7 @@ int OpenSignals() {
   return signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
 }
 
-}   // namespace
+}  // namespace
 
 Supervisor::Supervisor(Load load)
     : load_(std::move(load)),
@@ -103,9 +103,7 @@ Supervisor::Wish Supervisor::Attend(int milliseconds) {
   while (read(signals_, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
     switch (info.ssi_signo) {
       case SIGTERM:
-      case SIGINT:
-        wish = Wish::Stop;
-        break;
+      case SIGINT: wish = Wish::Stop; break;
       case SIGHUP:
         // A terminal that was closed hangs up too.
         if (hasTerminal_ && !HasTerminal()) {
@@ -118,8 +116,7 @@ Supervisor::Wish Supervisor::Attend(int milliseconds) {
         log_.Reopen();
         if (nginx_) nginx_->ReopenLog();
         break;
-      default:
-        break;
+      default: break;
     }
   }
   Reap();
@@ -174,4 +171,4 @@ void Supervisor::Stop() {
   unlink(run_.Socket().c_str());
 }
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

@@ -17,7 +17,7 @@ class WorkerPool;
 // settings and pages anew while it serves, SIGUSR1 has it open its log anew.
 class Supervisor {
  public:
-  using Load = std::function<Settings()>;   // reads the settings, complete; fails with SettingError
+  using Load = std::function<Settings()>;  // reads the settings, complete; fails with SettingError
 
   explicit Supervisor(Load load);
   ~Supervisor();
@@ -49,4 +49,4 @@ class Supervisor {
   std::unique_ptr<Nginx> nginx_;
 };
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

@@ -60,7 +60,7 @@ bool AwaitRequest(int socket, const sigset_t& waiting) {
 
 int StatusOf(const host::PageFailure& failure) { return failure.kind == host::FailureKind::NotFound ? 404 : 500; }
 
-}   // namespace
+}  // namespace
 
 Worker::Worker(const Settings& settings, host::Site& site, const host::LiveDrillerMaker& makeDriller,
                std::filesystem::path errors, const Log& log, WorkerSlot& slot)
@@ -157,4 +157,4 @@ void Worker::SendError(FCGX_Request& request, int status) {
   FCGX_Finish_r(&request);
 }
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

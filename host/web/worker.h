@@ -40,10 +40,10 @@ class Worker {
   std::filesystem::path errors_;
   const Log& log_;
   WorkerSlot& slot_;
-  std::optional<login::Gate> gate_;   // where visitors sign in
+  std::optional<login::Gate> gate_;  // where visitors sign in
 };
 
 // How long the supervisor waits beyond the page's own time limit before it ends a worker.
 inline constexpr int kGraceMilliseconds = 1000;
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

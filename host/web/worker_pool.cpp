@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kMostWorkers = 2048;   // two generations of the most that the settings allow
+constexpr int kMostWorkers = 2048;  // two generations of the most that the settings allow
 constexpr std::int64_t kFirstDelay = 100, kLongestDelay = 5000;
 
 bool IsPage(const fs::path& path) {
@@ -40,7 +40,7 @@ void PrepareAll(host::Site& site, const fs::path& root, const Log& log) {
   }
 }
 
-}   // namespace
+}  // namespace
 
 Generation::Generation(Settings chosen, const Log& log)
     : settings(std::move(chosen)), parts(settings.Parts()), site(settings.site, parts.GetPlatform()) {
@@ -153,4 +153,4 @@ void WorkerPool::KillAll() {
   for (const Member& member : workers_) kill(member.process, SIGKILL);
 }
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

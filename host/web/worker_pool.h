@@ -69,8 +69,8 @@ class WorkerPool {
   WorkerSlots slots_;
   std::shared_ptr<Generation> generation_;
   std::vector<Member> workers_;
-  std::int64_t nextStart_ = 0;   // not before this moment, after workers that died at once
+  std::int64_t nextStart_ = 0;  // not before this moment, after workers that died at once
   std::int64_t startDelay_ = 0;
 };
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

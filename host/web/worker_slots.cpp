@@ -35,4 +35,4 @@ RunningPage::RunningPage(WorkerSlot& slot, std::string_view page, std::int64_t m
 
 RunningPage::~RunningPage() { slot_.deadline.store(0); }
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

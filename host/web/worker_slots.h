@@ -8,10 +8,9 @@ namespace kalvo::web {
 
 // What a worker lets its supervisor see, in memory that both share.
 struct WorkerSlot {
-  std::atomic<std::int64_t> deadline{
-      0};                                // when the running page has to have ended, in `Milliseconds`; 0: no page runs
-  std::atomic<std::uint32_t> pages{0};   // how many pages it has begun
-  char page[256] = {};                   // the running page, zero-ended; written before `deadline`
+  std::atomic<std::int64_t> deadline{0};  // when the running page has to have ended, in `Milliseconds`; 0: no page runs
+  std::atomic<std::uint32_t> pages{0};    // how many pages it has begun
+  char page[256] = {};                    // the running page, zero-ended; written before `deadline`
 };
 
 // The slots of all workers. Made before they are forked.
@@ -45,4 +44,4 @@ class RunningPage {
   WorkerSlot& slot_;
 };
 
-}   // namespace kalvo::web
+}  // namespace kalvo::web

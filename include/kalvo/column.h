@@ -14,8 +14,8 @@ struct CellLayout;
 // What a column shows and how: the sixteen values of its definition.
 struct ColumnDefinition {
   KalvoTableColumnsConstants id = COL_FIRSTCOLUMN;
-  std::string name;            // the header, encoded when it is shown
-  std::string databaseField;   // the field of the row source, and the sort field of the header's links
+  std::string name;           // the header, encoded when it is shown
+  std::string databaseField;  // the field of the row source, and the sort field of the header's links
   KalvoTableHyperlinkType hyperLinkType = HYPERLINK_NONE;
   std::string pieChartLink, lineGraphLink;
   ColumnTotalState totalState = column_KeepTotal;
@@ -23,7 +23,7 @@ struct ColumnDefinition {
   KalvoTableFormatType formatType = FORMATTYPE_FIRSTFORMAT;
   std::int32_t dataScale = 0;
   std::string units;
-  std::int16_t rows = 0, columns = 0;   // spans of the data cell
+  std::int16_t rows = 0, columns = 0;  // spans of the data cell
   std::string align;
   bool noWrap = false;
   std::string defaultValue;
@@ -37,11 +37,10 @@ class KalvoColumn : public TableColumn {
   explicit KalvoColumn(ColumnDefinition definition);
 
   void Initialize(KalvoTableColumnsConstants Id, std::string_view Name, std::string_view DatabaseField,
-                  KalvoTableHyperlinkType HyperLinkType, std::string_view PieChartLink,
-                  std::string_view LineGraphLink, ColumnTotalState inTotalState, bool SortColumn,
-                  KalvoTableFormatType FormatType, std::int32_t DataScale, std::string_view Units,
-                  std::int16_t Rows, std::int16_t Columns, std::string_view Align, bool NoWrap,
-                  std::string_view DefaultValue);
+                  KalvoTableHyperlinkType HyperLinkType, std::string_view PieChartLink, std::string_view LineGraphLink,
+                  ColumnTotalState inTotalState, bool SortColumn, KalvoTableFormatType FormatType,
+                  std::int32_t DataScale, std::string_view Units, std::int16_t Rows, std::int16_t Columns,
+                  std::string_view Align, bool NoWrap, std::string_view DefaultValue);
 
   // The header cell: the name and, where the column sorts, the links that sort by it from row 1 on.
   std::string ConstructHTMLHeader(Context& pCtxt, Display& pDisplay);
@@ -55,8 +54,7 @@ class KalvoColumn : public TableColumn {
 
   void AppendHeader(std::string& out, Context& context, Display& display) override;
   void AppendData(std::string& out, Context& context, Display& display, RowSource& row) override;
-  void AppendTotal(std::string& out, Context& context, Display& display, RowSource& totals,
-                   bool& firstCell) override;
+  void AppendTotal(std::string& out, Context& context, Display& display, RowSource& totals, bool& firstCell) override;
 
   const ColumnDefinition& Definition() const { return definition_; }
 
@@ -67,8 +65,8 @@ class KalvoColumn : public TableColumn {
   CellLayout Layout(std::string_view color) const;
 
   ColumnDefinition definition_;
-  std::string rowSpan_, columnSpan_;    // the spans as attribute texts, "" for none
-  std::string text_, url_;              // buffers of the cell that is being made, kept for the next
+  std::string rowSpan_, columnSpan_;  // the spans as attribute texts, "" for none
+  std::string text_, url_;            // buffers of the cell that is being made, kept for the next
 };
 
 }  // namespace kalvo

@@ -44,7 +44,7 @@ class KalvoColumnDatabase : public ColumnCatalogue {
   void MakeGroup(columns::Group group);
   const std::shared_ptr<TableColumn>& Slot(std::int16_t id) const;
 
-  std::array<std::shared_ptr<TableColumn>, COL_TOTALCOLUMNS> slots_;   // slot i holds id i + 1
+  std::array<std::shared_ptr<TableColumn>, COL_TOTALCOLUMNS> slots_;  // slot i holds id i + 1
 };
 
 }  // namespace kalvo

@@ -75,8 +75,8 @@ class Context : public Object {
 
   // The parameter for all tables up to this one, and for the later ones that the request has: `szSortString`
   // stands at this table's place. "&Sort=Name&Sort=&Sort=Date" for table 3 of a request with "Sort=Name".
-  std::string TableURLParameter(std::string_view szAmp, std::string_view szSortParameterName,
-                                std::int16_t nSortCount, std::string_view szSortString) const;
+  std::string TableURLParameter(std::string_view szAmp, std::string_view szSortParameterName, std::int16_t nSortCount,
+                                std::string_view szSortString) const;
 
   // The page's own address with this table's state replaced and everything else of the query string kept.
   std::string TableURL(std::string_view szSortFieldString, std::string_view szSortOrderString,
@@ -164,8 +164,8 @@ class Context : public Object {
  private:
   std::string TableInformation(std::string_view name, std::int16_t count) const;
   std::int16_t TableNumber(std::string_view name, std::int16_t count) const;
-  void AppendTableURLParameter(std::string& out, std::string_view separator, std::string_view name,
-                               std::int16_t count, std::string_view value) const;
+  void AppendTableURLParameter(std::string& out, std::string_view separator, std::string_view name, std::int16_t count,
+                               std::string_view value) const;
   bool SessionGrants(std::string_view name) const;
   void DigestQueryString();
   void WriteTrace(std::string_view message) const;

@@ -23,8 +23,7 @@ class KalvoControlColumn : public TableColumn {
 
   void AppendHeader(std::string& out, Context& context, Display& display) override;
   void AppendData(std::string& out, Context& context, Display& display, RowSource& row) override;
-  void AppendTotal(std::string& out, Context& context, Display& display, RowSource& totals,
-                   bool& firstCell) override;
+  void AppendTotal(std::string& out, Context& context, Display& display, RowSource& totals, bool& firstCell) override;
 
  private:
   void AppendBox(std::string& out, const Display& display, RowSource& row) const;
@@ -34,7 +33,7 @@ class KalvoControlColumn : public TableColumn {
   std::string name_, value_, valueField_, onClick_;
   bool checked_ = false, edit_ = false;
   KalvoTableFormatType formatType_ = FORMATTYPE_FIRSTFORMAT;
-  std::string lastRecipient_;   // of the last row that was given a box
+  std::string lastRecipient_;  // of the last row that was given a box
 };
 
 }  // namespace kalvo

@@ -63,8 +63,8 @@ class KalvodbDataSrc : public RowSource {
   std::unique_ptr<Connection> connection_;
   std::unique_ptr<RecordSet> recordSet_;
   FieldMap fields_;
-  const Rows* rows_ = nullptr;               // of the record set
-  std::vector<std::string> texts_;           // the current row's texts, a scratch a field
+  const Rows* rows_ = nullptr;      // of the record set
+  std::vector<std::string> texts_;  // the current row's texts, a scratch a field
   std::string identifier_;
   std::int32_t recordCount_ = 0;
   std::int32_t rowIndex_ = 0;

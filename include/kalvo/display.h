@@ -86,9 +86,9 @@ class Display : public Object {
 
   // One cell. Content of nothing but blanks and tabs becomes "&nbsp;", other content is written as it is.
   // Spans count above 1; `bNoWrap` counts when it is exactly true (or -1).
-  std::string MultipleRowData(std::string_view szValue, const Value& bHeader, const Value& nRows,
-                              const Value& nColumns, const Value& szAlign, const Value& szVAlign,
-                              const Value& bNoWrap, const Value& szColor) const;
+  std::string MultipleRowData(std::string_view szValue, const Value& bHeader, const Value& nRows, const Value& nColumns,
+                              const Value& szAlign, const Value& szVAlign, const Value& bNoWrap,
+                              const Value& szColor) const;
   std::string SimpleRowData(std::string_view szValue) const;
   std::string EmptyRowData() const;
   std::string TableRowStart() const;
@@ -164,8 +164,8 @@ class Display : public Object {
   void AppendGraphicInput(std::string& out, const ImageView& image, std::string_view szAlt) const;
   void AppendAnchorStart(std::string& out, std::string_view szLink, std::string_view szBookmark,
                          std::string_view szTarget) const;
-  void AppendAnchor(std::string& out, std::string_view szLink, std::string_view szBookmark,
-                    std::string_view szTarget, std::string_view szContent) const;
+  void AppendAnchor(std::string& out, std::string_view szLink, std::string_view szBookmark, std::string_view szTarget,
+                    std::string_view szContent) const;
   void AppendFormCheckboxInput(std::string& out, std::string_view name, std::string_view value, bool checked,
                                std::string_view onClick, bool edit) const;
   void AppendDeleteMessageForm(std::string& out, std::string_view szServerName, std::string_view szMailboxName,

@@ -30,9 +30,9 @@ class Table : public Object {
   // how many entries it has. `SQL` may hold placeholders; `OrderBy` and `DefaultSortOrder` serve when the
   // request names no sort.
   void Initialize(KalvoTableType TableType, KalvoTableConstants Id, std::string_view Name,
-                  TableTotalsState TotalsStateInput, bool ShowCharts, bool ShowLastScan, bool IsForm,
-                  bool ShowEntries, std::span<const std::int16_t> Columns, std::string_view SQL,
-                  std::string_view OrderBy, std::string_view DefaultSortOrder);
+                  TableTotalsState TotalsStateInput, bool ShowCharts, bool ShowLastScan, bool IsForm, bool ShowEntries,
+                  std::span<const std::int16_t> Columns, std::string_view SQL, std::string_view OrderBy,
+                  std::string_view DefaultSortOrder);
 
   // Sets the Top-N object and load type from the context's scope; both 0 for an undefined scope.
   void SetTopNParameters(Context& pCtxt);

@@ -42,7 +42,7 @@ class KalvoTableDatabase : public Object {
   const std::shared_ptr<Table>& Slot(std::int32_t id) const;
 
   const Platform& platform_;
-  std::array<std::shared_ptr<Table>, TABLE_TOTALTABLES> slots_;   // slot i holds id i + 1
+  std::array<std::shared_ptr<Table>, TABLE_TOTALTABLES> slots_;  // slot i holds id i + 1
 };
 
 }  // namespace kalvo

@@ -91,25 +91,14 @@ void AppendDeleteForm(RowCell& cell, bool publicFolder) {
 void FormatImage(RowCell& cell) {
   switch (cell.column.id) {
     case COL_TOPN_MailboxFolder_ModifiedDateSort_Graphic:
-    case COL_MAPI_FOLDERGRAPHIC:
-      cell.display.AppendGraphicInput(cell.text, cell.display.FolderGraphicID(), "");
-      break;
+    case COL_MAPI_FOLDERGRAPHIC: cell.display.AppendGraphicInput(cell.text, cell.display.FolderGraphicID(), ""); break;
     case COL_TOPN_MailboxMessage_Graphic:
-    case COL_TOPN_PublicFolderMessage_Graphic:
-      AppendMessagePicture(cell, "18");
-      break;
+    case COL_TOPN_PublicFolderMessage_Graphic: AppendMessagePicture(cell, "18"); break;
     case COL_MAPI_MESSAGEGRAPHIC:
-    case COL_MAPI_PUBLICFOLDERMESSAGEGRAPHIC:
-      AppendMessagePicture(cell, "HasAttachment");
-      break;
-    case COL_MAPI_DeleteMailboxMessage:
-      AppendDeleteForm(cell, false);
-      break;
-    case COL_MAPI_DeletePublicFolderMessage:
-      AppendDeleteForm(cell, true);
-      break;
-    default:
-      break;
+    case COL_MAPI_PUBLICFOLDERMESSAGEGRAPHIC: AppendMessagePicture(cell, "HasAttachment"); break;
+    case COL_MAPI_DeleteMailboxMessage: AppendDeleteForm(cell, false); break;
+    case COL_MAPI_DeletePublicFolderMessage: AppendDeleteForm(cell, true); break;
+    default: break;
   }
 }
 
@@ -128,7 +117,7 @@ void FormatAlertedResource(RowCell& cell) {
   }
 }
 
-}   // namespace
+}  // namespace
 
 void FormatCell(RowCell& cell) {
   const ColumnDefinition& column = cell.column;
@@ -143,37 +132,23 @@ void FormatCell(RowCell& cell) {
     case FORMATTYPE_DATETIME:
       if (!ReadValue(cell).empty()) display.AppendDateTime(cell.text, cell.value, "");
       break;
-    case FORMATTYPE_BackupDateTime:
-      FormatBackupDateTime(cell);
-      break;
+    case FORMATTYPE_BackupDateTime: FormatBackupDateTime(cell); break;
     case FORMATTYPE_TIME:
       if (!ReadValue(cell).empty()) AppendDuration(cell.text, ToInt32(NumberOf(cell.value)));
       break;
     case FORMATTYPE_DATETIMEFLOAT:
       if (!ReadValue(cell).empty()) display.AppendDateTimeFloat(cell.text, cell.value);
       break;
-    case FORMATTYPE_MEMBERSHIPCHECKBOX:
-      FormatMembership(cell);
-      break;
+    case FORMATTYPE_MEMBERSHIPCHECKBOX: FormatMembership(cell); break;
     case FORMATTYPE_SERVERSTATE:
       cell.text = ToInt16(ReadNumber(cell)) == kStateManaged ? "Managed" : "Unmanaged";
       break;
-    case FORMATTYPE_IMAGE:
-      FormatImage(cell);
-      break;
-    case FORMATTYPE_STATUS:
-      cell.text = ReadNumber(cell) == kStateSucceeded ? "Succeeded" : "Failed";
-      break;
-    case FORMATTYPE_BACKUPTYPE:
-      cell.text = ReadNumber(cell) == kDirectoryStore ? "Dir Store" : "Info Store";
-      break;
-    case FORMATTYPE_ALERTEDRESOURCE:
-      FormatAlertedResource(cell);
-      break;
-    default:
-      cell.context.AppendServerHTMLEncode(cell.text, ReadValue(cell));
-      break;
+    case FORMATTYPE_IMAGE: FormatImage(cell); break;
+    case FORMATTYPE_STATUS: cell.text = ReadNumber(cell) == kStateSucceeded ? "Succeeded" : "Failed"; break;
+    case FORMATTYPE_BACKUPTYPE: cell.text = ReadNumber(cell) == kDirectoryStore ? "Dir Store" : "Info Store"; break;
+    case FORMATTYPE_ALERTEDRESOURCE: FormatAlertedResource(cell); break;
+    default: cell.context.AppendServerHTMLEncode(cell.text, ReadValue(cell)); break;
   }
 }
 
-}   // namespace kalvo
+}  // namespace kalvo

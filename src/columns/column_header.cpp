@@ -13,8 +13,7 @@ void KalvoColumn::AppendHeader(std::string& out, Context& context, Display& disp
   std::string up, down;
   if (definition_.sortColumn) {
     const TableConstants constants;
-    const std::string pageSize =
-        Built([&](std::string& text) { Append(text, context.TablePageSizeInformation()); });
+    const std::string pageSize = Built([&](std::string& text) { Append(text, context.TablePageSizeInformation()); });
     // A new sort starts at the first row again.
     context.AppendTableURL(up, definition_.databaseField, constants.gszAscendingSort(), "1", pageSize);
     context.AppendTableURL(down, definition_.databaseField, constants.gszDescendingSort(), "1", pageSize);

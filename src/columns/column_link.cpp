@@ -54,7 +54,8 @@ void LinkCell(RowCell& cell) {
   cell.url = rule.page;
   for (const links::LinkParameter& parameter : rule.parameters) AppendParameter(cell, parameter);
   if (rule.sort == links::LinkSort::ByModifiedDate) AppendModifiedDateSort(cell.url, cell.display);
-  if (rule.missing == links::MissingServer::Grey && cell.row.GetField("Missing") == "1") cell.color = kMissingServerColor;
+  if (rule.missing == links::MissingServer::Grey && cell.row.GetField("Missing") == "1")
+    cell.color = kMissingServerColor;
 }
 
 // The page's first table, the folders, is left as it is; its second, the messages, is sorted.

@@ -10,8 +10,21 @@ namespace kalvo::columns {
 
 // The groups in which the columns are made.
 enum class Group : std::uint8_t {
-  Alert, Server, ServerTotals, ServerBackup, Group, MailboxGroup, MailboxGroupTotals, QuotaViolation,
-  DbFile, DbFileHistory, DbFileSystem, Mailbox, TopN, LiveMailbox, Task,
+  Alert,
+  Server,
+  ServerTotals,
+  ServerBackup,
+  Group,
+  MailboxGroup,
+  MailboxGroupTotals,
+  QuotaViolation,
+  DbFile,
+  DbFileHistory,
+  DbFileSystem,
+  Mailbox,
+  TopN,
+  LiveMailbox,
+  Task,
 };
 
 enum class Total : std::uint8_t { Keep, NoTotal };
@@ -26,7 +39,7 @@ struct ColumnRow {
   Group group;
   KalvoTableColumnsConstants id;
   std::string_view header;
-  std::string_view field;   // a field name, or a Top-N field number
+  std::string_view field;  // a field name, or a Top-N field number
   KalvoTableHyperlinkType link;
   Total total;
   KalvoTableFormatType format;

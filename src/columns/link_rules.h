@@ -12,19 +12,19 @@ namespace kalvo::links {
 // Where a link parameter's value comes from.
 enum class From : std::uint8_t {
   None,
-  Value,           // the field that the cell shows
-  Field,           // another field of the row
-  AlertField,      // a field of the row in an alert, a Top-N field by its number elsewhere
-  Name,            // the context's name: the server
-  Mailbox,         // the context's mailbox
-  MailboxPath,     // the context's mailbox, a backslash and the cell's value
-  Request,         // the page request's item of the parameter's own name
+  Value,        // the field that the cell shows
+  Field,        // another field of the row
+  AlertField,   // a field of the row in an alert, a Top-N field by its number elsewhere
+  Name,         // the context's name: the server
+  Mailbox,      // the context's mailbox
+  MailboxPath,  // the context's mailbox, a backslash and the cell's value
+  Request,      // the page request's item of the parameter's own name
 };
 
 struct LinkSource {
   From from = From::None;
   std::string_view field = {};
-  std::string_view topN = {};   // for `AlertField` outside of an alert
+  std::string_view topN = {};  // for `AlertField` outside of an alert
 };
 
 constexpr LinkSource Value() { return {From::Value}; }
@@ -45,8 +45,8 @@ struct LinkParameter {
 
 enum class LinkWhen : std::uint8_t {
   Always,
-  ServerIsManaged,      // there is a value, and the row's "ServerState" is empty or 2
-  AlertIsOfAServer,     // there is a value, and the row's alert is not that of a new server
+  ServerIsManaged,   // there is a value, and the row's "ServerState" is empty or 2
+  AlertIsOfAServer,  // there is a value, and the row's alert is not that of a new server
 };
 
 enum class LinkSort : std::uint8_t { AsIs, ByModifiedDate };

@@ -31,10 +31,10 @@ struct RowCell {
   Context& context;
   Display& display;
   RowSource& row;
-  std::string& text;                     // what the cell shows
-  std::string& url;                      // where it leads, "" for nowhere
-  KalvoTableHyperlinkType link;          // the column's, unless an alerted resource has one of its own
-  std::string_view value = {};           // the field's value, once the format has read it
+  std::string& text;             // what the cell shows
+  std::string& url;              // where it leads, "" for nowhere
+  KalvoTableHyperlinkType link;  // the column's, unless an alerted resource has one of its own
+  std::string_view value = {};   // the field's value, once the format has read it
   bool alertedResource = false;
   std::string_view color = {};
 };

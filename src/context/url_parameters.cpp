@@ -38,9 +38,8 @@ std::int16_t Context::TablePageSizeInformation() const { return TableNumber("Pag
 
 std::string Context::TableURLParameter(std::string_view szAmp, std::string_view szSortParameterName,
                                        std::int16_t nSortCount, std::string_view szSortString) const {
-  return Built([&](std::string& out) {
-    AppendTableURLParameter(out, szAmp, szSortParameterName, nSortCount, szSortString);
-  });
+  return Built(
+      [&](std::string& out) { AppendTableURLParameter(out, szAmp, szSortParameterName, nSortCount, szSortString); });
 }
 
 // Positions never shift: one without a value is written as "Sort=".
@@ -65,9 +64,8 @@ std::string Context::TableURL(std::string_view szSortFieldString, std::string_vi
   });
 }
 
-void Context::AppendTableURL(std::string& out, std::string_view szSortFieldString,
-                             std::string_view szSortOrderString, std::string_view szFirstRowString,
-                             std::string_view szPageSizeString) const {
+void Context::AppendTableURL(std::string& out, std::string_view szSortFieldString, std::string_view szSortOrderString,
+                             std::string_view szFirstRowString, std::string_view szPageSizeString) const {
   Append(out, PageRequest().ServerVariable("URL"), '?', urlParameters_);
   const std::string_view first = urlParameters_.empty() ? "" : "&";
   AppendTableURLParameter(out, first, szSortFieldParameterName(), sortFieldCount_, szSortFieldString);

@@ -166,7 +166,7 @@ std::int16_t KalvodbDataSrc::MoveTotals() {
   if (Fails(trap, *context_, "KalvodbDataSrc.MoveTotals", [&] {
         if (!recordSet_) throw ObjectNotSet();
         auto next = recordSet_->NextRecordset();
-        rows_ = nullptr;   // of the record set that is replaced
+        rows_ = nullptr;  // of the record set that is replaced
         recordSet_ = std::move(next);
       })) {
     return Status();
@@ -214,8 +214,7 @@ std::optional<std::string_view> KalvodbDataSrc::GetIdentifier(std::string_view s
   identifier_.clear();
   bool isNull = false;
   if (field && RowIsLoaded()) {
-    const std::string step =
-        Built([&](std::string& out) { Append(out, "KalvodbDataSrc.GetGUIField ", szFieldName); });
+    const std::string step = Built([&](std::string& out) { Append(out, "KalvodbDataSrc.GetGUIField ", szFieldName); });
     Fails(trap, *context_, step, [&] {
       const auto bytes = rows_->Binary(*field, rowIndex_ - 1);
       isNull = !bytes;
@@ -234,8 +233,7 @@ Value KalvodbDataSrc::GetField(std::string_view szFieldName, bool bGUID) {
   return std::string(*identifier);
 }
 
-void KalvodbDataSrc::TraceField(Trap& trap, std::int32_t field, std::string_view name,
-                                std::string_view value) const {
+void KalvodbDataSrc::TraceField(Trap& trap, std::int32_t field, std::string_view name, std::string_view value) const {
   trap([&] {
     context_->Trace("Dictionary", [&](std::string& out) {
       Append(out, "<p>Get: Field ", field, ": ", name, "; Value: \"", value, "\"</p>", kCrLf);

@@ -22,11 +22,11 @@ class FieldMap {
   std::int32_t Count() const { return static_cast<std::int32_t>(names_.size()); }
 
  private:
-  std::size_t Probe(std::string_view name) const;   // the slot that holds the name, or the empty one it belongs in
+  std::size_t Probe(std::string_view name) const;  // the slot that holds the name, or the empty one it belongs in
   void Grow();
 
-  std::vector<std::string> names_;    // in lower case
-  std::vector<std::int32_t> slots_;   // a field number, or -1; a power of two of them, at most half of them full
+  std::vector<std::string> names_;   // in lower case
+  std::vector<std::int32_t> slots_;  // a field number, or -1; a power of two of them, at most half of them full
 };
 
 }  // namespace kalvo

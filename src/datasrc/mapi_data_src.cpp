@@ -72,9 +72,8 @@ std::int16_t MapiDataSrc::OpenFolderDS() {
   if (!(isPublic ? GoToPublicFolder(trap) : GoToMailboxFolder(trap))) return kFailed;
   // Two steps and one report: a listing that could not be taken fails the open even when its count can be told.
   trap([&] { listing_ = row.items == LiveItems::Folders ? live_->Folders() : live_->Messages(); });
-  if (Fails(trap, *context_, "Getting messages or folders.", [&] {
-        recordCount_ = row.items == LiveItems::Folders ? live_->FolderCount() : live_->MessageCount();
-      })) {
+  if (Fails(trap, *context_, "Getting messages or folders.",
+            [&] { recordCount_ = row.items == LiveItems::Folders ? live_->FolderCount() : live_->MessageCount(); })) {
     return kFailed;
   }
   return SortRows(trap);
@@ -95,8 +94,8 @@ std::int16_t MapiDataSrc::OpenMessageDS() {
     trap([&] { context_->FailureMessage("Mailbox does not exist, or you are not the owner.", false); });
     return kFailed;
   }
-  if (context_->EncapsulateGotoMsgAttachmentFailure(*live_, server, mailbox, messageId,
-                                                    row.store == LiveStore::Mailbox, "Open message.")) {
+  if (context_->EncapsulateGotoMsgAttachmentFailure(*live_, server, mailbox, messageId, row.store == LiveStore::Mailbox,
+                                                    "Open message.")) {
     return kFailed;
   }
   trap([&] { listing_ = live_->Attachments(); });
@@ -121,8 +120,8 @@ bool MapiDataSrc::MayListMailbox(Trap& trap) {
   if (ownership.owns || administrator) return true;
   trap([&] {
     context_->TraceTable([&](std::string& out) {
-      Append(out, "<p>User: ", ownership.user, "<br>Owner: ", ownership.owner, "<br>KalvoAdministrator: ",
-             Flag(administrator), "</p>", kCrLf);
+      Append(out, "<p>User: ", ownership.user, "<br>Owner: ", ownership.owner,
+             "<br>KalvoAdministrator: ", Flag(administrator), "</p>", kCrLf);
     });
   });
   return Refuse(trap);
@@ -165,13 +164,12 @@ bool MapiDataSrc::GoToPublicFolderByPath(Trap& trap) {
   const std::string productMailbox = context_->KalvoCreatedMailboxName(server);
   trap([&] {
     context_->TraceTable([&](std::string& out) {
-      Append(out, "<p>Loading public folder mailbox \"", context_->ServerHTMLEncode(productMailbox),
-             "\" container \"", context_->ServerHTMLEncode(path), "\"</p>", kCrLf);
+      Append(out, "<p>Loading public folder mailbox \"", context_->ServerHTMLEncode(productMailbox), "\" container \"",
+             context_->ServerHTMLEncode(path), "\"</p>", kCrLf);
     });
   });
-  return !context_->EncapsulateGotoContainerFailure(*live_, server, productMailbox, path, 0,
-                                                    live::kPublicFolders | live::kByPath, "Loading public folder.",
-                                                    true);
+  return !context_->EncapsulateGotoContainerFailure(
+      *live_, server, productMailbox, path, 0, live::kPublicFolders | live::kByPath, "Loading public folder.", true);
 }
 
 bool MapiDataSrc::GoToPublicFolderById(Trap& trap, const std::string& id) {
@@ -214,17 +212,14 @@ std::int16_t MapiDataSrc::SortRows(Trap& trap) {
   trap([&] { order = context_->TableSortOrderInformation(); });
   if (order.empty()) order = table_->GetDefaultSortOrder();
   const std::int32_t descending = EqualsIgnoringCase(order, TableConstants().gszAscendingSort()) ? 0 : 1;
-  trace([&](std::string& out) {
-    Append(out, "<p>Sort Information: \"", field, "\" \"", order, "\"</p>", kCrLf);
-  });
+  trace([&](std::string& out) { Append(out, "<p>Sort Information: \"", field, "\" \"", order, "\"</p>", kCrLf); });
   const auto listing = [&]() -> Listing& {
     if (!listing_) throw ObjectNotSet();
     return *listing_;
   };
-  const bool failed =
-      Fails(trap, *context_, "Clear sort fields.", [&] { listing().ClearSortFields(); }) ||
-      Fails(trap, *context_, "Add sort field.", [&] { listing().AddSortField(field, descending); }) ||
-      Fails(trap, *context_, "Sort results.", [&] { listing().Sort(); });
+  const bool failed = Fails(trap, *context_, "Clear sort fields.", [&] { listing().ClearSortFields(); }) ||
+                      Fails(trap, *context_, "Add sort field.", [&] { listing().AddSortField(field, descending); }) ||
+                      Fails(trap, *context_, "Sort results.", [&] { listing().Sort(); });
   return failed ? kFailed : std::int16_t{0};
 }
 

@@ -31,9 +31,7 @@ class RowSource : public Object {
   virtual std::string_view GetField(std::string_view szFieldName) = 0;
 
   // A field that identifies its row: bytes as hexadecimal digits in storage order. Nothing where it is null.
-  virtual std::optional<std::string_view> GetIdentifier(std::string_view szFieldName) {
-    return GetField(szFieldName);
-  }
+  virtual std::optional<std::string_view> GetIdentifier(std::string_view szFieldName) { return GetField(szFieldName); }
 
   virtual std::int32_t RecordCount() = 0;
 

@@ -37,7 +37,7 @@ class RowTexts {
     return entry.text;
   }
 
-  std::vector<std::unique_ptr<Entry>> entries_;   // on their own, so that texts stay put
+  std::vector<std::unique_ptr<Entry>> entries_;  // on their own, so that texts stay put
   std::size_t used_ = 0;
 };
 

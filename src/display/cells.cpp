@@ -46,9 +46,8 @@ void Display::AppendDetailTableEnd(std::string& out) const { Append(out, kCrLf, 
 // ---- attributes -----------------------------------------------------------------------------------------
 
 std::string Display::AddInputField(const Value& szInputField, const Value& szValue) const {
-  return Built([&](std::string& out) {
-    AppendInputField(out, ToText(szInputField, locale_), ToText(szValue, locale_));
-  });
+  return Built(
+      [&](std::string& out) { AppendInputField(out, ToText(szInputField, locale_), ToText(szValue, locale_)); });
 }
 
 void Display::AppendInputField(std::string& out, std::string_view name, std::string_view value) const {
@@ -127,8 +126,7 @@ void Display::AppendTableRowEnd(std::string& out) const { Append(out, "</tr>", k
 std::string Display::TableHeaderCell(std::string_view szHeaderText, std::string_view szUpSortLink,
                                      std::string_view szDownSortLink, std::string_view /*szLineLink*/,
                                      std::string_view /*szHistoryLink*/) const {
-  return Built(
-      [&](std::string& out) { AppendTableHeaderCell(out, szHeaderText, szUpSortLink, szDownSortLink); });
+  return Built([&](std::string& out) { AppendTableHeaderCell(out, szHeaderText, szUpSortLink, szDownSortLink); });
 }
 
 void Display::AppendTableHeaderCell(std::string& out, std::string_view szHeaderText, std::string_view szUpSortLink,

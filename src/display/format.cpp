@@ -21,7 +21,7 @@ constexpr int kFirstShownYear = 1951;
 
 // A number as the decimal digits that round it: 0.d1d2d3... x 10^point.
 struct Decimal {
-  char digits[kSignificantDigits + 1];   // one spare for a carry out of the first digit
+  char digits[kSignificantDigits + 1];  // one spare for a carry out of the first digit
   int count = kSignificantDigits;
   int point = 0;
   bool zero = false;
@@ -30,11 +30,11 @@ struct Decimal {
 Decimal DecimalOf(double number) {
   Decimal decimal;
   char text[32];
-  const auto end = std::to_chars(text, text + sizeof text, number, std::chars_format::scientific,
-                                 kSignificantDigits - 1).ptr;
+  const auto end =
+      std::to_chars(text, text + sizeof text, number, std::chars_format::scientific, kSignificantDigits - 1).ptr;
   decimal.digits[0] = text[0];
   for (int i = 1; i < kSignificantDigits; ++i) decimal.digits[i] = text[i + 1];
-  const char* exponent = text + kSignificantDigits + 2;   // behind "d.ddddddddddddddde"
+  const char* exponent = text + kSignificantDigits + 2;  // behind "d.ddddddddddddddde"
   if (*exponent == '+') ++exponent;
   std::from_chars(exponent, end, decimal.point);
   ++decimal.point;

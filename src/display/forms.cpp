@@ -98,9 +98,8 @@ std::string Display::DeleteMessageForm(std::string_view szServerName, std::strin
   });
 }
 
-void Display::AppendDeleteMessageForm(std::string& out, std::string_view szServerName,
-                                      std::string_view szMailboxName, std::string_view szFolderId,
-                                      std::string_view szMessageId, std::int32_t Flags,
+void Display::AppendDeleteMessageForm(std::string& out, std::string_view szServerName, std::string_view szMailboxName,
+                                      std::string_view szFolderId, std::string_view szMessageId, std::int32_t Flags,
                                       std::string_view szContinueUrl) const {
   const auto hidden = [&](std::string_view name, const auto& value) {
     Append(out, "<input type=\"hidden\" name=\"", name, "\" value=\"", value, "\">", kCrLf);

@@ -34,8 +34,8 @@ constexpr std::string_view kFailedPath = "-1";
 // a parameter only below the mailbox itself.
 void AppendLinkCell(std::string& out, const Context& context, std::string_view server, std::string_view mailbox,
                     std::string_view container, std::string_view content) {
-  Append(out, "<td><a target=\"_top\" href=\"MailboxSummary.asp?Server=", context.ServerURLEncode(server), "&Mailbox=",
-         context.ServerURLEncode(mailbox));
+  Append(out, "<td><a target=\"_top\" href=\"MailboxSummary.asp?Server=", context.ServerURLEncode(server),
+         "&Mailbox=", context.ServerURLEncode(mailbox));
   if (!container.empty()) Append(out, "&Container=", context.ServerURLEncode(container));
   Append(out, "\">", context.ServerHTMLEncode(content), "</a></td>");
 }
@@ -171,7 +171,7 @@ bool KalvoforExchangeTableGenerator::ResolveMailbox(Trap& trap, LiveContainer& l
   if (pageSize.empty()) trap([&] { live.ResetNameResolution(); });
 
   std::shared_ptr<Listing> candidates;
-  ClearError();   // the number below is this call's alone
+  ClearError();  // the number below is this call's alone
   trap([&] { candidates = live.ResolveNameToAddress(szServer, szMailbox); });
   if (CurrentError().number != 0) return ExplainUnresolved(trap, szServer, szMailbox);
   return TakeMailboxAddress(trap, live, *candidates, szServer, szMailbox);

@@ -33,4 +33,4 @@ struct Paging {
   constexpr bool IsPaged() const { return !StartsAtFirst() || !EndsAtLast(); }
 };
 
-}   // namespace kalvo
+}  // namespace kalvo

@@ -81,9 +81,8 @@ void TableRendering::StartTable() {
   std::int16_t index = 0;
   trap_([&] { index = context_.IncrementTableIndex(); });
   trap_([&] {
-    context_.TraceTable([&](std::string& out) {
-      Append(out, "<p>Table Index: ", index, " (", TypeLabel(table_.type_), ")</p>");
-    });
+    context_.TraceTable(
+        [&](std::string& out) { Append(out, "<p>Table Index: ", index, " (", TypeLabel(table_.type_), ")</p>"); });
   });
   table_.bookmark_ = Built([&](std::string& out) { Append(out, context_.TableIndex(), "chart"); });
 }
@@ -133,9 +132,8 @@ void TableRendering::WriteEntries() {
     });
   } else {
     trap_([&] {
-      context_.TraceTable([&](std::string& out) {
-        Append(out, "<p>First: ", page_.first, "; Last: ", page_.last, "</p>");
-      });
+      context_.TraceTable(
+          [&](std::string& out) { Append(out, "<p>First: ", page_.first, "; Last: ", page_.last, "</p>"); });
     });
   }
   Write("</table>\r\n");
@@ -206,11 +204,9 @@ void TableRendering::AppendPagingLinks(std::string& left, std::string& right) {
   }
 }
 
-void TableRendering::AppendPagingLink(std::string& out, std::string_view image, std::int32_t first,
-                                      std::int32_t size) {
-  const std::string link =
-      context_.TableURL(context_.TableSortFieldInformation(), context_.TableSortOrderInformation(),
-                        std::to_string(first), std::to_string(size));
+void TableRendering::AppendPagingLink(std::string& out, std::string_view image, std::int32_t first, std::int32_t size) {
+  const std::string link = context_.TableURL(context_.TableSortFieldInformation(), context_.TableSortOrderInformation(),
+                                             std::to_string(first), std::to_string(size));
   const std::string content = Built([&](std::string& text) {
     Append(text, "<img src=\"../Images/Controls/", image, ".gif\" height=\"31\" width=\"40\" border=\"0\">");
   });

@@ -57,8 +57,8 @@ class TableRendering {
   ColumnCatalogue& columns_;
   Trap trap_;
   std::shared_ptr<RowSource> source_;
-  TableColumn* column_ = nullptr;   // of the cell under way; the one before it where the catalogue failed
-  std::string cell_;                // the piece of HTML under way
+  TableColumn* column_ = nullptr;  // of the cell under way; the one before it where the catalogue failed
+  std::string cell_;               // the piece of HTML under way
   Paging page_;
   std::string navigationRow_;
 };

@@ -50,9 +50,9 @@ class RecordSet {
 
 // SQL to run, beside the text it was made from.
 struct Batch {
-  std::string_view sql;       // complete: one statement or several, without semicolons between them
-  std::string_view pattern;   // the table's own text, with its placeholders ("%SORT%", "%NAME%", ...)
-  std::string_view orderBy;   // the table's own order-by text, which a sort text may always be
+  std::string_view sql;      // complete: one statement or several, without semicolons between them
+  std::string_view pattern;  // the table's own text, with its placeholders ("%SORT%", "%NAME%", ...)
+  std::string_view orderBy;  // the table's own order-by text, which a sort text may always be
 };
 
 // One open connection to the reporting database; closed when it is destroyed. Record sets do not outlive it.

@@ -24,7 +24,7 @@ constexpr int kLastYear = 9999;
 struct Moment {
   year_month_day day;
   bool isDayZero = false;
-  int seconds = 0;   // since midnight
+  int seconds = 0;  // since midnight
 };
 
 std::optional<Moment> TakeApart(double serial) {
@@ -32,7 +32,7 @@ std::optional<Moment> TakeApart(double serial) {
   double whole = std::trunc(serial);
   int seconds = static_cast<int>(std::lround(std::abs(serial - whole) * kSecondsOfDay));
   if (seconds == kSecondsOfDay) {
-    whole += 1;   // the time runs forward before day zero, too
+    whole += 1;  // the time runs forward before day zero, too
     seconds = 0;
   }
   const year_month_day day{kDayZero + days{static_cast<int>(whole)}};
@@ -55,15 +55,9 @@ void AppendDay(std::string& out, const year_month_day& day, const Locale& locale
   const auto dayOfMonth = [&] { AppendDayPart(out, unsigned{day.day()}, locale); };
   const auto separator = [&] { out += locale.dateSeparator; };
   switch (locale.dateOrder) {
-    case DateOrder::MonthDayYear:
-      month(), separator(), dayOfMonth(), separator(), Append(out, int{day.year()});
-      break;
-    case DateOrder::DayMonthYear:
-      dayOfMonth(), separator(), month(), separator(), Append(out, int{day.year()});
-      break;
-    case DateOrder::YearMonthDay:
-      Append(out, int{day.year()}), separator(), month(), separator(), dayOfMonth();
-      break;
+    case DateOrder::MonthDayYear: month(), separator(), dayOfMonth(), separator(), Append(out, int{day.year()}); break;
+    case DateOrder::DayMonthYear: dayOfMonth(), separator(), month(), separator(), Append(out, int{day.year()}); break;
+    case DateOrder::YearMonthDay: Append(out, int{day.year()}), separator(), month(), separator(), dayOfMonth(); break;
   }
 }
 
@@ -188,12 +182,12 @@ class DateReader {
 
   std::string_view text_;
   const Locale& locale_;
-  std::size_t firstDigits_ = 0;   // how many digits the last number had
+  std::size_t firstDigits_ = 0;  // how many digits the last number had
   bool failed_ = false;
   int year_ = 0, month_ = 0, day_ = 0, hour_ = 0, minute_ = 0, second_ = 0;
 };
 
-}   // namespace
+}  // namespace
 
 void AppendDate(std::string& out, Date date, const Locale& locale) {
   const auto moment = TakeApart(date.serial);
@@ -226,4 +220,4 @@ int YearOf(Date date) {
   return int{moment->day.year()};
 }
 
-}   // namespace kalvo
+}  // namespace kalvo

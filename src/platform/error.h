@@ -25,28 +25,32 @@ class Error : public std::exception {
 };
 
 // The run-time errors that this program raises itself, each with its own description.
-Error Overflow();                // 6
-Error SubscriptOutOfRange();     // 9
-Error DivisionByZero();          // 11
-Error TypeMismatch();            // 13
-Error ObjectNotSet();            // 91
-Error InvalidUseOfNull();        // 94
-Error ObjectRequired();          // 424
-Error CannotCreateObject();      // 429
-Error MemberNotSupported();      // 438
-Error KeyAlreadyAssociated();    // 457
+Error Overflow();              // 6
+Error SubscriptOutOfRange();   // 9
+Error DivisionByZero();        // 11
+Error TypeMismatch();          // 13
+Error ObjectNotSet();          // 91
+Error InvalidUseOfNull();      // 94
+Error ObjectRequired();        // 424
+Error CannotCreateObject();    // 429
+Error MemberNotSupported();    // 438
+Error KeyAlreadyAssociated();  // 457
 
 // Codes of components that the library or its adapters know by name.
 namespace codes {
-inline constexpr std::int32_t kFailed = static_cast<std::int32_t>(0x80004005);             // nothing better known
-inline constexpr std::int32_t kOldAgent = static_cast<std::int32_t>(0x80004002);           // call not supported there
-inline constexpr std::int32_t kNoMessageReports = static_cast<std::int32_t>(0x80004003);   // a version 1.1 agent
-inline constexpr std::int32_t kSqlSyntax = static_cast<std::int32_t>(0x80040E14);          // or an unknown column
+inline constexpr std::int32_t kFailed = static_cast<std::int32_t>(0x80004005);            // nothing better known
+inline constexpr std::int32_t kOldAgent = static_cast<std::int32_t>(0x80004002);          // call not supported there
+inline constexpr std::int32_t kNoMessageReports = static_cast<std::int32_t>(0x80004003);  // a version 1.1 agent
+inline constexpr std::int32_t kSqlSyntax = static_cast<std::int32_t>(0x80040E14);         // or an unknown column
 inline constexpr std::int32_t kUnknownTable = static_cast<std::int32_t>(0x80040E37);
 inline constexpr std::int32_t kNoSuchMailbox = static_cast<std::int32_t>(0x8004010F);
 inline constexpr std::int32_t kAmbiguousName = static_cast<std::int32_t>(0xE1C10029);
 inline constexpr std::int32_t kNoSuchFolder = static_cast<std::int32_t>(0xE1C1002F);
 }  // namespace codes
+
+// A text from outside as a part of a description: pages show descriptions as they stand, so < and > become ‹
+// and ›, and line breaks and control characters single blanks.
+std::string InDescription(std::string_view text);
 
 // The last error that a trapped step left behind, one for the thread that runs the page. Number 0 is none.
 struct PendingError {

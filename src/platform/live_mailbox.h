@@ -37,8 +37,8 @@ class Listing : public Object {
 
 // How a container is opened. The remaining bits are ignored.
 namespace live {
-inline constexpr std::int32_t kByPath = 1;          // the container name is a path to open; "" is the root
-inline constexpr std::int32_t kPublicFolders = 4;   // the public-folder store; clear: the named mailbox
+inline constexpr std::int32_t kByPath = 1;         // the container name is a path to open; "" is the root
+inline constexpr std::int32_t kPublicFolders = 4;  // the public-folder store; clear: the named mailbox
 }  // namespace live
 
 // The browsing object of one user session: it stands on a mailbox, a folder or a message. Identifiers are

@@ -9,12 +9,12 @@ enum class HourCycle { Twelve, TwentyFour };
 
 // How numbers and dates are written and read. The host chooses one for the process.
 struct Locale {
-  std::string_view name;              // as the settings name it
+  std::string_view name;  // as the settings name it
   std::string_view decimalPoint;
-  std::string_view groupSeparator;    // between groups of three digits
+  std::string_view groupSeparator;  // between groups of three digits
   DateOrder dateOrder;
   char dateSeparator;
-  bool padDate;                       // "01.02.1999" instead of "1.2.1999"
+  bool padDate;  // "01.02.1999" instead of "1.2.1999"
   HourCycle hours;
 };
 

@@ -85,7 +85,7 @@ double ReadDigits(std::string_view text) {
 
 template <typename Integer>
 Integer RoundedTo(double number) {
-  const double rounded = std::nearbyint(number);   // halves to even, the rounding mode that nobody changes
+  const double rounded = std::nearbyint(number);  // halves to even, the rounding mode that nobody changes
   if (!(rounded >= std::numeric_limits<Integer>::min() && rounded <= std::numeric_limits<Integer>::max())) {
     throw Overflow();
   }
@@ -100,9 +100,7 @@ double NumberOf(std::string_view text) {
 
 }  // namespace
 
-void AppendDouble(std::string& out, double number) {
-  AppendFloating(out, number, std::chars_format::general, 15);
-}
+void AppendDouble(std::string& out, double number) { AppendFloating(out, number, std::chars_format::general, 15); }
 
 void AppendSingle(std::string& out, float number) { AppendFloating(out, number); }
 

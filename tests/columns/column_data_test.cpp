@@ -232,5 +232,5 @@ TEST(ColumnData, ADeleteFormKnowsItsMessageAndWhereToGoOn) {
                                             "PublicFolderId=p1"));
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

@@ -202,5 +202,5 @@ TEST_F(ColumnDatabase, EachInitializerMakesItsOwnGroup) {
   }
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

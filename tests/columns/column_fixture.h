@@ -59,4 +59,4 @@ struct ColumnFixture : fakes::PageFixture {
   }
 };
 
-}   // namespace kalvo
+}  // namespace kalvo

@@ -108,5 +108,5 @@ TEST(ColumnHeader, TheFirstTotalStateKeepsTheTotal) {
   EXPECT_EQ(column_NoTotal, 1);
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

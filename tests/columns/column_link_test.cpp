@@ -226,5 +226,5 @@ TEST(ColumnLink, AFailingFieldFailsTheCell) {
   EXPECT_EQ(fakes::ErrorOf([&] { page.Data(); }), 7);
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

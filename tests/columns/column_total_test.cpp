@@ -81,9 +81,9 @@ TEST(ColumnTotal, OnlyNumbersHaveSums) {
 TEST(ColumnTotal, ASumThatIsNoNumberFails) {
   ColumnFixture page;
   page.column.formatType = FORMATTYPE_NUMBER;
-  page.row.fields = {{"Value", "  "}};   // two blanks are not one
+  page.row.fields = {{"Value", "  "}};  // two blanks are not one
   EXPECT_EQ(fakes::ErrorOf([&] { page.Total(); }), 13);
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

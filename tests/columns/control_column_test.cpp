@@ -140,5 +140,5 @@ TEST_F(ControlColumn, NeedsTheSession) {
   EXPECT_EQ(fakes::ErrorOf([&] { Header(); }), 91);
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

@@ -144,5 +144,5 @@ TEST(Context, NeedsAPageForEverythingOfTheHost) {
   EXPECT_EQ(context.TableIndex(), 1);
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

@@ -127,5 +127,5 @@ TEST(Debug, AMessageThatNobodySeesIsNotMade) {
   EXPECT_EQ(page.Text(), "");
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

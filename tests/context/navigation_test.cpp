@@ -178,5 +178,5 @@ TEST_F(MessageNavigation, NeverRaises) {
   EXPECT_TRUE(GoToMessage("J"));
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

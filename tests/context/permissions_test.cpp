@@ -103,5 +103,5 @@ TEST(Permissions, TheProductsMailboxIsNamedAfterItsServer) {
   EXPECT_EQ(context.KalvoCreatedMailboxName(""), "Kalvo ");
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

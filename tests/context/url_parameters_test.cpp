@@ -112,5 +112,5 @@ TEST(TableState, BeforeTheFirstTableTheRequestIsAskedForItemZero) {
   EXPECT_EQ(ErrorOf([&] { page.context->TableSortFieldInformation(); }), 9);
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

@@ -123,5 +123,5 @@ INSTANTIATE_TEST_SUITE_P(Engines, CheckOfAnEngine,
                          testing::Values(test::Engine::SqliteOdbc, test::Engine::Postgresql, test::Engine::Mariadb),
                          [](const auto& engine) { return test::NameOf(engine.param); });
 
-}   // namespace
-}   // namespace kalvo::host
+}  // namespace
+}  // namespace kalvo::host

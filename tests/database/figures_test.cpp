@@ -425,7 +425,7 @@ TEST_F(Figures, OfActivityAreTheCurrentAverages) {
 TEST_F(Figures, OfAlertReportsAreTheAlertsOfTheirCodes) {
   struct Case {
     int id;
-    std::set<std::int64_t> codes;   // empty: all of the console's own
+    std::set<std::int64_t> codes;  // empty: all of the console's own
   };
   const Case cases[] = {{2, {}},
                         {12, {5018}},
@@ -496,5 +496,5 @@ TEST_F(Figures, OfListsAreTheTablesThemselves) {
   EXPECT_EQ(RowsOfReport(Outside(), 35, {}, {"name"}).rows.size(), Table("EXDB_SERVERGROUP").size());
 }
 
-}   // namespace
-}   // namespace kalvo::test
+}  // namespace
+}  // namespace kalvo::test

@@ -58,4 +58,4 @@ ReportRows RowsOfReport(const Platform& platform, int id, const Scope& scope, co
   return report;
 }
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

@@ -39,4 +39,4 @@ struct Scope {
 ReportRows RowsOfReport(const Platform& platform, int id, const Scope& scope, const std::vector<std::string>& fields,
                         const std::vector<std::string>& totals = {});
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

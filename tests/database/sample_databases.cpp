@@ -30,18 +30,14 @@ class NamedSource : public Database {
   std::string name_;
 };
 
-}   // namespace
+}  // namespace
 
 std::string NameOf(Engine engine) {
   switch (engine) {
-    case Engine::Sqlite:
-      return "sqlite";
-    case Engine::SqliteOdbc:
-      return "sqliteodbc";
-    case Engine::Postgresql:
-      return "postgresql";
-    case Engine::Mariadb:
-      return "mariadb";
+    case Engine::Sqlite: return "sqlite";
+    case Engine::SqliteOdbc: return "sqliteodbc";
+    case Engine::Postgresql: return "postgresql";
+    case Engine::Mariadb: return "mariadb";
   }
   return "";
 }
@@ -123,4 +119,4 @@ const Platform& SampleDatabases::PlatformOf(Engine engine) {
   return started->platform;
 }
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

@@ -44,4 +44,4 @@ class SampleDatabases {
 // The small sample as a script for an engine's own client.
 std::string SampleScript(const sample::Organization& organization, Engine engine);
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

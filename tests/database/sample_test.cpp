@@ -132,5 +132,5 @@ TEST(Moments, AreWrittenAsDatesAndTimes) {
   EXPECT_EQ(MomentText({1791184500}), "2026-10-05 07:15:00");
 }
 
-}   // namespace
-}   // namespace kalvo::sample
+}  // namespace
+}  // namespace kalvo::sample

@@ -71,5 +71,5 @@ INSTANTIATE_TEST_SUITE_P(Engines, SchemaOnEngine,
                                          test::Engine::Mariadb),
                          [](const auto& engine) { return test::NameOf(engine.param); });
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

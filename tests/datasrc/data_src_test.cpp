@@ -36,5 +36,5 @@ TEST(DataSrc, KeepsItsTableAndContext) {
   EXPECT_FALSE(kept.expired());
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

@@ -408,5 +408,5 @@ TEST(DbDataSrc, FieldNamesAreTracedAsTheDatabaseSpellsThem) {
   EXPECT_EQ(page.Text(), "<p>Set: Field 0: ComputerName</p>\r\n");
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

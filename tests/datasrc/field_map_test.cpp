@@ -39,5 +39,5 @@ TEST(FieldMap, HoldsManyNamesAndForgetsThem) {
   }
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

@@ -395,5 +395,5 @@ TEST(MapiDataSrc, AFailingFirstMoveSaysNothing) {
   EXPECT_EQ(page.Text(), "");
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

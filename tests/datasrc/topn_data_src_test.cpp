@@ -241,5 +241,5 @@ TEST(TopnDataSrc, ItsTwoNumbersMayBeSet) {
   EXPECT_EQ(ErrorOf([&] { page.source->GetRowIndex(); }), 6);
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

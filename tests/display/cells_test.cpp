@@ -131,5 +131,5 @@ TEST_F(Cells, TheDownLinkAloneDecidesAboutTheArrows) {
             std::string::npos);
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

@@ -65,7 +65,7 @@ TEST(Display, ImagesThatAPageMayReplaceBeginAsTheConsoles) {
       {display.MessageGraphicID(), "../Images/Message.gif"},
       {display.FolderGraphicID(), "../Images/Folder.gif"},
       {display.AttachmentGraphicID(), "../Images/Attachment.gif"},
-      {display.NoAttachmentGraphicID(), "../Images/BlankGraphSpacing.gif"},   // not the one among the controls
+      {display.NoAttachmentGraphicID(), "../Images/BlankGraphSpacing.gif"},  // not the one among the controls
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.path);
@@ -93,5 +93,5 @@ TEST(Display, ABookmarkLastsUntilTheNextTableOrPage) {
   EXPECT_NE(link().find("href=\"u\""), std::string::npos);
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

@@ -210,5 +210,5 @@ TEST_F(Format, AParameterIsAddedToAUrl) {
   }
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

@@ -99,5 +99,5 @@ TEST_F(Forms, TheDeleteFormEncodesNothing) {
             "</form>");
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

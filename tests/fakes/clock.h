@@ -19,4 +19,4 @@ class FakeClock : public Clock {
   }
 };
 
-}   // namespace kalvo::fakes
+}  // namespace kalvo::fakes

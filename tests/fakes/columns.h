@@ -57,4 +57,4 @@ class FakeColumns : public ColumnCatalogue {
   std::map<std::int16_t, std::shared_ptr<TableColumn>> columns_;
 };
 
-}   // namespace kalvo::fakes
+}  // namespace kalvo::fakes

@@ -101,7 +101,7 @@ class FakeDatabase : public Database {
  public:
   std::deque<FakeResult> results = {{{}, {}}};
   Steps steps;
-  std::string sql, pattern, orderBy;   // of the last batch
+  std::string sql, pattern, orderBy;  // of the last batch
 
   std::unique_ptr<Connection> Connect(std::string_view dataSource) override {
     steps.Do("Connect", dataSource);
@@ -121,4 +121,4 @@ inline std::unique_ptr<RecordSet> FakeConnection::Execute(const Batch& batch) {
 
 inline void FakeConnection::Close() { database_.steps.Do("Connection.Close"); }
 
-}   // namespace kalvo::fakes
+}  // namespace kalvo::fakes

@@ -18,4 +18,4 @@ std::int32_t ErrorOf(Operation&& operation) {
   return 0;
 }
 
-}   // namespace kalvo::fakes
+}  // namespace kalvo::fakes

@@ -22,4 +22,4 @@ void ExpectGolden(const std::string& name, const std::string& text) {
                 << "\n  got      ..." << text.substr(from, 160);
 }
 
-}   // namespace kalvo::fakes
+}  // namespace kalvo::fakes

@@ -8,4 +8,4 @@ namespace kalvo::fakes {
 // beside it as NAME.actual, for tests/approve.
 void ExpectGolden(const std::string& name, const std::string& text);
 
-}   // namespace kalvo::fakes
+}  // namespace kalvo::fakes

@@ -101,4 +101,4 @@ class FakeLive : public LiveContainer {
   static std::int32_t Size(const FakeListing& listing) { return static_cast<std::int32_t>(listing.items.size()); }
 };
 
-}   // namespace kalvo::fakes
+}  // namespace kalvo::fakes

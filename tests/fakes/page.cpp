@@ -29,7 +29,7 @@ std::string Decoded(std::string_view text) {
 
 bool IsAlphanumeric(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
-}   // namespace
+}  // namespace
 
 FakeRequest::Parameters FakeRequest::Parsed(std::string_view text) {
   Parameters parameters;
@@ -94,20 +94,11 @@ void FakeServer::HTMLEncode(std::string& out, std::string_view text) {
   if (fails) throw Error(codes::kFailed, "Encoder refused.");
   for (const char c : text) {
     switch (c) {
-      case '&':
-        out += "&amp;";
-        break;
-      case '<':
-        out += "&lt;";
-        break;
-      case '>':
-        out += "&gt;";
-        break;
-      case '"':
-        out += "&quot;";
-        break;
-      default:
-        out += c;
+      case '&': out += "&amp;"; break;
+      case '<': out += "&lt;"; break;
+      case '>': out += "&gt;"; break;
+      case '"': out += "&quot;"; break;
+      default: out += c;
     }
   }
 }
@@ -138,4 +129,4 @@ std::shared_ptr<LiveContainer> FakeSession::StaticObject(std::string_view name) 
   return found->second;
 }
 
-}   // namespace kalvo::fakes
+}  // namespace kalvo::fakes

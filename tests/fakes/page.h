@@ -18,7 +18,7 @@ class FakeResponse : public Response {
  public:
   std::string text;
   int flushes = 0;
-  std::string refused;   // a write that holds this text fails; "" is none
+  std::string refused;  // a write that holds this text fails; "" is none
 
   void Write(std::string_view written) override {
     if (!refused.empty() && written.find(refused) != std::string_view::npos) {
@@ -93,4 +93,4 @@ class FakePage : public ScriptingContext {
   std::shared_ptr<Server> GetServer() override { return steps.Do("Server"), server; }
 };
 
-}   // namespace kalvo::fakes
+}  // namespace kalvo::fakes

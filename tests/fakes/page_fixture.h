@@ -49,4 +49,4 @@ struct PageFixture {
   std::shared_ptr<Display> display = std::make_shared<Display>();
 };
 
-}   // namespace kalvo::fakes
+}  // namespace kalvo::fakes

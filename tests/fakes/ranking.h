@@ -80,4 +80,4 @@ class FakeRanking : public TopNFactory {
   }
 };
 
-}   // namespace kalvo::fakes
+}  // namespace kalvo::fakes

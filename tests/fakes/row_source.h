@@ -38,4 +38,4 @@ class FakeRowSource : public RowSource {
   std::int16_t GetRowIndex() override { return 1; }
 };
 
-}   // namespace kalvo::fakes
+}  // namespace kalvo::fakes

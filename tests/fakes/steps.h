@@ -52,4 +52,4 @@ class Steps {
   std::map<std::string, std::size_t> calls_;
 };
 
-}   // namespace kalvo::fakes
+}  // namespace kalvo::fakes

@@ -62,7 +62,7 @@ TEST(FolderPath, EachFolderOfAPathIsALink) {
   const struct {
     const char* why;
     const char* container;
-    std::vector<std::pair<const char*, const char*>> links;   // the encoded path and what is shown
+    std::vector<std::pair<const char*, const char*>> links;  // the encoded path and what is shown
   } kCases[] = {
       {"one folder", "Inbox", {{"Inbox", "Inbox"}}},
       {"a folder below it", "Inbox\\Projects", {{"Inbox", "Inbox"}, {"Inbox%5CProjects", "Projects"}}},
@@ -261,5 +261,5 @@ TEST(FolderPath, APublicFoldersPathIsToldFromNoneAndFromAFailure) {
   EXPECT_EQ(page.generator->PublicFolderDisplayPath(), "-1");
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

@@ -213,5 +213,5 @@ TEST(DeleteMessage, AnUnknownOwnerMakesAnAnonymousDeleteDoubtful) {
   EXPECT_EQ(page.live->steps.Count("RemoveMessage"), 1u);
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

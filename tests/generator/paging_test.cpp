@@ -44,5 +44,5 @@ TEST(Paging, ChoosesTheRowsOfAPage) {
   }
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

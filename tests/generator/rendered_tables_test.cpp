@@ -70,8 +70,7 @@ fakes::FakeResult AlertRows() {
 std::deque<fakes::FakeResult> ResultsOf(KalvoTableConstants table) {
   const std::int32_t one = 1;
   switch (table) {
-    case TABLE_CURRENTALERTS:
-      return {AlertRows()};
+    case TABLE_CURRENTALERTS: return {AlertRows()};
     case TABLE_TASK_RECOVERYMANAGEMENT_FAILEDBACKUPS:
       return {{{"DistOrgName", "DistSiteName", "ComputerName", "BackupType"},
                {{"O"s, "S"s, "EXCH01"s, "2"s}, {"O"s, "S"s, "EXCH02"s, "full"s}}}};
@@ -91,8 +90,7 @@ std::deque<fakes::FakeResult> ResultsOf(KalvoTableConstants table) {
                {{"Ann"s, Bytes{1}, "EXCH01"s, "Send"s},
                 {"Ann"s, Bytes{2}, "EXCH01"s, "Receive"s},
                 {"Bob"s, Null{}, "EXCH02"s, "Send"s}}}};
-    default:
-      return {{{"ComputerName", "MbName", "MbDistName"}, {{"EXCH01"s, "Ken & Co"s, "/o=O/cn=ken"s}}}};
+    default: return {{{"ComputerName", "MbName", "MbDistName"}, {{"EXCH01"s, "Ken & Co"s, "/o=O/cn=ken"s}}}};
   }
 }
 
@@ -161,5 +159,5 @@ TEST(RenderedTables, TwoOfAPageKeepTheirStatesApart) {
   fakes::ExpectGolden("rendering/two_tables.html", page.Text());
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

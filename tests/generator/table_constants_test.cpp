@@ -84,5 +84,5 @@ TEST(TableConstants, TheShortQueriesAreTheseToTheLetter) {
             "at.AlertTypeCode=5018");
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

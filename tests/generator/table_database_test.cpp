@@ -320,7 +320,7 @@ TEST_F(TableDatabase, EveryFieldThatATablesColumnsReadIsSelected) {
   for (int id = kFirst; id <= TABLE_AmbiguousAddressResolution; ++id) {
     SCOPED_TRACE(id);
     const auto selected = Selected(Sql(id));
-    if (selected.count("*")) continue;   // everything of a table, in the reports of alerts
+    if (selected.count("*")) continue;  // everything of a table, in the reports of alerts
     const auto needs = [&](const std::string& field) { EXPECT_EQ(selected.count(ToLower(field)), 1u) << field; };
     for (const std::int16_t column : Of(id).GetColumns()) {
       const auto data = std::dynamic_pointer_cast<KalvoColumn>(columns_.GetColumn(column));
@@ -391,5 +391,5 @@ TEST_F(TableDatabase, ScopesAreAskedForWhereATableHasOne) {
   }
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

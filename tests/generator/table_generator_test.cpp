@@ -137,5 +137,5 @@ TEST(TableGenerator, TablesOutlastThePage) {
   EXPECT_NE(page.Taken().find("Number of Entries:"), std::string::npos) << "shown from then on";
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

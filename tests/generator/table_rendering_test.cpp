@@ -458,5 +458,5 @@ TEST(TableRendering, ItsTimeIsTracedWithoutALineBreak) {
             std::string::npos);
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

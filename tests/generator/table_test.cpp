@@ -104,5 +104,5 @@ TEST_F(TableDefinition, EachRenderingHasASourceOfItsOwn) {
   EXPECT_NE(table_->GetDataSrc(*page_.context), table_->GetDataSrc(*page_.context));
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

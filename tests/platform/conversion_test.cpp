@@ -205,5 +205,5 @@ TEST(Case, OnlyAsciiLettersHaveOne) {
   EXPECT_FALSE(EqualsIgnoringCase("[", "{"));
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

@@ -116,5 +116,5 @@ TEST(Date, OnlyWhatTheCalendarHasCanBeMade) {
   EXPECT_FALSE(MakeDate(1999, 1, 1, 0, 0, -1));
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

@@ -53,5 +53,5 @@ TEST(Trap, CatchesErrorsAlone) {
   EXPECT_EQ(CurrentError().number, 0);
 }
 
-}   // namespace
-}   // namespace kalvo
+}  // namespace
+}  // namespace kalvo

@@ -217,7 +217,7 @@ TEST_F(ProbeTest, ConvertsValuesBothWays) {
       const Value back = ValueAt(engine, -1);
       if (std::holds_alternative<Date>(c.value)) {
         EXPECT_NEAR(std::get<Date>(back).serial, std::get<Date>(c.value).serial, 1e-8);
-      } else if (c.value.index() != 4 && c.value.index() != 8) {   // large integers and bytes have no script type
+      } else if (c.value.index() != 4 && c.value.index() != 8) {  // large integers and bytes have no script type
         EXPECT_EQ(back, c.value);
       }
     });
@@ -276,5 +276,5 @@ TEST(ScriptReferences, OutliveTheirEngineHarmlessly) {
   EXPECT_THROW(reference->Home(), Error);
 }
 
-}   // namespace
-}   // namespace kalvo::host
+}  // namespace
+}  // namespace kalvo::host

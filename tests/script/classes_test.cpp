@@ -159,5 +159,5 @@ TEST(Signatures, ListWhatADocumentMustName) {
   EXPECT_GT(members, 200U);
 }
 
-}   // namespace
-}   // namespace kalvo::host
+}  // namespace
+}  // namespace kalvo::host

@@ -137,5 +137,5 @@ TEST_F(Errors, WrittenByAssigningToASessionCallNameTheLine) {
   EXPECT_NE(Failure().find("page.asp:2: ReferenceError: invalid lvalue"), std::string::npos) << Failure();
 }
 
-}   // namespace
-}   // namespace kalvo::host
+}  // namespace
+}  // namespace kalvo::host

@@ -174,5 +174,5 @@ TEST_F(Intrinsics, OfferNoBackDoorsOfTheEngine) {
   EXPECT_EQ(Script("Response.Write(typeof Duktape + typeof require + typeof print);"), "undefinedundefinedundefined");
 }
 
-}   // namespace
-}   // namespace kalvo::host
+}  // namespace
+}  // namespace kalvo::host

@@ -165,7 +165,7 @@ TEST_F(Adapters, AnswerColumns) {
   auto context = std::make_shared<Context>();
   auto display = std::make_shared<Display>();
   std::string out;
-  column->AppendHeader(out, *context, *display);   // a call that fails leaves the answer before it
+  column->AppendHeader(out, *context, *display);  // a call that fails leaves the answer before it
   EXPECT_EQ(out, "h");
   EXPECT_EQ(catalogue->Column(2), nullptr);
   EXPECT_EQ(catalogue->Column(3), nullptr);
@@ -318,5 +318,5 @@ TEST_F(LateBinding, ReleasesCyclesBetweenScriptAndLibrary) {
   EXPECT_TRUE(driller.expired());
 }
 
-}   // namespace
-}   // namespace kalvo::host
+}  // namespace
+}  // namespace kalvo::host

@@ -68,7 +68,7 @@ TEST_F(Limits, NameTheLineThatRuns) {
   ASSERT_TRUE(result.failure);
   EXPECT_EQ(result.failure->message, "the page has run for longer than its time limit");
   EXPECT_EQ(result.failure->file, "page.asp");
-  EXPECT_GE(result.failure->line, 3);   // whichever line of the loop was running
+  EXPECT_GE(result.failure->line, 3);  // whichever line of the loop was running
   EXPECT_LE(result.failure->line, 6);
 }
 
@@ -180,5 +180,5 @@ TEST_F(Limits, OfNothingEndAtOnce) {
   EXPECT_EQ(Kind(), FailureKind::MemoryLimit);
 }
 
-}   // namespace
-}   // namespace kalvo::host
+}  // namespace
+}  // namespace kalvo::host

@@ -172,5 +172,5 @@ TEST(PathBelowRootTest, RemovesDotsAndRefusesToLeave) {
   EXPECT_EQ(PathBelowRoot("", "a/.."), std::nullopt);
 }
 
-}   // namespace
-}   // namespace kalvo::host
+}  // namespace
+}  // namespace kalvo::host

@@ -93,4 +93,4 @@ class PageTest : public testing::Test {
   PageResult result;
 };
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

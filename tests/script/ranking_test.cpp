@@ -98,5 +98,5 @@ TEST_F(ScriptRanking, IsTheHostsWhereTheSessionDeclaresNone) {
   EXPECT_FALSE(ranking.steps.done.empty());
 }
 
-}   // namespace
-}   // namespace kalvo::host
+}  // namespace
+}  // namespace kalvo::host

@@ -76,5 +76,5 @@ TEST(RequestObjectTest, LooksThroughItsCollectionsInOrder) {
   EXPECT_EQ(request.Item("none"), "");
 }
 
-}   // namespace
-}   // namespace kalvo::host
+}  // namespace
+}  // namespace kalvo::host

@@ -97,5 +97,5 @@ TEST_F(SiteTest, DescribesFailures) {
   EXPECT_EQ(Describe({FailureKind::NotFound, "m", "a/b.asp", 0}), "a/b.asp: m");
 }
 
-}   // namespace
-}   // namespace kalvo::host
+}  // namespace
+}  // namespace kalvo::host

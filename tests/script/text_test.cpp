@@ -85,5 +85,5 @@ TEST(Text, UrlsAreDecoded) {
   }
 }
 
-}   // namespace
-}   // namespace kalvo::host
+}  // namespace
+}  // namespace kalvo::host

@@ -120,7 +120,7 @@ void GiveAway(const fs::path& path) {
   if (chown(path.c_str(), user->pw_uid, group->gr_gid) != 0) throw std::runtime_error("the tests do not run as root");
 }
 
-}   // namespace
+}  // namespace
 
 DovecotServer::DovecotServer(const std::vector<std::string>& users, std::string_view moreSettings)
     : port_(static_cast<std::uint16_t>(test::FreePort())) {
@@ -267,4 +267,4 @@ std::string Quoted(std::string_view name) {
   return quoted + "\"";
 }
 
-}   // namespace kalvo::tests
+}  // namespace kalvo::tests

@@ -24,9 +24,9 @@ class DovecotServer {
 
   // Started by the constructor; again after `Kill`. Returns when connections are accepted.
   void Start();
-  void Kill();     // SIGKILL to all its processes
-  void Pause();    // SIGSTOP to all its processes
-  void Resume();   // SIGCONT
+  void Kill();    // SIGKILL to all its processes
+  void Pause();   // SIGSTOP to all its processes
+  void Resume();  // SIGCONT
 
   std::uint16_t Port() const { return port_; }
   std::string Folder() const { return folder_.Path().string(); }
@@ -72,4 +72,4 @@ class PlainImap {
 // The name in quotes, as a command has it; non-ASCII names have to be encoded before.
 std::string Quoted(std::string_view name);
 
-}   // namespace kalvo::tests
+}  // namespace kalvo::tests

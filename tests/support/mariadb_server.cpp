@@ -8,9 +8,9 @@ namespace kalvo::test {
 
 namespace {
 
-constexpr const char* kUser = "mysql";   // the server refuses to run as root
+constexpr const char* kUser = "mysql";  // the server refuses to run as root
 
-}   // namespace
+}  // namespace
 
 MariaDbServer::MariaDbServer() : port_(FreePort()) {
   if (geteuid() == 0) folder_.GiveTo(kUser);
@@ -53,4 +53,4 @@ std::string MariaDbServer::DataSource() const {
   return "Driver=MariaDB Unicode\nSERVER=127.0.0.1\nPORT=" + std::to_string(port_) + "\nDATABASE=kalvo\nUID=kalvo\n";
 }
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

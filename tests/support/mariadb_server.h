@@ -30,4 +30,4 @@ class MariaDbServer {
   std::unique_ptr<Server> server_;
 };
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

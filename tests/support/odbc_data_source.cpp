@@ -20,4 +20,4 @@ std::string OdbcDataSources::Sqlite(const std::filesystem::path& file) {
   return "Driver=SQLite3\nDatabase=" + file.string() + "\n";
 }
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

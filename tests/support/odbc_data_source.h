@@ -29,4 +29,4 @@ class OdbcDataSources {
   std::string text_;
 };
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

@@ -9,10 +9,10 @@ namespace kalvo::test {
 
 namespace {
 
-constexpr const char* kUser = "postgres";   // the server refuses to run as root
+constexpr const char* kUser = "postgres";  // the server refuses to run as root
 constexpr const char* kVersions = "/usr/lib/postgresql";
 
-}   // namespace
+}  // namespace
 
 PostgresServer::PostgresServer() : port_(FreePort()) {
   if (geteuid() == 0) folder_.GiveTo(kUser);
@@ -53,4 +53,4 @@ std::string PostgresServer::DataSource() const {
          "\nDatabase=postgres\nUsername=kalvo\nBoolsAsChar=0\n";
 }
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

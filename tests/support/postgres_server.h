@@ -33,4 +33,4 @@ class PostgresServer {
   std::unique_ptr<Server> server_;
 };
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

@@ -72,7 +72,7 @@ bool Listens(int port) {
   return connected;
 }
 
-}   // namespace
+}  // namespace
 
 void Run(const Command& command) {
   const pid_t process = Start(command);
@@ -120,4 +120,4 @@ int FreePort() {
   return ntohs(address.sin_port);
 }
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

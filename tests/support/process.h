@@ -10,10 +10,10 @@ namespace kalvo::test {
 
 // A program and how it is run. Its output goes to the end of the log file.
 struct Command {
-  std::vector<std::string> arguments;   // the program's path first
+  std::vector<std::string> arguments;  // the program's path first
   std::filesystem::path log;
-  std::string user;    // to run as when this process is root; empty for the same user
-  std::string input;   // for its standard input
+  std::string user;   // to run as when this process is root; empty for the same user
+  std::string input;  // for its standard input
 };
 
 // Runs a program to its end. Throws, with the log, when it does not end well.
@@ -40,4 +40,4 @@ class Server {
 // A port of the loopback address that nobody listens on.
 int FreePort();
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

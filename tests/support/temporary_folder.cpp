@@ -40,4 +40,4 @@ std::string ReadFile(const std::filesystem::path& file) {
   return text.str();
 }
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

@@ -26,4 +26,4 @@ class TemporaryFolder {
 void WriteFile(const std::filesystem::path& file, const std::string& text);
 std::string ReadFile(const std::filesystem::path& file);
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

@@ -51,5 +51,5 @@ TEST(Address, IsRefused) {
   }
 }
 
-}   // namespace
-}   // namespace kalvo::web
+}  // namespace
+}  // namespace kalvo::web

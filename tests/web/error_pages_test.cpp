@@ -32,5 +32,5 @@ TEST(ErrorPages, WithoutAFileTheReasonIsSaid) {
   EXPECT_EQ(ReadErrorPage(empty.Path(), 503), "Service Unavailable");
 }
 
-}   // namespace
-}   // namespace kalvo::web
+}  // namespace
+}  // namespace kalvo::web

@@ -37,5 +37,5 @@ TEST(Log, IsOpenedAnewAfterItWasMovedAway) {
 
 TEST(Log, AFileThatCannotBeWrittenIsRefused) { EXPECT_THROW(Log("/nowhere/log"), host::SettingError); }
 
-}   // namespace
-}   // namespace kalvo::web
+}  // namespace
+}  // namespace kalvo::web

@@ -50,5 +50,5 @@ TEST(RunFolder, FilesAreWrittenAsAWhole) {
   EXPECT_THROW(WriteFile(folder.Path() / "missing" / "file", ""), host::SettingError);
 }
 
-}   // namespace
-}   // namespace kalvo::web
+}  // namespace
+}  // namespace kalvo::web

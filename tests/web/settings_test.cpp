@@ -166,5 +166,5 @@ TEST(Settings, AreCompletedAndChecked) {
   EXPECT_THROW(Complete(pages), host::SettingError);
 }
 
-}   // namespace
-}   // namespace kalvo::web
+}  // namespace
+}  // namespace kalvo::web

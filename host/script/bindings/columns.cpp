@@ -49,10 +49,10 @@ constexpr Member kColumnDatabase[] = {
 };
 // clang-format on
 
-}   // namespace
+}  // namespace
 
 std::span<const Member> ColumnMembers() { return kColumn; }
 std::span<const Member> ControlColumnMembers() { return kControlColumn; }
 std::span<const Member> ColumnDatabaseMembers() { return kColumnDatabase; }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -54,8 +54,8 @@ constexpr Member kContext[] = {
 };
 // clang-format on
 
-}   // namespace
+}  // namespace
 
 std::span<const Member> ContextMembers() { return kContext; }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

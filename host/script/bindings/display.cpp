@@ -43,8 +43,8 @@ constexpr Member kDisplay[] = {
 };
 // clang-format on
 
-}   // namespace
+}  // namespace
 
 std::span<const Member> DisplayMembers() { return kDisplay; }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

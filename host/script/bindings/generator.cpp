@@ -25,8 +25,8 @@ constexpr Member kGenerator[] = {
 };
 // clang-format on
 
-}   // namespace
+}  // namespace
 
 std::span<const Member> GeneratorMembers() { return kGenerator; }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -66,7 +66,7 @@ constexpr Member kScriptingContext[] = {
 };
 // clang-format on
 
-}   // namespace
+}  // namespace
 
 std::span<const Member> RequestMembers() { return kRequest; }
 std::span<const Member> NameCollectionMembers() { return kNameCollection; }
@@ -104,7 +104,7 @@ bool IsMemberName(std::string_view key) {
   return false;
 }
 
-}   // namespace
+}  // namespace
 
 void DecorateNameCollection(Engine& engine, const Object& object) {
   duk_context* context = engine.Context();
@@ -112,7 +112,7 @@ void DecorateNameCollection(Engine& engine, const Object& object) {
   for (const std::string& key : collection.Names().Keys()) {
     engine.CheckLimits();
     PushText(context, key);
-    if (IsMemberName(key)) {   // enumerated as every key, and still what the collection offers
+    if (IsMemberName(key)) {  // enumerated as every key, and still what the collection offers
       duk_dup_top(context);
       duk_get_prop(context, -3);
     } else {
@@ -122,4 +122,4 @@ void DecorateNameCollection(Engine& engine, const Object& object) {
   }
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

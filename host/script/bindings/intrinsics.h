@@ -13,4 +13,4 @@ void CallSession(CallFrame& frame);
 // Gives a collection its keys as enumerable properties, in their order.
 void DecorateNameCollection(Engine& engine, const Object& object);
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

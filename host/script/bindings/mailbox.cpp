@@ -42,9 +42,9 @@ constexpr Member kListing[] = {
 };
 // clang-format on
 
-}   // namespace
+}  // namespace
 
 std::span<const Member> LiveContainerMembers() { return kLiveContainer; }
 std::span<const Member> ListingMembers() { return kListing; }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -35,4 +35,4 @@ std::span<const Member> ServerMembers();
 std::span<const Member> SessionMembers();
 std::span<const Member> ScriptingContextMembers();
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -67,11 +67,11 @@ constexpr Member kMapiDataSrc[] = {
 };
 // clang-format on
 
-}   // namespace
+}  // namespace
 
 std::span<const Member> DataSrcMembers() { return kDataSrc; }
 std::span<const Member> DbDataSrcMembers() { return kDbDataSrc; }
 std::span<const Member> TopnDataSrcMembers() { return kTopnDataSrc; }
 std::span<const Member> MapiDataSrcMembers() { return kMapiDataSrc; }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -46,10 +46,10 @@ constexpr Member kTableConstants[] = {
 };
 // clang-format on
 
-}   // namespace
+}  // namespace
 
 std::span<const Member> TableMembers() { return kTable; }
 std::span<const Member> TableDatabaseMembers() { return kTableDatabase; }
 std::span<const Member> TableConstantsMembers() { return kTableConstants; }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

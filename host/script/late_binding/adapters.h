@@ -51,4 +51,4 @@ std::shared_ptr<T> InterfaceAt(Engine& engine, duk_idx_t index) {
   return Adapt<T>(engine, index);
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

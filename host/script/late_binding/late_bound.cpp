@@ -15,7 +15,7 @@ bool LateBound::PushMember(Engine& engine, const char* member) const {
   if (!duk_has_prop_string(context, -1, member)) throw MemberNotSupported();
   duk_get_prop_string(context, -1, member);
   if (!IsScriptFunction(context, -1)) return false;
-  duk_swap_top(context, -2);   // the function, then its object
+  duk_swap_top(context, -2);  // the function, then its object
   return true;
 }
 
@@ -26,4 +26,4 @@ bool LateBound::Has(Engine& engine, const char* member) const {
   return has;
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -76,4 +76,4 @@ class LateBound : public ScriptBacked {
 // True for a value that late binding calls: a function that is none of the callable intrinsic objects.
 bool IsScriptFunction(duk_context* context, duk_idx_t index);
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

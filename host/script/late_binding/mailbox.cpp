@@ -71,7 +71,7 @@ class ScriptLiveContainer : public LiveContainer, public LateBound {
   }
 };
 
-}   // namespace
+}  // namespace
 
 template <>
 std::shared_ptr<Listing> Adapt<Listing>(Engine& engine, duk_idx_t index) {
@@ -83,4 +83,4 @@ std::shared_ptr<LiveContainer> Adapt<LiveContainer>(Engine& engine, duk_idx_t in
   return std::make_shared<ScriptLiveContainer>(engine, index);
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

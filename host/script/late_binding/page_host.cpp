@@ -57,7 +57,7 @@ class ScriptSession : public Session, public LateBound {
     if (PushMember(engine, member)) {
       PushArgument(engine, name);
       duk_call_method(context, 1);
-    } else if (duk_is_function(context, -1)) {   // one of the callable intrinsic objects
+    } else if (duk_is_function(context, -1)) {  // one of the callable intrinsic objects
       PushArgument(engine, name);
       duk_call(context, 1);
     } else {
@@ -96,7 +96,7 @@ class ScriptScriptingContext : public ScriptingContext, public LateBound {
   }
 };
 
-}   // namespace
+}  // namespace
 
 template <>
 std::shared_ptr<Response> Adapt<Response>(Engine& engine, duk_idx_t index) {
@@ -118,4 +118,4 @@ std::shared_ptr<ScriptingContext> Adapt<ScriptingContext>(Engine& engine, duk_id
   return std::make_shared<ScriptScriptingContext>(engine, index);
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

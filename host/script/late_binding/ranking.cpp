@@ -39,7 +39,7 @@ class ScriptTopNLoader : public TopNLoader, public LateBound {
   }
 };
 
-}   // namespace
+}  // namespace
 
 template <>
 std::shared_ptr<RankedResults> Adapt<RankedResults>(Engine& engine, duk_idx_t index) {
@@ -81,4 +81,4 @@ std::shared_ptr<TopNLoader> PageRanking::NewMailboxGroupLoader() {
   return declared ? declared : own_.NewMailboxGroupLoader();
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -26,4 +26,4 @@ class PageRanking : public TopNFactory {
   TopNFactory& own_;
 };
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

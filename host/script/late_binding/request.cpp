@@ -122,7 +122,7 @@ class ScriptRequest : public Request, public LateBound {
       if (PushMember(engine, collection)) {
         PushArgument(engine, name);
         duk_call_method(context, 1);
-      } else if (duk_is_function(context, -1)) {   // one of the callable intrinsic objects
+      } else if (duk_is_function(context, -1)) {  // one of the callable intrinsic objects
         PushArgument(engine, name);
         duk_call(context, 1);
       } else {
@@ -199,11 +199,11 @@ class ScriptRequest : public Request, public LateBound {
   }
 };
 
-}   // namespace
+}  // namespace
 
 template <>
 std::shared_ptr<Request> Adapt<Request>(Engine& engine, duk_idx_t index) {
   return std::make_shared<ScriptRequest>(engine, index);
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

@@ -40,7 +40,7 @@ class ScriptRowSource : public RowSource, public LateBound {
     return status;
   }
 
-  std::deque<std::string> texts_;   // of the current row: each stays where it is until the source moves
+  std::deque<std::string> texts_;  // of the current row: each stays where it is until the source moves
 };
 
 class ScriptColumn : public TableColumn, public LateBound {
@@ -107,7 +107,7 @@ class ScriptColumnCatalogue : public ColumnCatalogue, public LateBound {
   std::shared_ptr<TableColumn> current_;
 };
 
-}   // namespace
+}  // namespace
 
 template <>
 std::shared_ptr<RowSource> Adapt<RowSource>(Engine& engine, duk_idx_t index) {
@@ -124,4 +124,4 @@ std::shared_ptr<ColumnCatalogue> Adapt<ColumnCatalogue>(Engine& engine, duk_idx_
   return std::make_shared<ScriptColumnCatalogue>(engine, index);
 }
 
-}   // namespace kalvo::host
+}  // namespace kalvo::host

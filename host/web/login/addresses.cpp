@@ -21,7 +21,7 @@ bool StaysBelow(std::string_view path) {
          std::none_of(decoded.begin(), decoded.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; });
 }
 
-}   // namespace
+}  // namespace
 
 bool IsOfThisConsole(std::string_view address) {
   if (!address.starts_with(kConsole) || address.size() > kLongestAddress) return false;
@@ -41,4 +41,4 @@ std::string SignInAddress(std::string_view path, std::string_view query) {
   return signIn;
 }
 
-}   // namespace kalvo::web::login
+}  // namespace kalvo::web::login

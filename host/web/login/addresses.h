@@ -17,4 +17,4 @@ bool IsOfThisConsole(std::string_view address);
 // The sign-in page, with where to go on from there.
 std::string SignInAddress(std::string_view path, std::string_view query);
 
-}   // namespace kalvo::web::login
+}  // namespace kalvo::web::login

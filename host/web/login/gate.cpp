@@ -14,7 +14,7 @@ namespace kalvo::web::login {
 namespace {
 
 constexpr std::string_view kCookie = "KalvoSession";
-constexpr std::string_view kSignIn = "/SignIn.asp";   // below the site's root
+constexpr std::string_view kSignIn = "/SignIn.asp";  // below the site's root
 constexpr std::string_view kSignOut = "/SignOut.asp";
 
 std::string_view VariableOf(const host::PageRequest& request, std::string_view name) {
@@ -92,7 +92,7 @@ std::string FirstOf(const host::NamedValues& form, std::string_view name) {
   return values.empty() ? "" : values.front();
 }
 
-}   // namespace
+}  // namespace
 
 Gate::Gate(const GateSettings& settings, const host::LiveDrillerMaker& makeDriller, const Log& log)
     : settings_(settings),
@@ -191,4 +191,4 @@ void Gate::Drop(std::string_view id) {
   if (auto session = sessions_.Open(id, settings_.patience)) session->Abandon();
 }
 
-}   // namespace kalvo::web::login
+}  // namespace kalvo::web::login

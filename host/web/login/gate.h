@@ -16,10 +16,10 @@
 namespace kalvo::web::login {
 
 struct GateSettings {
-  std::filesystem::path users;      // the users file
-  std::filesystem::path sessions;   // a private folder
+  std::filesystem::path users;     // the users file
+  std::filesystem::path sessions;  // a private folder
   Lifetimes lifetimes;
-  std::chrono::milliseconds patience{10'000};   // for another page of the same session
+  std::chrono::milliseconds patience{10'000};  // for another page of the same session
 };
 
 // A page may run: with this session, for this user ("" on the sign-in page), with these variables added.
@@ -62,4 +62,4 @@ class Gate {
   Throttle throttle_;
 };
 
-}   // namespace kalvo::web::login
+}  // namespace kalvo::web::login

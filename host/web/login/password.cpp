@@ -22,7 +22,7 @@ std::string Hexadecimal(const unsigned char (&bytes)[kTokenBytes]) {
   return digits;
 }
 
-}   // namespace
+}  // namespace
 
 std::string HashPassword(std::string_view password) {
   Prepare();
@@ -71,4 +71,4 @@ std::string Fingerprint(std::string_view text) {
   return Hexadecimal(bytes);
 }
 
-}   // namespace kalvo::web::login
+}  // namespace kalvo::web::login

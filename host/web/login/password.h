@@ -28,4 +28,4 @@ bool IsToken(std::string_view text);
 // A short name for a text, from which the text cannot be found out: 64 hexadecimal digits.
 std::string Fingerprint(std::string_view text);
 
-}   // namespace kalvo::web::login
+}  // namespace kalvo::web::login

@@ -65,7 +65,7 @@ bool IsStillThere(int file, const fs::path& path) {
          open.st_dev == named.st_dev;
 }
 
-}   // namespace
+}  // namespace
 
 // ---- one session ----------------------------------------------------------------------------------------
 
@@ -75,7 +75,7 @@ FileSession::~FileSession() {
   } else {
     Keep();
   }
-  close(file_);   // lets the next page have it
+  close(file_);  // lets the next page have it
 }
 
 bool FileSession::BelongsTo(const User& user) const {
@@ -204,4 +204,4 @@ void SessionStore::Sweep() const {
   }
 }
 
-}   // namespace kalvo::web::login
+}  // namespace kalvo::web::login

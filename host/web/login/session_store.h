@@ -19,8 +19,8 @@ class Log;
 namespace kalvo::web::login {
 
 struct Lifetimes {
-  std::int64_t idle = 30 * 60;           // seconds without a request
-  std::int64_t longest = 12 * 60 * 60;   // seconds since the sign-in
+  std::int64_t idle = 30 * 60;          // seconds without a request
+  std::int64_t longest = 12 * 60 * 60;  // seconds since the sign-in
 };
 
 // A session that a request holds: nobody else reads or writes it until this object goes. What changed is kept then.
@@ -49,12 +49,12 @@ class FileSession : public host::PageSession {
   void Keep();
   std::string Content() const;
 
-  int file_;   // locked
+  int file_;  // locked
   std::filesystem::path path_;
   const host::LiveDrillerMaker& makeDriller_;
   const Log& log_;
   std::string account_, stamp_;
-  std::int64_t created_ = 0;   // seconds since 1970
+  std::int64_t created_ = 0;  // seconds since 1970
   SessionValues values_;
   bool changed_ = false, abandoned_ = false;
   std::shared_ptr<LiveContainer> driller_;
@@ -89,4 +89,4 @@ class SessionStore {
   const Log& log_;
 };
 
-}   // namespace kalvo::web::login
+}  // namespace kalvo::web::login

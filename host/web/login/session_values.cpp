@@ -71,22 +71,17 @@ class Reader {
     const auto tag = Plain<char>();
     if (!tag) return std::nullopt;
     switch (static_cast<Tag>(*tag)) {
-      case Tag::Null:
-        return Value(Null{});
+      case Tag::Null: return Value(Null{});
       case Tag::Boolean:
         if (const auto byte = Plain<char>()) return Value(*byte != 0);
         return std::nullopt;
-      case Tag::Int32:
-        return AsValue(Plain<std::int32_t>());
-      case Tag::Int64:
-        return AsValue(Plain<std::int64_t>());
-      case Tag::Double:
-        return AsValue(Plain<double>());
+      case Tag::Int32: return AsValue(Plain<std::int32_t>());
+      case Tag::Int64: return AsValue(Plain<std::int64_t>());
+      case Tag::Double: return AsValue(Plain<double>());
       case Tag::Date:
         if (const auto serial = Plain<double>()) return Value(Date{*serial});
         return std::nullopt;
-      case Tag::Text:
-        return AsValue(Sized());
+      case Tag::Text: return AsValue(Sized());
     }
     return std::nullopt;
   }
@@ -105,7 +100,7 @@ Error TooMuch(std::string_view what) {
   return Error(codes::kFailed, Built([&](std::string& out) { Append(out, "The session cannot hold ", what, "."); }));
 }
 
-}   // namespace
+}  // namespace
 
 Value SessionValues::Get(std::string_view name) const {
   const auto found = values_.find(ToLower(name));
@@ -148,4 +143,4 @@ std::optional<SessionValues> SessionValues::Unpacked(std::string_view bytes) {
   return values;
 }
 
-}   // namespace kalvo::web::login
+}  // namespace kalvo::web::login

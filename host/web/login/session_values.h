@@ -11,8 +11,8 @@ namespace kalvo::web::login {
 
 // How much one session may hold.
 inline constexpr std::size_t kMostValues = 256;
-inline constexpr std::size_t kLongestName = 256;            // bytes
-inline constexpr std::size_t kLargestSession = 64 * 1024;   // bytes, of all names and values together
+inline constexpr std::size_t kLongestName = 256;           // bytes
+inline constexpr std::size_t kLargestSession = 64 * 1024;  // bytes, of all names and values together
 
 // The values of a session, each of its own type, by lower-case name.
 class SessionValues {
@@ -33,4 +33,4 @@ class SessionValues {
   std::map<std::string, Value, std::less<>> values_;
 };
 
-}   // namespace kalvo::web::login
+}  // namespace kalvo::web::login

@@ -20,8 +20,8 @@ enum class Whose { AccountAtAddress, Address, Account };
 
 struct Rule {
   Whose whose;
-  std::int64_t free;      // attempts without a wait
-  std::int64_t longest;   // seconds; the first wait is 2, each next one is twice as long
+  std::int64_t free;     // attempts without a wait
+  std::int64_t longest;  // seconds; the first wait is 2, each next one is twice as long
 };
 
 // clang-format off
@@ -32,11 +32,11 @@ constexpr Rule kRules[] = {
   {Whose::Account,          50,   10},   // a stranger elsewhere cannot keep somebody out for longer
 };
 // clang-format on
-constexpr std::int64_t kForgottenAfter = 60 * 60;   // seconds
+constexpr std::int64_t kForgottenAfter = 60 * 60;  // seconds
 
 struct Count {
   std::int64_t failed = 0;
-  std::int64_t last = 0;   // seconds since 1970
+  std::int64_t last = 0;  // seconds since 1970
 };
 
 std::int64_t WaitOf(const Rule& rule, const Count& count, std::int64_t now) {
@@ -80,7 +80,7 @@ fs::path PathOf(const fs::path& folder, Whose whose, std::string_view account, s
   return folder / Fingerprint(key);
 }
 
-}   // namespace
+}  // namespace
 
 Throttle::Throttle(fs::path folder) : folder_(std::move(folder)) {
   std::error_code failed;
@@ -115,4 +115,4 @@ void Throttle::Succeeded(std::string_view account, std::string_view address) {
   }
 }
 
-}   // namespace kalvo::web::login
+}  // namespace kalvo::web::login

@@ -25,4 +25,4 @@ class Throttle {
   std::filesystem::path folder_;
 };
 
-}   // namespace kalvo::web::login
+}  // namespace kalvo::web::login

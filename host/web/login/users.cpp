@@ -100,7 +100,7 @@ void WriteAll(int file, std::string_view text, const fs::path& name) {
   }
 }
 
-}   // namespace
+}  // namespace
 
 std::string User::Stamp() const { return Fingerprint(LineOf(*this)); }
 
@@ -171,4 +171,4 @@ void UsersFile::Write(const std::vector<std::string>& lines) {
   fs::rename(fresh, file_);
 }
 
-}   // namespace kalvo::web::login
+}  // namespace kalvo::web::login

@@ -10,10 +10,10 @@ namespace kalvo::web::login {
 
 // Somebody who may sign in.
 struct User {
-  std::string account;   // "KALVO\alice", as pages and the mailboxes' owners name her
+  std::string account;  // "KALVO\alice", as pages and the mailboxes' owners name her
   bool administrator = false;
-  bool drillDown = false;   // may open her own mailbox
-  std::string hash;         // of her password
+  bool drillDown = false;  // may open her own mailbox
+  std::string hash;        // of her password
 
   // Changes when anything about the user does. It tells nothing of the password.
   std::string Stamp() const;
@@ -49,4 +49,4 @@ class UsersFile {
   std::filesystem::path file_;
 };
 
-}   // namespace kalvo::web::login
+}  // namespace kalvo::web::login

@@ -103,5 +103,5 @@ std::string NameOf(const testing::TestParamInfo<EngineCase>& info) { return info
 
 INSTANTIATE_TEST_SUITE_P(Engines, HostileText, testing::ValuesIn(kEngines), NameOf);
 
-}   // namespace
-}   // namespace kalvo::test
+}  // namespace
+}  // namespace kalvo::test

@@ -78,5 +78,5 @@ TEST(OdbcTypes, AValueInAnErrorIsNoMarkup) {
   }
 }
 
-}   // namespace
-}   // namespace kalvo::test
+}  // namespace
+}  // namespace kalvo::test

@@ -163,5 +163,5 @@ TEST_F(SqliteFileTest, TheHeapIsLimited) {
   sqlite::PrepareLibrary();
 }
 
-}   // namespace
-}   // namespace kalvo::test
+}  // namespace
+}  // namespace kalvo::test

@@ -157,7 +157,7 @@ class OdbcMariaDb final : public TestEngine {
 
 template <typename Engine>
 TestEngine& Only() {
-  Sources();   // before the engine, so that it ends after it
+  Sources();  // before the engine, so that it ends after it
   static Engine engine;
   return engine;
 }
@@ -176,7 +176,7 @@ class OwningConnection final : public Connection {
   std::unique_ptr<Connection> connection_;
 };
 
-}   // namespace
+}  // namespace
 
 TestEngine& SqliteEngine() { return Only<DirectSqlite>(); }
 TestEngine& OdbcSqliteEngine() { return Only<OdbcSqlite>(); }
@@ -198,4 +198,4 @@ std::string TextOf(RecordSet& records, int field, int row) {
 
 std::string FirstText(Connection& connection, const std::string& sql) { return TextOf(*Query(connection, sql), 0, 0); }
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

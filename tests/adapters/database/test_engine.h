@@ -22,11 +22,11 @@ class TestEngine {
   // How many connections of this process to the database there are.
   virtual int OpenConnections() = 0;
 
-  std::string dataSource;   // that the adapter knows it by
+  std::string dataSource;  // that the adapter knows it by
   std::string dateTimeType;
   std::string longTextType;
   std::string bytesType;
-  std::string bytesLiteral;   // the bytes 00 01 02 03 FC FD FE FF
+  std::string bytesLiteral;  // the bytes 00 01 02 03 FC FD FE FF
 };
 
 // The engines of the contract, made when they are first asked for and kept until the program ends.
@@ -61,4 +61,4 @@ std::string TextOf(RecordSet& records, int field, int row);
 // The first value that a query gives.
 std::string FirstText(Connection& connection, const std::string& sql);
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

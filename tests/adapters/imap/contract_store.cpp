@@ -21,8 +21,8 @@ class ImapUnderTest : public StoreUnderTest {
   std::shared_ptr<imap::ImapStore> store_;
 };
 
-}   // namespace
+}  // namespace
 
 std::unique_ptr<StoreUnderTest> MakeStoreUnderTest() { return std::make_unique<ImapUnderTest>(); }
 
-}   // namespace kalvo::tests
+}  // namespace kalvo::tests

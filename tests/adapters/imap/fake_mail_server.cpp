@@ -11,7 +11,7 @@ namespace kalvo::tests {
 
 namespace {
 
-constexpr int kTick = 20;   // milliseconds between two looks whether the server is to stop
+constexpr int kTick = 20;  // milliseconds between two looks whether the server is to stop
 
 // What is said to a well-behaved question, before "OK".
 constexpr struct {
@@ -41,7 +41,7 @@ std::string FetchAnswer(bool whole) {
   return answer;
 }
 
-}   // namespace
+}  // namespace
 
 bool Talk::Send(std::string_view text) const {
   while (!text.empty() && !stop_) {
@@ -163,4 +163,4 @@ void FakeMailServer::AnswerWell(Talk& talk, const std::string& tag, const std::s
   talk.Send(answer + tag + " OK done\r\n");
 }
 
-}   // namespace kalvo::tests
+}  // namespace kalvo::tests

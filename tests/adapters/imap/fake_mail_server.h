@@ -17,10 +17,10 @@ class Talk {
  public:
   Talk(int socket, const std::atomic<bool>& stop) : socket_(socket), stop_(stop) {}
 
-  bool Send(std::string_view text) const;   // false when the client is gone
+  bool Send(std::string_view text) const;  // false when the client is gone
   bool ReadLine(std::string& line);
-  void Hang() const;    // until the client is gone
-  void Close() const;   // hangs up
+  void Hang() const;   // until the client is gone
+  void Close() const;  // hangs up
 
  private:
   int socket_;
@@ -62,4 +62,4 @@ class FakeMailServer {
   std::thread thread_;
 };
 
-}   // namespace kalvo::tests
+}  // namespace kalvo::tests

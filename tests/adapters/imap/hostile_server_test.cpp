@@ -266,14 +266,9 @@ TEST_F(HostileServer, AnswersWithErrorsInThemAreSurvived) {
     for (auto changes = 1 + random() % 3; changes > 0; --changes) {
       const auto at = random() % answer.size();
       switch (random() % 3) {
-        case 0:
-          answer.replace(at, 1, pieces[random() % std::size(pieces)]);
-          break;
-        case 1:
-          answer.erase(at, 1 + random() % 10);
-          break;
-        default:
-          answer.insert(at, answer.substr(random() % answer.size(), random() % 30));
+        case 0: answer.replace(at, 1, pieces[random() % std::size(pieces)]); break;
+        case 1: answer.erase(at, 1 + random() % 10); break;
+        default: answer.insert(at, answer.substr(random() % answer.size(), random() % 30));
       }
       if (answer.empty()) answer = " ";
     }
@@ -300,5 +295,5 @@ TEST_F(HostileServer, AMessageThatIsStillThereWasNotDeleted) {
   }
 }
 
-}   // namespace
-}   // namespace kalvo::tests
+}  // namespace
+}  // namespace kalvo::tests

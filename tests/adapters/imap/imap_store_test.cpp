@@ -327,7 +327,7 @@ TEST_F(ImapStoreTest, WithoutTheRightNothingIsDeleted) {
   const auto id = ToText(live->Messages()->Field("ExchangeId"));
   for (const char* rights : {"lrs", "lrst", "lrse"}) {
     server_.Write("public/.Sales/dovecot-acl", std::string("user=kalvo ") + rights + "\n");
-    std::this_thread::sleep_for(milliseconds(1100));   // the server looks at it once a second
+    std::this_thread::sleep_for(milliseconds(1100));  // the server looks at it once a second
     EXPECT_EQ(Failure([&] { live->RemoveMessage("EX01", "", "", id, live::kPublicFolders); }),
               "Deleting messages is not allowed in this folder.");
   }
@@ -440,5 +440,5 @@ TEST_F(ImapStoreTest, OnlyConfiguredServersAreConnectedTo) {
   EXPECT_EQ(store->Cost().connections, 0u);
 }
 
-}   // namespace
-}   // namespace kalvo::tests
+}  // namespace
+}  // namespace kalvo::tests

@@ -19,7 +19,7 @@ std::string ServerName(const std::vector<std::string>& names, bool isPublic) {
   return name;
 }
 
-}   // namespace
+}  // namespace
 
 std::string StoreAddress(const std::string& folder, std::uint16_t port, std::string_view more) {
   std::ofstream(folder + "/directory") << FixtureDirectory("Public/");
@@ -60,4 +60,4 @@ std::shared_ptr<LiveContainer> Browse(const std::shared_ptr<imap::ImapStore>& st
   return std::make_shared<mail::Browser>(store);
 }
 
-}   // namespace kalvo::tests
+}  // namespace kalvo::tests

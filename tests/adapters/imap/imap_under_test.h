@@ -26,4 +26,4 @@ std::vector<std::string> FixtureUsers();
 
 std::shared_ptr<LiveContainer> Browse(const std::shared_ptr<imap::ImapStore>& store);
 
-}   // namespace kalvo::tests
+}  // namespace kalvo::tests

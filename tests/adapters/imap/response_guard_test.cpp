@@ -104,5 +104,5 @@ TEST(ResponseGuard, RefusesForGood) {
   EXPECT_FALSE(guard.Accept("* OK\r\n"));
 }
 
-}   // namespace
-}   // namespace kalvo::imap
+}  // namespace
+}  // namespace kalvo::imap

@@ -90,5 +90,5 @@ TEST_F(ImapSettings, RefuseAPasswordThatCouldEndACommand) {
   EXPECT_NE(Refusal(With("imap://a@h/")).find("control character"), std::string::npos);
 }
 
-}   // namespace
-}   // namespace kalvo::imap
+}  // namespace
+}  // namespace kalvo::imap

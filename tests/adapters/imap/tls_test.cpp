@@ -128,5 +128,5 @@ TEST(ImapStartTls, BelievesNothingThatCameBefore) {
   EXPECT_NE(failure.find("(STARTTLS)"), std::string::npos) << failure;
 }
 
-}   // namespace
-}   // namespace kalvo::tests
+}  // namespace
+}  // namespace kalvo::tests

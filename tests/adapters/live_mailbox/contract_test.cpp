@@ -422,6 +422,6 @@ TEST_F(LiveMailboxContract, IdentifiersStayTheSameFromSessionToSession) {
   EXPECT_EQ(InboxMessage("apple"), id);
 }
 
-}   // namespace
+}  // namespace
 
-}   // namespace kalvo::tests
+}  // namespace kalvo::tests

@@ -89,7 +89,7 @@ std::string Replaced(std::string text, std::string_view what, std::string_view b
   return text.replace(text.find(what), what.size(), by);
 }
 
-}   // namespace
+}  // namespace
 
 std::string FixtureDirectory(std::string_view publicLocation) {
   return Replaced(std::string(kDirectory), "%EX01%", publicLocation);
@@ -129,4 +129,4 @@ const std::vector<FixtureTree>& FixtureTrees() {
   return trees;
 }
 
-}   // namespace kalvo::tests
+}  // namespace kalvo::tests

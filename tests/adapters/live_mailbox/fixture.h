@@ -14,15 +14,15 @@ namespace kalvo::tests {
 
 // What every mail store is loaded with before the contract is tested on it.
 struct FixtureMessage {
-  std::vector<std::string> folder;   // names from the root; the first of a mailbox's inbox is "Inbox"
-  std::string text;                  // a whole message, lines ended by LF
-  std::int64_t received = 0;         // seconds since 1970, UTC
+  std::vector<std::string> folder;  // names from the root; the first of a mailbox's inbox is "Inbox"
+  std::string text;                 // a whole message, lines ended by LF
+  std::int64_t received = 0;        // seconds since 1970, UTC
 };
 
 struct FixtureTree {
-  std::string location;   // of the mailbox, as the directory names it; of public folders the server's name
+  std::string location;  // of the mailbox, as the directory names it; of public folders the server's name
   bool isPublic = false;
-  std::vector<std::vector<std::string>> folders;   // all of them, those without messages too; the inbox is not listed
+  std::vector<std::vector<std::string>> folders;  // all of them, those without messages too; the inbox is not listed
   std::vector<FixtureMessage> messages;
 };
 
@@ -46,4 +46,4 @@ class StoreUnderTest {
 // Each store's tests define this: a store freshly loaded with the fixture.
 std::unique_ptr<StoreUnderTest> MakeStoreUnderTest();
 
-}   // namespace kalvo::tests
+}  // namespace kalvo::tests

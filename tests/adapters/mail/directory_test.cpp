@@ -87,6 +87,6 @@ TEST(Directory, OfTwoMailboxesElsewhereNoneIsMeant) {
   EXPECT_EQ(directory.Resolve("A", "2@x").server, "C");
 }
 
-}   // namespace
+}  // namespace
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

@@ -64,6 +64,6 @@ TEST(Identifiers, TheCheckIsThePublishedOne) {
   EXPECT_EQ(KeyedHash(kKey, ""), 0x726fdb47dd0e0e31u);
 }
 
-}   // namespace
+}  // namespace
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

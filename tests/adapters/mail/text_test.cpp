@@ -100,6 +100,6 @@ TEST(MailText, DatesOutOfRangeAreNone) {
   EXPECT_TRUE(IsEmpty(DateValue(-(std::int64_t{1} << 60))));
 }
 
-}   // namespace
+}  // namespace
 
-}   // namespace kalvo::mail
+}  // namespace kalvo::mail

@@ -31,8 +31,8 @@ class MaildirUnderTest : public StoreUnderTest {
   TemporaryFolder folder_;
 };
 
-}   // namespace
+}  // namespace
 
 std::unique_ptr<StoreUnderTest> MakeStoreUnderTest() { return std::make_unique<MaildirUnderTest>(); }
 
-}   // namespace kalvo::tests
+}  // namespace kalvo::tests

@@ -209,6 +209,6 @@ TEST_F(HostileTree, ADeleteThatIsKilledLeavesEveryOtherMessageAsItWas) {
   EXPECT_GE(left, kMessages - done - 1);
 }
 
-}   // namespace
+}  // namespace
 
-}   // namespace kalvo::tests
+}  // namespace kalvo::tests

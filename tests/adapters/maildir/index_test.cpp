@@ -170,7 +170,7 @@ TEST_F(MaildirIndex, ListersAndWritersAtOnceNeverBreakIt) {
   for (int i = 0; i < 200; ++i) {
     Deliver(inbox_, "w" + std::to_string(i) + ".host", Numbered(i), kStart + i * kDay);
     if (i % 2) fs::remove(inbox_ / "new" / ("w" + std::to_string(i - 1) + ".host"));
-    if (i % 10 == 3) kill(listers.back(), SIGKILL);   // once; later ones find it gone
+    if (i % 10 == 3) kill(listers.back(), SIGKILL);  // once; later ones find it gone
   }
   for (const pid_t pid : listers) {
     int status = 0;
@@ -197,6 +197,6 @@ TEST_F(MaildirIndex, TheSecondListingOfFiftyThousandMessagesReadsNone) {
   EXPECT_EQ(work_.messagesParsed, 0);
 }
 
-}   // namespace
+}  // namespace
 
-}   // namespace kalvo::tests
+}  // namespace kalvo::tests

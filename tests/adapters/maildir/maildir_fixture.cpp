@@ -70,4 +70,4 @@ void LoadFixture(const fs::path& store) {
   }
 }
 
-}   // namespace kalvo::tests
+}  // namespace kalvo::tests

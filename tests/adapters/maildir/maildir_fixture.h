@@ -35,4 +35,4 @@ void Deliver(const std::filesystem::path& folder, const std::string& name, std::
 // Loads the fixture of the contract into a store.
 void LoadFixture(const std::filesystem::path& store);
 
-}   // namespace kalvo::tests
+}  // namespace kalvo::tests

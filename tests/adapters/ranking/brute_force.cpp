@@ -48,44 +48,25 @@ struct Asked {
 
 Asked Meaning(std::int16_t kind) {
   switch (kind) {
-    case 1:
-      return {true, Measure::Count};
-    case 2:
-      return {true, Measure::Space};
-    case 21:
-      return {true, Measure::Average};
-    case 8:
-      return {true, Measure::OldCount};
-    case 9:
-      return {true, Measure::OldSpace};
-    case 13:
-      return {true, Measure::Newest};
-    case 6:
-      return {true, Measure::Date};
-    case 17:
-      return {true, Measure::Size};
-    case 18:
-      return {true, Measure::OldSize};
-    case 4:
-      return {false, Measure::Count};
-    case 5:
-      return {false, Measure::Space};
-    case 22:
-      return {false, Measure::Average};
-    case 11:
-      return {false, Measure::OldCount};
-    case 12:
-      return {false, Measure::OldSpace};
-    case 14:
-      return {false, Measure::Newest};
-    case 7:
-      return {false, Measure::Date};
-    case 19:
-      return {false, Measure::Size};
-    case 20:
-      return {false, Measure::OldSize};
-    default:
-      throw std::runtime_error("no such kind");
+    case 1: return {true, Measure::Count};
+    case 2: return {true, Measure::Space};
+    case 21: return {true, Measure::Average};
+    case 8: return {true, Measure::OldCount};
+    case 9: return {true, Measure::OldSpace};
+    case 13: return {true, Measure::Newest};
+    case 6: return {true, Measure::Date};
+    case 17: return {true, Measure::Size};
+    case 18: return {true, Measure::OldSize};
+    case 4: return {false, Measure::Count};
+    case 5: return {false, Measure::Space};
+    case 22: return {false, Measure::Average};
+    case 11: return {false, Measure::OldCount};
+    case 12: return {false, Measure::OldSpace};
+    case 14: return {false, Measure::Newest};
+    case 7: return {false, Measure::Date};
+    case 19: return {false, Measure::Size};
+    case 20: return {false, Measure::OldSize};
+    default: throw std::runtime_error("no such kind");
   }
 }
 
@@ -94,13 +75,13 @@ bool IsOfMessages(Measure measure) {
 }
 bool IsByDate(Measure measure) { return measure == Measure::Date || measure == Measure::Newest; }
 
-}   // namespace
+}  // namespace
 
 struct BruteForce::Candidate {
   const Owner* owner = nullptr;
   const Message* message = nullptr;
   std::int64_t amount = 0, number = 0;
-  std::int64_t count = 0, space = 0;   // of all of the owner's messages
+  std::int64_t count = 0, space = 0;  // of all of the owner's messages
   std::optional<double> date;
 };
 
@@ -151,16 +132,11 @@ bool BruteForce::InScope(const Owner& owner, Scope scope, std::string_view name)
   const Server& server = servers_.at(owner.server);
   if (!server.managed) return false;
   switch (scope) {
-    case Scope::Server:
-      return server.name == name;
-    case Scope::ServerGroup:
-      return server.group == name;
-    case Scope::Site:
-      return server.site == name;
-    case Scope::Organization:
-      return server.organization == name;
-    case Scope::MailboxGroup:
-      return std::find(owner.groups.begin(), owner.groups.end(), name) != owner.groups.end();
+    case Scope::Server: return server.name == name;
+    case Scope::ServerGroup: return server.group == name;
+    case Scope::Site: return server.site == name;
+    case Scope::Organization: return server.organization == name;
+    case Scope::MailboxGroup: return std::find(owner.groups.begin(), owner.groups.end(), name) != owner.groups.end();
   }
   return false;
 }
@@ -185,23 +161,12 @@ std::vector<BruteForce::Candidate> BruteForce::Candidates(std::int16_t kind, con
   }
   if (IsOfMessages(measure)) return candidates;
   switch (measure) {
-    case Measure::Count:
-      whole.amount = whole.count;
-      break;
-    case Measure::Space:
-      whole.amount = whole.space;
-      break;
-    case Measure::Average:
-      whole.amount = whole.count ? whole.space / whole.count : 0;
-      break;
-    case Measure::OldCount:
-      whole.amount = oldCount;
-      break;
-    case Measure::OldSpace:
-      whole.amount = oldSpace;
-      break;
-    default:
-      break;
+    case Measure::Count: whole.amount = whole.count; break;
+    case Measure::Space: whole.amount = whole.space; break;
+    case Measure::Average: whole.amount = whole.count ? whole.space / whole.count : 0; break;
+    case Measure::OldCount: whole.amount = oldCount; break;
+    case Measure::OldSpace: whole.amount = oldSpace; break;
+    default: break;
   }
   if (whole.amount > 0 || IsByDate(measure)) candidates.push_back(whole);
   return candidates;
@@ -252,4 +217,4 @@ std::vector<ExpectedRow> BruteForce::Rank(std::int16_t kind, Scope scope, std::s
   return shown;
 }
 
-}   // namespace kalvo::ranking
+}  // namespace kalvo::ranking

@@ -41,7 +41,7 @@ class BruteForce {
     std::string hasAttachment;
     std::int64_t number = 0;
   };
-  struct Owner {   // a mailbox or a public folder
+  struct Owner {  // a mailbox or a public folder
     std::int64_t number = 0, server = 0;
     std::string id, name, address;
     std::vector<std::string> groups;
@@ -58,4 +58,4 @@ class BruteForce {
   std::vector<std::string> mailboxGroups_;
 };
 
-}   // namespace kalvo::ranking
+}  // namespace kalvo::ranking

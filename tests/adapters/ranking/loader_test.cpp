@@ -217,5 +217,5 @@ TEST_F(Ranking, FailsWithTheErrorOfADatabaseThatIsNotThere) {
   EXPECT_EQ(NumberOf([&] { factory->NewServerLoader()->LoadOrg(1, "Meridian", *results); }), codes::kFailed);
 }
 
-}   // namespace
-}   // namespace kalvo::ranking
+}  // namespace
+}  // namespace kalvo::ranking

@@ -72,5 +72,5 @@ TEST(RankingPlan, HasAnIndexForEveryTableOnPostgresql) {
   }
 }
 
-}   // namespace
-}   // namespace kalvo::ranking
+}  // namespace
+}  // namespace kalvo::ranking

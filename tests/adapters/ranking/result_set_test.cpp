@@ -177,5 +177,5 @@ TEST(ResultSet, IsEmptyAgainWhenCleared) {
   EXPECT_EQ(ToText(results->Value(kMessages)), "");
 }
 
-}   // namespace
-}   // namespace kalvo::ranking
+}  // namespace
+}  // namespace kalvo::ranking

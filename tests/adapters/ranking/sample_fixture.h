@@ -33,17 +33,12 @@ class SmallSample {
 inline void Load(TopNFactory& factory, std::int16_t kind, Scope scope, std::string_view name, RankedResults& results) {
   const auto servers = factory.NewServerLoader();
   switch (scope) {
-    case Scope::Server:
-      return servers->Load(kind, name, results);
-    case Scope::ServerGroup:
-      return servers->LoadGroup(kind, name, results);
-    case Scope::Site:
-      return servers->LoadSite(kind, name, results);
-    case Scope::Organization:
-      return servers->LoadOrg(kind, name, results);
-    case Scope::MailboxGroup:
-      return factory.NewMailboxGroupLoader()->Load(kind, name, results);
+    case Scope::Server: return servers->Load(kind, name, results);
+    case Scope::ServerGroup: return servers->LoadGroup(kind, name, results);
+    case Scope::Site: return servers->LoadSite(kind, name, results);
+    case Scope::Organization: return servers->LoadOrg(kind, name, results);
+    case Scope::MailboxGroup: return factory.NewMailboxGroupLoader()->Load(kind, name, results);
   }
 }
 
-}   // namespace kalvo::ranking
+}  // namespace kalvo::ranking

@@ -122,5 +122,5 @@ TEST(BlockStore, RefusesAResultThatIsTooLarge) {
   }
 }
 
-}   // namespace
-}   // namespace kalvo::sql
+}  // namespace
+}  // namespace kalvo::sql

@@ -54,5 +54,5 @@ TEST(Diagnostics, ATimeoutTellsTheLimit) {
   EXPECT_EQ(TimeoutError(0.25).Description(), "[HYT00] The query was stopped after 0.25 seconds.");
 }
 
-}   // namespace
-}   // namespace kalvo::sql
+}  // namespace
+}  // namespace kalvo::sql

@@ -41,5 +41,5 @@ TEST(IsoDate, Forms) {
   }
 }
 
-}   // namespace
-}   // namespace kalvo::sql
+}  // namespace
+}  // namespace kalvo::sql

@@ -155,5 +155,5 @@ TEST(Shape, SaysWhatIsWrong) {
             "[42000] The completed SQL differs from its table's own text, from: \"2\"");
 }
 
-}   // namespace
-}   // namespace kalvo::sql
+}  // namespace
+}  // namespace kalvo::sql

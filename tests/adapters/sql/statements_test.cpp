@@ -63,5 +63,5 @@ TEST(Statements, AreSplitWhereAQueryBegins) {
   }
 }
 
-}   // namespace
-}   // namespace kalvo::sql
+}  // namespace
+}  // namespace kalvo::sql

@@ -76,5 +76,5 @@ TEST(Token, ReadsPlaceholdersOutsideOfTexts) {
   }
 }
 
-}   // namespace
-}   // namespace kalvo::sql
+}  // namespace
+}  // namespace kalvo::sql

@@ -155,5 +155,5 @@ TEST_F(ConsoleMail, TheWayBackLeadsToPagesOfThisConsoleOnly) {
   }
 }
 
-}   // namespace
-}   // namespace kalvo::test
+}  // namespace
+}  // namespace kalvo::test

@@ -86,5 +86,5 @@ TEST_F(LivePages, WhatIsGoneOrMadeUpIsToldOf) {
   ExpectGolden("no_public_folder", "public.asp", "Server=SEA-EX01&Mailbox=Nowhere", "KALVO\\admin", kAdministrator);
 }
 
-}   // namespace
-}   // namespace kalvo::test
+}  // namespace
+}  // namespace kalvo::test

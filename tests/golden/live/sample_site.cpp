@@ -27,7 +27,7 @@ host::PartsSettings Settings(const std::filesystem::path& folder) {
   return settings;
 }
 
-}   // namespace
+}  // namespace
 
 SampleSite::SampleSite() {
   setenv("TZ", "UTC", 1);
@@ -74,4 +74,4 @@ std::string Encoded(const std::string& text) {
   return out;
 }
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

@@ -38,4 +38,4 @@ std::string FirstBy(LiveContainer& live, const std::string& field);
 
 std::string Encoded(const std::string& text);
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

@@ -106,7 +106,7 @@ std::string RunPage(const PageCase& page, Engine engine) {
   const auto add = [&](const std::string& option, const std::string& value) {
     command.insert(command.end(), {option, value});
   };
-  OdbcDataSources sources;   // inherited by the program
+  OdbcDataSources sources;  // inherited by the program
   if (page.rows == Rows::Sample && engine != Engine::Sqlite) {
     sources.Add("KalvoDB", Sources::Shared().Lines(engine));
   } else if (page.rows == Rows::Sample) {

@@ -50,5 +50,5 @@ TEST_P(HostileScopes, GiveAnEmptyReportAndNoFailure) {
 INSTANTIATE_TEST_SUITE_P(Engines, HostileScopes, testing::ValuesIn(kEngines),
                          [](const auto& engine) { return NameOf(engine.param); });
 
-}   // namespace
-}   // namespace kalvo::test
+}  // namespace
+}  // namespace kalvo::test

@@ -55,8 +55,8 @@ constexpr ReportCase kCases[] = {
 
 static_assert(std::size(kCases) == TABLE_AmbiguousAddressResolution - TABLE_CURRENTALERTS + 1);
 
-}   // namespace
+}  // namespace
 
 std::span<const ReportCase> ReportCases() { return kCases; }
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

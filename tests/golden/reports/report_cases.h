@@ -12,7 +12,7 @@ namespace kalvo::test {
 struct ReportCase {
   KalvoTableConstants id;
   std::string_view name, organization, site, mailbox;
-  bool administrator;   // with the boxes of a form
+  bool administrator;  // with the boxes of a form
 
   host::ReportScope Scope() const {
     return {std::string(name), std::string(organization), std::string(site), std::string(mailbox), TOPN_UNDEFINED};
@@ -22,4 +22,4 @@ struct ReportCase {
 // Every database report, in the order of their ids.
 std::span<const ReportCase> ReportCases();
 
-}   // namespace kalvo::test
+}  // namespace kalvo::test

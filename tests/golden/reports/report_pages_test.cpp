@@ -114,5 +114,5 @@ TEST(ReportPagesOfTheSample, ShowSomethingEach) {
   }
 }
 
-}   // namespace
-}   // namespace kalvo::test
+}  // namespace
+}  // namespace kalvo::test

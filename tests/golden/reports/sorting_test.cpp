@@ -98,5 +98,5 @@ TEST_P(ReportSorting, PutsTheRowsOfEverySortableColumnInOrder) {
 INSTANTIATE_TEST_SUITE_P(Engines, ReportSorting, testing::ValuesIn(kEngines),
                          [](const auto& engine) { return NameOf(engine.param); });
 
-}   // namespace
-}   // namespace kalvo::test
+}  // namespace
+}  // namespace kalvo::test

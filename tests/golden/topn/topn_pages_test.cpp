@@ -151,5 +151,5 @@ TEST(TopNPage, SaysWhenTheSortFieldIsNoColumn) {
   EXPECT_TRUE(failures.front().starts_with("TopnDataSrc.OpenDS: Sort failed")) << failures.front();
 }
 
-}   // namespace
-}   // namespace kalvo::test
+}  // namespace
+}  // namespace kalvo::test

@@ -49,5 +49,5 @@ TEST(Addresses, OfTheSignInKeepWhereToGoOn) {
   EXPECT_EQ(SignInAddress("//example.org/", ""), "/KalvoforExchange/SignIn.asp");
 }
 
-}   // namespace
-}   // namespace kalvo::web::login
+}  // namespace
+}  // namespace kalvo::web::login

@@ -238,5 +238,5 @@ TEST_F(Gates, MarkTheCookieSecureBehindEncryption) {
   EXPECT_TRUE(HeaderOf(gate_.Admit("/SignIn.asp", request), "Set-Cookie").ends_with("; Secure"));
 }
 
-}   // namespace
-}   // namespace kalvo::web::login
+}  // namespace
+}  // namespace kalvo::web::login

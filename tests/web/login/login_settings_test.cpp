@@ -48,5 +48,5 @@ TEST(LoginSettings, HaveMinutesThatMakeSense) {
   EXPECT_EQ(WrongWith(folder, "session_minutes = 5\nsessions = \"kept\""), "");
 }
 
-}   // namespace
-}   // namespace kalvo::web
+}  // namespace
+}  // namespace kalvo::web

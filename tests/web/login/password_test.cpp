@@ -62,5 +62,5 @@ TEST(Fingerprint, IsTheSameForTheSameText) {
   EXPECT_TRUE(IsToken(Fingerprint("a")));
 }
 
-}   // namespace
-}   // namespace kalvo::web::login
+}  // namespace
+}  // namespace kalvo::web::login

@@ -220,5 +220,5 @@ TEST_F(Sessions, EndWhenPasswordOrRightsChange) {
   EXPECT_FALSE(store.Open(id, {})->BelongsTo(changed));
 }
 
-}   // namespace
-}   // namespace kalvo::web::login
+}  // namespace
+}  // namespace kalvo::web::login

@@ -79,5 +79,5 @@ TEST(SessionValues, AreNotReadFromBytesThatWereNotPackedSo) {
   EXPECT_FALSE(SessionValues::Unpacked(std::string(kLargestSession + 1, '\0')));
 }
 
-}   // namespace
-}   // namespace kalvo::web::login
+}  // namespace
+}  // namespace kalvo::web::login

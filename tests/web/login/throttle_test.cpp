@@ -63,5 +63,5 @@ TEST_F(Attempts, AreCountedForAllProcesses) {
   EXPECT_GT(another.Begin("KALVO\\alice", "10.0.0.1"), 0);
 }
 
-}   // namespace
-}   // namespace kalvo::web::login
+}  // namespace
+}  // namespace kalvo::web::login

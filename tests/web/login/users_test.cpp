@@ -128,5 +128,5 @@ TEST(UserStamp, ChangesWithPasswordAndRights) {
   EXPECT_NE(changed.Stamp(), alice.Stamp());
 }
 
-}   // namespace
-}   // namespace kalvo::web::login
+}  // namespace
+}  // namespace kalvo::web::login
