@@ -19,14 +19,15 @@ var complaint = Complaint();
 <meta charset="utf-8">
 <meta name="viewport" content="width=device-width">
 <title>Sign In - Kalvo for Exchange</title>
+<link rel="icon" href="Images/Logo.gif">
 <link rel="stylesheet" href="console.css">
 </head>
-<body>
+<body class="signin">
 <div id="banner"><img src="Images/Logo.gif" width="32" height="32" alt=""><span class="product">Kalvo for Exchange</span></div>
 <div id="content">
 <h1>Sign In</h1>
 <% if (complaint !== "") { Response.Write('<p class="complaint" role="alert">' + Server.HTMLEncode(complaint) + "</p>\r\n"); } %>
-<form class="signin" method="post" action="SignIn.asp">
+<form method="post" action="SignIn.asp">
 <input type="hidden" name="Return" value="<%= Server.HTMLEncode(String(Request.QueryString("Return"))) %>">
 <p><label>Name<br><input name="Name" autocomplete="username" autofocus required></label></p>
 <p><label>Password<br><input type="password" name="Password" autocomplete="current-password" required></label></p>
