@@ -25,7 +25,7 @@ const PublishedClass kPublished[] = {
     "Initialize(TableType, Id, Name, TotalsStateInput, ShowCharts, ShowLastScan, IsForm, ShowEntries, Columns, SQL, "
       "OrderBy, DefaultSortOrder)",
     "SetTopNParameters(pCtxt)", "GetDataSrc(pCtxt)",
-    "BuildHTML(pCtxt, response, pDisplay, pColDB, szEmptyMessage, szTableName)", "GetId()", "GetColumns()", "GetSQL()",
+    "BuildHTML(pCtxt, Response, pDisplay, pColDB, szEmptyMessage, szTableName)", "GetId()", "GetColumns()", "GetSQL()",
     "GetDefaultSortOrder()", "GetOrderBy()", "GetTopNObject()", "GetTopNLoadType()"}},
   {"KalvoTableDatabase", {
     "ValidTable(tableId)", "IsTableNull(nTableId)", "GetTable(tableId)", "InitializeGeneralTables()",

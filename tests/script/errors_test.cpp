@@ -100,6 +100,28 @@ TEST_F(Errors, OfSyntaxLeaveThePageUnrun) {
   EXPECT_EQ(Failure(), "page.asp:2: SyntaxError: empty expression not allowed");
 }
 
+TEST_F(Errors, OfSyntaxAtTheEndOfThePageNameItsLastLine) {
+  Put("end.inc", "a\n\n<% var a; %>\n");
+  const struct {
+    const char* why;
+    const char* page;
+    const char* failure;
+  } kCases[] = {
+      {"an open condition", "x\n<% if ( %>", "page.asp:2: SyntaxError: parse error"},
+      {"an open block", "<%\nif (true) {\n%>", "page.asp:3: SyntaxError: parse error"},
+      {"an open block and text", "<%\nif (true) { %>\n\ntext\n", "page.asp:2: SyntaxError: parse error"},
+      {"an open block and an include", "<% if (true) { %>\n<!--#include file=\"end.inc\"-->",
+       "page.asp:1: SyntaxError: parse error"},
+      {"an open comment", "x\n<% /* %>", "page.asp:2: SyntaxError: unexpected end of input"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    EXPECT_EQ(Run(c.page), "");
+    EXPECT_EQ(Failure(), c.failure);
+    EXPECT_EQ(result.failure->kind, FailureKind::Syntax);
+  }
+}
+
 TEST_F(Errors, LeaveWhatWasWrittenToTheCaller) {
   EXPECT_EQ(Run("a<% Response.Flush(); %>b<% nosuch(); %>c"), "ab");
   EXPECT_TRUE(result.headSent);

@@ -14,7 +14,7 @@ constexpr Member kTable[] = {
   Method<&Table::SetTopNParameters>("SetTopNParameters", {{"pCtxt"}}),
   Method<&Table::GetDataSrc>("GetDataSrc", {{"pCtxt"}}),
   Method<&Table::BuildHTML>("BuildHTML",
-    {{"pCtxt"}, {"response"}, {"pDisplay"}, {"pColDB"}, {"szEmptyMessage"}, {"szTableName"}}),
+    {{"pCtxt"}, {"Response"}, {"pDisplay"}, {"pColDB"}, {"szEmptyMessage"}, {"szTableName"}}),
   Method<&Table::GetId>("GetId"),
   Method<&Table::GetColumns>("GetColumns"),
   Method<&Table::GetSQL>("GetSQL"),
