@@ -12,6 +12,9 @@ if (server !== "" && mailbox.value !== "" &&
   scope = {name: server, mailbox: mailbox.value, container: container};
   if (message === "") {
     FolderTables(tables, scope);
+  } else if (!generator.CheckUserPermissions(server, mailbox.value)) {
+    // The right to drill down opens any message whose identifier is known; this page is stricter.
+    Note("Mailbox does not exist, or you are not the owner.");
   } else {
     generator.DisplayMessageInformation(server, mailbox.value, container, message, true);
     AttachmentTable(tables, scope);
