@@ -224,8 +224,10 @@ class Parser {
 }  // namespace
 
 LinePlace PageSource::PlaceOf(int line) const {
-  if (line < 1 || static_cast<std::size_t>(line) > lines.size()) return {0, 0};
-  return lines[static_cast<std::size_t>(line) - 1];
+  if (line < 1 || lines.empty()) return {0, 0};
+  if (static_cast<std::size_t>(line) <= lines.size()) return lines[static_cast<std::size_t>(line) - 1];
+  const auto own = std::find_if(lines.rbegin(), lines.rend(), [](const LinePlace& place) { return place.file == 0; });
+  return own == lines.rend() ? lines.back() : *own;
 }
 
 PageSource ParsePage(std::string_view page, PageFiles& files) { return Parser(files).Parse(page); }

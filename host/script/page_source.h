@@ -25,7 +25,8 @@ struct PageSource {
   std::vector<std::string> files;  // the page first; paths below the root
   std::vector<LinePlace> lines;    // of each line of the script
 
-  // The place of a line of the script, counted from 1; the page itself for a line that there is not.
+  // The place of a line of the script, counted from 1. Past the script's end, where the compiler misses what the page
+  // leaves open, that is the last line of the page's own script; for 0, the page without a line.
   LinePlace PlaceOf(int line) const;
 };
 

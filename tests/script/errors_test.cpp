@@ -112,7 +112,7 @@ TEST_F(Errors, OfSyntaxAtTheEndOfThePageNameItsLastLine) {
       {"an open block and text", "<%\nif (true) { %>\n\ntext\n", "page.asp:2: SyntaxError: parse error"},
       {"an open block and an include", "<% if (true) { %>\n<!--#include file=\"end.inc\"-->",
        "page.asp:1: SyntaxError: parse error"},
-      {"an open comment", "x\n<% /* %>", "page.asp:2: SyntaxError: unexpected end of input"},
+      {"an open comment", "x\n<% /* %>", "page.asp:2: SyntaxError: unterminated comment"},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.why);
