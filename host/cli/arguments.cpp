@@ -82,6 +82,21 @@ void AddPasswd(CLI::App& app, PasswdArguments& passwd) {
   app.add_flag("--delete", passwd.remove, "removes the user");
 }
 
+// The words after the program's name, the last one first, as the parser wants them. "--query=" becomes "--query" and
+// an empty word: the parser would take the next word for the value that is not there.
+std::vector<std::string> WordsReversed(int count, char** words) {
+  std::vector<std::string> reversed;
+  for (int i = count - 1; i > 0; --i) {
+    std::string word = words[i];
+    if (word.starts_with("--") && word.find('=') == word.size() - 1) {
+      reversed.emplace_back();
+      word.pop_back();
+    }
+    reversed.push_back(std::move(word));
+  }
+  return reversed;
+}
+
 }  // namespace
 
 std::variant<Arguments, int> ParseArguments(int count, char** words) {
@@ -104,7 +119,7 @@ std::variant<Arguments, int> ParseArguments(int count, char** words) {
   AddPasswd(*runPasswd, passwd);
 
   try {
-    app.parse(count, words);
+    app.parse(WordsReversed(count, words));
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kWrongUsage;
   }
