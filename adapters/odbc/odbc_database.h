@@ -3,6 +3,7 @@
 #include <chrono>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <string_view>
 
 #include "platform/database.h"
@@ -13,6 +14,7 @@ namespace kalvo::odbc {
 
 template <short Type>
 class Handle;
+class Session;
 
 struct Options {
   std::chrono::milliseconds timeLimit{15000};   // for running one statement, and for fetching its rows
@@ -32,7 +34,12 @@ class OdbcDatabase final : public Database {
   // in read-only transactions. Fails with 0x80004005.
   std::unique_ptr<Connection> Connect(std::string_view dataSource) override;
 
+  // The driver of a data source and the server behind it, each with its version, as the driver names them:
+  // "psqlodbcw.so 13.02.0000 for PostgreSQL 15.0.5". Opens a connection and fails as `Connect` does.
+  std::string DescribeDriver(std::string_view dataSource);
+
  private:
+  std::shared_ptr<Session> Open(std::string_view dataSource);
   void MakeEnvironment();
 
   Options options_;

@@ -110,11 +110,14 @@ void Session::ThrowTimeout() const {
   throw sql::TimeoutError(std::chrono::duration<double>(options_.timeLimit).count());
 }
 
-Engine Session::FindEngine() const {
-  char name[128] = "";
+std::string Session::Info(SQLUSMALLINT what) const {
+  char text[256] = "";
   SQLSMALLINT length = 0;
-  SQLGetInfo(connection_.Get(), SQL_DBMS_NAME, name, sizeof name, &length);
-  const std::string lower = ToLower(name);
+  return SQL_SUCCEEDED(SQLGetInfo(connection_.Get(), what, text, sizeof text, &length)) ? text : "";
+}
+
+Engine Session::FindEngine() const {
+  const std::string lower = ToLower(Info(SQL_DBMS_NAME));
   for (const auto& row : kEngines) {
     if (lower.find(row.part) != lower.npos) return row.engine;
   }

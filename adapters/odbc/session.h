@@ -28,6 +28,9 @@ class Session {
   const Locale& GetLocale() const { return locale_; }
   SQLHDBC Get() const { return connection_.Get(); }
 
+  // A text that the driver tells of itself or of the server, by its number: "" when it does not.
+  std::string Info(SQLUSMALLINT what) const;
+
   // Runs a step that waits for the database, for no longer than the time limit.
   template <typename Step>
   void Limited(SQLHSTMT statement, Step&& step) {

@@ -26,6 +26,9 @@ class SqliteDatabase final : public Database {
 
   std::unique_ptr<Connection> Connect(std::string_view dataSource) override;
 
+  // SQLite's own library with its version: "SQLite 3.40.1".
+  static std::string DescribeDriver();
+
  private:
   std::string file_;
   Options options_;

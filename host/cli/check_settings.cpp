@@ -3,6 +3,7 @@
 #include "host/cli/arguments.h"
 #include "host/cli/check_command.h"
 #include "host/cli/commands.h"
+#include "host/parts/database_part.h"
 #include "host/parts/parts.h"
 #include "host/web/settings.h"
 
@@ -12,7 +13,7 @@ int RunCheck(const CheckArguments& arguments) {
 #ifdef KALVO_HAS_CHECK
   const web::Settings settings = arguments.config ? web::ReadSettings(*arguments.config) : web::Settings();
   const Parts parts(settings.Parts());
-  return RunCheck(parts.GetPlatform(), {settings.database, ""}, std::cout);
+  return RunCheck(parts.GetPlatform(), {settings.database, DescribeDriver(parts.GetPlatform().database)}, std::cout);
 #else
   std::cerr << "kalvo: this build cannot check" << (arguments.config ? " " + *arguments.config : "") << '\n';
   return kFailed;

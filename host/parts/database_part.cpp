@@ -4,7 +4,9 @@
 #include <string>
 
 #include "host/parts/setting_error.h"
+#include "kalvo/table_constants.h"
 #include "platform/database.h"
+#include "platform/error.h"
 
 #ifdef KALVO_HAS_SQLITE
 #include "adapters/sqlite/sqlite_database.h"
@@ -48,6 +50,21 @@ std::unique_ptr<Database> MakeDatabase(std::string_view where, [[maybe_unused]] 
 #endif
   }
   throw SettingError("\"" + std::string(where) + "\" is no reporting database; sqlite:FILE or odbc is");
+}
+
+std::string DescribeDriver([[maybe_unused]] Database& database) {
+#ifdef KALVO_HAS_SQLITE
+  if (dynamic_cast<sqlite::SqliteDatabase*>(&database)) return sqlite::SqliteDatabase::DescribeDriver();
+#endif
+#ifdef KALVO_HAS_ODBC
+  if (auto* odbc = dynamic_cast<odbc::OdbcDatabase*>(&database)) {
+    try {
+      return odbc->DescribeDriver(TableConstants().TABLES_DSN());
+    } catch (const Error&) {  // whoever opens the source next is told why it cannot be
+    }
+  }
+#endif
+  return {};
 }
 
 }  // namespace kalvo::host

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace kalvo {
@@ -14,5 +15,9 @@ namespace kalvo::host {
 // name. Nothing is opened yet. Fails with SettingError for other words, and for an adapter that is not in this
 // build.
 std::unique_ptr<Database> MakeDatabase(std::string_view where, double secondsPerStatement, const Locale& locale);
+
+// The driver behind a database that `MakeDatabase` made, with its version, to be shown: for ODBC it opens the data
+// source. "" where that fails, and for any other database.
+std::string DescribeDriver(Database& database);
 
 }  // namespace kalvo::host

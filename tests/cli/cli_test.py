@@ -1,6 +1,7 @@
 """cli_test.py KALVO: the command as a user types it."""
 
 import os
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -198,6 +199,34 @@ class Usage(Command):
                 done = self.run_kalvo(*arguments)
                 self.assertEqual((done.returncode, done.stderr), (0, b""))
                 self.assertIn(b"Usage: ", done.stdout)
+
+
+class Check(Command):
+    def checked(self, settings):
+        """What a check of the sample says, by its first words."""
+        self.assertEqual(self.run_kalvo("sample", "--out", "data").returncode, 0)
+        self.write("kalvo.toml", settings)
+        done = self.run_kalvo("check", "--config", "kalvo.toml")
+        self.assertEqual((done.returncode, done.stderr), (0, b""), done.stdout)
+        return dict(line.split(None, 1) for line in done.stdout.decode().splitlines() if " " in line.strip())
+
+    def test_names_the_library_that_reads_a_file(self):
+        said = self.checked('database = "sqlite:data/kalvo.db"')
+        self.assertRegex(said["Driver"], r"^SQLite 3\.\d+\.\d+$")
+        self.assertEqual(said["Server"], said["Driver"])
+
+    def test_names_the_driver_of_a_data_source(self):
+        shutil.copy("/etc/odbcinst.ini", self.folder)
+        self.write("odbc.ini", f"[KalvoDB]\nDriver=SQLite3\nDatabase={self.folder}/data/kalvo.db\n")
+        said = self.checked('database = "odbc"')
+        self.assertRegex(said["Driver"], r"^\S*sqlite3odbc\.so 0\.\d+ for SQLite 3\.\d+\.\d+$")
+
+    def test_of_a_source_that_does_not_open_says_why(self):
+        self.write("kalvo.toml", "")
+        done = self.run_kalvo("check", "--config", "kalvo.toml")
+        self.assertEqual(done.returncode, 1)
+        self.assertNotIn(b"\nDriver", done.stdout)
+        self.assertIn(b"Connection  fails: [IM002]", done.stdout)
 
 
 class Sample(Command):
