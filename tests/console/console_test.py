@@ -210,9 +210,18 @@ class CurrentAlerts(Console):
         text = self.run_page(self.PAGE, administrator=False)
         self.assertEqual((Links(text).boxes, Links(text).forms), ([], []))
 
-    def test_say_what_was_chosen(self):
-        text = self.run_page("Configuration/Selection.asp", form="What=alerts&Delete=00&Delete=11")
-        self.assertIn("2 alerts chosen.", text)
+    def test_say_what_was_chosen_and_that_nothing_was_changed(self):
+        for form, chosen, unchanged in [
+                ("What=alerts&Delete=00&Delete=11", "2 alerts chosen.", "No alert has been deleted."),
+                ("What=violations&Select=00", "1 quota violation chosen.", "No recipient has been enabled."),
+                ("What=members&Include=1&GroupName=A%26B", "1 server chosen for the group A&amp;B.",
+                 "The members of the group are as they were."),
+        ]:
+            with self.subTest(form):
+                text = self.run_page("Configuration/Selection.asp", form=form)
+                self.assertIn(chosen, text)
+                self.assertIn("Nothing was changed. " + unchanged, text)
+                self.assertIn("never writes it", text)
         self.assertIn("Only an administrator may change this.",
                       self.run_page("Configuration/Selection.asp", form="What=alerts&Delete=00", administrator=False))
         self.assertIn("Nothing was chosen.", self.run_page("Configuration/Selection.asp", form="What=constructor"))
