@@ -24,7 +24,7 @@ const Locale& LocaleNamed(const std::string& name) {
 Parts::Parts(const PartsSettings& settings)
     : locale_(LocaleNamed(settings.locale)),
       database_(MakeDatabase(settings.database, settings.timeLimit, locale_)),
-      ranking_(MakeRanking(*database_, locale_)),
+      ranking_(MakeRanking(*database_, {settings.topNRows, settings.topNOldDays, locale_})),
       platform_{*database_, *ranking_, clock_, locale_},
       makeDriller_(MakeMail(settings.mail)) {}
 

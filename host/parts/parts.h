@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "adapters/ranking/ranking.h"
 #include "host/parts/memory_session.h"
 #include "host/parts/system_clock.h"
 #include "platform/platform.h"
@@ -14,7 +15,9 @@ struct PartsSettings {
   std::string database = "odbc";  // "sqlite:FILE" or "odbc"
   std::string mail;               // "maildir:DIR", "imap://HOST:PORT", or "" for no mailboxes
   std::string locale = "en-US";
-  double timeLimit = 30;  // seconds that one statement may take
+  double timeLimit = 30;                // seconds that one statement may take
+  int topNRows = ranking::kRankedRows;  // how many rows a Top-N has
+  int topNOldDays = ranking::kOldDays;  // from how many days on a message is old
 };
 
 // The outside of one process. Made once by the command that runs, it owns the parts and hands them down by

@@ -22,9 +22,9 @@ class NoRanking : public TopNFactory {
 }  // namespace
 #endif
 
-std::unique_ptr<TopNFactory> MakeRanking([[maybe_unused]] Database& database, [[maybe_unused]] const Locale& locale) {
+std::unique_ptr<TopNFactory> MakeRanking([[maybe_unused]] Database& database,
+                                         [[maybe_unused]] const ranking::Settings& settings) {
 #ifdef KALVO_HAS_RANKING
-  ranking::Settings settings{.locale = locale};
   return ranking::MakeRanking(database, settings);
 #else
   return std::make_unique<NoRanking>();

@@ -63,6 +63,8 @@ const Rule kRules[] = {
   {"database",     Word{&Settings::database, IsDatabase},    "\"odbc\" or \"sqlite:FILE\""},
   {"mail",         Word{&Settings::mail, IsMail},            "\"maildir:DIR\", \"imap://HOST:PORT\", or \"\" for none"},
   {"locale",       Word{&Settings::locale, IsLocale},        "one of en-US, en-GB, de-DE, fr-FR"},
+  {"topn_rows",    Whole{&Settings::topNRows, 1, 10000},     "a whole number from 1 to 10000"},
+  {"topn_old_days", Whole{&Settings::topNOldDays, 1, 3650},  "a whole number of days from 1 to 3650"},
   {"run",          Path{&Settings::run},                     "a folder for sockets and temporary files"},
   {"web",          Word{&Settings::web, IsWeb},              "\"embedded\" or \"external\""},
   {"nginx",        Word{&Settings::nginx},                   "the nginx program"},

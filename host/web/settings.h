@@ -19,19 +19,21 @@ struct Settings {
   std::string database = "odbc";          // where the data source "KalvoDB" points
   std::string mail;                       // the mailboxes; "" for none
   std::string locale = "en-US";
-  std::filesystem::path run;         // sockets, process ids, nginx's files; default: a private folder of the user
-  std::string web = "embedded";      // "external": for an nginx that is there already
-  std::string nginx = "nginx";       // the program
-  std::string log = "-";             // a file, or "-" for standard error
-  std::filesystem::path errorPages;  // a folder with 404.html, 500.html, 503.html ...; default: plain ones
-  std::filesystem::path users;       // the users file; with it, everybody signs in
-  std::filesystem::path sessions;    // a private folder; default: "sessions" below `run`
-  int sessionMinutes = 30;           // without a request, after which one signs in again
-  std::string logon;                 // without a users file: who every visitor is
-  host::NamedTexts session;          // and the session values every visitor has
+  int topNRows = ranking::kRankedRows;  // how many rows a Top-N has
+  int topNOldDays = ranking::kOldDays;  // from how many days on a message is old
+  std::filesystem::path run;            // sockets, process ids, nginx's files; default: a private folder of the user
+  std::string web = "embedded";         // "external": for an nginx that is there already
+  std::string nginx = "nginx";          // the program
+  std::string log = "-";                // a file, or "-" for standard error
+  std::filesystem::path errorPages;     // a folder with 404.html, 500.html, 503.html ...; default: plain ones
+  std::filesystem::path users;          // the users file; with it, everybody signs in
+  std::filesystem::path sessions;       // a private folder; default: "sessions" below `run`
+  int sessionMinutes = 30;              // without a request, after which one signs in again
+  std::string logon;                    // without a users file: who every visitor is
+  host::NamedTexts session;             // and the session values every visitor has
 
   bool External() const { return web == "external"; }
-  host::PartsSettings Parts() const { return {database, mail, locale, timeLimit}; }
+  host::PartsSettings Parts() const { return {database, mail, locale, timeLimit, topNRows, topNOldDays}; }
 };
 
 // Reads a settings file. Relative paths in it start at the file's own folder. Fails with SettingError, which

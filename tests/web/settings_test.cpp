@@ -35,6 +35,8 @@ TEST(Settings, HaveDefaults) {
   EXPECT_EQ(settings.listen, "127.0.0.1:8080");
   EXPECT_EQ(settings.database, "odbc");
   EXPECT_EQ(settings.locale, "en-US");
+  EXPECT_EQ(settings.topNRows, 100);
+  EXPECT_EQ(settings.topNOldDays, 90);
   EXPECT_EQ(settings.workers, 4);
   EXPECT_EQ(settings.timeLimit, 30);
   EXPECT_EQ(settings.memoryLimit, 256);
@@ -55,6 +57,8 @@ memory_limit = 64
 database = "sqlite:data/kalvo.db"
 mail = "maildir:/mail"
 locale = "de-DE"
+topn_rows = 20
+topn_old_days = 365
 run = "../run"
 web = "external"
 nginx = "/opt/nginx"
@@ -75,6 +79,10 @@ Other = ""
   EXPECT_EQ(settings.database, "sqlite:" + (folder.Path() / "data/kalvo.db").string());
   EXPECT_EQ(settings.mail, "maildir:/mail");
   EXPECT_EQ(settings.locale, "de-DE");
+  EXPECT_EQ(settings.topNRows, 20);
+  EXPECT_EQ(settings.topNOldDays, 365);
+  EXPECT_EQ(settings.Parts().topNRows, 20);
+  EXPECT_EQ(settings.Parts().topNOldDays, 365);
   EXPECT_EQ(settings.run, folder.Path().parent_path() / "run");
   EXPECT_TRUE(settings.External());
   EXPECT_EQ(settings.nginx, "/opt/nginx");
@@ -92,8 +100,9 @@ TEST(Settings, TheFileOfTheSourceFolderShowsTheDefaults) {
   EXPECT_EQ(shown.queue, settings.queue);
   EXPECT_EQ(shown.timeLimit, settings.timeLimit);
   EXPECT_EQ(shown.memoryLimit, settings.memoryLimit);
-  EXPECT_EQ(shown.mail, settings.mail);
   EXPECT_EQ(shown.locale, settings.locale);
+  EXPECT_EQ(shown.topNRows, settings.topNRows);
+  EXPECT_EQ(shown.topNOldDays, settings.topNOldDays);
   EXPECT_EQ(shown.web, settings.web);
   EXPECT_EQ(shown.nginx, settings.nginx);
   EXPECT_EQ(shown.log, settings.log);
@@ -116,6 +125,10 @@ TEST(Settings, SayWhatIsWrongAndWhatWouldBeRight) {
       {"another database", "database = \"mysql:x\"", ":1: database takes \"odbc\" or \"sqlite:FILE\""},
       {"no file", "database = \"sqlite:\"", ":1: database takes \"odbc\" or \"sqlite:FILE\""},
       {"another locale", "locale = \"xx\"", ":1: locale takes one of en-US, en-GB, de-DE, fr-FR"},
+      {"a Top-N of no rows", "topn_rows = 0", ":1: topn_rows takes a whole number from 1 to 10000"},
+      {"too many rows", "topn_rows = 10001", ":1: topn_rows takes a whole number from 1 to 10000"},
+      {"no days", "\ntopn_old_days = 0", ":2: topn_old_days takes a whole number of days from 1 to 3650"},
+      {"text for days", "topn_old_days = \"90\"", ":1: topn_old_days takes a whole number of days from 1 to 3650"},
       {"another mail", "mail = \"pop3:x\"", ":1: mail takes \"maildir:DIR\", \"imap://HOST:PORT\", or \"\" for none"},
       {"another web", "web = \"apache\"", ":1: web takes \"embedded\" or \"external\""},
       {"an address of others", "listen = \"0.0.0.0:80\"",
