@@ -25,7 +25,8 @@ bool IsWeb(std::string_view word) { return word == "embedded" || word == "extern
 bool IsLocale(std::string_view word) { return FindLocale(word) != nullptr; }
 bool IsDatabase(std::string_view word) { return word == "odbc" || (word.starts_with("sqlite:") && word.size() > 7); }
 bool IsMail(std::string_view word) {
-  return word.empty() || (word.starts_with("maildir:") && word.size() > 8) || word.starts_with("imap://");
+  return word.empty() || (word.starts_with("maildir:") && word.size() > 8) || word.starts_with("imap://") ||
+         word.starts_with("imaps://");
 }
 bool IsListen(std::string_view word) { return ParseAddress(word).has_value(); }
 
@@ -61,7 +62,7 @@ const Rule kRules[] = {
   {"time_limit",   Seconds{&Settings::timeLimit, 0.1, 3600}, "a number of seconds from 0.1 to 3600"},
   {"memory_limit", Whole{&Settings::memoryLimit, 1, 65536},  "a whole number of MiB from 1 to 65536"},
   {"database",     Word{&Settings::database, IsDatabase},    "\"odbc\" or \"sqlite:FILE\""},
-  {"mail",         Word{&Settings::mail, IsMail},            "\"maildir:DIR\", \"imap://HOST:PORT\", or \"\" for none"},
+  {"mail",         Word{&Settings::mail, IsMail},            "\"maildir:DIR\", \"imap://HOST:PORT\", \"imaps://HOST:PORT\", or \"\" for none"},
   {"locale",       Word{&Settings::locale, IsLocale},        "one of en-US, en-GB, de-DE, fr-FR"},
   {"topn_rows",    Whole{&Settings::topNRows, 1, 10000},     "a whole number from 1 to 10000"},
   {"topn_old_days", Whole{&Settings::topNOldDays, 1, 3650},  "a whole number of days from 1 to 3650"},

@@ -92,6 +92,14 @@ Other = ""
   EXPECT_EQ(settings.session, (host::NamedTexts{{"KalvoAdministrator", "Yes"}, {"Other", ""}}));
 }
 
+TEST(Settings, TakeEveryKindOfMailboxes) {
+  const TemporaryFolder folder;
+  for (const std::string mail :
+       {"", "maildir:/mail", "imap://admin@host:143/?directory=d", "imaps://admin@host:993/"}) {
+    EXPECT_EQ(Read(folder, "mail = \"" + mail + "\"").mail, mail);
+  }
+}
+
 TEST(Settings, TheFileOfTheSourceFolderShowsTheDefaults) {
   const Settings shown = ReadSettings(std::filesystem::path(KALVO_SOURCE_DIR) / "kalvo.toml");
   const Settings settings;
@@ -129,7 +137,8 @@ TEST(Settings, SayWhatIsWrongAndWhatWouldBeRight) {
       {"too many rows", "topn_rows = 10001", ":1: topn_rows takes a whole number from 1 to 10000"},
       {"no days", "\ntopn_old_days = 0", ":2: topn_old_days takes a whole number of days from 1 to 3650"},
       {"text for days", "topn_old_days = \"90\"", ":1: topn_old_days takes a whole number of days from 1 to 3650"},
-      {"another mail", "mail = \"pop3:x\"", ":1: mail takes \"maildir:DIR\", \"imap://HOST:PORT\", or \"\" for none"},
+      {"another mail", "mail = \"pop3:x\"",
+       ":1: mail takes \"maildir:DIR\", \"imap://HOST:PORT\", \"imaps://HOST:PORT\", or \"\" for none"},
       {"another web", "web = \"apache\"", ":1: web takes \"embedded\" or \"external\""},
       {"an address of others", "listen = \"0.0.0.0:80\"",
        ":1: listen takes a loopback address and a port, such as \"127.0.0.1:8080\" or \"[::1]:8080\""},
