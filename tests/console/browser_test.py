@@ -1,0 +1,370 @@
+"""browser_test.py KALVO: the console in Chromium, as its users see and click it, over the small sample."""
+
+import datetime
+import os
+import sys
+import unittest
+
+from selenium.common.exceptions import NoSuchElementException
+from selenium.webdriver.common.by import By
+from selenium.webdriver.support.ui import Select
+
+import cases
+from browser import Browser
+from sample_console import CONSOLE, PASSWORD, SampleConsole
+
+KALVO = sys.argv.pop()
+ALERTS = "Tasks/CurrentAlerts.asp"
+MAILBOX = "Resources/MailboxSummary.asp"
+FOLDERS = "Resources/PublicFolderSummary.asp"
+SERVER = "SEA-EX01"
+INBOX = f"{MAILBOX}?Server={SERVER}&Mailbox=alice&Container=Inbox"
+FOLDER_TABLE, MESSAGE_TABLE, ATTACHMENT_TABLE = 0, 1, 0
+REFUSED = "Mailbox or folder does not exist, or you are not the owner."
+
+
+def setUpModule():
+    global console, browser
+    console = SampleConsole(KALVO)
+    unittest.addModuleCleanup(lambda: console.__exit__(None))
+    console.start()
+    browser = Browser(console.address).__enter__()
+    unittest.addModuleCleanup(browser.__exit__)
+
+
+def pages():
+    """Every page of the console that shows itself to a click; Process.asp only does what a form says."""
+    for folder in ("Tasks", "Resources", "Configuration"):
+        for name in sorted(os.listdir(os.path.join(CONSOLE, folder))):
+            if name.endswith(".asp") and name != "Process.asp":
+                yield f"{folder}/{name}"
+
+
+def folded(text):
+    return text.casefold()
+
+
+def time(text):
+    return datetime.datetime.strptime(text, "%m/%d/%Y %I:%M:%S %p") if text else datetime.datetime.min
+
+
+def kilobytes(text):
+    assert text.endswith("KB"), text
+    return float(text[:-2].replace(",", ""))
+
+
+class Case(unittest.TestCase):
+    def setUp(self):
+        browser.forget()
+
+    def enter(self, name, page):
+        """Opens a page as somebody who has just signed in."""
+        browser.open(page)
+        browser.sign_in(name, PASSWORD)
+
+    def report(self, index=0):
+        return browser.reports()[index]
+
+    def assert_shown(self, report, shown, count):
+        self.assertEqual(report.counts().get("Displaying Entries:"), shown)
+        self.assertEqual(len(report.rows()), count)
+
+    def assert_at_bookmark(self, name):
+        self.assertEqual(browser.driver.execute_script("return location.hash"), "#" + name)
+        top, at_the_end = browser.bookmark_top()
+        self.assertTrue(abs(top) < 2 or top > 0 and at_the_end, f"{name} is {top} below the window's upper edge")
+
+    def assert_sorts(self, index, heading, key):
+        """Both arrows of a column order its texts, and the rows stay the same ones."""
+        before = sorted(self.report(index).rows())
+        for arrow, descending in (("Up", False), ("Down", True)):
+            self.report(index).sort(heading, arrow)
+            report = self.report(index)
+            texts = report.column(heading)
+            keys = [key(text) for text in texts]
+            self.assertGreater(len(set(keys)), 2, f"{heading} tells too little to show an order")
+            self.assertEqual(keys, sorted(keys, reverse=descending), f"{heading} {arrow}: {texts}")
+            self.assertEqual(sorted(report.rows()), before)
+
+
+class SigningIn(Case):
+    def test_comes_before_every_page(self):
+        for page in (*pages(), "Default.asp", "", "Configuration/Process.asp"):
+            with self.subTest(page):
+                browser.open(page)
+                self.assertEqual((browser.page(), browser.heading()), ("SignIn.asp", "Sign In"))
+                self.assertEqual(browser.reports(), [])
+                self.assertEqual(browser.broken_images(), [])
+
+    def test_leads_to_the_page_that_was_wanted(self):
+        self.enter("administrator", "Tasks/Performance.asp?Report=MostDisk")
+        self.assertEqual(browser.page(), "Tasks/Performance.asp")
+        self.assertIn("Report=MostDisk", browser.driver.current_url)
+        self.assertIn("KALVO\\administrator", browser.text())
+
+    def test_with_a_wrong_password_says_so(self):
+        browser.open(ALERTS)
+        browser.sign_in("alice", "not the password")
+        self.assertEqual(browser.page(), "SignIn.asp")
+        self.assertIn("This name and password do not fit.", browser.text())
+        browser.sign_in("alice", PASSWORD)
+        self.assertEqual(browser.page(), ALERTS)
+
+    def test_ends_with_signing_out(self):
+        self.enter("alice", INBOX)
+        kept = browser.driver.get_cookies()
+        browser.sign_out()
+        self.assertEqual(browser.page(), "SignIn.asp")
+        browser.open(INBOX)
+        self.assertEqual(browser.page(), "SignIn.asp")
+        for cookie in kept:
+            browser.driver.add_cookie(cookie)
+        browser.open(INBOX)
+        self.assertEqual(browser.page(), "SignIn.asp")
+
+
+class EveryPage(Case):
+    def test_shows_its_images_and_runs_without_complaints(self):
+        self.enter("administrator", "Default.asp")
+        self.assertEqual(browser.page(), ALERTS)
+        scoped = (f"Resources/SingleServerReports.asp?Server={SERVER}", f"Tasks/TopN.asp?Server={SERVER}&Report=MailboxLargest",
+                  f"Tasks/Chargeback.asp?Server={SERVER}", INBOX, f"{FOLDERS}?Server={SERVER}")
+        browser.complaints()
+        for page in (*pages(), *scoped):
+            with self.subTest(page):
+                browser.open(page)
+                self.assertEqual(browser.page(), page.split("?")[0])
+                self.assertGreater(browser.images(), 0)
+                self.assertEqual(browser.broken_images(), [])
+                self.assertEqual(browser.complaints(), [])
+                self.assertTrue(page not in scoped or browser.reports())
+                self.assertNotIn("Error Generating Table", browser.text())
+
+    def test_is_reached_through_the_navigation(self):
+        self.enter("administrator", ALERTS)
+        links = browser.driver.find_elements(By.CSS_SELECTOR, "#navigation a")
+        titles = [link.text for link in links]
+        self.assertGreater(len(titles), 12)
+        for place, title in enumerate(titles):
+            browser.follow(browser.driver.find_elements(By.CSS_SELECTOR, "#navigation a")[place])
+            lit = browser.driver.find_elements(By.CSS_SELECTOR, "#navigation li.lit")
+            self.assertEqual([each.text for each in lit], [title])
+
+
+class CurrentAlerts(Case):
+    def test_have_delete_boxes_for_an_administrator(self):
+        self.enter("administrator", ALERTS)
+        report = self.report()
+        self.assertEqual(report.headers()[0], "Delete")
+        self.assertEqual(len(report.boxes()), len(report.rows()))
+        for box in report.boxes()[1:3]:
+            box.click()
+        browser.press("Delete selected alerts")
+        self.assertIn("2 alerts chosen.", browser.text())
+
+    def test_have_none_for_anybody_else(self):
+        for name in ("alice", "visitor"):
+            with self.subTest(name):
+                browser.forget()
+                self.enter(name, ALERTS)
+                report = self.report()
+                self.assertEqual(len(report.rows()), 50)
+                self.assertEqual(report.boxes(), [])
+                self.assertNotIn("Delete", report.headers())
+                self.assertRaises(NoSuchElementException, browser.button, "Delete selected alerts")
+
+    def test_page_through_all_entries(self):
+        self.enter("administrator", ALERTS)
+        count = int(self.report().counts()["Number of Entries:"])
+        self.assertGreater(count, 100)
+        self.assert_shown(self.report(), "1 - 50", 50)
+        seen = self.report().rows()
+        while len(seen) < count:
+            self.report().go("Next")
+            self.assert_at_bookmark("1chart")
+            more = self.report().rows()
+            self.assert_shown(self.report(), f"{len(seen) + 1} - {len(seen) + len(more)}", len(more))
+            seen += more
+        self.assertRaises(AssertionError, self.report().link, "Next")
+        self.report().go("All")
+        self.assert_at_bookmark("1chart")
+        self.assertEqual(self.report().rows(), seen)
+        browser.open(ALERTS)
+        self.report().go("Last")
+        self.assertEqual(self.report().rows()[-1], seen[-1])
+        self.report().go("Previous")
+        self.report().go("First")
+        self.assert_shown(self.report(), "1 - 50", 50)
+        self.assertEqual(self.report().rows(), seen[:50])
+
+    def test_sort_by_their_arrows(self):
+        self.enter("administrator", ALERTS)
+        self.report().go("All")
+        for heading, key in (("Alerted Resource", folded), ("Time of Alert", time), ("Server Name", folded)):
+            with self.subTest(heading):
+                self.assert_sorts(0, heading, key)
+                self.assert_at_bookmark("1chart")
+
+    def test_stay_sorted_while_paging(self):
+        self.enter("administrator", ALERTS)
+        self.report().sort("Server Name", "Down")
+        servers = self.report().column("Server Name")
+        self.report().go("Next")
+        servers += self.report().column("Server Name")
+        self.assertGreater(len(servers), 99)
+        self.assertEqual(servers, sorted(servers, key=folded, reverse=True))
+
+
+class Mailbox(Case):
+    def open_inbox(self, name="alice"):
+        """As a user does it: from the navigation, by the form, into the folder."""
+        self.enter(name, ALERTS)
+        browser.follow_text("Mailbox")
+        Select(browser.driver.find_element(By.NAME, "Server")).select_by_visible_text(SERVER)
+        browser.driver.find_element(By.NAME, "Mailbox").send_keys("alice")
+        browser.press("Open")
+        self.assertEqual(browser.page(), MAILBOX)
+        browser.follow_text("Inbox")
+
+    def messages(self):
+        return self.report(MESSAGE_TABLE)
+
+    def open_message(self, picked):
+        """Opens the first message that `picked` (row element) takes and returns what its row says."""
+        headers = self.messages().headers()
+        for element, texts in zip(self.messages().row_elements(), self.messages().rows()):
+            if picked(element):
+                browser.follow(element.find_elements(By.TAG_NAME, "a")[-1])
+                return dict(zip(headers, texts))
+        raise AssertionError("no such message")
+
+    def detail(self, name):
+        return browser.driver.find_element(By.XPATH, f"//tr[th='{name}']/td[2]").text
+
+    def files(self):
+        return console.mailbox(SERVER, "alice")
+
+    def test_sorts_by_size_and_pages_on(self):
+        self.open_inbox()
+        count = int(self.messages().counts()["Number of Entries:"])
+        self.assertEqual(count, len(self.files()))
+        self.messages().sort("Message Size", "Down")
+        self.assert_at_bookmark("2chart")
+        self.assert_shown(self.messages(), "1 - 50", 50)
+        sizes = self.messages().column("Message Size")
+        self.messages().go("Next")
+        self.assert_at_bookmark("2chart")
+        self.assert_shown(self.messages(), f"51 - {count}", count - 50)
+        sizes = [kilobytes(size) for size in sizes + self.messages().column("Message Size")]
+        self.assertEqual(sizes, sorted(sizes, reverse=True))
+        self.assertGreater(sizes[0], sizes[-1])
+        self.messages().go("All")
+        self.assertEqual([kilobytes(size) for size in self.messages().column("Message Size")], sizes)
+        self.assert_sorts(MESSAGE_TABLE, "Message Size", kilobytes)
+
+    def test_folders_sort_apart_from_messages(self):
+        self.enter("alice", f"{MAILBOX}?Server={SERVER}&Mailbox=alice")
+        self.assert_sorts(FOLDER_TABLE, "Message Count", int)
+        self.assert_sorts(FOLDER_TABLE, "Folder Name", folded)
+        self.assertEqual(browser.complaints(), [])
+
+    def test_shows_a_message_with_its_attachments(self):
+        self.open_inbox()
+        self.messages().sort("Message Size", "Down")
+        row = self.open_message(lambda element: element.find_elements(By.CSS_SELECTOR, 'img[src$="/Attachment.gif"]'))
+        for detail, column in (("Subject", "Message Subject"), ("Sender", "Sender"), ("Size", "Message Size"),
+                               ("Creation Date", "Creation Date"), ("Modification Date", "Modification Date")):
+            self.assertEqual(self.detail(detail), row[column])
+        report = self.report(ATTACHMENT_TABLE)
+        names = report.column("File Name")
+        self.assertGreater(len(names), 0)
+        self.assertEqual(report.counts()["Number of Entries:"], str(len(names)))
+        self.assertTrue(all(names))
+        sizes = [kilobytes(size) for size in report.column("Attachment Size")]
+        self.assertLess(sum(sizes), kilobytes(row["Message Size"]))
+        self.assertAlmostEqual(sum(sizes), kilobytes(report.totals()[-1]), delta=0.01 * len(sizes))
+
+    def test_keeps_a_message_unless_the_question_is_answered_yes(self):
+        self.enter("alice", INBOX)
+        before, shown = self.files(), self.messages().rows()
+        self.messages().row_elements()[0].find_element(By.NAME, "Delete").click()
+        self.assertRegex(browser.answer(yes=False), "^Delete this message")
+        self.assertEqual((browser.page(), self.messages().rows()), (MAILBOX, shown))
+        browser.open(INBOX)
+        self.assertEqual((self.messages().rows(), self.files()), (shown, before))
+
+    def test_deletes_a_message_from_its_own_page(self):
+        self.open_inbox()
+        before = self.files()
+        self.messages().go("All")
+        rows = self.messages().rows()
+        self.messages().sort("Message Size", "Up")
+        row = self.open_message(lambda element: True)
+        gone = browser.driver.current_url.removeprefix(browser.address)
+        self.assertEqual(self.detail("Subject"), row["Message Subject"])
+        browser.leaves(lambda: self.confirmed(browser.button("Delete")))
+        self.assertEqual(browser.page(), MAILBOX)
+        self.messages().go("All")
+        rows.remove(list(row.values()))
+        self.assertEqual(self.messages().rows(), rows)
+        self.assertEqual(self.messages().counts()["Number of Entries:"], str(len(before) - 1))
+        self.assertEqual((len(before - self.files()), self.files() - before), (1, set()))
+        browser.open(gone)
+        self.assertIn("Error Generating Table", browser.text())
+        self.assertNotIn(row["Sender"], browser.text())
+
+    def test_deletes_a_message_from_the_list(self):
+        self.enter("alice", INBOX)
+        before = self.files()
+        browser.leaves(lambda: self.confirmed(self.messages().row_elements()[0].find_element(By.NAME, "Delete")))
+        self.assertEqual((browser.page(), len(before - self.files())), (MAILBOX, 1))
+        self.assertEqual(self.messages().counts()["Number of Entries:"], str(len(before) - 1))
+
+    def confirmed(self, button):
+        button.click()
+        browser.answer(yes=True)
+
+    def test_of_somebody_else_is_refused(self):
+        self.enter("alice", f"{MAILBOX}?Server={SERVER}&Mailbox=adam.abbott")
+        for address in ("", "&Container=Inbox"):
+            browser.open(f"{MAILBOX}?Server={SERVER}&Mailbox=adam.abbott{address}")
+            self.assertIn(REFUSED, browser.text())
+            self.assertEqual([report.rows() for report in browser.reports() if report.rows()], [])
+
+    def test_is_refused_to_users_without_the_right(self):
+        self.enter("visitor", INBOX)
+        self.assertIn("You do not have adequate permission to view this mailbox's information.", browser.text())
+        self.assertEqual(browser.reports(), [])
+
+    def test_of_anybody_is_open_to_an_administrator(self):
+        self.open_inbox("administrator")
+        self.assert_shown(self.messages(), "1 - 50", 50)
+        row = self.open_message(lambda element: True)
+        self.assertEqual(self.detail("Subject"), row["Message Subject"])
+
+
+class PublicFolders(Case):
+    def test_are_open_to_an_administrator(self):
+        self.enter("administrator", ALERTS)
+        browser.follow_text("Public Folders")
+        Select(browser.driver.find_element(By.NAME, "Server")).select_by_visible_text(SERVER)
+        browser.press("Open")
+        browser.follow_text("Announcements")
+        messages = self.report(MESSAGE_TABLE)
+        self.assertGreater(len(messages.rows()), 3)
+        subject = messages.column("Message Subject")[0]
+        browser.follow(messages.row_elements()[0].find_elements(By.TAG_NAME, "a")[-1])
+        self.assertEqual(browser.page(), FOLDERS)
+        self.assertEqual(browser.driver.find_element(By.XPATH, "//tr[th='Subject']/td[2]").text, subject)
+
+    def test_are_closed_to_everybody_else(self):
+        for name in ("alice", "visitor"):
+            with self.subTest(name):
+                browser.forget()
+                self.enter(name, f"{FOLDERS}?Server={SERVER}&Mailbox=Announcements")
+                self.assertIn("Public folders are shown to administrators only.", browser.text())
+                self.assertEqual(browser.reports(), [])
+
+
+if __name__ == "__main__":
+    cases.main()
