@@ -3,34 +3,22 @@
 //
 //   topn_benchmark [FOLDER]    FOLDER holds the sample's kalvo.db; a large sample is made without it
 
-#include <sys/resource.h>
-
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <filesystem>
-#include <iostream>
 
 #include "adapters/ranking/ranking.h"
 #include "adapters/sqlite/sqlite_database.h"
-#include "database/sample/sample.h"
+#include "bench/large_sample.h"
 #include "host/cli/report_page.h"
-#include "platform/clock.h"
 #include "platform/platform.h"
 #include "platform/ranking.h"
 
 namespace {
 
 using namespace kalvo;
+using bench::Milliseconds;
+using bench::PeakMebibytes;
 
 constexpr std::string_view kOrganization = "Meridian";
-constexpr int kRuns = 5;
-
-class StandingClock : public Clock {
- public:
-  Date Now() override { return Date{36162}; }
-  float Timer() override { return 0; }
-};
 
 struct Report {
   KalvoTableConstants id;
@@ -62,29 +50,10 @@ constexpr Report kReports[] = {
 };
 // clang-format on
 
-// The shortest of some runs, in milliseconds.
-template <typename Step>
-double Milliseconds(Step&& step) {
-  double best = 1e9;
-  for (int run = 0; run < kRuns; ++run) {
-    const auto start = std::chrono::steady_clock::now();
-    step();
-    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
-    best = std::min(best, took.count());
-  }
-  return best;
-}
-
-double PeakMebibytes() {
-  rusage use{};
-  getrusage(RUSAGE_SELF, &use);
-  return static_cast<double>(use.ru_maxrss) / 1024;
-}
-
 void Measure(const std::string& file) {
   sqlite::SqliteDatabase database(file);
   const auto topN = ranking::MakeRanking(database);
-  StandingClock clock;
+  bench::StandingClock clock;
   const Platform platform{database, *topN, clock};
   const host::ReportPage page(platform);
   const host::ReportScope scope{"", std::string(kOrganization), "", "", TOPN_ORGANIZATION};
@@ -103,18 +72,4 @@ void Measure(const std::string& file) {
 
 }  // namespace
 
-int main(int count, char** arguments) {
-  if (count > 1) {
-    Measure((std::filesystem::path(arguments[1]) / "kalvo.db").string());
-    return 0;
-  }
-  // Measured by a process of its own, so that making the sample does not count.
-  const std::filesystem::path folder = std::filesystem::temp_directory_path() / "kalvo-topn-benchmark";
-  sample::TextProgress progress(std::cerr);
-  sample::MakeSample({folder, sample::SampleSize::Large, 1}, progress);
-  std::cout << "\n" << std::flush;
-  const std::string again = std::filesystem::canonical("/proc/self/exe").string() + " " + folder.string();
-  const int failed = std::system(again.c_str());
-  std::filesystem::remove_all(folder);
-  return failed == 0 ? 0 : 1;
-}
+int main(int count, char** arguments) { return kalvo::bench::WithLargeSample(count, arguments, Measure); }

@@ -10,7 +10,9 @@
 #include <vector>
 
 #include "database/sample/schema.h"
+#include "host/cli/questions.h"
 #include "host/cli/report_page.h"
+#include "host/cli/report_scope.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
 #include "kalvo/table_database.h"
@@ -22,41 +24,6 @@
 namespace kalvo::host {
 namespace {
 
-// ---- asking the database --------------------------------------------------------------------------------
-
-// Runs single statements, each on a connection of its own: a failed one leaves no other out.
-class Questions {
- public:
-  explicit Questions(Database& database) : database_(database) {}
-
-  // The rows of a statement as texts. Fails with the statement's error.
-  std::vector<std::vector<std::string>> Ask(std::string_view sql) {
-    const auto connection = database_.Connect(TableConstants().TABLES_DSN());
-    const auto records = connection->Execute({sql, sql, ""});
-    std::vector<std::vector<std::string>> answer;
-    if (records->IsEmpty()) return answer;
-    const Rows& rows = records->GetRows();
-    std::string scratch;
-    for (std::int32_t row = 0; row < rows.RowCount(); ++row) {
-      std::vector<std::string>& texts = answer.emplace_back();
-      for (std::int32_t field = 0; field < rows.FieldCount(); ++field)
-        texts.emplace_back(rows.Text(field, row, scratch));
-    }
-    return answer;
-  }
-
-  std::vector<std::string> FieldNames(std::string_view sql) {
-    const auto connection = database_.Connect(TableConstants().TABLES_DSN());
-    const auto records = connection->Execute({sql, sql, ""});
-    std::vector<std::string> names;
-    for (std::int32_t i = 0; i < records->FieldCount(); ++i) names.push_back(records->FieldName(i));
-    return names;
-  }
-
- private:
-  Database& database_;
-};
-
 std::string OneLine(std::string text) {
   std::ranges::replace_if(
       text, [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
@@ -67,52 +34,6 @@ std::string Lower(std::string_view text) {
   std::string lower(text);
   std::ranges::transform(lower, lower.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   return lower;
-}
-
-// ---- the reports ----------------------------------------------------------------------------------------
-
-struct Report {
-  KalvoTableConstants id;
-  std::string_view name;
-};
-
-#define KALVO_REPORT(name, value) Report{name, #name},
-constexpr Report kReports[] = {KALVO_TABLE_CONSTANTS(KALVO_REPORT)};
-#undef KALVO_REPORT
-
-enum class Named { Nothing, Server, Group };
-
-// What the name scope of a report is.
-Named NameOf(KalvoTableConstants id) {
-  switch (id) {
-    case TABLE_TASK_CAPACITYPLANNING_SINGLESERVER:
-    case TABLE_RES_SERVER_DBFILESUMMARY:
-    case TABLE_CHARGEBACK_Server:
-    case TABLE_AmbiguousAddressResolution: return Named::Server;
-    case TABLE_TASK_CAPACITYPLANNING_SUMMARY:
-    case TABLE_RES_SERVERGROUPMEMBERSHIP:
-    case TABLE_RES_SERVERGROUP_SERVERSUMMARY:
-    case TABLE_SINGLESERVERGROUPMEMBERSHIP:
-    case TABLE_CHARGEBACK_ServerGroup: return Named::Group;
-    default: return id >= TABLE_TOPN_MBCNT && id <= TABLE_TOPN_LARGEOLDPFMSG ? Named::Server : Named::Nothing;
-  }
-}
-
-bool ReadsDatabase(KalvoTableConstants id) {
-  return id >= TABLE_CURRENTALERTS && id <= TABLE_AmbiguousAddressResolution;
-}
-bool IsRanking(KalvoTableConstants id) { return id >= TABLE_TOPN_MBCNT && id <= TABLE_TOPN_LARGEOLDPFMSG; }
-
-struct Place {
-  std::string server, group, organization, site;
-};
-
-ReportScope ScopeOf(KalvoTableConstants id, const Place& place) {
-  const Named named = NameOf(id);
-  return {named == Named::Server  ? place.server
-          : named == Named::Group ? place.group
-                                  : "",
-          place.organization, place.site, "%", IsRanking(id) ? TOPN_SINGLESERVER : TOPN_UNDEFINED};
 }
 
 // ---- the check ------------------------------------------------------------------------------------------
@@ -196,11 +117,11 @@ class Check {
   }
 
   bool ReportsRun() {
-    const Place place = FirstPlace();
+    const Place place = FirstPlace(platform_.database);
     Line("Scope") << "server \"" << place.server << "\", group \"" << place.group << "\", organization \""
                   << place.organization << "\", site \"" << place.site << "\"\n";
     int reports = 0, working = 0;
-    for (const Report& report : kReports) {
+    for (const ReportName& report : ReportNames()) {
       if (!ReadsDatabase(report.id) && !IsRanking(report.id)) continue;
       ++reports;
       const std::vector<std::string> failures =
@@ -239,7 +160,7 @@ class Check {
   // The reports whose SQL names the table and, where one is given, the column: by its name, or all of them by "*".
   std::string ReadersOf(std::string_view table, std::string_view column) {
     std::string readers;
-    for (const Report& report : kReports) {
+    for (const ReportName& report : ReportNames()) {
       if (!ReadsDatabase(report.id)) continue;
       const std::string sql = Lower(tables_->GetTable(report.id)->GetSQL());
       const bool reads = column.empty() ? FindWord(sql, Lower(table)) != std::string::npos
@@ -284,18 +205,6 @@ class Check {
       Line("History") << "cannot be read: " << OneLine(error.Description()) << "\n";
     }
     return false;
-  }
-
-  // The first managed server, with what it is in: a scope in which the reports have something to show.
-  Place FirstPlace() {
-    try {
-      const auto answer = questions_.Ask(
-          "select s.ComputerName, g.Name, s.DistOrgName, s.DistSiteName from EXDB_SERVER s, EXDB_GROUP g "
-          "where g.GroupId = s.ServerGroupId and s.ServerState = 2 order by s.ComputerName");
-      if (!answer.empty()) return {answer[0][0], answer[0][1], answer[0][2], answer[0][3]};
-    } catch (const Error&) {  // the schema's lines say why
-    }
-    return {};
   }
 
   const Platform& platform_;
