@@ -1,8 +1,7 @@
 // The live tables, the folder path and the details of a message over the sample's mail store.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
+#include "fakes/golden.h"
 #include "golden/live/sample_site.h"
 #include "platform/live_mailbox.h"
 
@@ -19,19 +18,9 @@ class LivePages : public testing::Test {
   static void SetUpTestSuite() { site_ = new SampleSite; }
   static void TearDownTestSuite() { delete site_; }
 
-  // Compares with a golden file; what differs is left beside it.
   static void ExpectGolden(const std::string& name, const std::string& page, const std::string& query,
                            const std::string& logon, const std::vector<std::string>& rights = {}) {
-    const std::string html = site_->Run(kFolder, page, query, logon, rights).body;
-    const fs::path golden = kFolder / (name + ".html");
-    const std::string expected = exists(golden) ? ReadFile(golden) : "";
-    if (html == expected) return;
-    WriteFile(golden.string() + ".actual", html);
-    const auto at = static_cast<std::size_t>(
-        std::mismatch(expected.begin(), expected.end(), html.begin(), html.end()).first - expected.begin());
-    const std::size_t from = at < 60 ? 0 : at - 60;
-    ADD_FAILURE() << golden.filename() << " differs at byte " << at << "\nexpected: ..." << expected.substr(from, 200)
-                  << "\nactual:   ..." << html.substr(from, 200);
+    fakes::ExpectGolden("live/" + name + ".html", site_->Run(kFolder, page, query, logon, rights).body);
   }
 
   static std::string LargestMessage() {

@@ -5,6 +5,7 @@
 #include <regex>
 
 #include "database/sample_databases.h"
+#include "fakes/golden.h"
 #include "golden/reports/report_cases.h"
 #include "support/temporary_folder.h"
 
@@ -13,23 +14,8 @@ namespace {
 
 const std::filesystem::path kFolder = std::filesystem::path(KALVO_SOURCE_DIR) / "tests/golden/reports";
 
-std::string FileName(KalvoTableConstants id, const std::string& variant) {
-  return (id < 10 ? "report_0" : "report_") + std::to_string(id) + variant + ".html";
-}
-
-// The page that an engine is held against: its own where it differs, else the one of all.
-std::filesystem::path GoldenFile(KalvoTableConstants id, Engine engine) {
-  const std::filesystem::path own = kFolder / FileName(id, "." + NameOf(engine));
-  return exists(own) ? own : kFolder / FileName(id, "");
-}
-
-// Where two texts part, with what stands there in both.
-std::string FirstDifference(const std::string& expected, const std::string& actual) {
-  const auto [left, right] = std::mismatch(expected.begin(), expected.end(), actual.begin(), actual.end());
-  const auto at = static_cast<std::size_t>(left - expected.begin());
-  const std::size_t from = at < 60 ? 0 : at - 60;
-  return "at byte " + std::to_string(at) + "\nexpected: ..." + expected.substr(from, 200) + "\nactual:   ..." +
-         actual.substr(from, 200);
+std::string FileName(KalvoTableConstants id) {
+  return (id < 10 ? "report_0" : "report_") + std::to_string(id) + ".html";
 }
 
 // Reports whose rows are not all told apart by what they are sorted by, or have rows without a value there: the
@@ -81,16 +67,16 @@ TEST_P(ReportPages, AreTheGoldenOnes) {
     if (OrderIsTheEngines(report.id)) page.AddParameter("PageSize", "1000");
     const std::string html = page.Build(report.id, report.Scope());
     EXPECT_TRUE(host::FailuresOf(html).empty()) << host::FailuresOf(html).front();
-    const std::filesystem::path golden = GoldenFile(report.id, GetParam());
-    const std::string expected = exists(golden) ? ReadFile(golden) : "";
-    if (html == expected) continue;
-    const bool anyOrder = GetParam() != Engine::Sqlite && OrderIsTheEngines(report.id);
-    if (anyOrder && InOneOrder(html) == InOneOrder(expected)) continue;
-    const std::string variant = GetParam() == Engine::Sqlite ? "" : "." + NameOf(GetParam());
-    const std::filesystem::path actual = kFolder / (FileName(report.id, variant) + ".actual");
-    WriteFile(actual, html);
-    ADD_FAILURE() << golden.filename() << " differs " << FirstDifference(expected, html) << "\nsee "
-                  << actual.filename();
+    fakes::GoldenOptions options;
+    if (GetParam() != Engine::Sqlite) {
+      options.variant = NameOf(GetParam());
+      if (OrderIsTheEngines(report.id)) {
+        options.alsoGood = [](const auto& expected, const auto& text) {
+          return InOneOrder(text) == InOneOrder(expected);
+        };
+      }
+    }
+    fakes::ExpectGolden("reports/" + FileName(report.id), html, options);
   }
 }
 
@@ -109,7 +95,7 @@ TEST(ReportPagesOfOneEngine, AreExplained) {
 
 TEST(ReportPagesOfTheSample, ShowSomethingEach) {
   for (const ReportCase& report : ReportCases()) {
-    const std::string html = ReadFile(kFolder / FileName(report.id, ""));
+    const std::string html = fakes::GoldenText("reports/" + FileName(report.id));
     EXPECT_EQ(html.find("There are no items in this report."), std::string::npos) << "report " << report.id;
   }
 }

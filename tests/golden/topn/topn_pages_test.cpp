@@ -3,23 +3,18 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
-
 #include "adapters/ranking/kinds.h"
 #include "adapters/ranking/sample_fixture.h"
 #include "database/sample_databases.h"
+#include "fakes/golden.h"
 #include "host/cli/report_page.h"
 #include "platform/append.h"
 #include "platform/conversion.h"
-#include "support/temporary_folder.h"
 
 namespace kalvo::test {
 namespace {
 
 using ranking::Scope;
-
-const std::filesystem::path kFolder = std::filesystem::path(KALVO_SOURCE_DIR) / "tests/golden/topn";
 
 struct ScopeCase {
   const char* file;
@@ -49,19 +44,6 @@ std::string Pages(Engine engine, const ScopeCase& scope, const Query& query) {
   });
 }
 
-// Compares with a golden file; what differs is left beside it.
-void ExpectGolden(const std::string& name, const std::string& html) {
-  const std::filesystem::path golden = kFolder / (name + ".html");
-  const std::string expected = exists(golden) ? ReadFile(golden) : "";
-  if (html == expected) return;
-  WriteFile(golden.string() + ".actual", html);
-  const auto at = static_cast<std::size_t>(
-      std::mismatch(expected.begin(), expected.end(), html.begin(), html.end()).first - expected.begin());
-  const std::size_t from = at < 60 ? 0 : at - 60;
-  ADD_FAILURE() << golden.filename() << " differs at byte " << at << "\nexpected: ..." << expected.substr(from, 200)
-                << "\nactual:   ..." << html.substr(from, 200);
-}
-
 // The texts of all fields of all rows.
 std::string AllTexts(Engine engine, std::int16_t kind, const ScopeCase& scope) {
   TopNFactory& factory = SampleDatabases::Shared().PlatformOf(engine).topN;
@@ -74,6 +56,10 @@ std::string AllTexts(Engine engine, std::int16_t kind, const ScopeCase& scope) {
       }
     }
   });
+}
+
+void ExpectGolden(const std::string& name, const std::string& html) {
+  fakes::ExpectGolden("topn/" + name + ".html", html);
 }
 
 class TopNPages : public testing::TestWithParam<Engine> {};
