@@ -42,14 +42,25 @@ ItemListing::ItemListing(std::shared_ptr<ListingItems> items)
   std::iota(order_.begin(), order_.end(), 0);
 }
 
+void ItemListing::MoveFirst() {
+  position_ = 0;
+  failure_ = nullptr;
+}
+
 void ItemListing::MoveNext() {
   if (position_ < order_.size()) ++position_;
+  if (failure_) std::rethrow_exception(std::exchange(failure_, nullptr));
 }
 
 Value ItemListing::Field(std::string_view name) {
   const std::size_t field = FieldPosition(name);
   if (position_ >= order_.size()) return std::string();
-  return items_->Field(std::span<const std::int32_t>(order_).subspan(position_), field);
+  try {
+    return items_->Field(std::span<const std::int32_t>(order_).subspan(position_), field);
+  } catch (const Error&) {
+    failure_ = std::current_exception();
+    throw;
+  }
 }
 
 Value ItemListing::Total(std::string_view name) {
@@ -65,7 +76,7 @@ void ItemListing::AddSortField(std::string_view name, std::int32_t descending) {
 }
 
 void ItemListing::Sort() {
-  position_ = 0;
+  MoveFirst();
   std::iota(order_.begin(), order_.end(), 0);
   if (keys_.empty()) return;
   if (auto order = items_->Order(keys_)) {

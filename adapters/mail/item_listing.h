@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <span>
@@ -48,12 +49,13 @@ class ListingItems {
   virtual std::optional<std::vector<std::int32_t>> Order(std::span<const SortKey> keys);
 };
 
-// The listing of any kind of items. It keeps its items alive.
+// The listing of any kind of items. It keeps its items alive. Tables leave a field that fails empty; so that a store
+// which fails among the rows is told of, the next `MoveNext` fails once as well, after it has moved.
 class ItemListing : public Listing {
  public:
   explicit ItemListing(std::shared_ptr<ListingItems> items);
 
-  void MoveFirst() override { position_ = 0; }
+  void MoveFirst() override;
   void MoveNext() override;
   std::int32_t Count() override { return static_cast<std::int32_t>(order_.size()); }
   Value Field(std::string_view name) override;
@@ -69,6 +71,7 @@ class ItemListing : public Listing {
   std::vector<std::int32_t> order_;
   std::vector<SortKey> keys_;
   std::size_t position_ = 0;
+  std::exception_ptr failure_;  // of a field since the last move
 };
 
 }  // namespace kalvo::mail

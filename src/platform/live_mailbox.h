@@ -15,7 +15,8 @@ class Listing : public Object {
  public:
   virtual void MoveFirst() = 0;
 
-  // Allowed from the last item: the listing then stands past its end, where every field answers "".
+  // Allowed from the last item: the listing then stands past its end, where every field answers "". Moves, then
+  // fails, where the store has failed to tell a field since the last move.
   virtual void MoveNext() = 0;
 
   virtual std::int32_t Count() = 0;
