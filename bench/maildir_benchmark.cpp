@@ -1,7 +1,9 @@
 // The first page of 50 of a Maildir folder of 50 000 messages, cold (no index) and warm, beside the system calls that
-// the page cannot do without: opening and reading each message, or listing the folder and reading the index.
+// the page cannot do without: opening and reading each message, or listing the folder and reading the index. With
+// each page, the most memory that the program has had so far.
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -25,14 +27,13 @@ namespace {
 using namespace kalvo;
 namespace fs = std::filesystem;
 
-constexpr int kMessages = 50'000;
 constexpr int kRows = 50;
 
-std::string Message(int number) {
+std::string Message(int number, int count) {
   std::string text = Built([&](std::string& out) {
     Append(out, "From: Sender ", number % 700, " <s", number % 700, "@kalvo.example>\nSubject: Report ",
-           number * 7919 % kMessages, " of the week\nDate: ", 1 + number * 31 % 28, " Jan 1999 ", number % 24, ":",
-           number % 6, "0:00 +0000\nMIME-Version: 1.0\n");
+           std::int64_t{number} * 7919 % count, " of the week\nDate: ", 1 + number * 31 % 28, " Jan 1999 ", number % 24,
+           ":", number % 6, "0:00 +0000\nMIME-Version: 1.0\n");
   });
   const std::string lines(static_cast<std::size_t>(1000 + number % 40 * 50), 'x');
   if (number % 5 != 0) return text + "Content-Type: text/plain\n\n" + lines + "\n";
@@ -40,12 +41,12 @@ std::string Message(int number) {
          "\n--b\nContent-Type: application/pdf; name=a.pdf\nContent-Transfer-Encoding: base64\n\nQUJD\n--b--\n";
 }
 
-void Fill(const fs::path& store) {
+void Fill(const fs::path& store, int count) {
   for (const char* part : {"cur", "new", "tmp"}) fs::create_directories(store / "alice" / part);
   std::ofstream(store / "mailboxes.txt") << "[server EX01]\n[mailbox Alice]\nserver = EX01\naccount = K\\alice\n"
                                             "address = alice@kalvo.example\nlocation = alice\n";
-  for (int i = 0; i < kMessages; ++i) {
-    const std::string text = Message(i);
+  for (int i = 0; i < count; ++i) {
+    const std::string text = Message(i, count);
     const fs::path file = store / "alice" / "cur" / Built([&](std::string& out) {
                             Append(out, 915148800 + i, ".M1P1.bench,S=", text.size(), ":2,S");
                           });
@@ -67,7 +68,7 @@ void Page(maildir::MaildirStore& store, std::string_view field) {
   const auto live = store.Open();
   live->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath);
   const auto messages = live->Messages();
-  if (live->MessageCount() != kMessages) std::printf("only %d messages\n", live->MessageCount());
+  if (live->MessageCount() != messages->Count()) std::printf("the counts differ\n");
   messages->ClearSortFields();
   messages->AddSortField(field, 1);
   messages->Sort();
@@ -111,9 +112,11 @@ double Milliseconds(const std::function<void()>& step) {
 void PrintPage(const char* what, const fs::path& folder, std::string_view field) {
   maildir::MaildirStore store(folder.string());
   const double time = Milliseconds([&] { Page(store, field); });
-  std::printf("%-34s %9.1f ms %8lld parsed %8lld KiB read\n", what, time,
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  std::printf("%-34s %9.1f ms %8lld parsed %8lld KiB read %6ld MiB\n", what, time,
               static_cast<long long>(store.Done().messagesParsed),
-              static_cast<long long>(store.Done().bytesRead / 1024));
+              static_cast<long long>(store.Done().bytesRead / 1024), usage.ru_maxrss / 1024);
 }
 
 void PrintFloor(const char* what, const std::function<std::int64_t()>& step) {
@@ -124,13 +127,15 @@ void PrintFloor(const char* what, const std::function<std::int64_t()>& step) {
 
 }  // namespace
 
-int main() {
+// The argument is the number of messages, when not 50 000.
+int main(int argumentCount, char** arguments) {
+  const int count = argumentCount > 1 ? std::atoi(arguments[1]) : 50'000;
   std::string name = (fs::temp_directory_path() / "kalvo-bench-XXXXXX").string();
   const fs::path folder = mkdtemp(name.data());
-  Fill(folder);
+  Fill(folder, count);
   Settle(folder, true);
   const fs::path list = folder / "alice" / "cur", indexes = folder / ".kalvo" / "index";
-  std::printf("%d messages, first page of %d\n", kMessages, kRows);
+  std::printf("%d messages, first page of %d\n", count, kRows);
   PrintPage("cold, by date", folder, "CreateDate");
   for (const char* field : {"CreateDate", "ModifiedDate", "Size", "Name", "Sender"}) {
     PrintPage(Built([&](std::string& out) { Append(out, "warm, by ", field); }).c_str(), folder, field);
