@@ -13,7 +13,7 @@ JOBS ?= $(shell nproc)
 .PHONY: run build test tidy format bench packages clean
 
 run: build build/sample/kalvo.db build/sample/users
-	@echo "Sign in as administrator, adam.abbott (who may open the own mailbox) or visitor; password: kalvo-sample"
+	@echo "Sign in as administrator, alice (who may open the own mailbox) or visitor; password: kalvo-sample"
 	@exec build/kalvo serve --config kalvo.toml --listen $(LISTEN)
 
 build:
@@ -30,7 +30,7 @@ build/sample/kalvo.db: | build
 build/sample/users: build/sample/kalvo.db
 	@rm -f $@
 	@echo kalvo-sample | build/kalvo passwd --users $@.part administrator --administrator --drill-down >build/users.log
-	@echo kalvo-sample | build/kalvo passwd --users $@.part adam.abbott --drill-down >>build/users.log
+	@echo kalvo-sample | build/kalvo passwd --users $@.part alice --drill-down >>build/users.log
 	@echo kalvo-sample | build/kalvo passwd --users $@.part visitor >>build/users.log
 	@mv $@.part $@
 
