@@ -13,10 +13,11 @@ namespace {
 
 std::string Reference() {
   return Built([](std::string& page) {
-    page += "# Page script reference\n\n"
-            "The published classes with their operations and properties, in published order. A default stands behind\n"
-            "its parameter; a property with a star can be written too. What each does is said at its declaration in\n"
-            "`include/kalvo/`; [page-scripts.md](page-scripts.md) tells how arguments and results are converted.\n";
+    page +=
+        "# Page script reference\n\n"
+        "The published classes with their operations and properties, in published order. A default stands behind\n"
+        "its parameter; a property with a star can be written too. What each does is said at its declaration in\n"
+        "`include/kalvo/`; [page-scripts.md](page-scripts.md) tells how arguments and results are converted.\n";
     for (const ClassBinding& binding : Classes()) {
       if (binding.make == nullptr) continue;
       Append(page, "\n## ", kClassPrefix, binding.name, "\n\n");
