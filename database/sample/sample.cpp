@@ -48,12 +48,17 @@ void MakeSample(const SampleOptions& options, Progress& progress) {
   writer.Finish();
 }
 
-TextProgress::~TextProgress() {
-  if (lineOpen_) out_ << "\n";
+TextProgress::~TextProgress() { EndLine(); }
+
+// The last count that was shown is seldom the whole; a step that has ended stands without one.
+void TextProgress::EndLine() {
+  constexpr std::string_view kOverTheCount = "     ";
+  if (lineOpen_) out_ << "\r" << step_ << kOverTheCount << "\n";
+  lineOpen_ = false;
 }
 
 void TextProgress::Step(std::string_view what) {
-  if (lineOpen_) out_ << "\n";
+  EndLine();
   out_ << what << std::flush;
   step_ = what;
   lineOpen_ = true;

@@ -43,6 +43,8 @@ class TextProgress : public Progress {
   void Rows(std::int64_t done, std::int64_t total) override;
 
  private:
+  void EndLine();
+
   std::ostream& out_;
   std::string step_;
   bool lineOpen_ = false;
