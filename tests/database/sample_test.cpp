@@ -123,7 +123,7 @@ TEST(Sample, TellsItsProgress) {
     progress.Rows(1, 2);
     progress.Step("indexes");
   }
-  EXPECT_EQ(out.str(), "mailboxes\rmailboxes 50%\nindexes\n");
+  EXPECT_EQ(out.str(), "mailboxes\rmailboxes 50%\rmailboxes     \nindexes\rindexes     \n");
 }
 
 TEST(Moments, AreWrittenAsDatesAndTimes) {
