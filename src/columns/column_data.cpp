@@ -20,12 +20,6 @@ constexpr double kDirectoryStore = 2;
 
 std::string_view ReadValue(RowCell& cell) { return cell.value = cell.row.GetField(cell.column.databaseField); }
 
-double NumberOf(std::string_view value) {
-  const auto number = ParseNumber(value);
-  if (!number) throw TypeMismatch();
-  return *number;
-}
-
 double ReadNumber(RowCell& cell) { return NumberOf(ReadValue(cell)); }
 
 // A field that holds a code; text that is no number is no code.

@@ -108,12 +108,6 @@ void AppendHundredths(std::string& out, std::int64_t hundredths, const Locale& l
   Append(out, locale.decimalPoint, static_cast<char>('0' + cents / 10), static_cast<char>('0' + cents % 10));
 }
 
-double NumberOf(std::string_view text) {
-  const auto number = ParseNumber(text);
-  if (!number) throw TypeMismatch();
-  return *number;
-}
-
 }  // namespace
 
 // ---- numbers --------------------------------------------------------------------------------------------

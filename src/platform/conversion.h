@@ -33,6 +33,9 @@ void AppendDate(std::string& out, Date date, const Locale& locale);
 // optional exponent. Nothing for any other text.
 std::optional<double> ParseNumber(std::string_view text);
 
+// The same of a text that must be a number; any other fails with 13.
+double NumberOf(std::string_view text);
+
 bool IsNumeric(const Value& value);
 
 // Numbers by conversion: empty is 0, booleans -1 and 0, dates their serial, text as `ParseNumber` reads it.

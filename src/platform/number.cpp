@@ -92,12 +92,6 @@ Integer RoundedTo(double number) {
   return static_cast<Integer>(rounded);
 }
 
-double NumberOf(std::string_view text) {
-  const auto number = ParseNumber(text);
-  if (!number) throw TypeMismatch();
-  return *number;
-}
-
 }  // namespace
 
 void AppendDouble(std::string& out, double number) { AppendFloating(out, number, std::chars_format::general, 15); }
@@ -109,6 +103,12 @@ std::optional<double> ParseNumber(std::string_view text) {
   if (digits.text.empty()) return std::nullopt;
   const double number = ReadDigits(digits.text);
   return digits.negative ? -number : number;
+}
+
+double NumberOf(std::string_view text) {
+  const auto number = ParseNumber(text);
+  if (!number) throw TypeMismatch();
+  return *number;
 }
 
 bool IsNumeric(const Value& value) {
