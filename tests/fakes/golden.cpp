@@ -1,4 +1,5 @@
 #include "fakes/golden.h"
+#include "source_folder.h"
 
 #include <gtest/gtest.h>
 

@@ -6,6 +6,7 @@
 
 #include "host/script/classes.h"
 #include "platform/append.h"
+#include "source_folder.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::host {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "host/parts/setting_error.h"
+#include "source_folder.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::web {

@@ -6,6 +6,7 @@
 
 #include "golden/live/sample_site.h"
 #include "platform/live_mailbox.h"
+#include "source_folder.h"
 
 namespace kalvo::test {
 namespace {

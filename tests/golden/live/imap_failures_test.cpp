@@ -6,6 +6,7 @@
 
 #include "golden/live/mail_relay.h"
 #include "golden/live/sample_mail_server.h"
+#include "source_folder.h"
 
 namespace kalvo::test {
 namespace {

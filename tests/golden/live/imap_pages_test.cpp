@@ -6,6 +6,7 @@
 
 #include "fakes/golden.h"
 #include "golden/live/sample_mail_server.h"
+#include "source_folder.h"
 
 namespace kalvo::test {
 namespace {

@@ -9,6 +9,7 @@
 #include "database/sample/sample.h"
 #include "database/sample_databases.h"
 #include "fakes/golden.h"
+#include "source_folder.h"
 #include "support/mariadb_server.h"
 #include "support/odbc_data_source.h"
 #include "support/postgres_server.h"

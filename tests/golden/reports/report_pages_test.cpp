@@ -7,6 +7,7 @@
 #include "database/sample_databases.h"
 #include "fakes/golden.h"
 #include "golden/reports/report_cases.h"
+#include "source_folder.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::test {
