@@ -12,9 +12,11 @@
 #include "host/parts/setting_error.h"
 #include "host/web/address.h"
 #include "host/web/error_pages.h"
+#include "host/web/generation.h"
 #include "host/web/listening.h"
 #include "host/web/nginx.h"
 #include "host/web/nginx_config.h"
+#include "host/web/worker.h"
 #include "host/web/worker_pool.h"
 #include "host/web/worker_slots.h"
 #include "platform/append.h"
@@ -71,11 +73,15 @@ void Supervisor::Run(std::ostream& out) {
 void Supervisor::Start(std::ostream& out) {
   if (!settings_.External()) CheckAddressIsFree(settings_.listen);
   if (geteuid() == 0) log_.Write("running as root; a user of its own is safer");
+  const auto generation = std::make_shared<Generation>(settings_, log_);
   signals_ = OpenSignals();
   WriteConfiguration(settings_);
   socket_ = ListenForNginx(run_.Socket(), settings_.queue);
-  pool_ = std::make_unique<WorkerPool>(socket_, run_.Errors(), log_);
-  pool_->Use(std::make_shared<Generation>(settings_, log_));
+  const auto live = [this](Generation& current, WorkerSlot& slot, pid_t parent) {
+    return Worker(current, run_.Errors(), log_, slot).Run(socket_, parent);
+  };
+  pool_ = std::make_unique<WorkerPool>(live, log_);
+  pool_->Use(generation);
   if (settings_.External()) {
     out << "Serving " << settings_.site.string() << "; include " << run_.NginxSite().string()
         << " in a server block of nginx" << std::endl;

@@ -9,11 +9,12 @@
 #include <cerrno>
 #include <csignal>
 
+#include "host/parts/memory_session.h"
 #include "host/parts/setting_error.h"
 #include "host/web/error_pages.h"
 #include "host/web/fastcgi.h"
+#include "host/web/generation.h"
 #include "host/web/log.h"
-#include "host/web/settings.h"
 #include "host/web/worker_slots.h"
 
 namespace kalvo::web {
@@ -62,15 +63,8 @@ int StatusOf(const host::PageFailure& failure) { return failure.kind == host::Fa
 
 }  // namespace
 
-Worker::Worker(const Settings& settings, host::Site& site, const host::LiveDrillerMaker& makeDriller,
-               std::filesystem::path errors, const Log& log, WorkerSlot& slot)
-    : settings_(settings), site_(site), makeDriller_(makeDriller), errors_(std::move(errors)), log_(log), slot_(slot) {
-  if (settings.users.empty()) return;
-  login::GateSettings gate{settings.users, settings.sessions, {}, {}};
-  gate.lifetimes.idle = settings.sessionMinutes * 60;
-  gate.patience = std::chrono::milliseconds(static_cast<std::int64_t>(settings.timeLimit * 500));
-  gate_.emplace(gate, makeDriller, log);
-}
+Worker::Worker(Generation& generation, std::filesystem::path errors, const Log& log, WorkerSlot& slot)
+    : generation_(generation), errors_(std::move(errors)), log_(log), slot_(slot) {}
 
 int Worker::Run(int socket, pid_t parent) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -101,8 +95,9 @@ void Worker::Serve(FCGX_Request& request) {
 
 void Worker::RunPage(FCGX_Request& request) {
   const FastCgiRequest asked = ReadRequest(request);
+  const Settings& settings = generation_.settings;
   const RunningPage running(slot_, asked.page,
-                            static_cast<std::int64_t>(settings_.timeLimit * 1000) + kGraceMilliseconds);
+                            static_cast<std::int64_t>(settings.timeLimit * 1000) + kGraceMilliseconds);
   if (!asked.complete) return SendError(request, 400);
 
   host::PageRequest page = asked.request;
@@ -112,9 +107,9 @@ void Worker::RunPage(FCGX_Request& request) {
   page.serverVariables.emplace_back("AUTH_USER", admission->logon);
   for (auto& variable : admission->variables) page.serverVariables.push_back(std::move(variable));
   host::PageOptions options;
-  options.limits = {settings_.timeLimit, static_cast<std::size_t>(settings_.memoryLimit)};
+  options.limits = {settings.timeLimit, static_cast<std::size_t>(settings.memoryLimit)};
   FastCgiSink sink(request);
-  const host::PageResult result = site_.Run(asked.page, page, *admission->session, sink, options);
+  const host::PageResult result = generation_.site.Run(asked.page, page, *admission->session, sink, options);
   if (!result.failure) return FCGX_Finish_r(&request);
 
   const int status = StatusOf(*result.failure);
@@ -124,12 +119,15 @@ void Worker::RunPage(FCGX_Request& request) {
 }
 
 std::optional<login::Admission> Worker::Admit(FCGX_Request& request, std::string_view page, host::PageRequest& asked) {
-  if (!gate_) {
+  if (!generation_.gate) {
+    const Settings& settings = generation_.settings;
     return login::Admission{
-        std::make_unique<host::MemorySession>(settings_.session, makeDriller_), settings_.logon, {}};
+        std::make_unique<host::MemorySession>(settings.session, generation_.parts.GetLiveDrillerMaker()),
+        settings.logon,
+        {}};
   }
   try {
-    auto decision = gate_->Admit(page, asked);
+    auto decision = generation_.gate->Admit(page, asked);
     if (auto* admission = std::get_if<login::Admission>(&decision)) return std::move(*admission);
     const host::PageHead& head = std::get<login::Answer>(decision).head;
     if (head.status >= 400) {

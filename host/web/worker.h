@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <optional>
 
-#include "host/parts/memory_session.h"
 #include "host/script/page.h"
 #include "host/web/login/gate.h"
 
@@ -14,15 +13,15 @@ struct FCGX_Request;
 namespace kalvo::web {
 
 class Log;
-struct Settings;
+struct Generation;
 struct WorkerSlot;
 
 // One process that runs pages, one at a time, as they come in on a listening socket. What it is made of was made
 // by its parent before the fork, the compiled pages among it.
 class Worker {
  public:
-  Worker(const Settings& settings, host::Site& site, const host::LiveDrillerMaker& makeDriller,
-         std::filesystem::path errors, const Log& log, WorkerSlot& slot);
+  // `errors` holds the error pages.
+  Worker(Generation& generation, std::filesystem::path errors, const Log& log, WorkerSlot& slot);
 
   // Serves until SIGTERM comes; a page that runs then is run to its end. The exit code.
   int Run(int socket, pid_t parent);
@@ -34,13 +33,10 @@ class Worker {
   std::optional<login::Admission> Admit(FCGX_Request& request, std::string_view page, host::PageRequest& asked);
   void SendError(FCGX_Request& request, int status);
 
-  const Settings& settings_;
-  host::Site& site_;
-  const host::LiveDrillerMaker& makeDriller_;
+  Generation& generation_;
   std::filesystem::path errors_;
   const Log& log_;
   WorkerSlot& slot_;
-  std::optional<login::Gate> gate_;  // where visitors sign in
 };
 
 // How long the supervisor waits beyond the page's own time limit before it ends a worker.

@@ -7,48 +7,22 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
+#include "host/web/generation.h"
 #include "host/web/log.h"
-#include "host/web/worker.h"
 #include "platform/append.h"
 
 namespace kalvo::web {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr int kMostWorkers = 2048;  // two generations of the most that the settings allow
 constexpr std::int64_t kFirstDelay = 100, kLongestDelay = 5000;
 
-bool IsPage(const fs::path& path) {
-  const std::string extension = path.extension().string();
-  return extension.size() == 4 && strcasecmp(extension.c_str(), ".asp") == 0;
-}
-
-void PrepareAll(host::Site& site, const fs::path& root, const Log& log) {
-  const auto skipUnreadable = fs::directory_options::skip_permission_denied;
-  std::error_code error;
-  for (fs::recursive_directory_iterator entry(root, skipUnreadable, error), end; !error && entry != end;
-       entry.increment(error)) {
-    if (entry->path().filename().string().starts_with('.')) {
-      entry.disable_recursion_pending();
-    } else if (IsPage(entry->path())) {
-      const auto failure = site.Prepare(entry->path().lexically_relative(root).generic_string());
-      if (failure) log.Write("page " + Describe(*failure));
-    }
-  }
-}
-
 }  // namespace
 
-Generation::Generation(Settings chosen, const Log& log)
-    : settings(std::move(chosen)), parts(settings.Parts()), site(settings.site, parts.GetPlatform()) {
-  PrepareAll(site, settings.site, log);
-}
-
-WorkerPool::WorkerPool(int socket, fs::path errors, const Log& log)
-    : socket_(socket), errors_(std::move(errors)), log_(log), slots_(kMostWorkers) {}
+WorkerPool::WorkerPool(WorkerLife life, const Log& log) : life_(std::move(life)), log_(log), slots_(kMostWorkers) {}
 
 void WorkerPool::Use(std::shared_ptr<Generation> generation) {
   generation_ = std::move(generation);
@@ -77,10 +51,8 @@ void WorkerPool::Start() {
   const pid_t process = fork();
   if (process == 0) {
     setpgid(0, 0);
-    Worker worker(generation_->settings, generation_->site, generation_->parts.GetLiveDrillerMaker(), errors_, log_,
-                  slots_[slot]);
     // The parent's objects are the parent's to destroy.
-    _exit(worker.Run(socket_, parent));
+    _exit(Live(slots_[slot], parent));
   }
   if (process < 0) {
     log_.Write(std::string("a worker could not be started: ") + std::strerror(errno));
@@ -88,6 +60,18 @@ void WorkerPool::Start() {
     return;
   }
   workers_.push_back({process, slot, generation_, Milliseconds()});
+}
+
+// All that a child of the supervisor ever runs: nothing goes up from here into what is the supervisor's to do.
+int WorkerPool::Live(WorkerSlot& slot, pid_t parent) noexcept {
+  try {
+    return life_(*generation_, slot, parent);
+  } catch (const std::exception& error) {
+    log_.Write(std::string("a worker cannot go on: ") + error.what());
+  } catch (...) {
+    log_.Write("a worker cannot go on");
+  }
+  return EXIT_FAILURE;
 }
 
 int WorkerPool::FreeSlot() const {

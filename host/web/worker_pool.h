@@ -3,35 +3,27 @@
 #include <sys/types.h>
 
 #include <cstdint>
-#include <filesystem>
+#include <functional>
 #include <memory>
 #include <vector>
 
-#include "host/parts/parts.h"
-#include "host/script/page.h"
-#include "host/web/settings.h"
 #include "host/web/worker_slots.h"
 
 namespace kalvo::web {
 
 class Log;
+struct Generation;
 
-// What workers are forked from: settings, parts that nothing has been asked of yet, and the site's compiled pages.
-struct Generation {
-  // Compiles every page of the site; one that cannot be compiled is logged and answered 500 when it is asked for.
-  Generation(Settings chosen, const Log& log);
-
-  Settings settings;
-  host::Parts parts;
-  host::Site site;
-};
+// What a worker process does from its fork to its end, and its exit code. It may throw: that ends this worker, with
+// a word in the log, and nobody else.
+using WorkerLife = std::function<int(Generation& generation, WorkerSlot& slot, pid_t parent)>;
 
 // The worker processes of a server: as many as the settings ask for, replaced when they die, ended when a page
 // keeps one too long.
 class WorkerPool {
  public:
-  // `socket` listens and does not block. `errors` holds the error pages.
-  WorkerPool(int socket, std::filesystem::path errors, const Log& log);
+  // The log outlives the pool.
+  WorkerPool(WorkerLife life, const Log& log);
 
   // Workers are forked from this generation from now on. Those of an earlier one finish their page and go.
   void Use(std::shared_ptr<Generation> generation);
@@ -58,13 +50,13 @@ class WorkerPool {
   };
 
   void Start();
+  int Live(WorkerSlot& slot, pid_t parent) noexcept;
   int FreeSlot() const;
   void EndOverdue();
   void RetireAllBut(const Generation* generation);
   void LogEnd(const Member& member, int status);
 
-  int socket_;
-  std::filesystem::path errors_;
+  WorkerLife life_;
   const Log& log_;
   WorkerSlots slots_;
   std::shared_ptr<Generation> generation_;

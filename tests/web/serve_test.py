@@ -19,6 +19,7 @@ KALVO = sys.argv.pop()
 
 # A page that takes so many milliseconds.
 SLOW = "<% var until = Date.now() + {0}; while (Date.now() < until) {{}} %>done"
+SESSIONS_BELOW_A_FILE = 'users = "users"\nsessions = "plain/sessions"'
 INTERNAL = re.compile(r"\.asp|line|Error:|stack|KalvoTables|/tmp", re.IGNORECASE)
 
 
@@ -408,6 +409,20 @@ class Reload(unittest.TestCase):
             self.assertIn("workers takes a whole number", server.log())
             self.assertEqual(server.get("who.asp").text, "old")
 
+    def test_sessions_that_cannot_be_kept_change_nothing(self):
+        with serving({"good.asp": "good"}, "workers = 1") as server:
+            blocked = SESSIONS_BELOW_A_FILE
+            for name in ("users", "plain"):
+                open(os.path.join(server.folder, name), "w", encoding="utf-8").close()
+            os.chmod(os.path.join(server.folder, "users"), 0o600)
+            before = server.workers()
+            server.configure("workers = 1\n" + blocked)
+            server.process.send_signal(signal.SIGHUP)
+            wait_until("a word in the log", lambda: "not reloaded: " in server.log())
+            self.assertIn(f"sessions: {server.folder}/plain/sessions", server.log())
+            self.assertEqual(server.workers(), before)
+            self.assertEqual(server.get("good.asp").text, "good")
+
     def test_another_address(self):
         with serving({"good.asp": "good"}) as server:
             server.port = free_port()
@@ -522,6 +537,20 @@ class Start(unittest.TestCase):
             self.assertIn(f"{config}:2: workers takes a whole number", self.refused("--config", config))
             self.assertIn("there is no such settings file", self.refused("--config", config + "x"))
             self.assertIn("is no folder", self.refused("--site", folder + "/missing"))
+
+    def test_sessions_that_cannot_be_kept_are_refused(self):
+        server = serving({})
+        server.configure(SESSIONS_BELOW_A_FILE)
+        try:
+            for name in ("users", "plain"):
+                open(os.path.join(server.folder, name), "w", encoding="utf-8").close()
+            os.chmod(os.path.join(server.folder, "users"), 0o600)
+            said = self.refused("--config", server.config)
+            self.assertIn(f"sessions: {server.folder}/plain/sessions", said)
+            self.assertIn("Not a directory", said)
+            self.assertFalse(os.path.exists(os.path.join(server.folder, "run", "worker.sock")))
+        finally:
+            subprocess.run(["rm", "-rf", server.folder], check=True)
 
     def test_an_nginx_that_cannot_run_is_refused_and_nothing_is_left(self):
         server = serving({}, 'nginx = "no-such-nginx"')

@@ -137,7 +137,8 @@ SessionStore::SessionStore(fs::path folder, const Lifetimes& lifetimes, const ho
   std::error_code failed;
   fs::create_directories(folder_, failed);
   if (!failed) fs::permissions(folder_, fs::perms::owner_all, failed);
-  if (failed) throw host::SettingError("the folder of the sessions, " + folder_.string() + ": " + failed.message());
+  if (failed)
+    throw host::SettingError("sessions: " + folder_.string() + " cannot be a folder of ours: " + failed.message());
 }
 
 fs::path SessionStore::PathOf(std::string_view id) const { return folder_ / (Fingerprint(id) + std::string(kFileEnd)); }

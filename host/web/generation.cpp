@@ -1,0 +1,46 @@
+#include "host/web/generation.h"
+
+#include <strings.h>
+
+#include "host/web/log.h"
+
+namespace kalvo::web {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool IsPage(const fs::path& path) {
+  const std::string extension = path.extension().string();
+  return extension.size() == 4 && strcasecmp(extension.c_str(), ".asp") == 0;
+}
+
+void PrepareAll(host::Site& site, const fs::path& root, const Log& log) {
+  const auto skipUnreadable = fs::directory_options::skip_permission_denied;
+  std::error_code error;
+  for (fs::recursive_directory_iterator entry(root, skipUnreadable, error), end; !error && entry != end;
+       entry.increment(error)) {
+    if (entry->path().filename().string().starts_with('.')) {
+      entry.disable_recursion_pending();
+    } else if (IsPage(entry->path())) {
+      const auto failure = site.Prepare(entry->path().lexically_relative(root).generic_string());
+      if (failure) log.Write("page " + Describe(*failure));
+    }
+  }
+}
+
+login::GateSettings GateSettingsOf(const Settings& settings) {
+  login::GateSettings gate{settings.users, settings.sessions, {}, {}};
+  gate.lifetimes.idle = settings.sessionMinutes * 60;
+  gate.patience = std::chrono::milliseconds(static_cast<std::int64_t>(settings.timeLimit * 500));
+  return gate;
+}
+
+}  // namespace
+
+Generation::Generation(Settings chosen, const Log& log)
+    : settings(std::move(chosen)), parts(settings.Parts()), site(settings.site, parts.GetPlatform()) {
+  if (!settings.users.empty()) gate.emplace(GateSettingsOf(settings), parts.GetLiveDrillerMaker(), log);
+  PrepareAll(site, settings.site, log);
+}
+
+}  // namespace kalvo::web

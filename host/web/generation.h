@@ -1,0 +1,28 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+
+#include "host/parts/parts.h"
+#include "host/script/page.h"
+#include "host/web/login/gate.h"
+#include "host/web/settings.h"
+
+namespace kalvo::web {
+
+class Log;
+
+// Everything that workers are forked from: settings, parts that nothing has been asked of yet, the site's compiled
+// pages, and the gate. What is wrong with the settings shows while this is made, in the process that can refuse them.
+struct Generation {
+  // Compiles every page of the site; one that cannot be compiled is logged and answered 500 when it is asked for.
+  // Fails with SettingError. The log outlives the generation.
+  Generation(Settings chosen, const Log& log);
+
+  Settings settings;
+  host::Parts parts;
+  host::Site site;
+  std::optional<login::Gate> gate;  // where visitors sign in; nothing where nobody does
+};
+
+}  // namespace kalvo::web
