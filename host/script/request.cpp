@@ -20,10 +20,14 @@ void ForEachPart(std::string_view text, char separator, Part&& part) {
   }
 }
 
-void AddPart(NamedValues& names, std::string_view part) {
+// What stands behind the "=" of a part; nothing where there is none.
+std::string_view ValueOf(std::string_view part) {
   const std::size_t equals = part.find('=');
-  const std::string_view value = equals == std::string_view::npos ? std::string_view() : part.substr(equals + 1);
-  names.Add(UrlDecoded(part.substr(0, equals)), UrlDecoded(value));
+  return equals == std::string_view::npos ? std::string_view() : part.substr(equals + 1);
+}
+
+void AddPart(NamedValues& names, std::string_view part) {
+  names.Add(UrlDecoded(part.substr(0, part.find('='))), UrlDecoded(ValueOf(part)));
 }
 
 NamedValues ServerVariablesOf(const PageRequest& request) {
@@ -80,6 +84,16 @@ const std::vector<std::string>& NamedValues::Of(std::string_view name) const {
   static const std::vector<std::string> kNone;
   const auto found = places_.find(ToLower(name));
   return found == places_.end() ? kNone : values_[found->second];
+}
+
+std::optional<std::string> FirstValue(std::string_view text, std::string_view name) {
+  std::optional<std::string> found;
+  ForEachPart(text, '&', [&](std::string_view part) {
+    const std::string_view key = part.substr(0, part.find('='));
+    if (found || key.size() > 3 * name.size()) return;  // every byte of a name is one byte, or three
+    if (EqualsIgnoringCase(UrlDecoded(key), name)) found = UrlDecoded(ValueOf(part));
+  });
+  return found;
 }
 
 std::string JoinedValues(const std::vector<std::string>& values) {

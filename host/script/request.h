@@ -1,10 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "host/script/page.h"
@@ -13,7 +14,8 @@
 namespace kalvo::host {
 
 // Named values in the order of their first appearance, spelled as they first came; names are matched without
-// regard to case, and a name may have several values.
+// regard to case, and a name may have several values. Names come from outside: the map is an ordered one, because
+// anybody can make names that share a hash.
 class NamedValues {
  public:
   // Of "a=1&b=2&a=3": `x` without "=" is the name x with an empty value, empty parts are skipped.
@@ -30,8 +32,11 @@ class NamedValues {
  private:
   std::vector<std::string> keys_;
   std::vector<std::vector<std::string>> values_;
-  std::unordered_map<std::string, std::size_t> places_;  // by the name in lower case
+  std::map<std::string, std::size_t> places_;  // by the name in lower case
 };
+
+// The first value of a name in an URL-encoded text, found without taking the rest of the text apart.
+std::optional<std::string> FirstValue(std::string_view text, std::string_view name);
 
 std::string JoinedValues(const std::vector<std::string>& values);
 

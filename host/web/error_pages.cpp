@@ -1,8 +1,10 @@
 #include "host/web/error_pages.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
+#include "host/script/encoding.h"
 #include "host/web/run_folder.h"
 #include "platform/append.h"
 
@@ -62,10 +64,14 @@ std::string_view ReasonOf(int status) {
   return "Error";
 }
 
-std::string ReadErrorPage(const fs::path& folder, int status) {
+std::string ReadErrorPage(const fs::path& folder, int status, std::string_view why) {
   std::string content;
   if (!ReadWhole(folder / NameOf(status), content)) content = ReasonOf(status);
-  return content;
+  if (why.empty()) return content;
+  std::string paragraph = "<p>";
+  host::AppendHtmlEncoded(paragraph, why);
+  paragraph += "</p>\n";
+  return content.insert(std::min(content.rfind("</body>"), content.size()), paragraph);
 }
 
 }  // namespace kalvo::web

@@ -24,7 +24,8 @@ void WriteErrorPages(const std::filesystem::path& folder, const std::filesystem:
 // The reason phrase of a status that `ErrorPages` has.
 std::string_view ReasonOf(int status);
 
-// The page of a status, from a folder that `WriteErrorPages` filled.
-std::string ReadErrorPage(const std::filesystem::path& folder, int status);
+// The page of a status, from a folder that `WriteErrorPages` filled, with `why` as its last paragraph where the visitor
+// can mend what was wrong.
+std::string ReadErrorPage(const std::filesystem::path& folder, int status, std::string_view why = "");
 
 }  // namespace kalvo::web

@@ -7,6 +7,7 @@
 #include "host/parts/setting_error.h"
 #include "host/web/address.h"
 #include "host/web/error_pages.h"
+#include "host/web/login/gate.h"
 #include "host/web/run_folder.h"
 #include "host/web/settings.h"
 #include "platform/append.h"
@@ -84,10 +85,16 @@ void AppendErrors(std::string& out, const RunFolder& run) {
          ";\n  add_header Retry-After 2 always;\n}\n");
 }
 
+// What a stranger may send to sign in.
+std::string SignInLimits() {
+  return Built([](std::string& out) { Append(out, "  client_max_body_size ", login::kLargestSignIn, ";\n"); });
+}
+
+// A location of pages; `limits` are directives of its own.
 void AppendPage(std::string& out, std::string_view address, std::string_view page, std::string_view url,
-                const RunFolder& run) {
-  Append(out, "location ~ ", address, " {\n  fastcgi_param KALVO_PAGE ", page, ";\n  fastcgi_param KALVO_URL ", url,
-         ";\n");
+                const RunFolder& run, std::string_view limits = "") {
+  Append(out, "location ", address, " {\n", limits, "  fastcgi_param KALVO_PAGE ", page,
+         ";\n  fastcgi_param KALVO_URL ", url, ";\n");
   // A location with a parameter of its own inherits none.
   Append(out, kParameters.substr(1), "  fastcgi_pass \"unix:", run.Socket().string(), "\";\n}\n");
 }
@@ -101,8 +108,9 @@ void AppendAddresses(std::string& out, const Settings& settings, const RunFolder
   // The first match decides.
   Append(out, "location ~ [\\x00-\\x1f\\x7f] { return 400; }\n");
   Append(out, "location ~ /\\. { return 404; }\n");
-  AppendPage(out, "^/KalvoforExchange(/.*\\.[Aa][Ss][Pp])$", "$1", "$uri", run);
-  AppendPage(out, "^/KalvoforExchange(/(?:.*/)?)$", "$1Default.asp", "${uri}Default.asp", run);
+  AppendPage(out, "= /KalvoforExchange/SignIn.asp", "/SignIn.asp", "$uri", run, SignInLimits());
+  AppendPage(out, "~ ^/KalvoforExchange(/.*\\.[Aa][Ss][Pp])$", "$1", "$uri", run);
+  AppendPage(out, "~ ^/KalvoforExchange(/(?:.*/)?)$", "$1Default.asp", "${uri}Default.asp", run);
   Append(out, "location ~ ^/KalvoforExchange(/.*\\.(?i:", kFileKinds, "))$ {\n  root ", site,
          ";\n  disable_symlinks on from=$document_root;\n  try_files $1 =404;\n}\n");
   Append(out, "location ~ ^/KalvoforExchange(/[A-Za-z0-9_/-]+)$ {\n  root ", site,

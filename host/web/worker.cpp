@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <csignal>
 
+#include "host/edge/limits.h"
 #include "host/parts/memory_session.h"
 #include "host/parts/setting_error.h"
 #include "host/web/error_pages.h"
@@ -100,6 +101,8 @@ void Worker::RunPage(FCGX_Request& request) {
                             static_cast<std::int64_t>(settings.timeLimit * 1000) + kGraceMilliseconds);
   if (!asked.complete) return SendError(request, 400);
 
+  if (const auto reason = edge::BeyondLimits(asked.request)) return SendError(request, 400, *reason);
+
   host::PageRequest page = asked.request;
   std::optional<login::Admission> admission = Admit(request, asked.page, page);
   if (!admission) return;
@@ -145,13 +148,13 @@ std::optional<login::Admission> Worker::Admit(FCGX_Request& request, std::string
   return std::nullopt;
 }
 
-void Worker::SendError(FCGX_Request& request, int status) {
+void Worker::SendError(FCGX_Request& request, int status, std::string_view why) {
   host::PageHead head;
   head.status = status;
   head.reason = ReasonOf(status);
   FastCgiSink sink(request);
   sink.Head(head);
-  sink.Body(ReadErrorPage(errors_, status));
+  sink.Body(ReadErrorPage(errors_, status, why));
   FCGX_Finish_r(&request);
 }
 

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <string_view>
 
 #include "host/script/page.h"
 #include "host/web/login/gate.h"
@@ -31,7 +32,8 @@ class Worker {
   void RunPage(FCGX_Request& request);
   // Who may see the page, and as whom; nothing when the answer has been sent already.
   std::optional<login::Admission> Admit(FCGX_Request& request, std::string_view page, host::PageRequest& asked);
-  void SendError(FCGX_Request& request, int status);
+  // `why` is a sentence for the visitor that the error page does not have.
+  void SendError(FCGX_Request& request, int status, std::string_view why = "");
 
   Generation& generation_;
   std::filesystem::path errors_;

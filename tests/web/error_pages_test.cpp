@@ -27,6 +27,15 @@ TEST(ErrorPages, EveryStatusHasOne) {
   }
 }
 
+TEST(ErrorPages, SayWhatWasWrongBelowTheirText) {
+  const TemporaryFolder custom, written;
+  test::WriteFile(custom.Path() / "413.html", "Too much.");
+  WriteErrorPages(written.Path(), custom.Path());
+  EXPECT_TRUE(ReadErrorPage(written.Path(), 400, "No <b> & no \"x\".")
+                  .ends_with("understood.</p>\n<p>No &lt;b&gt; &amp; no &quot;x&quot;.</p>\n</body>\n</html>\n"));
+  EXPECT_EQ(ReadErrorPage(written.Path(), 413, "At most 3."), "Too much.<p>At most 3.</p>\n");
+}
+
 TEST(ErrorPages, WithoutAFileTheReasonIsSaid) {
   const TemporaryFolder empty;
   EXPECT_EQ(ReadErrorPage(empty.Path(), 503), "Service Unavailable");

@@ -134,6 +134,21 @@ class Addresses(unittest.TestCase):
                 self.assertNotIn("secret", answer.text)
                 self.assertIn("<h1>", answer.text)
 
+    def test_what_is_too_much(self):
+        form = {"Content-Type": "application/x-www-form-urlencoded"}
+        for why, query, body, sentence in [
+                ("a long query", "a=" + "x" * 8191, "", "at most 8192 bytes"),
+                ("many parameters", "".join(f"a{i}&" for i in range(1001)), "", "at most 1000 parameters"),
+                ("many values of one", "a&" * 65, "", "at most 64 values"),
+                ("many fields", "", "a&" * 100_001, "at most 100000 fields"),
+        ]:
+            with self.subTest(why):
+                answer = self.server.request("/KalvoforExchange/Default.asp?" + query, "POST", body, form)
+                self.assertEqual(answer.status, 400)
+                self.assertIn(sentence, answer.text)
+        answer = self.server.request("/KalvoforExchange/Default.asp", "POST", "a&" * 100_000, form)
+        self.assertEqual(answer.status, 200)
+
     def test_what_leads_elsewhere(self):
         for path, status, target in [
                 ("/", 302, "/KalvoforExchange/"),
@@ -220,7 +235,8 @@ class Requests(unittest.TestCase):
         big = "x=" + "a" * (1024 * 1024 - 2)
         for why, ask, status in [
                 ("a query string of 1 MB", lambda: self.server.get("query.asp?x=" + "a" * 1000000), 414),
-                ("a query string of 15 KB", lambda: self.server.get("query.asp?x=" + "a" * 15000), 200),
+                ("a query string of 15 KB", lambda: self.server.get("query.asp?x=" + "a" * 15000), 400),
+                ("a query string of 8 KiB", lambda: self.server.get("query.asp?x=" + "a" * 8190), 200),
                 ("a header of 100 KB", lambda: self.server.get("echo.asp", headers={"X-Odd": "a" * 100000}), 431),
                 ("a form of 1 MiB", lambda: self.server.get("form.asp", method="POST", body=big, headers=form), 200),
                 ("one byte more", lambda: self.server.get("form.asp", method="POST", body=big + "a", headers=form),

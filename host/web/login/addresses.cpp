@@ -9,7 +9,7 @@
 namespace kalvo::web::login {
 namespace {
 
-constexpr std::size_t kLongestAddress = 4096;
+constexpr std::size_t kLongestAddress = 2048;  // encoded, it still fits into a sign-in's form
 
 bool IsAddressCharacter(char c) { return c > ' ' && c < 0x7f && c != '\\' && c != '"' && c != '<' && c != '>'; }
 

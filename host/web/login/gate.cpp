@@ -74,6 +74,13 @@ Answer GoTo(int status, std::string_view reason, std::string address) {
   return answer;
 }
 
+Answer Refusal(int status, std::string_view reason) {
+  Answer answer;
+  answer.head.status = status;
+  answer.head.reason = reason;
+  return answer;
+}
+
 Answer SeeOther(std::string address) { return GoTo(303, "See Other", std::move(address)); }
 
 // A form that a page of another site sent, with names of its own in it, signs nobody in.
@@ -87,10 +94,7 @@ bool CameFromElsewhere(const host::PageRequest& request) {
          !EqualsIgnoringCase(origin.substr(host + 3), VariableOf(request, "HTTP_HOST"));
 }
 
-std::string FirstOf(const host::NamedValues& form, std::string_view name) {
-  const auto& values = form.Of(name);
-  return values.empty() ? "" : values.front();
-}
+std::string Field(std::string_view form, std::string_view name) { return host::FirstValue(form, name).value_or(""); }
 
 }  // namespace
 
@@ -128,14 +132,10 @@ std::variant<Admission, Answer> Gate::Admit(std::string_view page, host::PageReq
 }
 
 std::variant<Admission, Answer> Gate::SignIn(host::PageRequest& request, std::string_view oldSession) {
-  if (CameFromElsewhere(request)) {
-    Answer answer;
-    answer.head.status = 403;
-    answer.head.reason = "Forbidden";
-    return answer;
-  }
-  const host::NamedValues form = host::NamedValues::FromQuery(request.form);
-  const std::string name = FirstOf(form, "Name"), password = FirstOf(form, "Password"), back = FirstOf(form, "Return");
+  if (CameFromElsewhere(request)) return Refusal(403, "Forbidden");
+  if (request.form.size() > kLargestSignIn) return Refusal(413, "Content Too Large");
+  const std::string name = Field(request.form, "Name"), password = Field(request.form, "Password"),
+                    back = Field(request.form, "Return");
   const std::optional<std::string> account = AccountNamed(name);
   const std::string counted = account.value_or(name);
   const std::string address(VariableOf(request, "REMOTE_ADDR"));

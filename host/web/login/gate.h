@@ -15,6 +15,9 @@
 
 namespace kalvo::web::login {
 
+// The largest form that signs somebody in, in bytes: a stranger may send no more. nginx refuses larger ones before.
+inline constexpr std::size_t kLargestSignIn = 8 * 1024;
+
 struct GateSettings {
   std::filesystem::path users;     // the users file
   std::filesystem::path sessions;  // a private folder

@@ -144,6 +144,12 @@ TEST_F(Gates, DoNotHandThePasswordToThePage) {
   EXPECT_EQ(test::ReadFile(folder_.Path() / "log").find("nearly"), std::string::npos);
 }
 
+TEST_F(Gates, ReadNoMoreThanASignInNeeds) {
+  const std::string filling(kLargestSignIn - std::string("Name=bob&Password=correct+horse&").size(), 'x');
+  EXPECT_EQ(std::get<Answer>(SignIn("bob", "correct+horse", "&" + filling)).head.status, 303);
+  EXPECT_EQ(std::get<Answer>(SignIn("bob", "correct+horse", "&x" + filling)).head.status, 413);
+}
+
 TEST_F(Gates, SlowWhoGuesses) {
   for (int i = 0; i < 8; ++i) SignIn("bob", "wrong");
   const Decision decision = SignIn("bob", "correct+horse");

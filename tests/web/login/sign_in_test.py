@@ -76,6 +76,10 @@ class SignIn(unittest.TestCase):
                          "/KalvoforExchange/Who.asp?x=1")
         self.assertEqual(self.sign_in("bob", back="//example.org/").headers["Location"], "/KalvoforExchange/")
 
+    def test_a_stranger_may_send_little(self):
+        self.assertEqual(self.sign_in("bob", back="x" * 8000).status, 303)
+        self.assertEqual(self.sign_in("bob", back="x" * 8200).status, 413)
+
     def test_a_wrong_password_shows_the_page_again(self):
         answer = self.sign_in("nobody", "wrong", back="/KalvoforExchange/Who.asp")
         self.assertEqual(answer.status, 200)

@@ -1,0 +1,45 @@
+#include "host/edge/limits.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "host/script/page.h"
+#include "host/script/request.h"
+#include "platform/append.h"
+
+namespace kalvo::edge {
+namespace {
+
+// The parameters of an encoded text; empty parts are none.
+std::size_t PartsOf(std::string_view text) {
+  std::size_t parts = 0;
+  for (std::size_t from = 0; from < text.size();) {
+    const std::size_t to = std::min(text.find('&', from), text.size());
+    if (to > from) ++parts;
+    from = to + 1;
+  }
+  return parts;
+}
+
+bool RepeatsAKeyTooOften(std::string_view query) {
+  const host::NamedValues values = host::NamedValues::FromQuery(query);
+  return std::any_of(values.Keys().begin(), values.Keys().end(),
+                     [&](const std::string& key) { return values.Of(key).size() > kMostValues; });
+}
+
+std::string AtMost(std::string_view what, std::size_t most, std::string_view unit) {
+  return Built([&](std::string& out) { Append(out, what, " at most ", most, ' ', unit, '.'); });
+}
+
+}  // namespace
+
+std::optional<std::string> BeyondLimits(const host::PageRequest& request) {
+  const std::string& query = request.queryString;
+  if (query.size() > kLongestQuery) return AtMost("The query of an address has", kLongestQuery, "bytes");
+  if (PartsOf(query) > kMostParameters) return AtMost("The query of an address has", kMostParameters, "parameters");
+  if (RepeatsAKeyTooOften(query)) return AtMost("A parameter of an address has", kMostValues, "values");
+  if (PartsOf(request.form) > kMostFields) return AtMost("A form has", kMostFields, "fields");
+  return std::nullopt;
+}
+
+}  // namespace kalvo::edge
