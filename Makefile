@@ -3,14 +3,17 @@
 # make test    build and run every test; PRESET=asan or tsan runs them under a sanitizer
 # make tidy    clang-tidy over src/ and host/
 # make bench   the measurements of bench/
+# make mutate  mistakes put into FOLDERS one at a time, and which of them the tests notice
 
 PRESET ?= dev
 PORT ?= 8080
 LISTEN ?= 127.0.0.1:$(PORT)
 SAMPLE ?= small
 JOBS ?= $(shell nproc)
+FOLDERS ?= src include
+MUTANTS ?= 300
 
-.PHONY: run build test tidy format bench packages clean
+.PHONY: run build test tidy format bench mutate packages clean
 
 run: build build/sample/kalvo.db build/sample/users
 	@echo "Sign in as administrator, alice (who may open the own mailbox) or visitor; password: kalvo-sample"
@@ -52,6 +55,10 @@ bench:
 	@tools/install-packages
 	@cmake --preset bench
 	@cmake --build --preset bench --parallel $(JOBS) --target bench
+
+mutate:
+	@tools/install-packages
+	@tools/mutate $(FOLDERS) --mutants $(MUTANTS) --jobs $(JOBS)
 
 packages:
 	@tools/install-packages
