@@ -75,11 +75,17 @@ void AddCheck(CLI::App& app, CheckArguments& check) {
 }
 
 void AddPasswd(CLI::App& app, PasswdArguments& passwd) {
-  app.add_option("--users", passwd.users, "the users file; made when it is not there")->type_name("FILE")->required();
-  app.add_option("NAME", passwd.name, "the user: alice, or DOMAIN\\alice")->required();
+  CLI::Option* users = app.add_option("--users", passwd.users, "the users file; made when it is not there");
+  CLI::Option* config = app.add_option("--config", passwd.config, "the settings' file, which names the users file");
+  users->type_name("FILE")->excludes(config);
+  config->type_name("FILE");
+  app.add_option("NAME", passwd.name, "the user: alice, or DOMAIN\\alice");
   app.add_flag("--administrator", passwd.administrator, "may do and see everything");
   app.add_flag("--drill-down", passwd.drillDown, "may open the own mailbox");
-  app.add_flag("--delete", passwd.remove, "removes the user");
+  CLI::Option* remove = app.add_flag("--delete", passwd.remove, "removes the user");
+  app.add_flag("--end-sessions", passwd.endSessions, "signs the user out everywhere; everybody where no NAME is given")
+      ->needs(config)
+      ->excludes(remove);
 }
 
 // The words after the program's name, the last one first, as the parser wants them. "--query=" becomes "--query" and

@@ -44,11 +44,13 @@ struct CheckArguments {
 };
 
 struct PasswdArguments {
-  std::string users;
-  std::string name;
+  std::optional<std::string> users;   // the users file, or
+  std::optional<std::string> config;  // the settings that name it
+  std::string name;                   // "" with `endSessions` for everybody
   bool administrator = false;
   bool drillDown = false;
   bool remove = false;
+  bool endSessions = false;
 };
 
 using Arguments = std::variant<PageArguments, ServeArguments, SampleArguments, CheckArguments, PasswdArguments>;

@@ -8,7 +8,10 @@
 #include "host/cli/commands.h"
 #include "host/parts/setting_error.h"
 #include "host/web/login/password.h"
+#include "host/web/login/password_rules.h"
+#include "host/web/login/session_store.h"
 #include "host/web/login/users.h"
+#include "host/web/settings.h"
 
 namespace kalvo::host {
 namespace {
@@ -47,32 +50,57 @@ std::string AskFor(const std::string& what) {
   return line;
 }
 
-std::string ReadPassword() {
+std::string ReadPassword(const std::string& account) {
   const bool terminal = isatty(STDIN_FILENO) == 1;
   std::string password = terminal ? AskFor("Password") : ReadLine();
   if (terminal && AskFor("Again") != password) throw SettingError("the two passwords differ");
-  if (password.size() < web::login::kShortestPassword || password.size() > web::login::kLongestPassword) {
-    throw SettingError("a password has from " + std::to_string(web::login::kShortestPassword) + " to " +
-                       std::to_string(web::login::kLongestPassword) + " bytes");
+  if (const std::string wrong = web::login::WrongWithPassword(password, account); !wrong.empty()) {
+    throw SettingError(wrong);
   }
   return password;
+}
+
+// What the settings' file says, where the command names one.
+std::optional<web::Settings> SettingsOf(const PasswdArguments& arguments) {
+  if (!arguments.config) return std::nullopt;
+  web::Settings settings = web::ReadSettings(*arguments.config);
+  web::CompleteFolders(settings);
+  return settings;
+}
+
+std::filesystem::path UsersFileOf(const PasswdArguments& arguments, const std::optional<web::Settings>& settings) {
+  if (arguments.users) return *arguments.users;
+  if (!settings) throw SettingError("--users FILE or --config FILE is needed");
+  if (settings->users.empty()) throw SettingError(*arguments.config + " names no users file");
+  return settings->users;
+}
+
+int EndSessions(const web::Settings& settings, const std::string& account) {
+  const int ended = web::login::SessionStore::End(settings.sessions, account);
+  std::cout << "ended " << ended << (ended == 1 ? " session" : " sessions") << " in " << settings.sessions.string()
+            << '\n';
+  return kDone;
 }
 
 }  // namespace
 
 int RunPasswd(const PasswdArguments& arguments) {
+  const std::optional<web::Settings> settings = SettingsOf(arguments);
+  if (arguments.endSessions && arguments.name.empty()) return EndSessions(*settings, "");
   const auto account = web::login::AccountNamed(arguments.name);
   if (!account) {
     throw SettingError("\"" + arguments.name + "\" is no user's name; alice or DOMAIN\\alice is, of letters, digits, " +
                        "\".\", \"-\" and \"_\"");
   }
-  web::login::UsersFile users(arguments.users);
+  if (arguments.endSessions) return EndSessions(*settings, *account);
+  const std::filesystem::path file = UsersFileOf(arguments, settings);
+  web::login::UsersFile users(file);
   if (arguments.remove) {
-    if (!users.Remove(*account)) throw SettingError("there is no user " + *account + " in " + arguments.users);
+    if (!users.Remove(*account)) throw SettingError("there is no user " + *account + " in " + file.string());
     std::cout << "removed " << *account << '\n';
     return kDone;
   }
-  users.Put({*account, arguments.administrator, arguments.drillDown, web::login::HashPassword(ReadPassword())});
+  users.Put({*account, arguments.administrator, arguments.drillDown, web::login::HashPassword(ReadPassword(*account))});
   std::cout << "wrote " << *account << '\n';
   return kDone;
 }

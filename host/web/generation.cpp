@@ -31,6 +31,7 @@ void PrepareAll(host::Site& site, const fs::path& root, const Log& log) {
 login::GateSettings GateSettingsOf(const Settings& settings) {
   login::GateSettings gate{settings.users, settings.sessions, {}, {}};
   gate.lifetimes.idle = settings.sessionMinutes * 60;
+  gate.lifetimes.mostOfAUser = settings.sessionsPerUser;
   gate.patience = std::chrono::milliseconds(static_cast<std::int64_t>(settings.timeLimit * 500));
   return gate;
 }

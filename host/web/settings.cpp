@@ -73,6 +73,7 @@ const Rule kRules[] = {
   {"users",        Path{&Settings::users},                   "the users file that `kalvo passwd` makes, or \"\" for none"},
   {"sessions",     Path{&Settings::sessions},                "a folder for the sessions of those who signed in"},
   {"session_minutes", Whole{&Settings::sessionMinutes, 1, 1440}, "a whole number of minutes from 1 to 1440"},
+  {"sessions_per_user", Whole{&Settings::sessionsPerUser, 1, 100}, "a whole number from 1 to 100"},
   {"error_pages",  Path{&Settings::errorPages},              "a folder with 404.html, 500.html, 503.html"},
 };
 // clang-format on
@@ -185,10 +186,7 @@ fs::path OwnRunFolder(std::string_view listen) {
 
 // Either everybody signs in, or everybody is the same visitor.
 void CompleteLogin(Settings& settings) {
-  if (settings.sessions.empty()) settings.sessions = settings.run / "sessions";
-  settings.sessions = fs::absolute(settings.sessions).lexically_normal();
   if (settings.users.empty()) return;
-  settings.users = fs::absolute(settings.users).lexically_normal();
   if (!fs::is_regular_file(settings.users)) {
     throw SettingError("users: there is no file " + settings.users.string() + "; `kalvo passwd` makes it");
   }
@@ -224,12 +222,19 @@ void Complete(Settings& settings) {
   if (settings.site.empty()) settings.site = KALVO_DEFAULT_SITE;
   if (!fs::is_directory(settings.site)) throw SettingError("the site " + settings.site.string() + " is no folder");
   settings.site = fs::canonical(settings.site);
-  if (settings.run.empty()) settings.run = OwnRunFolder(settings.listen);
-  settings.run = fs::absolute(settings.run).lexically_normal();
+  CompleteFolders(settings);
   CompleteLogin(settings);
   if (!settings.errorPages.empty() && !fs::is_directory(settings.errorPages)) {
     throw SettingError("error_pages: " + settings.errorPages.string() + " is no folder");
   }
+}
+
+void CompleteFolders(Settings& settings) {
+  if (settings.run.empty()) settings.run = OwnRunFolder(settings.listen);
+  settings.run = fs::absolute(settings.run).lexically_normal();
+  if (settings.sessions.empty()) settings.sessions = settings.run / "sessions";
+  settings.sessions = fs::absolute(settings.sessions).lexically_normal();
+  if (!settings.users.empty()) settings.users = fs::absolute(settings.users).lexically_normal();
 }
 
 }  // namespace kalvo::web

@@ -29,6 +29,7 @@ struct Settings {
   std::filesystem::path users;          // the users file; with it, everybody signs in
   std::filesystem::path sessions;       // a private folder; default: "sessions" below `run`
   int sessionMinutes = 30;              // without a request, after which one signs in again
+  int sessionsPerUser = 5;              // one more sign-in ends the user's oldest
   std::string logon;                    // without a users file: who every visitor is
   host::NamedTexts session;             // and the session values every visitor has
 
@@ -43,5 +44,8 @@ Settings ReadSettings(const std::filesystem::path& file);
 // Checks what rules across settings ask for, and fills in the defaults that depend on others. Fails with
 // SettingError.
 void Complete(Settings& settings);
+
+// Fills in the folders that `Complete` does, and looks at none: for a command that serves nothing.
+void CompleteFolders(Settings& settings);
 
 }  // namespace kalvo::web

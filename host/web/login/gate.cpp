@@ -14,6 +14,7 @@ namespace kalvo::web::login {
 namespace {
 
 constexpr std::string_view kCookie = "KalvoSession";
+constexpr std::size_t kMostCookies = 8;              // of that name that are looked at
 constexpr std::string_view kSignIn = "/SignIn.asp";  // below the site's root
 constexpr std::string_view kSignOut = "/SignOut.asp";
 
@@ -24,13 +25,15 @@ std::string_view VariableOf(const host::PageRequest& request, std::string_view n
   return "";
 }
 
-// The session that the browser names; "" where it names none that could be one.
-std::string SessionIdOf(const host::PageRequest& request) {
+// The sessions that the browser names. There may be several: a neighbour in the same domain can set a cookie of that
+// name too, and it must not stand before the right one.
+std::vector<std::string> SessionIdsOf(const host::PageRequest& request) {
   const host::NamedValues cookies = host::NamedValues::FromCookies(request.cookies);
+  std::vector<std::string> ids;
   for (const std::string& value : cookies.Of(kCookie)) {
-    if (IsToken(value)) return value;
+    if (IsToken(value) && ids.size() < kMostCookies) ids.push_back(value);
   }
-  return "";
+  return ids;
 }
 
 std::string_view Trimmed(std::string_view text) {
@@ -103,23 +106,26 @@ Gate::Gate(const GateSettings& settings, const host::LiveDrillerMaker& makeDrill
       log_(log),
       users_(settings.users),
       sessions_(settings.sessions, settings.lifetimes, makeDriller, log),
-      throttle_(settings.sessions / "attempts") {}
+      throttle_(settings.sessions / "attempts") {
+  users_.CheckModes();
+  if (const std::string warning = users_.Warning(); !warning.empty()) log_.Write(warning);
+}
 
 std::variant<Admission, Answer> Gate::Admit(std::string_view page, host::PageRequest& request) {
-  const std::string id = SessionIdOf(request);
+  const std::vector<std::string> ids = SessionIdsOf(request);
   HideSession(request);
   if (page == kSignIn) {
-    if (request.method == "POST") return SignIn(request, id);
+    if (request.method == "POST") return SignIn(request, ids);
     return SignInPage("");
   }
   if (page == kSignOut) {
     if (request.method != "POST") return SeeOther(std::string(kConsole));
-    Drop(id);
+    Drop(ids);
     Answer answer = SeeOther(std::string(kSignInPage));
     answer.head.headers.emplace_back("Set-Cookie", CookieOf(request, ""));
     return answer;
   }
-  auto session = SessionOf(id);
+  auto session = SessionOf(ids);
   if (!session) {
     // What was posted is lost; the page is not.
     return GoTo(302, "Found", SignInAddress(request.url, request.queryString));
@@ -131,7 +137,7 @@ std::variant<Admission, Answer> Gate::Admit(std::string_view page, host::PageReq
   return admission;
 }
 
-std::variant<Admission, Answer> Gate::SignIn(host::PageRequest& request, std::string_view oldSession) {
+std::variant<Admission, Answer> Gate::SignIn(host::PageRequest& request, const std::vector<std::string>& oldSessions) {
   if (CameFromElsewhere(request)) return Refusal(403, "Forbidden");
   if (request.form.size() > kLargestSignIn) return Refusal(413, "Content Too Large");
   const std::string name = Field(request.form, "Name"), password = Field(request.form, "Password"),
@@ -154,7 +160,7 @@ std::variant<Admission, Answer> Gate::SignIn(host::PageRequest& request, std::st
     return SignInPage("wrong");
   }
   throttle_.Succeeded(counted, address);
-  Drop(oldSession);
+  Drop(oldSessions);
   Answer answer = SeeOther(IsOfThisConsole(back) ? back : std::string(kConsole));
   answer.head.headers.emplace_back("Set-Cookie", CookieOf(request, sessions_.Create(*user)));
   return answer;
@@ -178,17 +184,21 @@ std::optional<User> Gate::Checked(const std::optional<std::string>& account, std
 }
 
 // Whose password or rights have changed since the sign-in, or who is no user any more, signs in again.
-std::unique_ptr<FileSession> Gate::SessionOf(std::string_view id) {
-  auto session = sessions_.Open(id, settings_.patience);
-  if (!session) return nullptr;
-  const std::optional<User> user = users_.Find(session->Account());
-  if (user && session->BelongsTo(*user)) return session;
-  session->Abandon();
+std::unique_ptr<FileSession> Gate::SessionOf(const std::vector<std::string>& ids) {
+  for (const std::string& id : ids) {
+    auto session = sessions_.Open(id, settings_.patience);
+    if (!session) continue;
+    const std::optional<User> user = users_.Find(session->Account());
+    if (user && session->BelongsTo(*user)) return session;
+    session->Abandon();
+  }
   return nullptr;
 }
 
-void Gate::Drop(std::string_view id) {
-  if (auto session = sessions_.Open(id, settings_.patience)) session->Abandon();
+void Gate::Drop(const std::vector<std::string>& ids) {
+  for (const std::string& id : ids) {
+    if (auto session = sessions_.Open(id, settings_.patience)) session->Abandon();
+  }
 }
 
 }  // namespace kalvo::web::login

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 #include "host/script/page.h"
 #include "host/web/login/session_store.h"
@@ -52,11 +53,11 @@ class Gate {
   std::variant<Admission, Answer> Admit(std::string_view page, host::PageRequest& request);
 
  private:
-  std::variant<Admission, Answer> SignIn(host::PageRequest& request, std::string_view oldSession);
+  std::variant<Admission, Answer> SignIn(host::PageRequest& request, const std::vector<std::string>& oldSessions);
   Admission SignInPage(std::string why) const;
   std::optional<User> Checked(const std::optional<std::string>& account, std::string_view password) const;
-  std::unique_ptr<FileSession> SessionOf(std::string_view id);
-  void Drop(std::string_view id);
+  std::unique_ptr<FileSession> SessionOf(const std::vector<std::string>& ids);
+  void Drop(const std::vector<std::string>& ids);
 
   GateSettings settings_;
   const Log& log_;

@@ -5,10 +5,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
 #include <thread>
+#include <tuple>
+#include <vector>
 
 #include "host/parts/setting_error.h"
 #include "host/web/log.h"
@@ -24,7 +27,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kMagic = "kalvo session 1\n";
 constexpr std::size_t kLargestFile = kLargestSession + 4096;
-constexpr std::string_view kFileEnd = ".session";
+constexpr const char* kFileEnd = ".session";
 constexpr std::chrono::milliseconds kBeat{10};
 
 // Names of the values by which pages know rights.
@@ -63,6 +66,80 @@ bool IsStillThere(int file, const fs::path& path) {
   }, named{};
   return fstat(file, &open) == 0 && lstat(path.c_str(), &named) == 0 && open.st_ino == named.st_ino &&
          open.st_dev == named.st_dev;
+}
+
+// Held while it is decided whether a session's file stays. Where it cannot be had, files go and stay without it.
+class FolderLock {
+ public:
+  explicit FolderLock(const fs::path& folder) : lock_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    if (lock_ >= 0) flock(lock_, LOCK_EX);
+  }
+  ~FolderLock() {
+    if (lock_ >= 0) close(lock_);
+  }
+  FolderLock(const FolderLock&) = delete;
+  FolderLock& operator=(const FolderLock&) = delete;
+
+ private:
+  int lock_;
+};
+
+// Whose session a file holds, and since when.
+struct Holder {
+  fs::path path;
+  std::string account;
+  std::int64_t created = 0;
+  timespec used{};
+
+  auto Age() const { return std::tuple(created, used.tv_sec, used.tv_nsec); }
+};
+
+std::optional<Holder> HolderOf(const fs::path& path) {
+  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+  if (file < 0) return std::nullopt;
+  char head[512];
+  const ssize_t size = read(file, head, sizeof head);
+  struct stat state {};
+  const bool told = fstat(file, &state) == 0;
+  close(file);
+  std::string_view rest(head, static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+  if (!told || !rest.starts_with(kMagic)) return std::nullopt;
+  rest.remove_prefix(kMagic.size());
+  const auto account = TakeLine(rest), stamp = TakeLine(rest), created = TakeLine(rest);
+  const auto seconds = created ? ParseNumber(*created) : std::nullopt;
+  if (!seconds) return std::nullopt;
+  return Holder{path, *account, static_cast<std::int64_t>(*seconds), state.st_mtim};
+}
+
+// The sessions of an account, or all for "".
+std::vector<Holder> HoldersIn(const fs::path& folder, std::string_view account) {
+  std::vector<Holder> found;
+  std::error_code failed;
+  for (const auto& entry : fs::directory_iterator(folder, failed)) {
+    if (entry.path().extension() != kFileEnd) continue;
+    auto holder = HolderOf(entry.path());
+    if (holder && (account.empty() || EqualsIgnoringCase(holder->account, account))) found.push_back(*holder);
+  }
+  if (failed) throw host::SettingError("sessions: " + folder.string() + " cannot be read: " + failed.message());
+  return found;
+}
+
+// The folder is made for its owner alone; one that is there has to be so already.
+void MakePrivate(const fs::path& folder) {
+  if (!folder.has_filename()) return MakePrivate(folder.parent_path());
+  const auto refuse = [&](const std::string& why) {
+    throw host::SettingError("sessions: " + folder.string() + " cannot be a folder of ours: " + why);
+  };
+  std::error_code failed;
+  fs::create_directories(folder.parent_path(), failed);
+  if (mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) refuse(std::strerror(errno));
+  struct stat state {};
+  if (stat(folder.c_str(), &state) != 0) refuse(std::strerror(errno));
+  if (!S_ISDIR(state.st_mode)) refuse("it is no folder");
+  if (geteuid() != 0 && state.st_uid != geteuid()) refuse("it belongs to another user");
+  if ((state.st_mode & (S_IRWXG | S_IRWXO)) != 0) {
+    refuse("others may look into it; a folder of its own is needed, and chmod 700");
+  }
 }
 
 }  // namespace
@@ -124,6 +201,12 @@ void FileSession::Keep() {
   const fs::path fresh = path_.string() + ".new";
   const int file = open(fresh.c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC | O_NOFOLLOW, 0600);
   const bool written = file >= 0 && WriteWhole(file, Content());
+  const FolderLock lock(path_.parent_path());
+  if (written && !IsStillThere(file_, path_)) {  // it was ended meanwhile
+    unlink(fresh.c_str());
+    close(file);
+    return;
+  }
   const bool kept = written && rename(fresh.c_str(), path_.c_str()) == 0;
   if (!kept) log_.Write(std::string("a session was not kept: ") + std::strerror(errno));
   if (file >= 0) close(file);
@@ -134,14 +217,10 @@ void FileSession::Keep() {
 SessionStore::SessionStore(fs::path folder, const Lifetimes& lifetimes, const host::LiveDrillerMaker& makeDriller,
                            const Log& log)
     : folder_(std::move(folder)), lifetimes_(lifetimes), makeDriller_(makeDriller), log_(log) {
-  std::error_code failed;
-  fs::create_directories(folder_, failed);
-  if (!failed) fs::permissions(folder_, fs::perms::owner_all, failed);
-  if (failed)
-    throw host::SettingError("sessions: " + folder_.string() + " cannot be a folder of ours: " + failed.message());
+  MakePrivate(folder_);
 }
 
-fs::path SessionStore::PathOf(std::string_view id) const { return folder_ / (Fingerprint(id) + std::string(kFileEnd)); }
+fs::path SessionStore::PathOf(std::string_view id) const { return folder_ / (Fingerprint(id) + kFileEnd); }
 
 std::string SessionStore::Create(const User& user) {
   Sweep();
@@ -152,15 +231,37 @@ std::string SessionStore::Create(const User& user) {
     if (file >= 0) close(file);
     throw host::SettingError("a session cannot be made in " + folder_.string() + ": " + std::strerror(errno));
   }
-  FileSession session(file, path, makeDriller_, log_);
-  session.account_ = user.account;
-  session.stamp_ = user.Stamp();
-  session.created_ = Now();
-  for (const RightValue& right : kRightValues) {
-    if (user.*right.flag) session.values_.Set(right.name, Value(std::string("Yes")));
+  {
+    FileSession session(file, path, makeDriller_, log_);
+    session.account_ = user.account;
+    session.stamp_ = user.Stamp();
+    session.created_ = Now();
+    for (const RightValue& right : kRightValues) {
+      if (user.*right.flag) session.values_.Set(right.name, Value(std::string("Yes")));
+    }
+    session.changed_ = true;
   }
-  session.changed_ = true;
+  EndOldest(user.account, path);
   return id;
+}
+
+// The one that has just begun stays, however many begin in the same second.
+void SessionStore::EndOldest(std::string_view account, const fs::path& fresh) const {
+  const FolderLock lock(folder_);
+  std::vector<Holder> holders = HoldersIn(folder_, account);
+  std::erase_if(holders, [&](const Holder& holder) { return holder.path == fresh; });
+  std::sort(holders.begin(), holders.end(), [](const Holder& a, const Holder& b) { return a.Age() < b.Age(); });
+  for (std::size_t i = 0; i + static_cast<std::size_t>(lifetimes_.mostOfAUser) <= holders.size(); ++i) {
+    unlink(holders[i].path.c_str());
+  }
+}
+
+int SessionStore::End(const fs::path& folder, std::string_view account) {
+  const FolderLock lock(folder);
+  const std::vector<Holder> holders = HoldersIn(folder, account);
+  int ended = 0;
+  for (const Holder& holder : holders) ended += unlink(holder.path.c_str()) == 0 ? 1 : 0;
+  return ended;
 }
 
 std::unique_ptr<FileSession> SessionStore::Open(std::string_view id, std::chrono::milliseconds patience) {

@@ -21,6 +21,7 @@ namespace kalvo::web::login {
 struct Lifetimes {
   std::int64_t idle = 30 * 60;          // seconds without a request
   std::int64_t longest = 12 * 60 * 60;  // seconds since the sign-in
+  int mostOfAUser = 5;                  // sessions; one more ends her oldest
 };
 
 // A session that a request holds: nobody else reads or writes it until this object goes. What changed is kept then.
@@ -72,16 +73,21 @@ class SessionStore {
                const Log& log);
 
   // Begins a session for a user, with her rights as session values, and answers its identifier: one that nobody
-  // had before. Drops what has expired.
+  // had before. Drops what has expired, and of her sessions the oldest when there are too many.
   std::string Create(const User& user);
 
   // The session, held; null when there is none or it has expired. Any text may be asked for. Throws SessionBusy.
   std::unique_ptr<FileSession> Open(std::string_view id, std::chrono::milliseconds patience);
 
+  // Ends the sessions of one account, or all for "", and answers how many there were. A page that runs comes to its
+  // end; its session does not come back.
+  static int End(const std::filesystem::path& folder, std::string_view account);
+
  private:
   std::filesystem::path PathOf(std::string_view id) const;
   bool HasExpired(const FileSession& session) const;
   void Sweep() const;
+  void EndOldest(std::string_view account, const std::filesystem::path& fresh) const;
 
   std::filesystem::path folder_;
   Lifetimes lifetimes_;

@@ -6,7 +6,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <fstream>
+#include <cerrno>
+#include <cstring>
 #include <sstream>
 
 #include "host/parts/setting_error.h"
@@ -92,11 +93,99 @@ class EditLock {
   int lock_;
 };
 
-void WriteAll(int file, std::string_view text, const fs::path& name) {
-  while (!text.empty()) {
-    const ssize_t written = write(file, text.data(), text.size());
-    if (written < 0) throw SettingError(name.string() + " cannot be written");
-    text.remove_prefix(static_cast<std::size_t>(written));
+// An open file, closed again.
+class OpenFile {
+ public:
+  OpenFile(fs::path name, int flags) : name_(std::move(name)), file_(open(name_.c_str(), flags | O_CLOEXEC, 0600)) {}
+  ~OpenFile() {
+    if (file_ >= 0) close(file_);
+  }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+
+  bool IsOpen() const { return file_ >= 0; }
+  int Get() const { return file_; }
+
+  [[noreturn]] void Fail(std::string_view what) const {
+    throw SettingError(name_.string() + " cannot be " + std::string(what) + ": " + std::strerror(errno));
+  }
+
+  std::string ReadAll() const {
+    std::string text;
+    char piece[4096];
+    for (ssize_t got; (got = read(file_, piece, sizeof piece)) != 0;) {
+      if (got < 0) Fail("read");
+      text.append(piece, static_cast<std::size_t>(got));
+    }
+    return text;
+  }
+
+  // On the disk, or an error.
+  void WriteAll(std::string_view text) const {
+    while (!text.empty()) {
+      const ssize_t written = write(file_, text.data(), text.size());
+      if (written < 0) Fail("written");
+      text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    if (fsync(file_) != 0) Fail("written");
+  }
+
+ private:
+  fs::path name_;
+  int file_;
+};
+
+// A file that is taken away again unless it was put in another's place.
+class FreshFile {
+ public:
+  explicit FreshFile(const fs::path& name) : name_(Cleared(name)), file_(name_, O_CREAT | O_EXCL | O_WRONLY) {
+    if (!file_.IsOpen()) file_.Fail("written");
+  }
+  ~FreshFile() {
+    if (!placed_) unlink(name_.c_str());
+  }
+  FreshFile(const FreshFile&) = delete;
+  FreshFile& operator=(const FreshFile&) = delete;
+
+  const OpenFile& Get() const { return file_; }
+
+  void TakePlaceOf(const fs::path& file) {
+    if (rename(name_.c_str(), file.c_str()) != 0) file_.Fail("put in the place of " + file.string());
+    placed_ = true;
+    if (const OpenFile folder(FolderOf(file), O_RDONLY | O_DIRECTORY); folder.IsOpen()) fsync(folder.Get());
+  }
+
+ private:
+  // Whatever an editor that was stopped has left there goes.
+  static const fs::path& Cleared(const fs::path& name) {
+    unlink(name.c_str());
+    return name;
+  }
+  static fs::path FolderOf(const fs::path& file) { return fs::absolute(file).parent_path(); }
+
+  fs::path name_;
+  OpenFile file_;
+  bool placed_ = false;
+};
+
+std::string Octal(mode_t mode) {
+  char digits[8];
+  std::snprintf(digits, sizeof digits, "%04o", static_cast<unsigned>(mode & 07777));
+  return digits;
+}
+
+// Whoever can write the file, or put another in its place, makes himself an administrator.
+void RefuseIfOthersWrite(const struct stat& file, const fs::path& name) {
+  if (!S_ISREG(file.st_mode)) throw SettingError("the users file " + name.string() + " is no file");
+  if ((file.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
+    throw SettingError("the users file " + name.string() + " may be written by others than its owner (mode " +
+                       Octal(file.st_mode) + "); chmod go-w mends that");
+  }
+  const fs::path folder = fs::absolute(name).parent_path();
+  struct stat around {};
+  if (stat(folder.c_str(), &around) == 0 && (around.st_mode & S_IWOTH) != 0 && (around.st_mode & S_ISVTX) == 0) {
+    throw SettingError("the users file " + name.string() + " lies in a folder where everybody may replace it (mode " +
+                       Octal(around.st_mode) + "); chmod o-w " + folder.string() + " mends that");
   }
 }
 
@@ -124,12 +213,34 @@ std::optional<User> UsersFile::Find(std::string_view account) const {
   return std::nullopt;
 }
 
+void UsersFile::CheckModes() const { Lines(); }
+
+std::string UsersFile::Warning() const {
+  struct stat file {};
+  if (stat(file_.c_str(), &file) != 0 || (file.st_mode & S_IROTH) == 0) return "";
+  return "the users file " + file_.string() + " may be read by everybody (mode " + Octal(file.st_mode) +
+         "), who can then guess its passwords at leisure; chmod o-r mends that";
+}
+
 void UsersFile::Put(const User& user) {
   const EditLock lock(file_);
   std::vector<std::string> lines = fs::exists(file_) ? Lines() : std::vector<std::string>();
   std::erase_if(lines, [&](const std::string& line) { return IsOf(line, user.account); });
   lines.push_back(LineOf(user));
   Write(lines);
+}
+
+bool UsersFile::ChangeHash(std::string_view account, std::string_view oldHash, const std::string& newHash) {
+  const EditLock lock(file_);
+  std::optional<User> user = Find(account);
+  if (!user || user->hash != oldHash) return false;
+  user->hash = newHash;
+  std::vector<std::string> lines = Lines();
+  for (std::string& line : lines) {
+    if (IsOf(line, account)) line = LineOf(*user);
+  }
+  Write(lines);
+  return true;
 }
 
 bool UsersFile::Remove(std::string_view account) {
@@ -141,8 +252,13 @@ bool UsersFile::Remove(std::string_view account) {
 }
 
 std::vector<std::string> UsersFile::Lines() const {
-  std::ifstream in(file_);
-  if (!in) throw SettingError("the users file " + file_.string() + " cannot be read");
+  const OpenFile file(file_, O_RDONLY | O_NONBLOCK);
+  struct stat state {};
+  if (!file.IsOpen() || fstat(file.Get(), &state) != 0) {
+    throw SettingError("the users file " + file_.string() + " cannot be read: " + std::strerror(errno));
+  }
+  RefuseIfOthersWrite(state, file_);
+  std::istringstream in(file.ReadAll());
   std::vector<std::string> lines;
   for (std::string line; std::getline(in, line);) {
     if (line.ends_with('\r')) line.pop_back();
@@ -154,21 +270,17 @@ std::vector<std::string> UsersFile::Lines() const {
 void UsersFile::Write(const std::vector<std::string>& lines) {
   std::string text;
   for (const std::string& line : lines) Append(text, line, '\n');
-  const fs::path fresh = file_.string() + ".new";
-  const int file = open(fresh.c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, 0600);
-  if (file < 0) throw SettingError(fresh.string() + " cannot be written");
+  FreshFile fresh(file_.string() + ".new");
   struct stat before {};
   if (stat(file_.c_str(), &before) == 0) {
     // Whoever may read the old file reads the new one too.
+    const int file = fresh.Get().Get();
     if (fchmod(file, before.st_mode & 07777) != 0 || fchown(file, before.st_uid, before.st_gid) != 0) {
-      close(file);
-      throw SettingError(fresh.string() + " cannot be given the rights of " + file_.string());
+      fresh.Get().Fail("given the rights of " + file_.string());
     }
   }
-  WriteAll(file, text, fresh);
-  fsync(file);
-  close(file);
-  fs::rename(fresh, file_);
+  fresh.Get().WriteAll(text);
+  fresh.TakePlaceOf(file_);
 }
 
 }  // namespace kalvo::web::login

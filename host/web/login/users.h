@@ -27,6 +27,9 @@ std::optional<std::string> AccountNamed(std::string_view name);
 // The users file: a line for each user, her account, her rights ("administrator,drill-down", or "-") and the hash
 // of her password, with blanks between them; "#" begins a comment line. Whoever edits it with an editor edits
 // between two sign-ins: it is read anew for each.
+//
+// A file that others than its owner may write makes anybody an administrator: every operation fails with SettingError
+// for one whose group or everybody may write it, or that lies where everybody may replace it.
 class UsersFile {
  public:
   explicit UsersFile(std::filesystem::path file) : file_(std::move(file)) {}
@@ -35,9 +38,19 @@ class UsersFile {
   // when the file cannot be read or has a line that is none.
   std::optional<User> Find(std::string_view account) const;
 
+  // Fails as `Find` does, for a file that no user can be found in.
+  void CheckModes() const;
+
+  // What the operator had better change, as a sentence; "" when there is nothing.
+  std::string Warning() const;
+
   // Adds the user or replaces the one of her account. The file is made where there is none, for its owner's eyes
   // only, and a reader sees the old one or the new.
   void Put(const User& user);
+
+  // Gives the user another hash, and changes nothing else. False when there is no such user or her hash is not the
+  // old one any more.
+  bool ChangeHash(std::string_view account, std::string_view oldHash, const std::string& newHash);
 
   // False when there was no such user.
   bool Remove(std::string_view account);

@@ -1,7 +1,9 @@
 #include "host/web/login/gate.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include "host/parts/setting_error.h"
 #include "host/web/log.h"
 #include "host/web/login/addresses.h"
 #include "host/web/login/password.h"
@@ -16,9 +18,11 @@ class Gates : public testing::Test {
  protected:
   static void SetUpTestSuite() { hash_ = HashPassword(kPassword); }
 
-  void SetUp() override {
-    users_.Put({"KALVO\\alice", true, false, hash_});
-    users_.Put({"KALVO\\bob", false, true, hash_});
+  static std::filesystem::path WithUsers(const std::filesystem::path& file) {
+    UsersFile users(file);
+    users.Put({"KALVO\\alice", true, false, hash_});
+    users.Put({"KALVO\\bob", false, true, hash_});
+    return file;
   }
 
   using Decision = std::variant<Admission, Answer>;
@@ -71,7 +75,7 @@ class Gates : public testing::Test {
 
   static std::string hash_;
   test::TemporaryFolder folder_;
-  UsersFile users_{folder_.Path() / "users"};
+  UsersFile users_{WithUsers(folder_.Path() / "users")};
   Log log_{(folder_.Path() / "log").string()};
   host::LiveDrillerMaker nobody_;
   Gate gate_{{folder_.Path() / "users", folder_.Path() / "sessions", {}, std::chrono::milliseconds(50)}, nobody_, log_};
@@ -234,6 +238,33 @@ TEST_F(Gates, KeepTheCookieFromPages) {
   ASSERT_TRUE(std::holds_alternative<Admission>(gate_.Admit("/Tasks/TopN.asp", request)));
   EXPECT_EQ(request.cookies, "a=1; b=2");
   for (const auto& [name, value] : request.serverVariables) EXPECT_EQ(value.find(cookie), std::string::npos) << name;
+}
+
+TEST_F(Gates, FindTheSessionBehindANeighboursCookie) {
+  const std::string cookie = CookieOfBob(), foreign = "KalvoSession=" + NewToken();
+  EXPECT_EQ(Sent("/Tasks/TopN.asp", foreign + "; " + cookie), "");
+  EXPECT_EQ(Sent("/Tasks/TopN.asp", cookie + "; " + foreign), "");
+  host::PageRequest request = Asked("/SignOut.asp", foreign + "; " + cookie);
+  request.method = "POST";
+  gate_.Admit("/SignOut.asp", request);
+  EXPECT_NE(Sent("/Tasks/TopN.asp", cookie), "") << "who signs out is out, whatever stands before";
+}
+
+TEST_F(Gates, LookAtFewCookies) {
+  std::string cookies;
+  for (int i = 0; i < 8; ++i) cookies += "KalvoSession=" + NewToken() + "; ";
+  EXPECT_NE(Sent("/Tasks/TopN.asp", cookies + CookieOfBob()), "");
+}
+
+TEST_F(Gates, AreNotMadeForAUsersFileThatOthersWrite) {
+  chmod((folder_.Path() / "users").c_str(), 0666);
+  EXPECT_THROW(Gate({folder_.Path() / "users", folder_.Path() / "other", {}, {}}, nobody_, log_), host::SettingError);
+}
+
+TEST_F(Gates, WarnOfAUsersFileThatEverybodyReads) {
+  chmod((folder_.Path() / "users").c_str(), 0644);
+  const Gate gate({folder_.Path() / "users", folder_.Path() / "other", {}, {}}, nobody_, log_);
+  EXPECT_NE(test::ReadFile(folder_.Path() / "log").find("may be read by everybody"), std::string::npos);
 }
 
 TEST_F(Gates, MarkTheCookieSecureBehindEncryption) {

@@ -42,6 +42,14 @@ TEST(Password, OfMoreThanAKilobyteFitsNothing) {
   EXPECT_FALSE(PasswordFits(HashPassword(endless), endless));
 }
 
+TEST(Password, OfNobodyIsCheckedLikeAnybodys) {
+  const std::string hash = HashPassword("correct horse");
+  const auto parameters = [](std::string_view text) { return text.substr(0, text.find('$', text.find("p="))); };
+  EXPECT_EQ(parameters(kNobodysHash), parameters(hash)) << "as much work";
+  EXPECT_EQ(kNobodysHash.size(), hash.size());
+  EXPECT_FALSE(PasswordFits(kNobodysHash, "correct horse"));
+}
+
 TEST(Token, IsAnotherEachTime) {
   const std::string token = NewToken();
   EXPECT_TRUE(IsToken(token)) << token;

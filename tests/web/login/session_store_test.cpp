@@ -8,6 +8,7 @@
 
 #include <thread>
 
+#include "host/parts/setting_error.h"
 #include "host/web/log.h"
 #include "host/web/login/password.h"
 #include "platform/live_mailbox.h"
@@ -218,6 +219,71 @@ TEST_F(Sessions, EndWhenPasswordOrRightsChange) {
   changed = kAlice;
   changed.hash = "$argon2id$other";
   EXPECT_FALSE(store.Open(id, {})->BelongsTo(changed));
+}
+
+TEST_F(Sessions, OfAUserAreFewAndTheOldestEnds) {
+  SessionStore store = Store({30 * 60, 12 * 60 * 60, 2});
+  const std::string others = store.Create({"KALVO\\bob", false, false, "$argon2id$bob"});
+  const std::string first = store.Create(kAlice), second = store.Create(kAlice);
+  Age(10);
+  EXPECT_TRUE(store.Open(first, {}));  // used last, so the other one is older
+  const std::string third = store.Create({"kalvo\\ALICE", true, false, "$argon2id$alice"});
+  EXPECT_TRUE(store.Open(first, {}));
+  EXPECT_FALSE(store.Open(second, {}));
+  EXPECT_TRUE(store.Open(third, {}));
+  EXPECT_TRUE(store.Open(others, {}));
+}
+
+TEST_F(Sessions, BegunAtOnceAreFewToo) {
+  const SessionStore before = Store();
+  std::vector<std::thread> visitors;
+  for (int i = 0; i < 8; ++i) {
+    visitors.emplace_back([&] { Store({30 * 60, 12 * 60 * 60, 3}).Create(kAlice); });
+  }
+  for (std::thread& visitor : visitors) visitor.join();
+  EXPECT_EQ(Files(), 3u);
+}
+
+TEST_F(Sessions, EndByOneCommand) {
+  SessionStore store = Store();
+  const std::string alice = store.Create(kAlice), again = store.Create(kAlice);
+  const std::string bob = store.Create({"KALVO\\bob", false, false, "$argon2id$bob"});
+  EXPECT_EQ(SessionStore::End(folder_.Path() / "sessions", "kalvo\\alice"), 2);
+  EXPECT_FALSE(store.Open(alice, {}));
+  EXPECT_FALSE(store.Open(again, {}));
+  EXPECT_TRUE(store.Open(bob, {}));
+  EXPECT_EQ(SessionStore::End(folder_.Path() / "sessions", ""), 1);
+  EXPECT_FALSE(store.Open(bob, {}));
+  EXPECT_THROW(SessionStore::End(folder_.Path() / "nowhere", ""), host::SettingError);
+}
+
+TEST_F(Sessions, ThatWereEndedDoNotComeBackWhenTheirPageEnds) {
+  SessionStore store = Store();
+  const std::string id = store.Create(kAlice);
+  {
+    const auto running = store.Open(id, {});
+    running->Set("Visits", std::int32_t{1});
+    EXPECT_EQ(SessionStore::End(folder_.Path() / "sessions", ""), 1);
+  }
+  EXPECT_FALSE(store.Open(id, {}));
+  EXPECT_EQ(Files(), 0u);
+}
+
+TEST_F(Sessions, LieInAFolderThatNobodyElseEnters) {
+  const auto folder = folder_.Path() / "sessions";
+  Store();
+  struct stat state {};
+  ASSERT_EQ(stat(folder.c_str(), &state), 0);
+  EXPECT_EQ(state.st_mode & 07777, 0700u);
+  chmod(folder.c_str(), 01777);
+  try {
+    Store();
+    ADD_FAILURE() << "taken";
+  } catch (const host::SettingError& error) {
+    EXPECT_NE(std::string(error.what()).find("others may look into it"), std::string::npos) << error.what();
+  }
+  ASSERT_EQ(stat(folder.c_str(), &state), 0);
+  EXPECT_EQ(state.st_mode & 07777, 01777u) << "somebody else's folder is left as it is";
 }
 
 }  // namespace

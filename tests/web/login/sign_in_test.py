@@ -122,6 +122,39 @@ class SignIn(unittest.TestCase):
             answer = self.server.get("Who.asp", headers={"Cookie": "KalvoSession=" + value})
             self.assertEqual(answer.status, 302, value)
 
+    def test_one_command_ends_sessions(self):
+        def end(*words):
+            return subprocess.run([KALVO, "passwd", "--config", self.server.config, "--end-sessions", *words], text=True,
+                                  capture_output=True, check=False)
+
+        def shown(cookie):
+            return self.server.get("Who.asp", headers={"Cookie": cookie}).status
+
+        alice, bob = self.cookie("alice"), self.cookie("bob")
+        self.assertRegex(end("bob").stdout, r"^ended \d+ sessions? in .*/run/sessions\n$")
+        self.assertEqual((shown(alice), shown(bob)), (200, 302))
+        self.assertEqual(end().returncode, 0)
+        self.assertEqual(shown(alice), 302)
+        self.assertEqual(end("--delete").returncode, 2)
+
+    def test_a_user_has_five_sessions(self):
+        cookies = [self.cookie("carol") for _ in range(7)]
+        shown = [self.server.get("Who.asp", headers={"Cookie": cookie}).status for cookie in cookies]
+        self.assertEqual(shown.count(200), 5, shown)
+        self.assertEqual(shown[-1], 200)
+
+    def test_a_users_file_that_others_write_lets_nobody_in(self):
+        users = os.path.join(self.server.folder, "users")
+        cookie = self.cookie("bob")
+        os.chmod(users, 0o666)
+        try:
+            self.assertEqual(self.sign_in("bob").status, 500)
+            self.assertEqual(self.server.get("Who.asp", headers={"Cookie": cookie}).status, 500)
+            self.assertIn("may be written by others than its owner", self.server.log())
+        finally:
+            os.chmod(users, 0o600)
+        self.assertEqual(self.server.get("Who.asp", headers={"Cookie": cookie}).status, 200)
+
 
 class Passwd(unittest.TestCase):
     def setUp(self):
@@ -148,7 +181,8 @@ class Passwd(unittest.TestCase):
         self.assertEqual([line.split()[0] for line in self.lines()], ["COTE\\bob"])
 
     def test_refuses_what_cannot_be_meant(self):
-        for words, password, says in ((["al ice"], PASSWORD, "no user's name"), (["alice"], "short", "8"),
+        for words, password, says in ((["al ice"], PASSWORD, "no user's name"), (["alice"], "elevenchars", "at least 12 characters"),
+                                      (["alice"], "Alice-2026!!", "guessed first"),
                                       (["alice"], "x" * 2000, "1024"), (["alice", "--delete"], "", "no user")):
             answer = passwd(self.users, *words, password=password)
             self.assertEqual(answer.returncode, 2, words)

@@ -1,8 +1,11 @@
 #include "host/web/login/users.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <csignal>
+#include <functional>
 #include <thread>
 
 #include "host/parts/setting_error.h"
@@ -115,6 +118,83 @@ TEST_F(Users, AreNotLostWhenTwoEdit) {
   for (int i = 0; i < 20; ++i) {
     EXPECT_TRUE(users_.Find("KALVO\\a" + std::to_string(i)) && users_.Find("KALVO\\b" + std::to_string(i)));
   }
+}
+
+TEST_F(Users, AreNotReadFromAFileThatOthersWrite) {
+  users_.Put({"KALVO\\alice", false, false, kHash});
+  const struct {
+    mode_t file, folder;
+    const char* wrong;
+  } kCases[] = {
+      {0600, 0700, ""},
+      {0640, 0755, ""},
+      {0644, 01777, ""},
+      {0620, 0755, "may be written by others than its owner (mode 0620)"},
+      {0666, 0755, "may be written by others than its owner (mode 0666)"},
+      {0600, 0777, "lies in a folder where everybody may replace it (mode 0777)"},
+  };
+  const User carol{"KALVO\\carol", true, true, kHash};
+  for (const auto& c : kCases) {
+    chmod(file_.c_str(), c.file);
+    chmod(folder_.Path().c_str(), c.folder);
+    for (const auto& use :
+         {std::function<void()>([&] { users_.Find("KALVO\\alice"); }),
+          std::function<void()>([&] { users_.CheckModes(); }), std::function<void()>([&] { users_.Put(carol); })}) {
+      std::string wrong;
+      try {
+        use();
+      } catch (const host::SettingError& error) {
+        wrong = error.what();
+      }
+      EXPECT_EQ(wrong.empty(), std::string(c.wrong).empty()) << wrong;
+      EXPECT_NE(wrong.find(c.wrong), std::string::npos) << wrong;
+    }
+  }
+}
+
+TEST_F(Users, AreWarnedOfWhenEverybodyReadsTheFile) {
+  users_.Put({"KALVO\\alice", false, false, kHash});
+  EXPECT_EQ(users_.Warning(), "");
+  chmod(file_.c_str(), 0644);
+  EXPECT_NE(users_.Warning().find("may be read by everybody (mode 0644)"), std::string::npos) << users_.Warning();
+}
+
+TEST_F(Users, AreNotReadFromWhatIsNoFile) {
+  std::filesystem::create_directory(file_);
+  EXPECT_THROW(users_.Find("KALVO\\alice"), host::SettingError);
+  std::filesystem::remove(file_);
+  mkfifo(file_.c_str(), 0600);
+  EXPECT_THROW(users_.Find("KALVO\\alice"), host::SettingError) << "and nobody waits for a writer";
+}
+
+TEST_F(Users, GetAnotherHashAndKeepWhatElseChangedMeanwhile) {
+  const std::string other = "$argon2id$v=19$m=65536,t=2,p=1$c2FsdHNhbHRzYWx0c2FsdA$b3RoZXI";
+  users_.Put({"KALVO\\alice", true, false, kHash});
+  users_.Put({"KALVO\\bob", false, true, kHash});
+  users_.Put({"KALVO\\alice", false, true, kHash});
+  EXPECT_TRUE(users_.ChangeHash("kalvo\\alice", kHash, other));
+  const auto alice = users_.Find("KALVO\\alice");
+  EXPECT_EQ(alice->hash, other);
+  EXPECT_FALSE(alice->administrator);
+  EXPECT_TRUE(alice->drillDown);
+  EXPECT_EQ(users_.Find("KALVO\\bob")->hash, kHash);
+  EXPECT_FALSE(users_.ChangeHash("KALVO\\alice", kHash, kHash)) << "the old hash is not hers any more";
+  EXPECT_FALSE(users_.ChangeHash("KALVO\\carol", kHash, other));
+  EXPECT_EQ(users_.Find("KALVO\\alice")->hash, other);
+}
+
+TEST_F(Users, LeaveNothingBehindWhenTheFileCannotBeWritten) {
+  users_.Put({"KALVO\\alice", false, false, kHash});
+  const std::string before = test::ReadFile(file_);
+  rlimit full{};
+  getrlimit(RLIMIT_FSIZE, &full);
+  std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit tight{8, full.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &tight);
+  EXPECT_THROW(users_.Put({"KALVO\\bob", true, false, kHash}), host::SettingError);
+  setrlimit(RLIMIT_FSIZE, &full);
+  EXPECT_EQ(test::ReadFile(file_), before);
+  EXPECT_FALSE(std::filesystem::exists(file_.string() + ".new"));
 }
 
 TEST(UserStamp, ChangesWithPasswordAndRights) {

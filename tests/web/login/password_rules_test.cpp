@@ -1,0 +1,43 @@
+#include "host/web/login/password_rules.h"
+
+#include <gtest/gtest.h>
+
+#include "host/web/login/password.h"
+
+namespace kalvo::web::login {
+namespace {
+
+TEST(PasswordRules, SayWhatIsWrong) {
+  const std::string length =
+      "a password has at least 12 characters and at most 1024 bytes; several words make a good one";
+  const std::string guessed = "this password is one of those that are guessed first; several words make a good one";
+  const struct {
+    const char* why;
+    std::string password, wrong;
+  } kCases[] = {
+      {"several words", "correct horse", ""},
+      {"the sample's", "kalvo-sample", ""},
+      {"twelve random characters", "x7Gq2mVw9TfB", ""},
+      {"a common word among others", "my dog hates every password", ""},
+      {"many random digits", "940213758816402937415506", ""},
+      {"nothing", "", length},
+      {"eleven characters", "elevencharx", length},
+      {"eleven characters in twelve bytes", "tencharact\xC3\xBC", length},
+      {"more than the longest", std::string(1025, 'x') + "abcdefgh", length},
+      {"one character", "aaaaaaaaaaaaaa", guessed},
+      {"few characters", "abababababab", guessed},
+      {"a common word with digits", "password2026", guessed},
+      {"in any case, with signs", "!!PassWord!!", guessed},
+      {"written twice", "passwordpassword", guessed},
+      {"twice with digits", "letmeinletmein1", guessed},
+      {"a common long word", "administrator", guessed},
+      {"the keyboard's first row", "qwertyuiop12", guessed},
+      {"digits alone", "123456789012", guessed},
+      {"the user's own name", "Dr.Livingstone", guessed},
+      {"the user's own name with a year", "dr.livingstone2026", guessed},
+  };
+  for (const auto& c : kCases) EXPECT_EQ(WrongWithPassword(c.password, "COTE\\dr.livingstone"), c.wrong) << c.why;
+}
+
+}  // namespace
+}  // namespace kalvo::web::login
