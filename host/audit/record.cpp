@@ -1,0 +1,233 @@
+#include "host/audit/record.h"
+
+#include <sodium.h>
+
+#include <charconv>
+#include <chrono>
+#include <ctime>
+#include <stdexcept>
+
+#include "host/script/text.h"
+#include "platform/append.h"
+
+namespace kalvo::audit {
+namespace {
+
+constexpr char kHex[] = "0123456789abcdef";
+constexpr std::string_view kCut = "...";
+
+void AppendUnit(std::string& out, unsigned unit) {
+  Append(out, "\\u", kHex[unit >> 12 & 15], kHex[unit >> 8 & 15], kHex[unit >> 4 & 15], kHex[unit & 15]);
+}
+
+// U+0080 to U+009F, and U+2028, U+2029 and the marks that turn the direction of a text around: how many bytes such a
+// character at the front takes; 0 for any other.
+std::size_t MisleadingBytes(std::string_view text, unsigned& unit) {
+  const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0u; };
+  if (byte(0) == 0xC2 && byte(1) >= 0x80 && byte(1) < 0xA0) {
+    unit = byte(1);
+    return 2;
+  }
+  if (byte(0) != 0xE2) return 0;
+  unit = 0x2000u | (byte(1) & 0x3Fu) << 6 | (byte(2) & 0x3Fu);
+  const bool misleads =
+      (unit >= 0x200E && unit <= 0x200F) || (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
+  return misleads ? 3 : 0;
+}
+
+// Well-formed text as a JSON string.
+void AppendQuoted(std::string& out, std::string_view text) {
+  out += '"';
+  while (!text.empty()) {
+    const auto byte = static_cast<unsigned char>(text.front());
+    unsigned unit = byte;
+    if (byte == '"' || byte == '\\') {
+      Append(out, '\\', text.front());
+      text.remove_prefix(1);
+    } else if (byte < 0x20 || byte == 0x7F) {
+      AppendUnit(out, unit);
+      text.remove_prefix(1);
+    } else if (const std::size_t size = MisleadingBytes(text, unit)) {
+      AppendUnit(out, unit);
+      text.remove_prefix(size);
+    } else {
+      out += text.front();
+      text.remove_prefix(1);
+    }
+  }
+  out += '"';
+}
+
+// At most so many bytes, cut between two characters.
+std::string Shortened(std::string_view text) {
+  std::string whole = host::WellFormed(text.substr(0, kLongestValue + 4));
+  if (text.size() <= kLongestValue && whole.size() <= kLongestValue) return whole;
+  std::size_t end = kLongestValue - kCut.size();
+  while (end > 0 && (static_cast<unsigned char>(whole[end]) & 0xC0) == 0x80) --end;
+  return whole.substr(0, end).append(kCut);
+}
+
+void AppendField(std::string& out, std::string_view name, std::string_view value) {
+  if (out.back() != '{') out += ',';
+  AppendQuoted(out, name);
+  out += ':';
+  AppendQuoted(out, value);
+}
+
+// Takes a line apart from its front. Once something is not as it should be, nothing fits any more.
+class Scanner {
+ public:
+  explicit Scanner(std::string_view line) : rest_(line) {}
+
+  bool Good() const { return good_; }
+  bool AtEnd() const { return rest_.empty(); }
+  bool Sees(char character) const { return good_ && rest_.starts_with(character); }
+
+  void Expect(std::string_view text) {
+    good_ = good_ && rest_.starts_with(text);
+    if (good_) rest_.remove_prefix(text.size());
+  }
+
+  std::int64_t Number() {
+    std::int64_t number = 0;
+    const auto [end, error] = std::from_chars(rest_.data(), rest_.data() + rest_.size(), number);
+    good_ = good_ && error == std::errc() && number > 0;
+    if (good_) rest_.remove_prefix(static_cast<std::size_t>(end - rest_.data()));
+    return number;
+  }
+
+  std::string Quoted() {
+    std::string text;
+    Expect("\"");
+    while (good_ && !rest_.empty() && rest_.front() != '"') {
+      if (rest_.front() == '\\') {
+        rest_.remove_prefix(1);
+        TakeEscape(text);
+      } else {
+        text += rest_.front();
+        rest_.remove_prefix(1);
+      }
+    }
+    Expect("\"");
+    return text;
+  }
+
+  std::string Field(std::string_view name) {
+    Expect(",\"");
+    Expect(name);
+    Expect("\":");
+    return Quoted();
+  }
+
+ private:
+  void TakeEscape(std::string& text) {
+    if (!rest_.starts_with('u')) {
+      good_ = !rest_.empty();
+      if (!good_) return;
+      text += rest_.front();
+      rest_.remove_prefix(1);
+      return;
+    }
+    unsigned unit = 0;
+    const char* digits = rest_.data() + 1;
+    good_ = rest_.size() > 4 && std::from_chars(digits, digits + 4, unit, 16).ptr == digits + 4;
+    if (!good_) return;
+    rest_.remove_prefix(5);
+    AppendCharacter(text, unit);
+  }
+
+  static void AppendCharacter(std::string& text, unsigned unit) {
+    if (unit < 0x80) {
+      text += static_cast<char>(unit);
+    } else if (unit < 0x800) {
+      Append(text, static_cast<char>(0xC0 | unit >> 6), static_cast<char>(0x80 | (unit & 0x3F)));
+    } else {
+      Append(text, static_cast<char>(0xE0 | unit >> 12), static_cast<char>(0x80 | (unit >> 6 & 0x3F)),
+             static_cast<char>(0x80 | (unit & 0x3F)));
+    }
+  }
+
+  std::string_view rest_;
+  bool good_ = true;
+};
+
+}  // namespace
+
+std::string_view Record::Detail(std::string_view name) const {
+  for (const auto& [key, value] : details) {
+    if (key == name) return value;
+  }
+  return "";
+}
+
+std::string HashOf(std::string_view text) {
+  if (sodium_init() < 0) throw std::runtime_error("the cryptography library cannot be used");
+  unsigned char bytes[crypto_hash_sha256_BYTES];
+  crypto_hash_sha256(bytes, reinterpret_cast<const unsigned char*>(text.data()), text.size());
+  char digits[2 * sizeof bytes + 1];
+  sodium_bin2hex(digits, sizeof digits, bytes, sizeof bytes);
+  return digits;
+}
+
+std::string Now() {
+  std::timespec now{};
+  std::timespec_get(&now, TIME_UTC);
+  std::tm calendar{};
+  gmtime_r(&now.tv_sec, &calendar);
+  char text[32];
+  std::string out(text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S.", &calendar));
+  const auto milliseconds = static_cast<int>(now.tv_nsec / 1'000'000);
+  Append(out, milliseconds / 100, milliseconds / 10 % 10, milliseconds % 10, 'Z');
+  return out;
+}
+
+std::string LineOf(const Record& record) {
+  std::string line;
+  Append(line, "{\"number\":", record.number);
+  AppendField(line, "time", record.time);
+  AppendField(line, "event", NameOf(record.event));
+  AppendField(line, "user", Shortened(record.visitor.user));
+  AppendField(line, "address", Shortened(record.visitor.address));
+  Append(line, ",\"details\":{");
+  std::size_t count = 0;
+  for (const auto& [name, value] : record.details) {
+    if (++count > kMostDetails) break;
+    AppendField(line, name, Shortened(value));
+  }
+  Append(line, '}');
+  AppendField(line, "previous", record.previous);
+  const std::string hash = HashOf(line);
+  AppendField(line, "hash", hash);
+  Append(line, '}');
+  return line;
+}
+
+std::optional<Record> ReadLine(std::string_view line) {
+  if (line.size() > kLongestLine) return std::nullopt;
+  Scanner scanner(line);
+  Record record;
+  scanner.Expect("{\"number\":");
+  record.number = scanner.Number();
+  record.time = scanner.Field("time");
+  const auto event = EventNamed(scanner.Field("event"));
+  record.visitor.user = scanner.Field("user");
+  record.visitor.address = scanner.Field("address");
+  scanner.Expect(",\"details\":{");
+  while (scanner.Good() && !scanner.Sees('}')) {
+    if (!record.details.empty()) scanner.Expect(",");
+    std::string name = scanner.Quoted();
+    scanner.Expect(":");
+    std::string value = scanner.Quoted();
+    record.details.emplace_back(std::move(name), std::move(value));
+  }
+  scanner.Expect("}");
+  record.previous = scanner.Field("previous");
+  record.hash = scanner.Field("hash");
+  scanner.Expect("}");
+  if (!scanner.Good() || !scanner.AtEnd() || !event) return std::nullopt;
+  record.event = *event;
+  if (LineOf(record) != line) return std::nullopt;
+  return record;
+}
+
+}  // namespace kalvo::audit
