@@ -2,6 +2,7 @@
 # make build   leave the optimised program at build/kalvo
 # make test    build and run every test; PRESET=asan or tsan runs them under a sanitizer
 # make tidy    clang-tidy over src/ and host/
+# make fuzz    every parser of outside text under libFuzzer, SECONDS=60 each
 # make bench   the measurements of bench/
 # make mutate  mistakes put into FOLDERS one at a time, and which of them the tests notice
 
@@ -9,11 +10,12 @@ PRESET ?= dev
 PORT ?= 8080
 LISTEN ?= 127.0.0.1:$(PORT)
 SAMPLE ?= small
+SECONDS ?= 60
 JOBS ?= $(shell nproc)
 FOLDERS ?= src include
 MUTANTS ?= 300
 
-.PHONY: run build test tidy format bench mutate packages clean
+.PHONY: run build test tidy format fuzz bench mutate packages clean
 
 run: build build/sample/kalvo.db build/sample/users
 	@echo "Sign in as administrator, alice (who may open the own mailbox) or visitor; password: kalvo-sample"
@@ -50,6 +52,12 @@ tidy:
 
 format:
 	@tools/check-format --fix
+
+fuzz:
+	@tools/install-packages
+	@cmake --preset fuzz
+	@cmake --build --preset fuzz --parallel $(JOBS) --target fuzz_programs
+	@tools/fuzz build/fuzz $(SECONDS)
 
 bench:
 	@tools/install-packages

@@ -33,6 +33,12 @@ bool BreaksTheParser(std::string_view code) {
   return flag <= 0x20 || flag >= 0x7F || std::string_view("(){%*\"\\]").find(code[0]) != std::string_view::npos;
 }
 
+// In a greeting the parser falls over any code that has a list.
+bool HasList(std::string_view code) {
+  if (code.starts_with(' ')) code.remove_prefix(1);
+  return code.starts_with('[') && code.substr(0, code.find(']')).find('(') != code.npos;
+}
+
 }  // namespace
 
 bool ResponseGuard::Accept(std::string_view bytes) {
@@ -61,8 +67,8 @@ void ResponseGuard::Take(char byte) {
     }
     return EndLine();
   }
-  if (byte == '\r') return;
   if (prose_) return TakeProse(byte);
+  if (byte == '\r') return;
   TakeHead(byte);
   if (prose_) return;
   switch (state_) {
@@ -97,8 +103,9 @@ void ResponseGuard::TakeHead(char byte) {
 }
 
 void ResponseGuard::TakeProse(char byte) {
-  if (code_.size() >= kCodeBytes || (IsBlank(byte) && code_.ends_with(' '))) return;
-  code_ += IsBlank(byte) ? ' ' : Upper(byte);
+  const bool isBlank = byte == ' ' || byte == '\t';  // other control characters are none to the parser
+  if (code_.size() >= kCodeBytes || (isBlank && code_.ends_with(' '))) return;
+  code_ += isBlank ? ' ' : Upper(byte);
 }
 
 void ResponseGuard::TakePlain(char byte) {
@@ -135,6 +142,8 @@ void ResponseGuard::EndLine() {
   // The parser might read on in a string that we take for closed.
   if (state_ != State::Plain && depth_ > 0) return Refuse("broke a line inside a quoted string", 0);
   if (BreaksTheParser(code_)) return Refuse("has flags that the protocol does not have", 0);
+  if (greeting_ && HasList(code_)) return Refuse("greets with a list, which no greeting has", 0);
+  greeting_ = false;
   code_.clear();
   state_ = State::Plain;
   lineBytes_ = 0;

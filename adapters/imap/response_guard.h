@@ -46,7 +46,8 @@ class ResponseGuard {
   int word_ = 0;
   std::string keyword_;
   bool prose_ = false;
-  std::string code_;  // how the prose begins, runs of blanks as one
+  bool greeting_ = true;  // no line has ended yet
+  std::string code_;      // how the prose begins, runs of blanks as one
   std::string refusal_;
 };
 

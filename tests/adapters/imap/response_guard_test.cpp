@@ -49,9 +49,9 @@ TEST(ResponseGuard, LetsOrdinaryAnswersPass) {
       {"a literal that does not wait", "* 1 FETCH (X {500+}\r\n" + Many("\n", 500) + ")\r\n"},
       {"prose with parentheses", "* OK " + Many(":-( ", 20) + "\r\n"},
       {"prose with one quote", "A1 NO don't say \"\r\n* 1 FETCH (1)\r\n"},
-      {"no lasting flags", "* OK [PERMANENTFLAGS ()] Read-only mailbox.\r\n"},
-      {"lasting flags", "* OK [PERMANENTFLAGS (\\Seen $Junk \\*)] Limited\r\n"},
-      {"lasting keywords", "* OK [permanentflags ( a'b )] Limited\r\n"},
+      {"no lasting flags", "* OK hello\r\n* OK [PERMANENTFLAGS ()] Read-only mailbox.\r\n"},
+      {"lasting flags", "* OK hello\r\n* OK [PERMANENTFLAGS (\\Seen $Junk \\*)] Limited\r\n"},
+      {"lasting keywords", "* OK hello\r\n* OK [permanentflags ( a'b )] Limited\r\n"},
       {"an invitation to go on", "+ (((((((((\r\n"},
   };
   for (const auto& c : kCases) {
@@ -79,6 +79,13 @@ TEST(ResponseGuard, RefusesWhatIsTooMuch) {
       {"a brace in a word is no literal", "* 1 FETCH (X{900}\r\n" + deep, "nested parentheses deeper than 5"},
       {"a string over a line's end", "* 1 FETCH (X \"\r\n" + deep, "broke a line inside a quoted string"},
       {"lasting flags that are none", "* OK [PERMANENTFLAGS ((] x\r\n", "has flags that the protocol does not have"},
+      {"a control character before lasting flags",
+       "* OK [PERMANENTFLAGS (\x01"
+       "A)] x\r\n",
+       "has flags that the protocol does not have"},
+      {"a line end among lasting flags", "* OK [PERMANENTFLAGS (\r)] x\r\n",
+       "has flags that the protocol does not have"},
+      {"a greeting with a list", "* OK [BADCHARSET (utf-8)] hello\r\n", "greets with a list, which no greeting has"},
       {"lasting flags that end at once", "* OK  [ permanentflags  (  \\\r\n",
        "has flags that the protocol does not have"},
       {"a quote in prose hides nothing", "* OK \"\r\n" + deep, "nested parentheses deeper than 5"},
