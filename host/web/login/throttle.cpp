@@ -49,11 +49,11 @@ std::int64_t WaitOf(const Rule& rule, const Count& count, std::int64_t now) {
 // A count in its file, held until it goes.
 class CountFile {
  public:
-  explicit CountFile(const fs::path& path) : path_(path) {
+  CountFile(const fs::path& path, std::int64_t now) : path_(path) {
     file_ = open(path.c_str(), O_CREAT | O_RDWR | O_CLOEXEC | O_NOFOLLOW, 0600);
     if (file_ < 0 || flock(file_, LOCK_EX) != 0) throw host::SettingError(path.string() + " cannot be written");
     if (pread(file_, &count, sizeof count, 0) != static_cast<ssize_t>(sizeof count)) count = {};
-    if (std::time(nullptr) - count.last > kForgottenAfter) count = {};
+    if (now - count.last > kForgottenAfter) count = {};
   }
   ~CountFile() { close(file_); }
   CountFile(const CountFile&) = delete;
@@ -82,7 +82,9 @@ fs::path PathOf(const fs::path& folder, Whose whose, std::string_view account, s
 
 }  // namespace
 
-Throttle::Throttle(fs::path folder) : folder_(std::move(folder)) {
+Throttle::Throttle(fs::path folder) : Throttle(std::move(folder), [] { return std::time(nullptr); }) {}
+
+Throttle::Throttle(fs::path folder, Clock clock) : folder_(std::move(folder)), clock_(std::move(clock)) {
   std::error_code failed;
   fs::create_directories(folder_, failed);
   if (!failed) fs::permissions(folder_, fs::perms::owner_all, failed);
@@ -90,14 +92,14 @@ Throttle::Throttle(fs::path folder) : folder_(std::move(folder)) {
 }
 
 std::int64_t Throttle::Begin(std::string_view account, std::string_view address) {
-  const std::int64_t now = std::time(nullptr);
+  const std::int64_t now = clock_();
   std::int64_t wait = 0;
   for (const Rule& rule : kRules) {
-    wait = std::max(wait, WaitOf(rule, CountFile(PathOf(folder_, rule.whose, account, address)).count, now));
+    wait = std::max(wait, WaitOf(rule, CountFile(PathOf(folder_, rule.whose, account, address), now).count, now));
   }
   if (wait > 0) return wait;
   for (const Rule& rule : kRules) {
-    CountFile file(PathOf(folder_, rule.whose, account, address));
+    CountFile file(PathOf(folder_, rule.whose, account, address), now);
     ++file.count.failed;
     file.count.last = now;
     file.Keep();
@@ -106,9 +108,9 @@ std::int64_t Throttle::Begin(std::string_view account, std::string_view address)
 }
 
 void Throttle::Succeeded(std::string_view account, std::string_view address) {
+  const std::int64_t now = clock_();
   for (const Rule& rule : kRules) {
-    const fs::path path = PathOf(folder_, rule.whose, account, address);
-    CountFile file(path);
+    CountFile file(PathOf(folder_, rule.whose, account, address), now);
     // The address may be that of many people: only this attempt is taken back.
     file.count.failed = rule.whose == Whose::Address ? std::max<std::int64_t>(0, file.count.failed - 1) : 0;
     file.Keep();

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -11,8 +12,11 @@ namespace kalvo::web::login {
 // Counted in files of a private folder, for all processes that serve the site.
 class Throttle {
  public:
+  using Clock = std::function<std::int64_t()>;  // seconds since 1970
+
   // Makes the folder. Fails with SettingError.
   explicit Throttle(std::filesystem::path folder);
+  Throttle(std::filesystem::path folder, Clock clock);
 
   // An attempt to sign in begins. 0, and it counts as failed until `Succeeded` says otherwise; or the seconds after
   // which an attempt is heard again, and it does not count.
@@ -23,6 +27,7 @@ class Throttle {
 
  private:
   std::filesystem::path folder_;
+  Clock clock_;
 };
 
 }  // namespace kalvo::web::login

@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "adapters/odbc/odbc_database.h"
+#include "adapters/sqlite/connection.h"
 #include "platform/error.h"
 #include "support/odbc_data_source.h"
 #include "support/temporary_folder.h"
@@ -149,6 +150,42 @@ TEST_F(SqliteFileTest, NothingBesidesReadingIsAllowed) {
     }
     EXPECT_EQ(Text(*connection, "select upper(Plain) as U from T where Id = 3"), "X");
   }
+}
+
+TEST_F(SqliteFileTest, AConnectionIsHardenedAgainstItsFile) {
+  sqlite::Session session(File(), {}, kEnglishUnitedStates);
+  sqlite3* connection = sqlite3_db_handle(session.Prepare("select 1").get());
+  const struct {
+    const char* why;
+    int flag, expected;
+  } kFlags[] = {
+      {"nothing writes around SQLite's own rules", SQLITE_DBCONFIG_DEFENSIVE, 1},
+      {"what the file's schema calls has to be harmless", SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0},
+      {"no library is loaded", SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0},
+  };
+  for (const auto& c : kFlags) {
+    int value = -1;
+    sqlite3_db_config(connection, c.flag, -1, &value);
+    EXPECT_EQ(value, c.expected) << c.why;
+  }
+  EXPECT_EQ(sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, -1), 64 << 20) << "the longest value";
+  EXPECT_EQ(sqlite3_db_readonly(connection, "main"), 1);
+}
+
+TEST_F(SqliteFileTest, OfTheHeapThereAre256Mebibytes) {
+  sqlite::SqliteDatabase database(File());
+  const auto connection = database.Connect("KalvoDB");
+  const auto statement = [](int values) {  // which holds so many values of 50 MB at once
+    std::string sql = "select length(v0)";
+    for (int i = 0; i < values; ++i) sql += ", v" + std::to_string(i);
+    sql += " from (select ";
+    for (int i = 0; i < values; ++i)
+      sql += (i ? ", " : "") + std::string("hex(zeroblob(25000000)) as v") + std::to_string(i);
+    return sql + " limit 1)";
+  };
+  EXPECT_EQ(Text(*connection, statement(1)), "50000000");
+  EXPECT_EQ(ErrorOf(*connection, statement(6)).Description(), "[HY001] out of memory");
+  EXPECT_EQ(Text(*connection, "select count(*) as N from T"), "3") << "the connection is usable";
 }
 
 TEST_F(SqliteFileTest, TheHeapIsLimited) {

@@ -22,6 +22,8 @@ TEST(Statements, AreSplitWhereAQueryBegins) {
   } kCases[] = {
       {"none", "  ", {}},
       {"one", " select 1 ", {"select 1"}},
+      {"one behind another word", "values (1) select 2", {"values (1)", "select 2"}},
+      {"and behind a word that takes one", "delete from T select 1", {"delete from T", "select 1"}},
       {"two without a semicolon",
        "select a from T order by b DESC\r\n\r\nselect 1 where (1 = 0)",
        {"select a from T order by b DESC", "select 1 where (1 = 0)"}},

@@ -33,6 +33,8 @@ TEST(Token, ReadsEveryKind) {
       {"quoted names of three styles", "\"a\"\"b\" `c` [d e]", "qqq", "\"a\"\"b\" `c` [d e]"},
       {"a line comment ends with the line", "a -- b 'c\nd", "wcw", "a -- b 'c d"},
       {"a line comment ends with a carriage return", "a --b\rd", "wcw", "a --b d"},
+      {"a line comment of two characters", "a--", "wc", "a --"},
+      {"a block comment of two characters", "a/*", "wu", "a /*"},
       {"a block comment", "a/* ' */b", "wcw", "a /* ' */ b"},
       {"parentheses", "(a)", "(w)", "( a )"},
       {"numbers", "1 1.5 .5 1e3 1E-5 1e", "nnnnnnw", "1 1.5 .5 1e3 1E-5 1 e"},

@@ -227,6 +227,8 @@ TEST_F(Gates, EndTheSessionOfWhomTheUsersFileNoLongerKnowsSo) {
   EXPECT_EQ(Sent("/Tasks/TopN.asp", cookie), "");
   users_.Put({"KALVO\\bob", true, true, hash_});
   EXPECT_NE(Sent("/Tasks/TopN.asp", cookie), "") << "rights changed";
+  users_.Put({"KALVO\\bob", false, true, hash_});
+  EXPECT_NE(Sent("/Tasks/TopN.asp", cookie), "") << "and changed back: the session is over all the same";
   const std::string again = CookieOfBob();
   users_.Remove("KALVO\\bob");
   EXPECT_NE(Sent("/Tasks/TopN.asp", again), "") << "no user any more";

@@ -37,9 +37,11 @@ TEST(Password, FitsNothingThatIsNoHash) {
   }
 }
 
-TEST(Password, OfMoreThanAKilobyteFitsNothing) {
-  const std::string endless(kLongestPassword + 1, 'x');
-  EXPECT_FALSE(PasswordFits(HashPassword(endless), endless));
+TEST(Password, HasAKilobyteAtMost) {
+  const std::string longest(1024, 'x'), longer(1025, 'x');
+  EXPECT_TRUE(PasswordFits(HashPassword(longest), longest));
+  EXPECT_FALSE(PasswordFits(HashPassword(longer), longer));
+  EXPECT_EQ(kShortestPassword, 8u);
 }
 
 TEST(Password, OfNobodyIsCheckedLikeAnybodys) {

@@ -116,6 +116,20 @@ TEST_F(Sessions, AreGoneWhenAbandoned) {
   EXPECT_EQ(Files(), 0u);
 }
 
+TEST_F(Sessions, LastHalfAnHourUnaskedAndTwelveHoursInAll) {
+  EXPECT_EQ(Lifetimes().idle, 1800);
+  EXPECT_EQ(Lifetimes().longest, 43'200);
+}
+
+TEST_F(Sessions, AreInAFolderOfTheOwnersAlone) {
+  const mode_t before = umask(0);
+  SessionStore store = Store();
+  umask(before);
+  struct stat state {};
+  ASSERT_EQ(stat((folder_.Path() / "sessions").c_str(), &state), 0);
+  EXPECT_EQ(state.st_mode & 07777, 0700u);
+}
+
 TEST_F(Sessions, ExpireWhenNobodyAsks) {
   SessionStore store = Store({.idle = 60, .longest = 1000});
   const std::string id = store.Create(kAlice);

@@ -55,14 +55,66 @@ TEST(SessionValues, HoldNoObjectsAndNoBytes) {
   EXPECT_EQ(values.Get("x"), Value());
 }
 
-TEST(SessionValues, AreLimited) {
+// What a session of one name, as long as that, unpacks to: the same bytes that were packed, or nothing.
+bool IsTakenBack(std::size_t nameLength, std::size_t textLength) {
+  std::string packed;
+  for (const auto& [text, tag] :
+       {std::pair(std::string(nameLength, 'n'), "s"), std::pair(std::string(textLength, 't'), "")}) {
+    const auto size = static_cast<std::uint32_t>(text.size());
+    packed.append(reinterpret_cast<const char*>(&size), sizeof size).append(text).append(tag);
+  }
+  const auto back = SessionValues::Unpacked(packed);
+  return back && back->Packed() == packed;
+}
+
+TEST(SessionValues, HaveNamesOf256BytesAtMost) {
   SessionValues values;
-  EXPECT_EQ(NumberOf([&] { values.Set(std::string(kLongestName + 1, 'n'), true); }), codes::kFailed);
-  EXPECT_EQ(NumberOf([&] { values.Set("x", std::string(kLargestSession, 'x')); }), codes::kFailed);
-  EXPECT_EQ(values.Get("x"), Value()) << "what was refused is not there";
-  for (std::size_t i = 0; i < kMostValues; ++i) values.Set(std::to_string(i), true);
+  EXPECT_EQ(NumberOf([&] { values.Set(std::string(256, 'n'), true); }), 0);
+  EXPECT_EQ(values.Get(std::string(256, 'N')), Value(true));
+  EXPECT_EQ(NumberOf([&] { values.Set(std::string(257, 'n'), true); }), codes::kFailed);
+  EXPECT_EQ(values.Get(std::string(257, 'n')), Value()) << "what was refused is not there";
+  EXPECT_TRUE(IsTakenBack(256, 1));
+  EXPECT_FALSE(IsTakenBack(257, 1));
+}
+
+TEST(SessionValues, Are256AtMost) {
+  SessionValues values;
+  for (int i = 0; i < 256; ++i) EXPECT_EQ(NumberOf([&] { values.Set(std::to_string(i), true); }), 0) << i;
   EXPECT_EQ(NumberOf([&] { values.Set("one more", true); }), codes::kFailed);
   EXPECT_EQ(NumberOf([&] { values.Set("7", false); }), 0) << "a value may change";
+  EXPECT_EQ(values.Get("7"), Value(false));
+  const std::string packed = values.Packed();
+  EXPECT_TRUE(SessionValues::Unpacked(packed));
+  SessionValues more;
+  more.Set("another", Null{});
+  EXPECT_FALSE(SessionValues::Unpacked(packed + more.Packed()));
+}
+
+TEST(SessionValues, Take64KibibytesAtMost) {
+  const std::size_t around = 4 + 1 + 1 + 4;  // the name's length, the name "x", the type, the text's length
+  SessionValues values;
+  EXPECT_EQ(NumberOf([&] { values.Set("x", std::string(65'536 - around + 1, 'x')); }), codes::kFailed);
+  EXPECT_EQ(values.Get("x"), Value()) << "what was refused is not there";
+  EXPECT_EQ(NumberOf([&] { values.Set("x", std::string(65'536 - around, 'x')); }), 0);
+  EXPECT_EQ(values.Packed().size(), 65'536u);
+  EXPECT_TRUE(IsTakenBack(1, 65'536 - around));
+  EXPECT_FALSE(IsTakenBack(1, 65'536 - around + 1));
+}
+
+TEST(SessionValues, SayWhatTheyCannotHold) {
+  SessionValues values;
+  const auto text = [&](const std::string& name, const Value& value) {
+    try {
+      values.Set(name, value);
+    } catch (const Error& error) {
+      return error.Description();
+    }
+    return std::string();
+  };
+  EXPECT_EQ(text(std::string(257, 'n'), true), "The session cannot hold a value whose name has more than 256 bytes.");
+  EXPECT_EQ(text("x", std::string(70'000, 'x')), "The session cannot hold more than 64 KiB.");
+  for (int i = 0; i < 256; ++i) values.Set(std::to_string(i), true);
+  EXPECT_EQ(text("x", true), "The session cannot hold more than 256 values.");
 }
 
 TEST(SessionValues, AreNotReadFromBytesThatWereNotPackedSo) {

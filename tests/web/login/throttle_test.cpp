@@ -1,7 +1,9 @@
 #include "host/web/login/throttle.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include "host/parts/setting_error.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::web::login {
@@ -16,9 +18,86 @@ class Attempts : public testing::Test {
     return heard;
   }
 
+  // Attempts at one account from a new address each time, or at a new account from one address; the longest wait
+  // before the next, each attempt made as soon as it is heard.
+  std::vector<std::int64_t> Waits(int attempts, bool newAccounts, bool newAddresses) {
+    std::vector<std::int64_t> waits;
+    for (int i = 0; i < attempts; ++i) {
+      const std::string account = "KALVO\\a" + std::to_string(newAccounts ? i : 0);
+      const std::string address = "10.0.0." + std::to_string(newAddresses ? i : 0);
+      const std::int64_t wait = throttle_.Begin(account, address);
+      waits.push_back(wait);
+      if (wait == 0) continue;
+      now_ += wait - 1;
+      EXPECT_EQ(throttle_.Begin(account, address), 1) << "a second too early, attempt " << i;
+      now_ += 1;
+      EXPECT_EQ(throttle_.Begin(account, address), 0) << "attempt " << i;
+    }
+    return waits;
+  }
+
   test::TemporaryFolder folder_;
-  Throttle throttle_{folder_.Path() / "attempts"};
+  std::int64_t now_ = 1'700'000'000;
+  Throttle throttle_{folder_.Path() / "attempts", [this] { return now_; }};
 };
+
+TEST_F(Attempts, WaitTwiceAsLongEachTimeUpToALimit) {
+  using Waits = std::vector<std::int64_t>;
+  EXPECT_EQ(this->Waits(12, false, false), (Waits{0, 0, 0, 0, 2, 4, 8, 16, 32, 60, 60, 60}))
+      << "one account, one address";
+  const Waits ofAddress = this->Waits(40, true, false);
+  EXPECT_EQ(Waits(ofAddress.begin() + 16, ofAddress.begin() + 27), (Waits{0, 0, 2, 4, 8, 16, 32, 60, 60, 60, 60}))
+      << "of one address, which has had twelve before";
+}
+
+TEST_F(Attempts, AtOneAccountFromEverywhereWaitTenSecondsAtMost) {
+  const auto waits = Waits(130, false, true);
+  EXPECT_EQ(std::vector<std::int64_t>(waits.begin() + 49, waits.begin() + 56),
+            (std::vector<std::int64_t>{0, 2, 4, 8, 10, 10, 10}));
+  EXPECT_EQ(waits[59], 10);
+  EXPECT_EQ(waits[69], 10);
+  EXPECT_EQ(waits[129], 10) << "however often it is doubled";
+}
+
+TEST_F(Attempts, AreForgottenAfterAnHour) {
+  EXPECT_EQ(Heard(4, "KALVO\\alice", "10.0.0.1"), 4);
+  now_ += 3600;
+  EXPECT_EQ(throttle_.Begin("KALVO\\alice", "10.0.0.1"), 0) << "the wait is over, the count is not";
+  EXPECT_EQ(throttle_.Begin("KALVO\\alice", "10.0.0.1"), 4);
+  now_ += 3601;
+  EXPECT_EQ(Heard(5, "KALVO\\alice", "10.0.0.1"), 4);
+}
+
+TEST_F(Attempts, OfAnAddressLoseNoMoreThanTheOneThatSucceeded) {
+  for (int i = 0; i < 29; ++i) EXPECT_EQ(Heard(1, "KALVO\\user" + std::to_string(i), "10.0.0.1"), 1);
+  EXPECT_EQ(Heard(1, "KALVO\\alice", "10.0.0.1"), 1);
+  throttle_.Succeeded("KALVO\\alice", "10.0.0.1");
+  EXPECT_EQ(Heard(1, "KALVO\\bob", "10.0.0.1"), 1) << "twenty-nine have failed";
+  EXPECT_EQ(Heard(1, "KALVO\\carol", "10.0.0.1"), 0) << "now thirty have";
+}
+
+TEST_F(Attempts, AreCountedWhereNobodyElseLooks) {
+  const mode_t before = umask(0);
+  Throttle open(folder_.Path() / "open");
+  open.Begin("KALVO\\alice", "10.0.0.1");
+  umask(before);
+  struct stat state {};
+  ASSERT_EQ(stat((folder_.Path() / "open").c_str(), &state), 0);
+  EXPECT_EQ(state.st_mode & 07777, 0700u);
+  int files = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "open")) {
+    ASSERT_EQ(stat(entry.path().c_str(), &state), 0);
+    EXPECT_EQ(state.st_mode & 07777, 0600u);
+    EXPECT_EQ(entry.path().string().find("alice"), std::string::npos);
+    ++files;
+  }
+  EXPECT_EQ(files, 3);
+}
+
+TEST_F(Attempts, CannotBeCountedBelowAFile) {
+  test::WriteFile(folder_.Path() / "file", "");
+  EXPECT_THROW(Throttle(folder_.Path() / "file" / "attempts"), host::SettingError);
+}
 
 TEST_F(Attempts, AreSlowedAfterTheFirstFew) {
   EXPECT_EQ(Heard(4, "KALVO\\alice", "10.0.0.1"), 4);
@@ -59,7 +138,7 @@ TEST_F(Attempts, AreForgottenAfterASuccess) {
 
 TEST_F(Attempts, AreCountedForAllProcesses) {
   EXPECT_EQ(Heard(4, "KALVO\\alice", "10.0.0.1"), 4);
-  Throttle another(folder_.Path() / "attempts");
+  Throttle another(folder_.Path() / "attempts", [this] { return now_; });
   EXPECT_GT(another.Begin("KALVO\\alice", "10.0.0.1"), 0);
 }
 
