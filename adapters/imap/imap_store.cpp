@@ -238,11 +238,22 @@ mail::MessageDetails ImapStore::Message(const mail::Tree& tree, std::string_view
   });
 }
 
-void ImapStore::Remove(const mail::Tree& tree, std::string_view folder, std::string_view message) {
+// Nothing is held here: a message that was deleted is gone at once.
+std::string ImapStore::Remove(const mail::Tree& tree, std::string_view folder, std::string_view message,
+                              const mail::Deletion&) {
   const auto number = ReadMessageKey(message);
   if (!number) throw mail::NoSuchMessage();
   Removal removal(std::string(folder), *number);
   pool_->WithOwn(tree.server, UserOf(tree), [&](Connection& connection) { removal.Run(connection); });
+  return "";
 }
+
+std::vector<mail::HeldMessage> ImapStore::Held(const mail::Tree&) { return {}; }
+
+mail::FolderPath ImapStore::Restore(const mail::Tree&, std::string_view, const std::optional<mail::FolderPath>&) {
+  throw mail::NotHeld();
+}
+
+std::int32_t ImapStore::Sweep(std::int64_t) { return 0; }
 
 }  // namespace kalvo::imap

@@ -28,7 +28,12 @@ class ImapStore : public mail::MailStore {
   std::vector<mail::FolderInfo> Folders(const mail::Tree& tree, std::string_view folder) override;
   std::unique_ptr<mail::MessageSource> Messages(const mail::Tree& tree, std::string_view folder) override;
   mail::MessageDetails Message(const mail::Tree& tree, std::string_view folder, std::string_view message) override;
-  void Remove(const mail::Tree& tree, std::string_view folder, std::string_view message) override;
+  std::string Remove(const mail::Tree& tree, std::string_view folder, std::string_view message,
+                     const mail::Deletion& deletion) override;
+  std::vector<mail::HeldMessage> Held(const mail::Tree& tree) override;
+  mail::FolderPath Restore(const mail::Tree& tree, std::string_view id,
+                           const std::optional<mail::FolderPath>& into) override;
+  std::int32_t Sweep(std::int64_t before) override;
 
   // What has been read from servers since the store was made.
   const Traffic& Cost() const { return pool_->Cost(); }

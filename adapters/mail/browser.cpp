@@ -1,5 +1,6 @@
 #include "adapters/mail/browser.h"
 
+#include <ctime>
 #include <utility>
 
 #include "adapters/mail/errors.h"
@@ -20,7 +21,7 @@ KeptBinding Kept(const Binding& binding, std::string folder = {}) {
 
 }  // namespace
 
-Browser::Browser(std::shared_ptr<MailStore> store) : store_(std::move(store)) {}
+Browser::Browser(std::shared_ptr<MailStore> store, std::string who) : store_(std::move(store)), who_(std::move(who)) {}
 Browser::~Browser() = default;
 
 // ---- positions ------------------------------------------------------------------------------------------
@@ -65,7 +66,7 @@ void Browser::RemoveMessage(std::string_view server, std::string_view mailbox, s
   const Tree tree = TreeOf(server, mailbox, flags);
   const MessageKeys keys = ReadMessageIdentifier(BindingOf(tree), messageId);
   StandNowhere();
-  store_->Remove(tree, keys.folder, keys.message);
+  store_->Remove(tree, keys.folder, keys.message, {who_, std::time(nullptr)});
 }
 
 std::string Browser::CurrentMailboxName() {
@@ -136,11 +137,9 @@ const MessageDetails& Browser::Message() {
 
 // ---- where it stands ------------------------------------------------------------------------------------
 
-// With the public-folder bit the mailbox is the product's own, or in message calls a folder's path: the server
-// alone tells the tree.
-Tree Browser::TreeOf(std::string_view server, std::string_view mailbox, std::int32_t flags) {
-  if (InPublicFolders(flags)) return {Names().Server(server).name, nullptr};
-  const Mailbox& found = Names().Find(server, mailbox);
+Tree TreeNamed(const Directory& names, std::string_view server, std::string_view mailbox, std::int32_t flags) {
+  if (InPublicFolders(flags)) return {names.Server(server).name, nullptr};
+  const Mailbox& found = names.Find(server, mailbox);
   return {found.server, &found};
 }
 

@@ -13,13 +13,18 @@
 
 namespace kalvo::mail {
 
+// The tree that a page's words mean. With the public-folder bit the mailbox is the product's own, or in message calls
+// a folder's path: the server alone tells the tree. Fails as `Directory::Find` does.
+Tree TreeNamed(const Directory& names, std::string_view server, std::string_view mailbox, std::int32_t flags);
+
 // The browsing object over any mail store. It resolves names, reads the flags, checks identifiers against the tree
 // that they have to belong to, and keeps the position; the store is asked for folders and messages by its own keys.
 //
 // A positioning that fails leaves it standing nowhere. Questions about names and owners leave the position alone.
 class Browser : public LiveContainer {
  public:
-  explicit Browser(std::shared_ptr<MailStore> store);
+  // `who` is the logon name of whoever browses: a deleted message is held with it.
+  explicit Browser(std::shared_ptr<MailStore> store, std::string who = "");
   ~Browser() override;
 
   void GotoContainer(std::string_view server, std::string_view mailbox, std::string_view container,
@@ -57,7 +62,9 @@ class Browser : public LiveContainer {
   };
 
   const Directory& Names();
-  Tree TreeOf(std::string_view server, std::string_view mailbox, std::int32_t flags);
+  Tree TreeOf(std::string_view server, std::string_view mailbox, std::int32_t flags) {
+    return TreeNamed(Names(), server, mailbox, flags);
+  }
   Binding BindingOf(const Tree& tree);
   void StandOn(Tree tree, std::string folder, FolderPath path);
   void StandNowhere();
@@ -67,6 +74,7 @@ class Browser : public LiveContainer {
   const std::shared_ptr<ListingItems>& MessageItems();
 
   std::shared_ptr<MailStore> store_;
+  std::string who_;
   std::shared_ptr<const Directory> names_;
   std::optional<Position> position_;
   std::optional<MessageDetails> message_;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "adapters/mail/text.h"
 #include "platform/append.h"
 
 namespace kalvo::mail {
@@ -26,6 +27,13 @@ Error NoSuchServer(std::string_view name) {
 }
 
 Error NoSuchMessage() { return Error(kNotFound, "The message does not exist any more."); }
+
+Error FolderOfHeldIsGone(const FolderPath& path) {
+  return Named(codes::kNoSuchFolder, "The folder ", PathText(path),
+               " does not exist any more; the message can be restored into another folder of the mailbox.");
+}
+
+Error NotHeld() { return Error(kNotFound, "The deleted message is not held any more."); }
 
 Error AmbiguousMailbox(std::string_view name) {
   return Named(codes::kAmbiguousName, "The name ", name, " matches several mailboxes.");

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "adapters/mail/held_message.h"
 #include "adapters/mail/identifiers.h"
 
 namespace kalvo::mail {
@@ -15,9 +16,6 @@ namespace kalvo::mail {
 class Directory;
 class ListingItems;
 struct Mailbox;
-
-// The folder names from a root down; empty is the root.
-using FolderPath = std::vector<std::string>;
 
 // One tree of folders: a mailbox, or the public folders of a server.
 struct Tree {
@@ -118,8 +116,23 @@ class MailStore {
   // One message. Fails with `NoSuchMessage` where it is gone.
   virtual MessageDetails Message(const Tree& tree, std::string_view folder, std::string_view message) = 0;
 
-  // Deletes exactly that message. Fails with `NoSuchMessage` where it is gone.
-  virtual void Remove(const Tree& tree, std::string_view folder, std::string_view message) = 0;
+  // Deletes exactly that message: it moves into the store's holding folder, which no listing, size or total shows.
+  // Answers its id there. Whatever stops the process, the message is in exactly one of the two places. Fails with
+  // `NoSuchMessage` where it is gone, and leaves it where it is when it cannot be held.
+  virtual std::string Remove(const Tree& tree, std::string_view folder, std::string_view message,
+                             const Deletion& deletion) = 0;
+
+  // The held messages that were deleted from a tree, the last deleted first.
+  virtual std::vector<HeldMessage> Held(const Tree& tree) = 0;
+
+  // Puts a held message of that tree back, with its date and flags: into the folder that it was in, or into another
+  // one of the tree. Answers the folder's path. Fails with `NoSuchMessage` where it is not held (any more), with
+  // `NoSuchFolder` where the folder is gone; it is then still held.
+  virtual FolderPath Restore(const Tree& tree, std::string_view id, const std::optional<FolderPath>& into) = 0;
+
+  // Ends the holding of every message that was deleted before that moment (seconds since 1970, UTC), and answers
+  // how many.
+  virtual std::int32_t Sweep(std::int64_t before) = 0;
 };
 
 }  // namespace kalvo::mail

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <ctime>
 #include <memory>
 
@@ -115,16 +116,33 @@ std::optional<std::string> ReadAll(const File& file, std::size_t limit) {
   return content;
 }
 
-bool ReplaceFile(const File& folder, const std::string& name, std::string_view content) {
+File OwnFolder(const File& top, const char* name) {
+  mkdirat(top.Handle(), name, 0700);
+  return OpenFolder(top, name);
+}
+
+bool ReplaceFile(const File& folder, const std::string& name, std::string_view content, Durable durable) {
   const std::string beside = name + ".new";
   const File file = CreateBeside(folder, beside);
   if (!file) return false;
-  if (WriteAll(file.Handle(), content) &&
+  const bool lasts = durable == Durable::Yes;
+  if (WriteAll(file.Handle(), content) && (!lasts || fsync(file.Handle()) == 0) &&
       renameat(folder.Handle(), beside.c_str(), folder.Handle(), name.c_str()) == 0) {
-    return true;
+    return !lasts || fsync(folder.Handle()) == 0;
   }
+  const int why = errno;
   unlinkat(folder.Handle(), beside.c_str(), 0);
+  errno = why;
   return false;
+}
+
+Moved MoveFile(const File& from, const std::string& name, const File& to, const std::string& as) {
+  if (renameat2(from.Handle(), name.c_str(), to.Handle(), as.c_str(), RENAME_NOREPLACE) != 0) {
+    return errno == ENOENT ? Moved::Gone : Moved::No;
+  }
+  fsync(to.Handle());
+  fsync(from.Handle());
+  return Moved::Yes;
 }
 
 }  // namespace kalvo::maildir

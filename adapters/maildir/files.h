@@ -51,8 +51,23 @@ struct stat StatusOf(const File& file);
 // The whole content; nothing where it cannot be read or is longer than `limit`.
 std::optional<std::string> ReadAll(const File& file, std::size_t limit);
 
+// A folder of ours below another, made when it is not there; closed where that cannot be done.
+File OwnFolder(const File& top, const char* name);
+
+enum class Durable : bool { No, Yes };  // whether it also outlives a power cut
+
 // Replaces a file of a folder as a whole: it is written beside it first and then takes its place. False where that
 // cannot be done, or another process is doing the same right now.
-bool ReplaceFile(const File& folder, const std::string& name, std::string_view content);
+bool ReplaceFile(const File& folder, const std::string& name, std::string_view content, Durable durable = Durable::No);
+
+enum class Moved {
+  Yes,
+  Gone,  // there is no such file
+  No,    // `errno` says why; the file is where it was
+};
+
+// Gives a file a name in another folder of the same file system, where no file may have it, and sees to it that the
+// disk knows.
+Moved MoveFile(const File& from, const std::string& name, const File& to, const std::string& as);
 
 }  // namespace kalvo::maildir

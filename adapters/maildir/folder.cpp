@@ -196,17 +196,26 @@ File Folder::OpenMessage(std::string_view unique) {
   return File();
 }
 
-bool Folder::Remove(std::string_view unique) {
+Moved Folder::MoveOut(std::string_view unique, const File& into, const std::string& as, const Announce& announce) {
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     const auto found = Find(unique);
-    if (!found) return false;
+    if (!found) return Moved::Gone;
     const File& list = ListOf(found->isNew);
     if (!OpenFile(list, found->name)) continue;  // renamed meanwhile, or no message at all
-    if (unlinkat(list.Handle(), found->name.c_str(), 0) == 0) return true;
-    if (errno != ENOENT) break;
+    announce(found->name, found->isNew);
+    const Moved moved = MoveFile(list, found->name, into, as);
+    if (moved != Moved::Gone) return moved;
   }
-  if (!Find(unique)) return false;
-  throw mail::StoreFailed("The mail store does not allow the message to be deleted.");
+  errno = EAGAIN;
+  return Find(unique) ? Moved::No : Moved::Gone;
+}
+
+Moved Folder::MoveIn(const File& from, const std::string& name, const std::string& as, bool toNew) {
+  errno = EEXIST;
+  if (Find(UniquePart(as))) return Moved::No;
+  errno = ENOTDIR;
+  const File& list = ListOf(toNew && new_);
+  return list ? MoveFile(from, name, list, as) : Moved::No;
 }
 
 std::optional<std::int64_t> Folder::Created() {

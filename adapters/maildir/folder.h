@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -52,8 +53,13 @@ class Folder {
   // The open file of a message, by its unique name; closed where it is gone.
   File OpenMessage(std::string_view unique);
 
-  // Deletes the file of a message. False where it is gone.
-  bool Remove(std::string_view unique);
+  // Moves the file of a message into a folder that is none of a tree, under the name `as`; before each attempt
+  // `announce` is told the file's name and whether it lies in "new". A file that is no message is `Gone`.
+  using Announce = std::function<void(const std::string& name, bool isNew)>;
+  Moved MoveOut(std::string_view unique, const File& into, const std::string& as, const Announce& announce);
+
+  // Moves a file in and gives it that name, in "new" or in "cur". Fails (`EEXIST`) where a message has the name.
+  Moved MoveIn(const File& from, const std::string& name, const std::string& as, bool toNew);
 
   std::optional<std::int64_t> Created();   // seconds since 1970: when the folder was made, where its marker says
   std::optional<std::int64_t> Modified();  // when a message was last added, removed or renamed

@@ -14,6 +14,7 @@
 #include "adapters/mail/errors.h"
 #include "adapters/mail/text.h"
 #include "adapters/maildir/folder.h"
+#include "adapters/maildir/holding.h"
 #include "adapters/maildir/message_reader.h"
 #include "platform/append.h"
 #include "platform/conversion.h"
@@ -40,12 +41,6 @@ std::string IndexName(const mail::IdentifierKey& key, std::string_view identity)
   std::string name;
   for (int shift = 60; shift >= 0; shift -= 4) name += digits[(hash >> shift) & 15];
   return name;
-}
-
-// A folder of ours, made when it is not there; closed where that cannot be done.
-File OwnFolder(const File& top, const char* name) {
-  mkdirat(top.Handle(), name, 0700);
-  return OpenFolder(top, name);
 }
 
 // The messages of a snapshot.
@@ -144,10 +139,60 @@ class MaildirStore::Trees : public mail::MailStore {
   }
 
   mail::MessageDetails Message(const mail::Tree& tree, std::string_view folder, std::string_view message) override {
+    return Details(tree, folder, message, Read::Attachments);
+  }
+
+  std::string Remove(const mail::Tree& tree, std::string_view folder, std::string_view message,
+                     const mail::Deletion& deletion) override {
+    mail::MessageDetails details = Details(tree, folder, message, Read::Listing);
+    mail::HeldMessage held;
+    held.id = mail::NewHeldId();
+    held.server = tree.server;
+    held.mailbox = tree.mailbox ? tree.mailbox->location : "";
+    held.folder = PathOf(tree, folder);
+    held.folderKey = folder;
+    held.subject = std::move(details.subject);
+    held.sender = std::move(details.sender);
+    held.size = details.size;
+    held.sent = details.sent;
+    held.received = details.received;
+    held.deletion = deletion;
+    Folder from = OpenKey(tree, folder);
+    if (!holding_.Take(HoldingName(tree), from, message, held)) throw mail::NoSuchMessage();
+    return held.id;
+  }
+
+  std::vector<mail::HeldMessage> Held(const mail::Tree& tree) override {
+    auto held = holding_.Held(HoldingName(tree));
+    std::erase_if(held, [&](const mail::HeldMessage& message) { return !BelongsTo(message, tree); });
+    std::stable_sort(held.begin(), held.end(), [](const mail::HeldMessage& a, const mail::HeldMessage& b) {
+      return a.deletion.when > b.deletion.when;
+    });
+    return held;
+  }
+
+  mail::FolderPath Restore(const mail::Tree& tree, std::string_view id,
+                           const std::optional<mail::FolderPath>& into) override {
+    const auto held = holding_.Find(HoldingName(tree), id);
+    if (!held || !BelongsTo(*held, tree)) throw mail::NotHeld();
+    const std::string key = into ? FindFolder(tree, *into) : held->folderKey;
+    if (!into && !KeysOf(tree).contains(key)) throw mail::FolderOfHeldIsGone(held->folder);
+    if (key.empty()) throw mail::NoSuchFolder("A mailbox's top has no messages; name a folder.");
+    Folder folder = OpenKey(tree, key);
+    if (!holding_.Give(HoldingName(tree), *held, folder)) throw mail::NotHeld();
+    return PathOf(tree, key);
+  }
+
+  std::int32_t Sweep(std::int64_t before) override { return holding_.Sweep(before); }
+
+  const Work& Done() const { return work_; }
+
+ private:
+  mail::MessageDetails Details(const mail::Tree& tree, std::string_view folder, std::string_view message, Read what) {
     const File file = OpenKey(tree, folder).OpenMessage(message);
     if (!file) throw mail::NoSuchMessage();
     const struct stat status = StatusOf(file);
-    MessageContent content = ReadMessage(file, Read::Attachments);
+    MessageContent content = ReadMessage(file, what);
     ++work_.messagesParsed;
     work_.bytesRead += status.st_size;
     return {std::move(content.subject),
@@ -158,13 +203,13 @@ class MaildirStore::Trees : public mail::MailStore {
             std::move(content.attachments)};
   }
 
-  void Remove(const mail::Tree& tree, std::string_view folder, std::string_view message) override {
-    if (!OpenKey(tree, folder).Remove(message)) throw mail::NoSuchMessage();
+  // The folder of a tree's held messages: its location, made short.
+  std::string HoldingName(const mail::Tree& tree) const { return IndexName(key_, Location(tree)); }
+
+  static bool BelongsTo(const mail::HeldMessage& held, const mail::Tree& tree) {
+    return held.server == tree.server && held.mailbox == (tree.mailbox ? tree.mailbox->location : "");
   }
 
-  const Work& Done() const { return work_; }
-
- private:
   std::string DirectoryPath() const { return path_ + "/" + kMailboxes; }
 
   std::pair<std::int64_t, std::int64_t> DirectoryTime() const {
@@ -251,6 +296,7 @@ class MaildirStore::Trees : public mail::MailStore {
 
   std::string path_;
   File top_, own_, indexes_;
+  Holding holding_{own_};
   mail::IdentifierKey key_{};
   std::shared_ptr<const mail::Directory> mailboxes_;
   std::pair<std::int64_t, std::int64_t> directoryTime_;
@@ -261,6 +307,8 @@ MaildirStore::MaildirStore(const std::string& folder) : trees_(std::make_shared<
 MaildirStore::~MaildirStore() = default;
 
 std::shared_ptr<LiveContainer> MaildirStore::Open() { return std::make_shared<mail::Browser>(trees_); }
+
+std::shared_ptr<mail::MailStore> MaildirStore::Store() { return trees_; }
 
 const Work& MaildirStore::Done() const { return trees_->Done(); }
 

@@ -6,6 +6,9 @@
 namespace kalvo {
 class LiveContainer;
 }
+namespace kalvo::mail {
+class MailStore;
+}
 
 namespace kalvo::maildir {
 
@@ -16,7 +19,8 @@ struct Work;
 //   mailboxes.txt     the servers, mailboxes, owners and addresses (adapters/mail/directory_file.h)
 //   <location>        a Maildir++ tree for each mailbox: cur, new, tmp, and a folder ".Sub.Folder" for each folder
 //   <location>        the same for a server's public folders, without messages at the top
-//   .kalvo/           made by us: the key of the identifiers, and an index for each folder
+//   .kalvo/           made by us: the key of the identifiers, an index for each folder, and the deleted messages
+//                     for as long as they are held
 //
 // Locations are paths below the store; nothing outside of it is ever opened. The store outlives its browsing
 // objects, which keep it alive; one thread at a time.
@@ -29,6 +33,9 @@ class MaildirStore {
 
   // A browsing object for one session.
   std::shared_ptr<LiveContainer> Open();
+
+  // The same store as those who delete, undo and sweep use it.
+  std::shared_ptr<mail::MailStore> Store();
 
   // What was done since the store was opened.
   const Work& Done() const;

@@ -95,7 +95,7 @@ int RunPage(const PageArguments& arguments) {
   const PageOptions options = MakeOptions(arguments);
   const Parts parts({arguments.database, arguments.mail, arguments.locale, arguments.timeLimit});
   Site site(place.root, parts.GetPlatform());
-  MemorySession session(arguments.session, parts.GetLiveDrillerMaker());
+  MemorySession session(arguments.session, parts.GetLiveDrillerMaker(), arguments.logon);
   OutputSink sink(arguments.headers);
   const PageResult result = site.Run(place.page, MakeRequest(arguments, place), session, sink, options);
   if (!result.failure) return kDone;

@@ -1,38 +1,36 @@
 #include "host/parts/mail_part.h"
 
-#include <memory>
 #include <string>
 
+#include "adapters/mail/mail_store.h"
 #include "host/parts/setting_error.h"
 #include "platform/error.h"
-#include "platform/live_mailbox.h"
 
 #ifdef KALVO_HAS_MAILDIR
 #include "adapters/maildir/maildir_store.h"
 #endif
 #ifdef KALVO_HAS_IMAP
 #include "adapters/imap/imap_mail.h"
-#include "adapters/mail/browser.h"
 #endif
 
 namespace kalvo::host {
 namespace {
 
+using Store = std::shared_ptr<mail::MailStore>;
+
 constexpr std::string_view kMaildir = "maildir:";
 
-LiveDrillerMaker OpenMaildir([[maybe_unused]] const std::string& folder) {
+Store OpenMaildir([[maybe_unused]] const std::string& folder) {
 #ifdef KALVO_HAS_MAILDIR
-  const auto store = std::make_shared<maildir::MaildirStore>(folder);
-  return [store] { return store->Open(); };
+  return maildir::MaildirStore(folder).Store();
 #else
   throw SettingError("this build has no adapter for Maildir");
 #endif
 }
 
-LiveDrillerMaker OpenImap([[maybe_unused]] std::string_view url) {
+Store OpenImap([[maybe_unused]] std::string_view url) {
 #ifdef KALVO_HAS_IMAP
-  const auto store = imap::OpenImapStore(url);
-  return [store] { return std::make_shared<mail::Browser>(store); };
+  return imap::OpenImapStore(url);
 #else
   throw SettingError("this build has no adapter for IMAP");
 #endif
@@ -40,8 +38,8 @@ LiveDrillerMaker OpenImap([[maybe_unused]] std::string_view url) {
 
 }  // namespace
 
-LiveDrillerMaker MakeMail(std::string_view where) {
-  if (where.empty()) return {};
+Store OpenMail(std::string_view where) {
+  if (where.empty()) return nullptr;
   try {
     if (where.starts_with(kMaildir) && where.size() > kMaildir.size()) {
       return OpenMaildir(std::string(where.substr(kMaildir.size())));

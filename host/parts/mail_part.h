@@ -1,14 +1,17 @@
 #pragma once
 
+#include <memory>
 #include <string_view>
 
-#include "host/parts/memory_session.h"
+namespace kalvo::mail {
+class MailStore;
+}
 
 namespace kalvo::host {
 
-// What makes a session's browsing object, by the words of the settings: "maildir:DIR", "imap://HOST:PORT..." or
-// "imaps://...", "" for no mailboxes (an empty maker). Fails with SettingError for other words, for an adapter that
-// is not in this build, and for a mail store whose own settings are wrong.
-LiveDrillerMaker MakeMail(std::string_view where);
+// The mail store that the words of the settings name: "maildir:DIR", "imap://HOST:PORT..." or "imaps://..."; null for
+// "", no mailboxes. Fails with SettingError for other words, for an adapter that is not in this build, and for a mail
+// store whose own settings are wrong.
+std::shared_ptr<mail::MailStore> OpenMail(std::string_view where);
 
 }  // namespace kalvo::host

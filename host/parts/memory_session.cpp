@@ -5,8 +5,8 @@
 
 namespace kalvo::host {
 
-MemorySession::MemorySession(const NamedTexts& values, LiveDrillerMaker makeDriller)
-    : makeDriller_(std::move(makeDriller)) {
+MemorySession::MemorySession(const NamedTexts& values, LiveDrillerMaker makeDriller, std::string who)
+    : makeDriller_(std::move(makeDriller)), who_(std::move(who)) {
   for (const auto& [name, text] : values) Set(name, Value(text));
 }
 
@@ -23,7 +23,7 @@ void MemorySession::Abandon() {
 }
 
 std::shared_ptr<LiveContainer> MemorySession::LiveDriller() {
-  if (!driller_ && makeDriller_) driller_ = makeDriller_();
+  if (!driller_ && makeDriller_) driller_ = makeDriller_(who_);
   return driller_;
 }
 

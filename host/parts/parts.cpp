@@ -1,5 +1,6 @@
 #include "host/parts/parts.h"
 
+#include "adapters/mail/browser.h"
 #include "host/parts/database_part.h"
 #include "host/parts/mail_part.h"
 #include "host/parts/ranking_part.h"
@@ -19,6 +20,11 @@ const Locale& LocaleNamed(const std::string& name) {
   throw SettingError(message);
 }
 
+LiveDrillerMaker MakerOf(const std::shared_ptr<mail::MailStore>& store) {
+  if (!store) return {};
+  return [store](const std::string& who) { return std::make_shared<mail::Browser>(store, who); };
+}
+
 }  // namespace
 
 Parts::Parts(const PartsSettings& settings)
@@ -26,7 +32,8 @@ Parts::Parts(const PartsSettings& settings)
       database_(MakeDatabase(settings.database, settings.timeLimit, locale_)),
       ranking_(MakeRanking(*database_, {settings.topNRows, settings.topNOldDays, locale_})),
       platform_{*database_, *ranking_, clock_, locale_},
-      makeDriller_(MakeMail(settings.mail)) {}
+      mail_(OpenMail(settings.mail)),
+      makeDriller_(MakerOf(mail_)) {}
 
 Parts::~Parts() = default;
 

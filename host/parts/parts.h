@@ -8,6 +8,10 @@
 #include "host/parts/system_clock.h"
 #include "platform/platform.h"
 
+namespace kalvo::mail {
+class MailStore;
+}
+
 namespace kalvo::host {
 
 // Where the parts are, in the words of the command line and of the settings.
@@ -32,6 +36,9 @@ class Parts {
 
   const Platform& GetPlatform() const { return platform_; }
 
+  // The mail store, for those who delete, undo and sweep; null when mailboxes are not configured.
+  const std::shared_ptr<mail::MailStore>& GetMailStore() const { return mail_; }
+
   // Makes a session's browsing object; empty when mailboxes are not configured.
   const LiveDrillerMaker& GetLiveDrillerMaker() const { return makeDriller_; }
 
@@ -41,6 +48,7 @@ class Parts {
   std::unique_ptr<TopNFactory> ranking_;
   SystemClock clock_;
   Platform platform_;
+  std::shared_ptr<mail::MailStore> mail_;
   LiveDrillerMaker makeDriller_;
 };
 

@@ -125,7 +125,8 @@ std::optional<login::Admission> Worker::Admit(FCGX_Request& request, std::string
   if (!generation_.gate) {
     const Settings& settings = generation_.settings;
     return login::Admission{
-        std::make_unique<host::MemorySession>(settings.session, generation_.parts.GetLiveDrillerMaker()),
+        std::make_unique<host::MemorySession>(settings.session, generation_.parts.GetLiveDrillerMaker(),
+                                              settings.logon),
         settings.logon,
         {}};
   }

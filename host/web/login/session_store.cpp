@@ -165,7 +165,7 @@ void FileSession::Set(std::string_view name, const Value& value) {
 }
 
 std::shared_ptr<LiveContainer> FileSession::LiveDriller() {
-  if (!driller_ && makeDriller_) driller_ = makeDriller_();
+  if (!driller_ && makeDriller_) driller_ = makeDriller_(account_);
   return driller_;
 }
 

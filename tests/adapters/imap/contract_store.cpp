@@ -14,6 +14,12 @@ class ImapUnderTest : public StoreUnderTest {
   }
 
   std::shared_ptr<LiveContainer> Open() override { return Browse(store_); }
+  std::shared_ptr<mail::MailStore> Store() override {
+    return std::make_shared<imap::ImapStore>(imap::ReadSettings(StoreAddress(server_)));
+  }
+  void RemoveFolder(const std::string& mailbox, const std::vector<std::string>& folder) override {
+    PlainImap(server_.Port(), mailbox).Run("DELETE " + Quoted(ServerName(folder, false)));
+  }
   std::vector<std::string> AllMessages() override { return server_.AllMessages(); }
 
  private:

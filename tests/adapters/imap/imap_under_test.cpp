@@ -8,8 +8,6 @@
 
 namespace kalvo::tests {
 
-namespace {
-
 std::string ServerName(const std::vector<std::string>& names, bool isPublic) {
   std::string name = isPublic ? "Public" : "";
   for (const auto& each : names) {
@@ -18,8 +16,6 @@ std::string ServerName(const std::vector<std::string>& names, bool isPublic) {
   }
   return name;
 }
-
-}  // namespace
 
 std::string StoreAddress(const std::string& folder, std::uint16_t port, std::string_view more) {
   std::ofstream(folder + "/directory") << FixtureDirectory("Public/");

@@ -9,6 +9,9 @@
 namespace kalvo {
 class LiveContainer;
 }
+namespace kalvo::mail {
+class MailStore;
+}
 
 namespace kalvo::tests {
 
@@ -39,7 +42,13 @@ class StoreUnderTest {
   // A browsing object as a new session gets it.
   virtual std::shared_ptr<LiveContainer> Open() = 0;
 
-  // Every message of the store, all trees, as its bytes are stored; sorted.
+  // The store itself, as a new process opens it.
+  virtual std::shared_ptr<mail::MailStore> Store() = 0;
+
+  // Removes a folder of a mailbox with everything in it, as another program does.
+  virtual void RemoveFolder(const std::string& mailbox, const std::vector<std::string>& folder) = 0;
+
+  // Every message of the store, all trees, as its bytes are stored; sorted. Deleted ones that are held are none.
   virtual std::vector<std::string> AllMessages() = 0;
 };
 

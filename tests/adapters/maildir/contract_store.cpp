@@ -17,6 +17,12 @@ class MaildirUnderTest : public StoreUnderTest {
   // A store of its own each time, as another process opens it.
   std::shared_ptr<LiveContainer> Open() override { return maildir::MaildirStore(folder_.Path().string()).Open(); }
 
+  std::shared_ptr<mail::MailStore> Store() override { return maildir::MaildirStore(folder_.Path().string()).Store(); }
+
+  void RemoveFolder(const std::string& mailbox, const std::vector<std::string>& folder) override {
+    std::filesystem::remove_all(MaildirFolder(folder_.Path() / mailbox, folder));
+  }
+
   std::vector<std::string> AllMessages() override {
     std::vector<std::string> messages;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder_.Path())) {

@@ -25,7 +25,7 @@ class SampleSite {
   Answer Run(const std::filesystem::path& root, const std::string& page, const std::string& query,
              const std::string& logon, const std::vector<std::string>& rights = {});
 
-  std::shared_ptr<LiveContainer> Live() { return parts_->GetLiveDrillerMaker()(); }
+  std::shared_ptr<LiveContainer> Live() { return parts_->GetLiveDrillerMaker()(""); }
   std::filesystem::path Mail() const { return folder_.Path() / "mail"; }
 
  private:
