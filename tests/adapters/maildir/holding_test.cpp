@@ -77,7 +77,7 @@ class MaildirHolding : public ::testing::Test {
     return "";
   }
 
-  TemporaryFolder folder_;
+  TemporaryFolder folder_{"/dev/shm"};  // every move is written through, which takes a disk its time
   fs::path tree_ = folder_.Path() / "ken";
   std::shared_ptr<mail::MailStore> opened_;
 };

@@ -14,8 +14,8 @@ namespace kalvo::tests {
 
 namespace fs = std::filesystem;
 
-TemporaryFolder::TemporaryFolder() {
-  std::string name = (fs::temp_directory_path() / "kalvo-maildir-XXXXXX").string();
+TemporaryFolder::TemporaryFolder(const fs::path& below) {
+  std::string name = (below / "kalvo-maildir-XXXXXX").string();
   path_ = mkdtemp(name.data());
 }
 

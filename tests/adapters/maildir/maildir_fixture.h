@@ -11,7 +11,7 @@ namespace kalvo::tests {
 // A folder for one test, removed with everything in it.
 class TemporaryFolder {
  public:
-  TemporaryFolder();
+  explicit TemporaryFolder(const std::filesystem::path& below = std::filesystem::temp_directory_path());
   ~TemporaryFolder();
   const std::filesystem::path& Path() const { return path_; }
 
