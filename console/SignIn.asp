@@ -8,6 +8,7 @@ function Complaint() {
   if (why.slice(0, 5) === "wait ") {
     return "There were too many attempts. Please try again in " + why.slice(5) + " seconds.";
   }
+  if (why === "full") { return "Nobody can sign in at the moment: the server has no room for a session. Its log says why."; }
   return "";
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -19,6 +20,7 @@ class Session;
 struct Options {
   std::chrono::milliseconds timeLimit{15000};   // for running one statement, and for fetching its rows
   std::chrono::milliseconds loginLimit{10000};  // for connecting, where the driver obeys
+  std::function<bool()> isWanted{};             // asked while a statement runs, on another thread; false stops it
 };
 
 // The reporting database behind an ODBC data source. Where sources lie is the ODBC configuration's business

@@ -34,7 +34,7 @@ class Session {
   // Runs a step that waits for the database, for no longer than the time limit.
   template <typename Step>
   void Limited(SQLHSTMT statement, Step&& step) {
-    const Watchdog::Watch watch(watchdog_, statement, options_.timeLimit);
+    const Watchdog::Watch watch(watchdog_, statement, options_.timeLimit, options_.isWanted);
     try {
       step();
     } catch (const Error&) {

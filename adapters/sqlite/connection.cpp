@@ -62,7 +62,10 @@ bool Session::Step(sqlite3_stmt* statement) {
   throw LastError(connection_.get());
 }
 
-int Session::Progress(void* session) { return Clock::now() > static_cast<Session*>(session)->deadline_; }
+int Session::Progress(void* session) {
+  const auto& self = *static_cast<Session*>(session);
+  return Clock::now() > self.deadline_ || (self.options_.isWanted && !self.options_.isWanted());
+}
 
 std::unique_ptr<RecordSet> SqliteConnection::Execute(const Batch& batch) {
   if (!session_) throw sql::ConnectionError("08003", "The connection is closed.");

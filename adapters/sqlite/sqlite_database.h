@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <string>
 
 #include "adapters/sqlite/heap.h"
@@ -14,6 +15,7 @@ struct Options {
   std::chrono::milliseconds timeLimit{15000};   // for running one statement, and for fetching its rows
   std::chrono::milliseconds busyTimeout{5000};  // how long a writer of the file is waited for
   std::size_t heapLimit = kHeapLimit;           // of all of the process's SQLite connections together
+  std::function<bool()> isWanted{};             // asked while a statement runs; false stops it as a deadline does
 };
 
 // The reporting database in one SQLite file. Every data source name opens this file, read-only, on a connection

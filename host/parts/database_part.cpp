@@ -21,10 +21,11 @@ namespace {
 constexpr std::string_view kSqlite = "sqlite:";
 
 #if defined(KALVO_HAS_SQLITE) || defined(KALVO_HAS_ODBC)
-// Both adapters name their statement limit alike.
+// Both adapters name what ends a statement alike.
 template <typename Options>
-Options WithLimit(double seconds) {
+Options WithLimit(double seconds, std::function<bool()> isWanted) {
   Options options;
+  options.isWanted = std::move(isWanted);
   options.timeLimit = std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
   return options;
 }
@@ -33,18 +34,21 @@ Options WithLimit(double seconds) {
 }  // namespace
 
 std::unique_ptr<Database> MakeDatabase(std::string_view where, [[maybe_unused]] double secondsPerStatement,
-                                       [[maybe_unused]] const Locale& locale) {
+                                       [[maybe_unused]] const Locale& locale,
+                                       [[maybe_unused]] std::function<bool()> isWanted) {
   if (where.starts_with(kSqlite) && where.size() > kSqlite.size()) {
 #ifdef KALVO_HAS_SQLITE
-    return std::make_unique<sqlite::SqliteDatabase>(std::string(where.substr(kSqlite.size())),
-                                                    WithLimit<sqlite::Options>(secondsPerStatement), locale);
+    return std::make_unique<sqlite::SqliteDatabase>(
+        std::string(where.substr(kSqlite.size())), WithLimit<sqlite::Options>(secondsPerStatement, std::move(isWanted)),
+        locale);
 #else
     throw SettingError("this build has no adapter for SQLite");
 #endif
   }
   if (where == "odbc") {
 #ifdef KALVO_HAS_ODBC
-    return std::make_unique<odbc::OdbcDatabase>(WithLimit<odbc::Options>(secondsPerStatement), locale);
+    return std::make_unique<odbc::OdbcDatabase>(WithLimit<odbc::Options>(secondsPerStatement, std::move(isWanted)),
+                                                locale);
 #else
     throw SettingError("this build has no adapter for ODBC");
 #endif

@@ -27,9 +27,9 @@ LiveDrillerMaker MakerOf(const std::shared_ptr<mail::MailStore>& store) {
 
 }  // namespace
 
-Parts::Parts(const PartsSettings& settings)
+Parts::Parts(const PartsSettings& settings, std::function<bool()> isWanted)
     : locale_(LocaleNamed(settings.locale)),
-      database_(MakeDatabase(settings.database, settings.timeLimit, locale_)),
+      database_(MakeDatabase(settings.database, settings.timeLimit, locale_, std::move(isWanted))),
       ranking_(MakeRanking(*database_, {settings.topNRows, settings.topNOldDays, locale_})),
       platform_{*database_, *ranking_, clock_, locale_},
       mail_(OpenMail(settings.mail)),

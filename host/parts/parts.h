@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -16,9 +17,9 @@ namespace kalvo::host {
 
 // Where the parts are, in the words of the command line and of the settings.
 struct PartsSettings {
-  std::string database = "odbc";  // "sqlite:FILE" or "odbc"
-  std::string mail;               // "maildir:DIR", "imap://HOST:PORT", or "" for no mailboxes
-  std::string locale = "en-US";
+  std::string database{"odbc"};  // "sqlite:FILE" or "odbc"
+  std::string mail{};            // "maildir:DIR", "imap://HOST:PORT", or "" for no mailboxes
+  std::string locale{"en-US"};
   double timeLimit = 30;                // seconds that one statement may take
   int topNRows = ranking::kRankedRows;  // how many rows a Top-N has
   int topNOldDays = ranking::kOldDays;  // from how many days on a message is old
@@ -28,8 +29,9 @@ struct PartsSettings {
 // reference; nothing is connected before a page asks for it.
 class Parts {
  public:
-  // Fails with SettingError.
-  explicit Parts(const PartsSettings& settings);
+  // `isWanted` is asked several times a second while a statement runs, on whatever thread; false ends the statement.
+  // Empty: every statement runs to its end. Fails with SettingError.
+  explicit Parts(const PartsSettings& settings, std::function<bool()> isWanted = {});
   ~Parts();
   Parts(const Parts&) = delete;
   Parts& operator=(const Parts&) = delete;

@@ -172,9 +172,10 @@ struct FailureReader {
 
 }  // namespace
 
-Engine::Engine(const PageLimits& limits, ScriptPage* page)
+Engine::Engine(const PageLimits& limits, ScriptPage* page, std::function<bool()> isWanted)
     : memory_(std::make_unique<Memory>()),
       deadline_(std::chrono::steady_clock::now() + Duration(limits.seconds)),
+      isWanted_(std::move(isWanted)),
       page_(page) {
   constexpr std::size_t kMebibyte = 1 << 20;
   memory_->limit = limits.mebibytes > SIZE_MAX / kMebibyte ? SIZE_MAX : limits.mebibytes * kMebibyte;
@@ -249,8 +250,17 @@ void Engine::End(EndCause cause) {
   throw PageEnd{};
 }
 
+void Engine::EndIfOverdue() {
+  if (HasEnded()) return;
+  if (std::chrono::steady_clock::now() >= deadline_) {
+    MarkEnded(EndCause::TimeLimit);
+  } else if (isWanted_ && !isWanted_()) {
+    MarkEnded(EndCause::Sink);
+  }
+}
+
 void Engine::CheckLimits() {
-  if (!HasEnded() && IsPastDeadline()) MarkEnded(EndCause::TimeLimit);
+  EndIfOverdue();
   if (HasEnded()) throw PageEnd{};
 }
 
@@ -321,7 +331,7 @@ std::string TextAt(duk_context* context, duk_idx_t index) {
 
 int kalvo_engine_must_stop(void* heap) {
   auto& engine = *static_cast<kalvo::host::Engine*>(heap);
-  if (!engine.HasEnded() && engine.IsPastDeadline()) engine.MarkEnded(kalvo::host::EndCause::TimeLimit);
+  engine.EndIfOverdue();
   return engine.HasEnded() ? 1 : 0;
 }
 

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <functional>
 #include <memory>
 #include <new>
 #include <optional>
@@ -37,11 +38,12 @@ struct ScriptFailure {
 };
 
 // One script state with its limits: everything that one page's script makes. It ends at the first of
-// `Response.End`, the time limit and the memory limit; from then on no script code runs and every call from
-// script into the program ends again, whatever the script catches.
+// `Response.End`, the limits of time and memory, and the loss of whoever wanted the page; from then on no script code
+// runs and every call from script into the program ends again, whatever the script catches.
 class Engine {
  public:
-  Engine(const PageLimits& limits, ScriptPage* page);
+  // `isWanted` is asked as often as the clock; empty: the page is wanted to its end.
+  Engine(const PageLimits& limits, ScriptPage* page, std::function<bool()> isWanted = {});
   ~Engine();
   Engine(const Engine&) = delete;
   Engine& operator=(const Engine&) = delete;
@@ -61,7 +63,7 @@ class Engine {
   void MarkEnded(EndCause cause);
   [[noreturn]] void End(EndCause cause);
 
-  // Throws PageEnd when the page has ended or is past its time.
+  // Throws PageEnd when the page has ended, is past its time, or is not wanted any more.
   void CheckLimits();
 
   // Counts memory that the program keeps for the script outside of the engine. Throws PageEnd when the limit is
@@ -143,11 +145,12 @@ class Engine {
   static void PushError(duk_context* context, std::int32_t number, std::string_view description);
   static void PushEnd(duk_context* context);
   static duk_ret_t NoteThrow(duk_context* context);
-  bool IsPastDeadline() const { return std::chrono::steady_clock::now() >= deadline_; }
+  void EndIfOverdue();
   void Install();
 
   std::unique_ptr<Memory> memory_;
   std::chrono::steady_clock::time_point deadline_;
+  std::function<bool()> isWanted_;
   EndCause cause_ = EndCause::None;
   std::shared_ptr<Engine*> home_ = std::make_shared<Engine*>(this);
   ScriptPage* page_;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -80,6 +81,7 @@ struct ScriptStatic {
 
 struct PageOptions {
   PageLimits limits;
+  std::function<bool()> isWanted{};  // asked while the page runs; false ends it, and nothing more is sent
   std::vector<ScriptStatic> statics;
 };
 

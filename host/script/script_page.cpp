@@ -83,7 +83,7 @@ ScriptPage::ScriptPage(const SiteParts& site, const CompiledPage& compiled, cons
       options_(options),
       ranking_(*this, site.platform.topN),
       platform_{site.platform.database, ranking_, site.platform.clock, site.platform.locale},
-      engine_(options.limits, this) {
+      engine_(options.limits, this, options.isWanted) {
   request_ = std::make_shared<RequestObject>(request);
   response_ = std::make_shared<ResponseObject>(engine_, sink);
   server_ = std::make_shared<ServerObject>(*this);

@@ -28,19 +28,23 @@ void PrepareAll(host::Site& site, const fs::path& root, const Log& log) {
   }
 }
 
-login::GateSettings GateSettingsOf(const Settings& settings) {
-  login::GateSettings gate{settings.users, settings.sessions, {}, {}};
+login::GateSettings GateSettingsOf(const Settings& settings, Visitor& visitor) {
+  login::GateSettings gate{settings.users, settings.sessions, {}, {}, {}};
   gate.lifetimes.idle = settings.sessionMinutes * 60;
   gate.lifetimes.mostOfAUser = settings.sessionsPerUser;
   gate.patience = std::chrono::milliseconds(static_cast<std::int64_t>(settings.timeLimit * 500));
+  // The workers that do not wait serve everybody else.
+  gate.waiting = {settings.workers / 2, [&visitor] { return visitor.IsThere(); }};
   return gate;
 }
 
 }  // namespace
 
 Generation::Generation(Settings chosen, const Log& log)
-    : settings(std::move(chosen)), parts(settings.Parts()), site(settings.site, parts.GetPlatform()) {
-  if (!settings.users.empty()) gate.emplace(GateSettingsOf(settings), parts.GetLiveDrillerMaker(), log);
+    : settings(std::move(chosen)),
+      parts(settings.Parts(), [this] { return visitor.IsThere(); }),
+      site(settings.site, parts.GetPlatform()) {
+  if (!settings.users.empty()) gate.emplace(GateSettingsOf(settings, visitor), parts.GetLiveDrillerMaker(), log);
   PrepareAll(site, settings.site, log);
 }
 

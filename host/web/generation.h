@@ -7,6 +7,7 @@
 #include "host/script/page.h"
 #include "host/web/login/gate.h"
 #include "host/web/settings.h"
+#include "host/web/visitor.h"
 
 namespace kalvo::web {
 
@@ -20,6 +21,7 @@ struct Generation {
   Generation(Settings chosen, const Log& log);
 
   Settings settings;
+  Visitor visitor;  // of the page that a worker runs; each worker has its own
   host::Parts parts;
   host::Site site;
   std::optional<login::Gate> gate;  // where visitors sign in; nothing where nobody does

@@ -83,6 +83,7 @@ int Worker::Run(int socket, pid_t parent) {
 }
 
 void Worker::Serve(FCGX_Request& request) {
+  generation_.visitor.Arrived(request.ipcFd);
   try {
     RunPage(request);
   } catch (const VisitorGone&) {
@@ -90,6 +91,7 @@ void Worker::Serve(FCGX_Request& request) {
   } catch (const std::exception& error) {
     log_.Write(std::string("a request was lost: ") + error.what());
   }
+  generation_.visitor.Served();
   // A connection that was kept would keep the worker. Closed before its end was sent, it is a broken page.
   FCGX_Free(&request, 1);
 }
@@ -99,6 +101,7 @@ void Worker::RunPage(FCGX_Request& request) {
   const Settings& settings = generation_.settings;
   const RunningPage running(slot_, asked.page,
                             static_cast<std::int64_t>(settings.timeLimit * 1000) + kGraceMilliseconds);
+  if (!generation_.visitor.IsThere()) throw VisitorGone();
   if (!asked.complete) return SendError(request, 400);
 
   if (const auto reason = edge::BeyondLimits(asked.request)) return SendError(request, 400, *reason);
@@ -111,6 +114,7 @@ void Worker::RunPage(FCGX_Request& request) {
   for (auto& variable : admission->variables) page.serverVariables.push_back(std::move(variable));
   host::PageOptions options;
   options.limits = {settings.timeLimit, static_cast<std::size_t>(settings.memoryLimit)};
+  options.isWanted = [this] { return generation_.visitor.IsThere(); };
   FastCgiSink sink(request);
   const host::PageResult result = generation_.site.Run(asked.page, page, *admission->session, sink, options);
   if (!result.failure) return FCGX_Finish_r(&request);
@@ -124,11 +128,10 @@ void Worker::RunPage(FCGX_Request& request) {
 std::optional<login::Admission> Worker::Admit(FCGX_Request& request, std::string_view page, host::PageRequest& asked) {
   if (!generation_.gate) {
     const Settings& settings = generation_.settings;
-    return login::Admission{
-        std::make_unique<host::MemorySession>(settings.session, generation_.parts.GetLiveDrillerMaker(),
-                                              settings.logon),
-        settings.logon,
-        {}};
+    return login::Admission{std::make_unique<host::MemorySession>(
+                                settings.session, generation_.parts.GetLiveDrillerMaker(), settings.logon),
+                            settings.logon,
+                            {}};
   }
   try {
     auto decision = generation_.gate->Admit(page, asked);

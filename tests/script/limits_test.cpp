@@ -52,6 +52,27 @@ TEST_F(Limits, EndPagesThatNeverEnd) {
   }
 }
 
+TEST_F(Limits, EndPagesThatNobodyWantsAnyMore) {
+  const struct {
+    const char* why;
+    const char* code;
+  } kCases[] = {
+      {"an empty loop", "Response.Write('x'); while (true);"},
+      {"a loop that catches", "while (true) { try { while (true); } catch (e) {} }"},
+      {"a loop of operations", "var d = Server.CreateObject('KalvoTables.Display'); while (true) d.TableRowStart();"},
+  };
+  options.limits = {60, 64};
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    int asked = 0;
+    options.isWanted = [&asked] { return ++asked < 5; };
+    Script(c.code);
+    EXPECT_FALSE(result.failure) << "nobody is left to be told";
+    EXPECT_FALSE(result.headSent);
+    EXPECT_GE(asked, 5);
+  }
+}
+
 TEST_F(Limits, EndScriptThatTheLibraryCalls) {
   session.values["kalvoadministrator"] = std::string("Yes");
   Timed(

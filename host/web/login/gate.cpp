@@ -105,7 +105,7 @@ Gate::Gate(const GateSettings& settings, const host::LiveDrillerMaker& makeDrill
     : settings_(settings),
       log_(log),
       users_(settings.users),
-      sessions_(settings.sessions, settings.lifetimes, makeDriller, log),
+      sessions_(settings.sessions, settings.lifetimes, makeDriller, log, settings.waiting),
       throttle_(settings.sessions / "attempts") {
   users_.CheckModes();
   if (const std::string warning = users_.Warning(); !warning.empty()) log_.Write(warning);
@@ -120,7 +120,7 @@ std::variant<Admission, Answer> Gate::Admit(std::string_view page, host::PageReq
   }
   if (page == kSignOut) {
     if (request.method != "POST") return SeeOther(std::string(kConsole));
-    Drop(ids);
+    for (const std::string& id : ids) sessions_.EndOne(id);
     Answer answer = SeeOther(std::string(kSignInPage));
     answer.head.headers.emplace_back("Set-Cookie", CookieOf(request, ""));
     return answer;
@@ -160,10 +160,14 @@ std::variant<Admission, Answer> Gate::SignIn(host::PageRequest& request, const s
     return SignInPage("wrong");
   }
   throttle_.Succeeded(counted, address);
-  Drop(oldSessions);
-  Answer answer = SeeOther(IsOfThisConsole(back) ? back : std::string(kConsole));
-  answer.head.headers.emplace_back("Set-Cookie", CookieOf(request, sessions_.Create(*user)));
-  return answer;
+  try {
+    Answer answer = SeeOther(IsOfThisConsole(back) ? back : std::string(kConsole));
+    answer.head.headers.emplace_back("Set-Cookie", CookieOf(request, sessions_.Create(*user, oldSessions)));
+    return answer;
+  } catch (const SessionNotKept& error) {
+    log_.Write(std::string("nobody can sign in, a session cannot be kept: ") + error.what());
+    return SignInPage("full");
+  }
 }
 
 Admission Gate::SignInPage(std::string why) const {
@@ -193,12 +197,6 @@ std::unique_ptr<FileSession> Gate::SessionOf(const std::vector<std::string>& ids
     session->Abandon();
   }
   return nullptr;
-}
-
-void Gate::Drop(const std::vector<std::string>& ids) {
-  for (const std::string& id : ids) {
-    if (auto session = sessions_.Open(id, settings_.patience)) session->Abandon();
-  }
 }
 
 }  // namespace kalvo::web::login

@@ -24,6 +24,7 @@ struct GateSettings {
   std::filesystem::path sessions;  // a private folder
   Lifetimes lifetimes;
   std::chrono::milliseconds patience{10'000};  // for another page of the same session
+  Waiting waiting{};                           // and who may wait for it
 };
 
 // A page may run: with this session, for this user ("" on the sign-in page), with these variables added.
@@ -42,7 +43,8 @@ struct Answer {
 // sign-in page, and does the signing in and out itself.
 //
 // The cookie is the gate's own business: pages do not see it. To the sign-in page the variable "KALVO_SIGN_IN" says
-// why it is shown again: "wrong", or "wait N" with a number of seconds. "AUTH_TYPE" is "Form" on every page.
+// why it is shown again: "wrong", "wait N" with a number of seconds, or "full" when no session can be kept. "AUTH_TYPE"
+// is "Form" on every page.
 class Gate {
  public:
   // The maker and the log outlive the gate. Fails with SettingError.
@@ -57,7 +59,6 @@ class Gate {
   Admission SignInPage(std::string why) const;
   std::optional<User> Checked(const std::optional<std::string>& account, std::string_view password) const;
   std::unique_ptr<FileSession> SessionOf(const std::vector<std::string>& ids);
-  void Drop(const std::vector<std::string>& ids);
 
   GateSettings settings_;
   const Log& log_;

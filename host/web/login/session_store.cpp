@@ -16,6 +16,7 @@
 #include "host/parts/setting_error.h"
 #include "host/web/log.h"
 #include "host/web/login/password.h"
+#include "host/web/login/private_folder.h"
 #include "platform/append.h"
 #include "platform/conversion.h"
 #include "platform/live_mailbox.h"
@@ -58,14 +59,6 @@ bool WriteWhole(int file, std::string_view text) {
     text.remove_prefix(static_cast<std::size_t>(written));
   }
   return true;
-}
-
-// Whether the path still names the file that is open: it does not once the session was rewritten or dropped.
-bool IsStillThere(int file, const fs::path& path) {
-  struct stat open {
-  }, named{};
-  return fstat(file, &open) == 0 && lstat(path.c_str(), &named) == 0 && open.st_ino == named.st_ino &&
-         open.st_dev == named.st_dev;
 }
 
 // Held while it is decided whether a session's file stays. Where it cannot be had, files go and stay without it.
@@ -124,24 +117,6 @@ std::vector<Holder> HoldersIn(const fs::path& folder, std::string_view account) 
   return found;
 }
 
-// The folder is made for its owner alone; one that is there has to be so already.
-void MakePrivate(const fs::path& folder) {
-  if (!folder.has_filename()) return MakePrivate(folder.parent_path());
-  const auto refuse = [&](const std::string& why) {
-    throw host::SettingError("sessions: " + folder.string() + " cannot be a folder of ours: " + why);
-  };
-  std::error_code failed;
-  fs::create_directories(folder.parent_path(), failed);
-  if (mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) refuse(std::strerror(errno));
-  struct stat state {};
-  if (stat(folder.c_str(), &state) != 0) refuse(std::strerror(errno));
-  if (!S_ISDIR(state.st_mode)) refuse("it is no folder");
-  if (geteuid() != 0 && state.st_uid != geteuid()) refuse("it belongs to another user");
-  if ((state.st_mode & (S_IRWXG | S_IRWXO)) != 0) {
-    refuse("others may look into it; a folder of its own is needed, and chmod 700");
-  }
-}
-
 }  // namespace
 
 // ---- one session ----------------------------------------------------------------------------------------
@@ -196,41 +171,51 @@ std::string FileSession::Content() const {
 void FileSession::Keep() {
   if (!changed_) {
     futimens(file_, nullptr);
-    return;
+  } else if (!Replace()) {
+    log_.Write(std::string("a session was not kept: ") + std::strerror(errno));
   }
+}
+
+bool FileSession::Replace() const {
   const fs::path fresh = path_.string() + ".new";
   const int file = open(fresh.c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC | O_NOFOLLOW, 0600);
-  const bool written = file >= 0 && WriteWhole(file, Content());
+  if (file < 0) return false;
+  bool kept = WriteWhole(file, Content());
+  int why = errno;
   const FolderLock lock(path_.parent_path());
-  if (written && !IsStillThere(file_, path_)) {  // it was ended meanwhile
-    unlink(fresh.c_str());
-    close(file);
-    return;
+  // One that was ended meanwhile does not come back.
+  const bool ended = !IsStillThere(file_, path_);
+  if (kept && !ended && rename(fresh.c_str(), path_.c_str()) != 0) {
+    why = errno;
+    kept = false;
   }
-  const bool kept = written && rename(fresh.c_str(), path_.c_str()) == 0;
-  if (!kept) log_.Write(std::string("a session was not kept: ") + std::strerror(errno));
-  if (file >= 0) close(file);
+  close(file);
+  if (!kept || ended) unlink(fresh.c_str());  // half a session, on a disk that may be full
+  errno = why;
+  return kept;
 }
 
 // ---- all sessions ---------------------------------------------------------------------------------------
 
 SessionStore::SessionStore(fs::path folder, const Lifetimes& lifetimes, const host::LiveDrillerMaker& makeDriller,
-                           const Log& log)
-    : folder_(std::move(folder)), lifetimes_(lifetimes), makeDriller_(makeDriller), log_(log) {
-  MakePrivate(folder_);
-}
+                           const Log& log, Waiting waiting)
+    : folder_(std::move(folder)),
+      lifetimes_(lifetimes),
+      makeDriller_(makeDriller),
+      log_(log),
+      waiting_(std::move(waiting)),
+      room_((MakePrivateFolder("sessions", folder_), folder_ / "waiting"), waiting_.seats) {}
 
 fs::path SessionStore::PathOf(std::string_view id) const { return folder_ / (Fingerprint(id) + kFileEnd); }
 
-std::string SessionStore::Create(const User& user) {
-  Sweep();
+std::string SessionStore::Create(const User& user, const std::vector<std::string>& replaced) {
+  // Whoever is idle too long is gone, whether or not the browser ever asks again.
+  RemoveOlderThan(folder_, lifetimes_.idle);
+  RemoveOlderThan(folder_ / "waiting", lifetimes_.longest);
   const std::string id = NewToken();
   const fs::path path = PathOf(id);
   const int file = open(path.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
-  if (file < 0 || flock(file, LOCK_EX) != 0) {
-    if (file >= 0) close(file);
-    throw host::SettingError("a session cannot be made in " + folder_.string() + ": " + std::strerror(errno));
-  }
+  if (file < 0) throw SessionNotKept(path.string() + ": " + std::strerror(errno));
   {
     FileSession session(file, path, makeDriller_, log_);
     session.account_ = user.account;
@@ -239,8 +224,12 @@ std::string SessionStore::Create(const User& user) {
     for (const RightValue& right : kRightValues) {
       if (user.*right.flag) session.values_.Set(right.name, Value(std::string("Yes")));
     }
-    session.changed_ = true;
+    if (!WriteWhole(file, session.Content())) {
+      session.Abandon();
+      throw SessionNotKept(path.string() + ": " + std::strerror(errno));
+    }
   }
+  for (const std::string& old : replaced) EndOne(old);
   EndOldest(user.account, path);
   return id;
 }
@@ -264,29 +253,39 @@ int SessionStore::End(const fs::path& folder, std::string_view account) {
   return ended;
 }
 
+// Takes the lock of a session's file, from a seat of the waiting room where another page has it. Throws SessionBusy.
+void SessionStore::AwaitLock(int file, const fs::path& path, Clock::time_point until,
+                             std::unique_ptr<WaitingRoom::Seat>& seat) const {
+  if (flock(file, LOCK_EX | LOCK_NB) == 0) return;
+  if (!seat) seat = room_.Enter(path.filename().string());
+  while (seat && Clock::now() < until && (!waiting_.isWanted || waiting_.isWanted())) {
+    if (flock(file, LOCK_EX | LOCK_NB) == 0) return;
+    std::this_thread::sleep_for(kBeat);
+  }
+  throw SessionBusy();
+}
+
 std::unique_ptr<FileSession> SessionStore::Open(std::string_view id, std::chrono::milliseconds patience) {
   if (!IsToken(id)) return nullptr;
   const fs::path path = PathOf(id);
-  const auto until = std::chrono::steady_clock::now() + patience;
+  const auto until = Clock::now() + patience;
+  std::unique_ptr<WaitingRoom::Seat> seat;
   for (;;) {
     const int file = open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW);
     if (file < 0) return nullptr;
-    while (flock(file, LOCK_EX | LOCK_NB) != 0) {
-      if (std::chrono::steady_clock::now() >= until) {
-        close(file);
-        throw SessionBusy();
-      }
-      std::this_thread::sleep_for(kBeat);
-    }
-    if (!IsStillThere(file, path)) {
-      close(file);
-      continue;
-    }
     std::unique_ptr<FileSession> session(new FileSession(file, path, makeDriller_, log_));
+    AwaitLock(file, path, until, seat);
+    if (!IsStillThere(file, path)) continue;
     if (session->Read() && !HasExpired(*session)) return session;
     session->Abandon();
     return nullptr;
   }
+}
+
+void SessionStore::EndOne(std::string_view id) const {
+  if (!IsToken(id)) return;
+  const FolderLock lock(folder_);
+  unlink(PathOf(id).c_str());
 }
 
 bool SessionStore::HasExpired(const FileSession& session) const {
@@ -294,16 +293,6 @@ bool SessionStore::HasExpired(const FileSession& session) const {
   if (fstat(session.file_, &state) != 0) return true;
   const std::int64_t now = Now();
   return now - state.st_mtime > lifetimes_.idle || now - session.created_ > lifetimes_.longest;
-}
-
-// Whoever is idle too long is gone, whether or not the browser ever asks again.
-void SessionStore::Sweep() const {
-  std::error_code failed;
-  for (const auto& entry : fs::directory_iterator(folder_, failed)) {
-    struct stat state {};
-    if (lstat(entry.path().c_str(), &state) != 0 || !S_ISREG(state.st_mode)) continue;
-    if (Now() - state.st_mtime > lifetimes_.idle) unlink(entry.path().c_str());
-  }
 }
 
 }  // namespace kalvo::web::login

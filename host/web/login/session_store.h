@@ -3,14 +3,17 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "host/parts/memory_session.h"
 #include "host/web/login/session_values.h"
 #include "host/web/login/users.h"
+#include "host/web/login/waiting_room.h"
 
 namespace kalvo::web {
 class Log;
@@ -22,6 +25,13 @@ struct Lifetimes {
   std::int64_t idle = 30 * 60;          // seconds without a request
   std::int64_t longest = 12 * 60 * 60;  // seconds since the sign-in
   int mostOfAUser = 5;                  // sessions; one more ends her oldest
+};
+
+// How requests wait for a session that another page holds.
+struct Waiting {
+  int seats = 1;                     // how many may wait at a time, for whatever session; pages of workers that
+                                     // are about to be replaced hold sessions too
+  std::function<bool()> isWanted{};  // false: whoever waits has gone; empty: nobody goes
 };
 
 // A session that a request holds: nobody else reads or writes it until this object goes. What changed is kept then.
@@ -48,6 +58,7 @@ class FileSession : public host::PageSession {
 
   bool Read();
   void Keep();
+  bool Replace() const;
   std::string Content() const;
 
   int file_;  // locked
@@ -61,8 +72,14 @@ class FileSession : public host::PageSession {
   std::shared_ptr<LiveContainer> driller_;
 };
 
-// Thrown when other pages of the session kept it longer than somebody would wait.
+// Thrown when another page of the session kept it longer than somebody would wait, or nobody more may wait.
 struct SessionBusy {};
+
+// Thrown when a session cannot be written, with the reason: nobody signs in then.
+class SessionNotKept : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
 
 // Sessions as files of one private folder, shared by all processes that serve the site. A file is named after its
 // session's fingerprint: who reads the folder's names can take over none of them.
@@ -70,29 +87,38 @@ class SessionStore {
  public:
   // Makes the folder. The maker and the log outlive the store. Fails with SettingError.
   SessionStore(std::filesystem::path folder, const Lifetimes& lifetimes, const host::LiveDrillerMaker& makeDriller,
-               const Log& log);
+               const Log& log, Waiting waiting = {});
 
   // Begins a session for a user, with her rights as session values, and answers its identifier: one that nobody
-  // had before. Drops what has expired, and of her sessions the oldest when there are too many.
-  std::string Create(const User& user);
+  // had before. Drops what has expired, the sessions that it replaces, and of her sessions the oldest when there are
+  // too many. Throws SessionNotKept, and the others are unharmed then.
+  std::string Create(const User& user, const std::vector<std::string>& replaced = {});
 
   // The session, held; null when there is none or it has expired. Any text may be asked for. Throws SessionBusy.
   std::unique_ptr<FileSession> Open(std::string_view id, std::chrono::milliseconds patience);
+
+  // Ends a session at once, also one that a page holds: what that page changes in it is not kept.
+  void EndOne(std::string_view id) const;
 
   // Ends the sessions of one account, or all for "", and answers how many there were. A page that runs comes to its
   // end; its session does not come back.
   static int End(const std::filesystem::path& folder, std::string_view account);
 
  private:
+  using Clock = std::chrono::steady_clock;
+
   std::filesystem::path PathOf(std::string_view id) const;
+  void AwaitLock(int file, const std::filesystem::path& path, Clock::time_point until,
+                 std::unique_ptr<WaitingRoom::Seat>& seat) const;
   bool HasExpired(const FileSession& session) const;
-  void Sweep() const;
   void EndOldest(std::string_view account, const std::filesystem::path& fresh) const;
 
   std::filesystem::path folder_;
   Lifetimes lifetimes_;
   const host::LiveDrillerMaker& makeDriller_;
   const Log& log_;
+  Waiting waiting_;
+  WaitingRoom room_;
 };
 
 }  // namespace kalvo::web::login

@@ -9,6 +9,7 @@
 
 #include "host/parts/setting_error.h"
 #include "host/web/login/password.h"
+#include "host/web/login/private_folder.h"
 #include "platform/conversion.h"
 
 namespace kalvo::web::login {
@@ -85,10 +86,7 @@ fs::path PathOf(const fs::path& folder, Whose whose, std::string_view account, s
 Throttle::Throttle(fs::path folder) : Throttle(std::move(folder), [] { return std::time(nullptr); }) {}
 
 Throttle::Throttle(fs::path folder, Clock clock) : folder_(std::move(folder)), clock_(std::move(clock)) {
-  std::error_code failed;
-  fs::create_directories(folder_, failed);
-  if (!failed) fs::permissions(folder_, fs::perms::owner_all, failed);
-  if (failed) throw host::SettingError("the folder " + folder_.string() + ": " + failed.message());
+  MakePrivateFolder("sessions", folder_);
 }
 
 std::int64_t Throttle::Begin(std::string_view account, std::string_view address) {

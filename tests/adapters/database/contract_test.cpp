@@ -282,6 +282,18 @@ TEST_P(DatabaseContract, StopsAStatementAtItsTimeLimit) {
   EXPECT_EQ(FirstText(*impatient, "select count(*) from Facts"), "3") << "the connection is usable";
 }
 
+TEST_P(DatabaseContract, StopsAStatementThatNobodyWantsAnyMore) {
+  std::atomic<int> asked{0};
+  const auto connection = Connect(*engine_, std::chrono::minutes(5), [&] { return ++asked < 3; });
+  EXPECT_THROW(
+      Query(*connection, "select sum(a.Id * b.Id + c.Id * d.Id) from Numbers a, Numbers b, Numbers c, Numbers d")
+          ->GetRows(),
+      Error);
+  EXPECT_GE(asked, 3);
+  asked = -1'000'000;
+  EXPECT_EQ(FirstText(*connection, "select count(*) from Facts"), "3") << "the connection is usable";
+}
+
 // A server ends a connection a little after its client does.
 int ConnectionsOnceThereAre(TestEngine& engine, int expected) {
   int count = engine.OpenConnections();
@@ -312,7 +324,7 @@ TEST_P(DatabaseContract, KnowsWhatIsClosed) {
 }
 
 TEST_P(DatabaseContract, ServesThreadsWithAConnectionEach) {
-  const auto database = engine_->Open(15s);
+  const auto database = engine_->Open(15s, {});
   std::vector<std::thread> threads;
   std::atomic<int> right = 0;
   for (int i = 0; i < 4; ++i) {

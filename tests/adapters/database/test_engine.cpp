@@ -76,8 +76,9 @@ class OnSqliteFile : public TestEngine {
   int OpenConnections() override { return file_.TimesOpen(); }
 
  protected:
-  std::unique_ptr<Database> OpenFile(std::chrono::milliseconds timeLimit) {
+  std::unique_ptr<Database> OpenFile(std::chrono::milliseconds timeLimit, std::function<bool()> isWanted) {
     sqlite::Options options;
+    options.isWanted = std::move(isWanted);
     options.timeLimit = timeLimit;
     return std::make_unique<sqlite::SqliteDatabase>(file_.Path(), options);
   }
@@ -85,8 +86,9 @@ class OnSqliteFile : public TestEngine {
   SqliteFile file_;
 };
 
-std::unique_ptr<Database> OpenOdbc(std::chrono::milliseconds timeLimit) {
+std::unique_ptr<Database> OpenOdbc(std::chrono::milliseconds timeLimit, std::function<bool()> isWanted) {
   odbc::Options options;
+  options.isWanted = std::move(isWanted);
   options.timeLimit = timeLimit;
   return std::make_unique<odbc::OdbcDatabase>(options);
 }
@@ -94,7 +96,9 @@ std::unique_ptr<Database> OpenOdbc(std::chrono::milliseconds timeLimit) {
 class DirectSqlite final : public OnSqliteFile {
  public:
   DirectSqlite() { dataSource = "KalvoDB"; }
-  std::unique_ptr<Database> Open(std::chrono::milliseconds timeLimit) override { return OpenFile(timeLimit); }
+  std::unique_ptr<Database> Open(std::chrono::milliseconds timeLimit, std::function<bool()> isWanted) override {
+    return OpenFile(timeLimit, std::move(isWanted));
+  }
 };
 
 class OdbcSqlite final : public OnSqliteFile {
@@ -103,7 +107,9 @@ class OdbcSqlite final : public OnSqliteFile {
     dataSource = "KalvoOnSqlite";
     Sources().Add(dataSource, OdbcDataSources::Sqlite(file_.Path()));
   }
-  std::unique_ptr<Database> Open(std::chrono::milliseconds timeLimit) override { return OpenOdbc(timeLimit); }
+  std::unique_ptr<Database> Open(std::chrono::milliseconds timeLimit, std::function<bool()> isWanted) override {
+    return OpenOdbc(timeLimit, std::move(isWanted));
+  }
 };
 
 class OdbcPostgres final : public TestEngine {
@@ -119,7 +125,9 @@ class OdbcPostgres final : public TestEngine {
   }
 
   void Execute(const std::string& sql) override { server_.Execute(sql); }
-  std::unique_ptr<Database> Open(std::chrono::milliseconds timeLimit) override { return OpenOdbc(timeLimit); }
+  std::unique_ptr<Database> Open(std::chrono::milliseconds timeLimit, std::function<bool()> isWanted) override {
+    return OpenOdbc(timeLimit, std::move(isWanted));
+  }
 
   // Counted from a connection of its own, which is left out.
   int OpenConnections() override {
@@ -144,7 +152,9 @@ class OdbcMariaDb final : public TestEngine {
   }
 
   void Execute(const std::string& sql) override { server_.Execute(sql); }
-  std::unique_ptr<Database> Open(std::chrono::milliseconds timeLimit) override { return OpenOdbc(timeLimit); }
+  std::unique_ptr<Database> Open(std::chrono::milliseconds timeLimit, std::function<bool()> isWanted) override {
+    return OpenOdbc(timeLimit, std::move(isWanted));
+  }
 
   int OpenConnections() override {
     return std::stoi(
@@ -183,8 +193,9 @@ TestEngine& OdbcSqliteEngine() { return Only<OdbcSqlite>(); }
 TestEngine& OdbcPostgresEngine() { return Only<OdbcPostgres>(); }
 TestEngine& OdbcMariaDbEngine() { return Only<OdbcMariaDb>(); }
 
-std::unique_ptr<Connection> Connect(TestEngine& engine, std::chrono::milliseconds timeLimit) {
-  return std::make_unique<OwningConnection>(engine.Open(timeLimit), engine.dataSource);
+std::unique_ptr<Connection> Connect(TestEngine& engine, std::chrono::milliseconds timeLimit,
+                                    std::function<bool()> isWanted) {
+  return std::make_unique<OwningConnection>(engine.Open(timeLimit, std::move(isWanted)), engine.dataSource);
 }
 
 std::unique_ptr<RecordSet> Query(Connection& connection, const std::string& sql) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -17,7 +18,8 @@ class TestEngine {
   // Runs statements, semicolons between them, past the adapter.
   virtual void Execute(const std::string& sql) = 0;
 
-  virtual std::unique_ptr<Database> Open(std::chrono::milliseconds timeLimit) = 0;
+  // `isWanted` ends a statement that nobody wants any more, where it is given.
+  virtual std::unique_ptr<Database> Open(std::chrono::milliseconds timeLimit, std::function<bool()> isWanted) = 0;
 
   // How many connections of this process to the database there are.
   virtual int OpenConnections() = 0;
@@ -50,7 +52,8 @@ inline constexpr EngineCase kEngines[] = {
 };
 
 // A connection to an engine.
-std::unique_ptr<Connection> Connect(TestEngine& engine, std::chrono::milliseconds timeLimit = std::chrono::seconds(15));
+std::unique_ptr<Connection> Connect(TestEngine& engine, std::chrono::milliseconds timeLimit = std::chrono::seconds(15),
+                                    std::function<bool()> isWanted = {});
 
 // The record set of a text that is its table's own.
 std::unique_ptr<RecordSet> Query(Connection& connection, const std::string& sql);

@@ -2,11 +2,15 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <csignal>
 #include <thread>
+#include <vector>
 
 #include "host/parts/setting_error.h"
 #include "host/web/log.h"
@@ -23,27 +27,52 @@ const User kAlice{"KALVO\\alice", true, false, "$argon2id$alice"};
 
 class Sessions : public testing::Test {
  protected:
-  SessionStore Store(const Lifetimes& lifetimes = {}) {
-    return {folder_.Path() / "sessions", lifetimes, nobody_, log_};
+  SessionStore Store(const Lifetimes& lifetimes = {}, Waiting waiting = {}) {
+    if (!waiting.isWanted) waiting.isWanted = [this] { return ++looks_ > 0; };
+    return {folder_.Path() / "sessions", lifetimes, nobody_, log_, std::move(waiting)};
+  }
+
+  // The files of the sessions; what else the store keeps lies in folders.
+  std::vector<std::filesystem::path> All() {
+    std::vector<std::filesystem::path> all;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "sessions")) {
+      if (entry.is_regular_file()) all.push_back(entry.path());
+    }
+    return all;
   }
 
   // Makes every session look as old as that.
   void Age(std::int64_t seconds) {
-    for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "sessions")) {
+    for (const auto& path : All()) {
       const timespec then{std::time(nullptr) - seconds, 0};
       const timespec times[] = {then, then};
-      utimensat(AT_FDCWD, entry.path().c_str(), times, 0);
+      utimensat(AT_FDCWD, path.c_str(), times, 0);
     }
   }
 
-  std::size_t Files() {
-    const std::filesystem::directory_iterator all(folder_.Path() / "sessions");
-    return static_cast<std::size_t>(std::distance(begin(all), end(all)));
+  std::size_t Files() { return All().size(); }
+
+  // Another request, which waits for the session in the background. It has its seat when this returns.
+  std::thread WaitFor(SessionStore& store, const std::string& id, bool& got) {
+    const int before = looks_;
+    std::thread waiter([&store, id, &got] { got = store.Open(id, milliseconds(20'000)) != nullptr; });
+    while (looks_ == before) std::this_thread::sleep_for(milliseconds(1));
+    return waiter;
+  }
+
+  // Somebody who waits for a session has a file beside the seats.
+  std::size_t Waiters() {
+    std::size_t waiters = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "sessions" / "waiting")) {
+      waiters += entry.path().extension() == ".session";
+    }
+    return waiters;
   }
 
   test::TemporaryFolder folder_;
   Log log_{(folder_.Path() / "log").string()};
   host::LiveDrillerMaker nobody_;
+  std::atomic<int> looks_{0};  // of those who wait, whether they still want to
 };
 
 TEST_F(Sessions, BeginWithTheRightsOfTheUsersFile) {
@@ -82,11 +111,11 @@ TEST_F(Sessions, HaveIdentifiersThatNobodyHadAndFilesThatDoNotTellThem) {
   SessionStore store = Store();
   const std::string first = store.Create(kAlice), second = store.Create(kAlice);
   EXPECT_NE(first, second);
-  for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "sessions")) {
-    EXPECT_EQ(entry.path().string().find(first), std::string::npos);
-    EXPECT_EQ(test::ReadFile(entry.path()).find(first), std::string::npos);
+  for (const auto& path : All()) {
+    EXPECT_EQ(path.string().find(first), std::string::npos);
+    EXPECT_EQ(test::ReadFile(path).find(first), std::string::npos);
     struct stat state {};
-    stat(entry.path().c_str(), &state);
+    stat(path.c_str(), &state);
     EXPECT_EQ(state.st_mode & 0777, 0600u);
   }
 }
@@ -178,6 +207,117 @@ TEST_F(Sessions, WaitForThePageBeforeAndSeeWhatItWrote) {
   EXPECT_EQ(session->Get("x"), Value(std::int32_t{1}));
 }
 
+TEST_F(Sessions, AreWaitedForByOneRequestAtATime) {
+  SessionStore store = Store({}, {.seats = 4});
+  const std::string id = store.Create(kAlice);
+  auto held = store.Open(id, {});
+  bool got = false;
+  std::thread waiter = WaitFor(store, id, got);
+  const auto before = std::chrono::steady_clock::now();
+  EXPECT_THROW(store.Open(id, milliseconds(60'000)), SessionBusy);
+  EXPECT_LT(std::chrono::steady_clock::now() - before, milliseconds(30'000)) << "at once";
+  held.reset();
+  waiter.join();
+  EXPECT_TRUE(got);
+  EXPECT_EQ(Waiters(), 0u);
+  EXPECT_TRUE(store.Open(id, {}));
+}
+
+TEST_F(Sessions, AreWaitedForByNoMoreThanThereAreSeats) {
+  SessionStore store = Store({}, {.seats = 1}), full = Store({}, {.seats = 0});
+  const std::string one = store.Create(kAlice), two = store.Create(kAlice);
+  auto first = store.Open(one, {}), second = store.Open(two, {});
+  EXPECT_THROW(full.Open(one, milliseconds(60'000)), SessionBusy);
+  bool got = false;
+  std::thread waiter = WaitFor(store, one, got);
+  EXPECT_THROW(store.Open(two, milliseconds(60'000)), SessionBusy);
+  EXPECT_EQ(Waiters(), 1u) << "whoever found no seat left nothing behind";
+  first.reset();
+  waiter.join();
+  EXPECT_TRUE(got);
+}
+
+TEST_F(Sessions, AreNotWaitedForByThoseWhoHaveGone) {
+  int looks = 0;
+  SessionStore store = Store({}, {.seats = 1, .isWanted = [&looks] { return ++looks < 3; }});
+  const std::string id = store.Create(kAlice);
+  const auto held = store.Open(id, {});
+  EXPECT_THROW(store.Open(id, milliseconds(60'000)), SessionBusy);
+  EXPECT_EQ(looks, 3);
+}
+
+TEST_F(Sessions, KeepTheirSeatWhenThePageBeforeWritesThem) {
+  SessionStore store = Store();
+  const std::string id = store.Create(kAlice);
+  auto held = store.Open(id, {});
+  held->Set("x", std::int32_t{1});
+  bool got = false;
+  std::thread waiter = WaitFor(store, id, got);
+  held.reset();
+  waiter.join();
+  EXPECT_TRUE(got);
+}
+
+TEST_F(Sessions, EndAtOnceAlsoWhileAPageRuns) {
+  SessionStore store = Store();
+  const std::string id = store.Create(kAlice);
+  auto held = store.Open(id, {});
+  held->Set("x", std::int32_t{1});
+  store.EndOne(id);
+  EXPECT_FALSE(store.Open(id, {}));
+  held.reset();
+  EXPECT_FALSE(store.Open(id, {})) << "what the page wrote did not bring it back";
+  EXPECT_EQ(Files(), 0u);
+  store.EndOne("../" + id);
+}
+
+// A process that may not write files longer than some bytes finds every disk full.
+class FullDisk {
+ public:
+  explicit FullDisk(rlim_t bytes) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit full{bytes, before_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &full);
+  }
+  ~FullDisk() { setrlimit(RLIMIT_FSIZE, &before_); }
+
+ private:
+  rlimit before_{};
+};
+
+TEST_F(Sessions, AreRefusedOnAFullDiskAndNotHandedOutEmpty) {
+  SessionStore store = Store();
+  for (const rlim_t bytes : {rlim_t{0}, rlim_t{20}}) {
+    const FullDisk full(bytes);
+    EXPECT_THROW(store.Create(kAlice), SessionNotKept);
+  }
+  EXPECT_EQ(Files(), 0u);
+}
+
+TEST_F(Sessions, StayAsTheyWereOnAFullDisk) {
+  SessionStore store = Store();
+  const std::string id = store.Create(kAlice);
+  store.Open(id, {})->Set("x", std::int32_t{1});
+  {
+    const FullDisk full(20);
+    store.Open(id, {})->Set("x", std::int32_t{2});
+  }
+  EXPECT_EQ(store.Open(id, {})->Get("x"), Value(std::int32_t{1}));
+  EXPECT_EQ(Files(), 1u) << "and nothing half-written lies about";
+}
+
+// Whoever finds the seat taken asks again, as a browser would.
+std::unique_ptr<FileSession> OpenAtLast(SessionStore& store, const std::string& id) {
+  for (;;) {
+    try {
+      return store.Open(id, milliseconds(20'000));
+    } catch (const SessionBusy&) {
+      std::this_thread::sleep_for(milliseconds(1));
+    }
+  }
+}
+
 TEST_F(Sessions, LoseNoChangeOfManyProcesses) {
   SessionStore store = Store();
   const std::string id = store.Create(kAlice);
@@ -186,7 +326,7 @@ TEST_F(Sessions, LoseNoChangeOfManyProcesses) {
   for (int i = 0; i < kProcesses; ++i) {
     if (fork() == 0) {
       for (int k = 0; k < kTimes; ++k) {
-        const auto session = store.Open(id, milliseconds(20'000));
+        const auto session = OpenAtLast(store, id);
         session->Set("n", std::get<std::int32_t>(session->Get("n")) + 1);
       }
       _exit(0);
@@ -217,9 +357,7 @@ TEST_F(Sessions, ThatSomebodyDamagedAreNoSessions) {
   for (const std::string& damage : {std::string(), std::string("kalvo session 1\n"), std::string("nonsense"),
                                     std::string("kalvo session 1\nKALVO\\alice\nstamp\n123\n\xFF\xFF")}) {
     const std::string id = store.Create(kAlice);
-    for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "sessions")) {
-      test::WriteFile(entry.path(), damage);
-    }
+    for (const auto& path : All()) test::WriteFile(path, damage);
     EXPECT_FALSE(store.Open(id, {})) << damage;
   }
 }
