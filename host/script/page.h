@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/script/page_directive.h"
 #include "platform/value.h"
 
 namespace kalvo {
@@ -127,6 +128,9 @@ class Site {
   // end. Everything that the page made is released when this returns. The thread needs 4 MiB of stack.
   PageResult Run(std::string_view page, const PageRequest& request, PageSession& session, PageSink& sink,
                  const PageOptions& options = {});
+
+  // What the page's first line declares; nothing for a page that is not there or cannot be compiled.
+  PageDirective Directive(std::string_view page);
 
   // Compiles a page ahead of its first run. The failure, where it cannot be compiled.
   std::optional<PageFailure> Prepare(std::string_view page);

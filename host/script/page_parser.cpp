@@ -66,7 +66,7 @@ class Parser {
     File file{FileIndex(path), path, WellFormed(bytes), 0, 1, {}};
     if (bytes_ > kMaxPageBytes) Fail(file, 1, "the page and its includes are larger than 16 MiB");
     open_.push_back(path);
-    SkipDirective(file);
+    ParseFirstLine(file);
     while (file.at < file.text.size()) ParsePiece(file);
     open_.pop_back();
   }
@@ -90,19 +90,28 @@ class Parser {
     return piece;
   }
 
-  // <%@ Language="JavaScript" %>, the rest of whose line is not text.
-  void SkipDirective(File& file) {
+  // <%@ Language="JavaScript" ... %>, the rest of whose line is not text.
+  void ParseFirstLine(File& file) {
     const std::size_t start = file.text.find_first_not_of(kBlanks);
     if (start == std::string::npos || file.text.compare(start, 3, "<%@") != 0) return;
     Take(file, start);
     const std::uint32_t line = file.line;
     const std::size_t end = file.text.find("%>", start);
     if (end == std::string::npos) Fail(file, line, "the block \"<%@\" does not end with \"%>\"");
-    const std::string directive = ToLower(Take(file, end + 2 - start));
-    CheckLanguage(file, line, directive);
+    const std::string_view directive = Take(file, end + 2 - start);
+    CheckLanguage(file, line, ToLower(directive));
+    if (open_.size() == 1) TakeDirective(file, line, directive);
     const std::size_t rest = file.text.find_first_not_of(" \t", file.at);
     if (rest == std::string::npos) return;
     Take(file, rest - file.at + BreakLength(file.text, rest));
+  }
+
+  void TakeDirective(const File& file, std::uint32_t line, std::string_view directive) {
+    try {
+      source_.directive = ParseDirective(directive);
+    } catch (const DirectiveFault& fault) {
+      Fail(file, line, fault.message);
+    }
   }
 
   void CheckLanguage(const File& file, std::uint32_t line, std::string_view directive) const {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/script/page.h"
+#include "host/script/page_directive.h"
 
 namespace kalvo::host {
 
@@ -24,6 +25,7 @@ struct PageSource {
   std::vector<std::string> texts;
   std::vector<std::string> files;  // the page first; paths below the root
   std::vector<LinePlace> lines;    // of each line of the script
+  PageDirective directive;         // of the page itself; those of includes are read past
 
   // The place of a line of the script, counted from 1. Past the script's end, where the compiler misses what the page
   // leaves open, that is the last line of the page's own script; for 0, the page without a line.

@@ -160,6 +160,14 @@ PageResult Site::Run(std::string_view page, const PageRequest& request, PageSess
   }
 }
 
+PageDirective Site::Directive(std::string_view page) {
+  try {
+    return pages_->Get(page).source.directive;
+  } catch (const PageFault&) {
+    return {};  // its run says why
+  }
+}
+
 std::optional<PageFailure> Site::Prepare(std::string_view page) {
   try {
     pages_->Get(page);

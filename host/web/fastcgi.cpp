@@ -6,6 +6,7 @@
 #include <charconv>
 #include <climits>
 
+#include "host/web/headers.h"
 #include "platform/append.h"
 #include "platform/conversion.h"
 
@@ -74,7 +75,12 @@ FastCgiRequest ReadRequest(FCGX_Request& request) {
   return taken;
 }
 
-void FastCgiSink::Head(const host::PageHead& head) {
+FastCgiSink::FastCgiSink(FCGX_Request& request, const host::PageDirective& directive)
+    : request_(request), policy_(ContentPolicy(directive)) {}
+
+void FastCgiSink::Head(const host::PageHead& given) {
+  host::PageHead head = given;
+  AddHeaders(head, policy_);
   std::string text;
   Append(text, "Status: ", head.status, ' ', head.reason, kCrLf, "Content-Type: ", head.contentType, kCrLf);
   for (const auto& [name, value] : head.headers) Append(text, name, ": ", value, kCrLf);

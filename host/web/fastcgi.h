@@ -25,10 +25,11 @@ FastCgiRequest ReadRequest(FCGX_Request& request);
 // Thrown when the visitor, or nginx, has hung up.
 struct VisitorGone {};
 
-// Sends a response back to nginx. Throws VisitorGone.
+// Sends a response back to nginx, with the headers that every answer has. Throws VisitorGone.
 class FastCgiSink : public host::PageSink {
  public:
-  explicit FastCgiSink(FCGX_Request& request) : request_(request) {}
+  // `directive` is what the page declares.
+  explicit FastCgiSink(FCGX_Request& request, const host::PageDirective& directive = {});
 
   void Head(const host::PageHead& head) override;
   void Body(std::string_view bytes) override;
@@ -36,6 +37,7 @@ class FastCgiSink : public host::PageSink {
  private:
   void Put(std::string_view bytes);
   FCGX_Request& request_;
+  std::string policy_;
 };
 
 }  // namespace kalvo::web

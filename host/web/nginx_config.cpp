@@ -7,6 +7,7 @@
 #include "host/parts/setting_error.h"
 #include "host/web/address.h"
 #include "host/web/error_pages.h"
+#include "host/web/headers.h"
 #include "host/web/login/gate.h"
 #include "host/web/run_folder.h"
 #include "host/web/settings.h"
@@ -49,7 +50,6 @@ client_header_buffer_size 4k;
 large_client_header_buffers 4 16k;
 absolute_redirect off;
 server_tokens off;
-add_header X-Content-Type-Options nosniff always;
 )";
 
 // Only these are files to send. A page's includes and whatever else lies in the site are not.
@@ -82,7 +82,9 @@ void AppendErrors(std::string& out, const RunFolder& run) {
   Append(out, "location @lost {\n", "  if ($upstream_connect_time ~ \"^[0-9]\") { return 500; }\n  return 503;\n}\n");
   Append(out, "location ^~ /_error/ { internal; alias ", Quoted(run.Errors() / ""), "; }\n");
   Append(out, "location = /_error/503.html {\n  internal;\n  alias ", Quoted(run.Errors() / "503.html"),
-         ";\n  add_header Retry-After 2 always;\n}\n");
+         ";\n  add_header Retry-After 2 always;\n");
+  AppendHeaders(out, Answers::ErrorPages, "  ");
+  out += "}\n";
 }
 
 // What a stranger may send to sign in.
@@ -95,6 +97,7 @@ void AppendPage(std::string& out, std::string_view address, std::string_view pag
                 const RunFolder& run, std::string_view limits = "") {
   Append(out, "location ", address, " {\n", limits, "  fastcgi_param KALVO_PAGE ", page,
          ";\n  fastcgi_param KALVO_URL ", url, ";\n");
+  AppendHeaders(out, Answers::Pages, "  ");
   // A location with a parameter of its own inherits none.
   Append(out, kParameters.substr(1), "  fastcgi_pass \"unix:", run.Socket().string(), "\";\n}\n");
 }
@@ -112,7 +115,9 @@ void AppendAddresses(std::string& out, const Settings& settings, const RunFolder
   AppendPage(out, "~ ^/KalvoforExchange(/.*\\.[Aa][Ss][Pp])$", "$1", "$uri", run);
   AppendPage(out, "~ ^/KalvoforExchange(/(?:.*/)?)$", "$1Default.asp", "${uri}Default.asp", run);
   Append(out, "location ~ ^/KalvoforExchange(/.*\\.(?i:", kFileKinds, "))$ {\n  root ", site,
-         ";\n  disable_symlinks on from=$document_root;\n  try_files $1 =404;\n}\n");
+         ";\n  disable_symlinks on from=$document_root;\n  try_files $1 =404;\n");
+  AppendHeaders(out, Answers::Files, "  ");
+  out += "}\n";
   Append(out, "location ~ ^/KalvoforExchange(/[A-Za-z0-9_/-]+)$ {\n  root ", site,
          ";\n  if (-d $document_root$1) { return 301 /KalvoforExchange$1/; }\n  return 404;\n}\n");
 }
@@ -123,6 +128,7 @@ std::string NginxSite(const Settings& settings, const RunFolder& run) {
   const int seconds = static_cast<int>(std::ceil(settings.timeLimit));
   std::string out;
   Append(out, kLimits.substr(1), kFileTypes.substr(1));
+  AppendHeaders(out, Answers::ErrorPages);
   // A request waits for a worker at most as long as a page may take, and is handed to one worker only.
   Append(out, "fastcgi_connect_timeout 5s;\nfastcgi_next_upstream off;\nfastcgi_send_timeout 15s;\n");
   // Only so does nginx know the end of a page from the end of its worker. Workers close each connection.

@@ -115,7 +115,7 @@ void Worker::RunPage(FCGX_Request& request) {
   host::PageOptions options;
   options.limits = {settings.timeLimit, static_cast<std::size_t>(settings.memoryLimit)};
   options.isWanted = [this] { return generation_.visitor.IsThere(); };
-  FastCgiSink sink(request);
+  FastCgiSink sink(request, generation_.site.Directive(asked.page));
   const host::PageResult result = generation_.site.Run(asked.page, page, *admission->session, sink, options);
   if (!result.failure) return FCGX_Finish_r(&request);
 

@@ -57,6 +57,10 @@ class Case(unittest.TestCase):
     def setUp(self):
         browser.forget()
 
+    def tearDown(self):
+        refused = [each for each in browser.complaints() if "Content Security Policy" in each]
+        self.assertEqual(refused, [], "the console keeps to its own policy")
+
     def enter(self, name, page):
         """Opens a page as somebody who has just signed in."""
         browser.open(page)

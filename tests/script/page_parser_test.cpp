@@ -86,6 +86,44 @@ TEST_F(PageParser, TakesTheFirstLinesDirectiveAndItsLineBreak) {
   EXPECT_EQ(Parse("\n<%@%>\n\nx").texts, Texts{"\nx"});
 }
 
+TEST_F(PageParser, TakesWhatThePageDeclares) {
+  const std::string hash = "sha256-BpXhXx2vRLHwaBAlwgc7ySqE/qjSuaDmk4N/0EX3KB4=";
+  files.files["a/b.inc"] = "<%@ SortWords=\"Included\" %>";
+  const PageDirective directive =
+      Parse("<%@ Language=\"JavaScript\" sortwords = \"Owner, d.Size\tLast_Seen\" HANDLERS='" + hash + " " + hash +
+            "'\r\nStyles=" + hash + " Identifiers=\"own\" CodePage=65001 Trace %><!--#include file=\"b.inc\"-->")
+          .directive;
+  EXPECT_EQ(directive.sortWords, (Texts{"Owner", "d.Size", "Last_Seen"}));
+  EXPECT_EQ(directive.handlers, (Texts{hash, hash}));
+  EXPECT_EQ(directive.styles, Texts{hash});
+  EXPECT_TRUE(directive.ownIdentifiers);
+  EXPECT_FALSE(Parse("<%@ Language=JScript %>").directive.ownIdentifiers);
+}
+
+TEST_F(PageParser, RefusesADeclarationThatCannotBeMeant) {
+  const std::string sort =
+      "a/page.asp:1: SortWords of the page's first line takes names of letters, digits, \"_\" and "
+      "\".\", with commas between them";
+  const std::string handlers =
+      "a/page.asp:1: Handlers of the page's first line takes hashes such as sha256-..., with blanks between them";
+  const std::string letters(43, 'A');
+  for (const std::string& words :
+       {std::string("SortWords"), std::string("SortWords=\"\""), std::string("SortWords=\", ,\""),
+        std::string("SortWords=\"a;b\""), std::string("SortWords=\"a\", b'"), "SortWords=" + std::string(129, 'a'),
+        std::string("SortWords=\"\u00e9\"")}) {
+    const bool taken = words == "SortWords=\"a\", b'";
+    EXPECT_EQ(Failure("<%@ " + words + " %>"), taken ? "" : sort) << words;
+  }
+  for (const std::string& words :
+       {std::string("'unsafe-inline'"), "sha256-" + letters, "sha256-" + letters + "==", "sha256-" + letters + ";",
+        "sha384-" + letters + "=", "sha256-" + std::string(41, 'A') + "===", "nonce-" + letters + "="}) {
+    EXPECT_EQ(Failure("<%@ Handlers=\"" + words + "\" %>"), handlers) << words;
+  }
+  EXPECT_EQ(Failure("<%@ Handlers=\"sha256-" + letters + "=\" %>"), "");
+  EXPECT_EQ(Failure("<%@ Identifiers=\"any\" %>"),
+            "a/page.asp:1: Identifiers of the page's first line takes the word own");
+}
+
 TEST_F(PageParser, LeavesOtherCommentsAlone) {
   EXPECT_EQ(Parse("<!-- x --><!---->").texts, Texts{"<!-- x --><!---->"});
   EXPECT_EQ(Parse("<!-- #exclude -->").texts, Texts{"<!-- #exclude -->"});

@@ -70,6 +70,9 @@ class Addresses(unittest.TestCase):
     FILES = {
         "Default.asp": 'home <%= Request.ServerVariables("URL") %>',
         "Resources/Default.asp": "resources",
+        "broken.asp": "<% nothing(); %>",
+        "kept.asp": '<% Response.AddHeader("Cache-Control", "max-age=60"); %>kept',
+        "own.asp": f'<%@ Handlers="sha256-{"A" * 43}=" %>own',
         "Resources/a b.asp": 'blank <%= Request.ServerVariables("URL") %>',
         "style.css": "body {}",
         "script.js": "1",
@@ -133,6 +136,35 @@ class Addresses(unittest.TestCase):
                 self.assertIn(answer.status, (400, 404))
                 self.assertNotIn("secret", answer.text)
                 self.assertIn("<h1>", answer.text)
+
+    def test_every_answer_says_what_browsers_may_do_with_it(self):
+        for why, path, kept in [("a page", "/KalvoforExchange/", "no-store"),
+                                ("a style sheet", "/KalvoforExchange/style.css", "no-cache"),
+                                ("no page", "/KalvoforExchange/none.asp", "no-store"),
+                                ("nothing", "/elsewhere", "no-store"),
+                                ("a redirection", "/", "no-store"),
+                                ("a page that fails", "/KalvoforExchange/broken.asp", "no-store"),
+                                ("a page that says so itself", "/KalvoforExchange/kept.asp", "max-age=60"),
+                                ("too much", "/KalvoforExchange/Default.asp?a=" + "x" * 8191, "no-store"),
+                                ("an address without end", "/KalvoforExchange/" + "x" * 40000, "no-store")]:
+            with self.subTest(why):
+                self.assert_headers(self.server.request(path), kept)
+        self.assert_headers(self.server.request("/KalvoforExchange/", "DELETE"), "no-store")
+        body = b"x" * (1024 * 1024 + 1)
+        self.assert_headers(self.server.request("/KalvoforExchange/", "POST", body), "no-store")
+
+    def assert_headers(self, answer, kept, handlers=""):
+        policy = ("default-src 'self'; script-src 'self' 'unsafe-hashes' "
+                  f"'sha256-BpXhXx2vRLHwaBAlwgc7ySqE/qjSuaDmk4N/0EX3KB4='{handlers}; style-src 'self'; "
+                  "object-src 'none'; base-uri 'none'; form-action 'self'; frame-ancestors 'self'")
+        for name, value in {"Content-Security-Policy": policy, "Cache-Control": kept,
+                            "X-Content-Type-Options": "nosniff", "Referrer-Policy": "same-origin",
+                            "Cross-Origin-Opener-Policy": "same-origin", "X-Frame-Options": "SAMEORIGIN",
+                            "Cross-Origin-Resource-Policy": "same-origin"}.items():
+            self.assertEqual(answer.headers.get_all(name), [value], (answer.status, name))
+
+    def test_a_page_declares_its_own_handlers(self):
+        self.assert_headers(self.server.get("own.asp"), "no-store", f" 'sha256-{'A' * 43}='")
 
     def test_what_is_too_much(self):
         form = {"Content-Type": "application/x-www-form-urlencoded"}
@@ -377,6 +409,8 @@ class Load(unittest.TestCase):
             self.assertGreaterEqual(len(refused), 5)
             for answer in refused:
                 self.assertEqual(answer.headers["Retry-After"], "2")
+                self.assertEqual(answer.headers.get_all("X-Content-Type-Options"), ["nosniff"])
+                self.assertIn("frame-ancestors 'self'", answer.headers["Content-Security-Policy"])
                 self.assertIn("<h1>Service Unavailable</h1>", answer.text)
 
     def test_a_refusal_takes_no_time(self):

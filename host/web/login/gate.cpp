@@ -14,6 +14,8 @@ namespace kalvo::web::login {
 namespace {
 
 constexpr std::string_view kCookie = "KalvoSession";
+// Where the connection is encrypted: no other host of the domain, and nobody on a plain connection, can set it.
+constexpr std::string_view kSecureCookie = "__Host-KalvoSession";
 constexpr std::size_t kMostCookies = 8;              // of that name that are looked at
 constexpr std::string_view kSignIn = "/SignIn.asp";  // below the site's root
 constexpr std::string_view kSignOut = "/SignOut.asp";
@@ -25,12 +27,14 @@ std::string_view VariableOf(const host::PageRequest& request, std::string_view n
   return "";
 }
 
+bool IsEncrypted(const host::PageRequest& request) { return EqualsIgnoringCase(VariableOf(request, "HTTPS"), "on"); }
+
 // The sessions that the browser names. There may be several: a neighbour in the same domain can set a cookie of that
 // name too, and it must not stand before the right one.
 std::vector<std::string> SessionIdsOf(const host::PageRequest& request) {
   const host::NamedValues cookies = host::NamedValues::FromCookies(request.cookies);
   std::vector<std::string> ids;
-  for (const std::string& value : cookies.Of(kCookie)) {
+  for (const std::string& value : cookies.Of(IsEncrypted(request) ? kSecureCookie : kCookie)) {
     if (IsToken(value) && ids.size() < kMostCookies) ids.push_back(value);
   }
   return ids;
@@ -47,9 +51,9 @@ std::string WithoutSessionCookie(std::string_view header) {
     const std::size_t end = std::min(header.find(';'), header.size());
     const std::string_view cookie = Trimmed(header.substr(0, end));
     header.remove_prefix(std::min(end + 1, header.size()));
-    if (!EqualsIgnoringCase(cookie.substr(0, cookie.find('=')), kCookie)) {
-      Append(kept, kept.empty() ? "" : "; ", cookie);
-    }
+    const std::string_view name = cookie.substr(0, cookie.find('='));
+    if (EqualsIgnoringCase(name, kCookie) || EqualsIgnoringCase(name, kSecureCookie)) continue;
+    Append(kept, kept.empty() ? "" : "; ", cookie);
   }
   return kept;
 }
@@ -62,10 +66,12 @@ void HideSession(host::PageRequest& request) {
 }
 
 std::string CookieOf(const host::PageRequest& request, std::string_view id) {
+  const bool encrypted = IsEncrypted(request);
   std::string cookie;
-  Append(cookie, kCookie, '=', id, "; Path=", kConsole, "; HttpOnly; SameSite=Strict");
+  Append(cookie, encrypted ? kSecureCookie : kCookie, '=', id, "; Path=", encrypted ? "/" : kConsole,
+         "; HttpOnly; SameSite=Strict");
   if (id.empty()) Append(cookie, "; Max-Age=0");
-  if (EqualsIgnoringCase(VariableOf(request, "HTTPS"), "on")) Append(cookie, "; Secure");
+  if (encrypted) Append(cookie, "; Secure");
   return cookie;
 }
 

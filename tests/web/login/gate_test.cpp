@@ -269,12 +269,27 @@ TEST_F(Gates, WarnOfAUsersFileThatEverybodyReads) {
   EXPECT_NE(test::ReadFile(folder_.Path() / "log").find("may be read by everybody"), std::string::npos);
 }
 
-TEST_F(Gates, MarkTheCookieSecureBehindEncryption) {
-  host::PageRequest request = Asked("/SignIn.asp");
+TEST_F(Gates, BindTheCookieToTheHostBehindEncryption) {
+  const auto encrypted = [](host::PageRequest request) {
+    request.serverVariables.emplace_back("HTTPS", "on");
+    return request;
+  };
+  host::PageRequest request = encrypted(Asked("/SignIn.asp"));
   request.method = "POST";
   request.form = "Name=bob&Password=correct+horse";
-  request.serverVariables.emplace_back("HTTPS", "on");
-  EXPECT_TRUE(HeaderOf(gate_.Admit("/SignIn.asp", request), "Set-Cookie").ends_with("; Secure"));
+  const Decision decision = gate_.Admit("/SignIn.asp", request);
+  const std::string header = HeaderOf(decision, "Set-Cookie");
+  EXPECT_TRUE(header.starts_with("__Host-KalvoSession="));
+  EXPECT_TRUE(header.ends_with("; Path=/; HttpOnly; SameSite=Strict; Secure")) << header;
+
+  const std::string cookie = CookieOf(decision), planted = cookie.substr(cookie.find("Kalvo"));
+  request = encrypted(Asked("/Tasks/TopN.asp", "a=1; " + cookie));
+  EXPECT_TRUE(std::holds_alternative<Admission>(gate_.Admit("/Tasks/TopN.asp", request)));
+  EXPECT_EQ(request.cookies, "a=1");
+  request = encrypted(Asked("/Tasks/TopN.asp", planted));
+  EXPECT_TRUE(std::holds_alternative<Answer>(gate_.Admit("/Tasks/TopN.asp", request)))
+      << "anybody can set the plain one";
+  EXPECT_EQ(request.cookies, "");
 }
 
 }  // namespace
