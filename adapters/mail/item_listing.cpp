@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "adapters/mail/errors.h"
+#include "adapters/mail/sizes.h"
 #include "platform/conversion.h"
 
 namespace kalvo::mail {
@@ -30,7 +31,7 @@ std::int64_t ListingItems::Total(std::size_t field) {
   std::int64_t total = 0;
   for (std::span<const std::int32_t> rest(all); !rest.empty(); rest = rest.subspan(1)) {
     const Value value = Field(rest, field);
-    if (const auto* number = std::get_if<std::int64_t>(&value)) total += *number;
+    if (const auto* number = std::get_if<std::int64_t>(&value)) total = SizeSum(total, *number);
   }
   return total;
 }

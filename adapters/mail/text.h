@@ -14,6 +14,9 @@ namespace kalvo::mail {
 // characters and line ends as one blank, no blanks around it, cut after 500 characters with an ellipsis.
 std::string CleanText(std::string_view raw);
 
+// What stands for the subject of a message that cannot be read.
+inline constexpr std::string_view kUnreadable = "(this message cannot be read)";
+
 // "Bob <bob@example.com>", or whichever of the two there is. Decoded, not yet cleaned.
 std::string SenderText(std::string_view name, std::string_view address);
 

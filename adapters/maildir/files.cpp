@@ -73,10 +73,12 @@ File OpenFolder(const File& top, std::string_view path) {
 }
 
 File OpenFile(const File& folder, const std::string& name) {
+  errno = ENOENT;
   if (!IsStep(name)) return File();
   File file(openat(folder.Handle(), name.c_str(), kFileFlags));
-  if (file && !S_ISREG(StatusOf(file).st_mode)) return File();
-  return file;
+  if (!file || S_ISREG(StatusOf(file).st_mode)) return file;
+  errno = ENOENT;
+  return File();
 }
 
 std::vector<Name> NamesIn(const File& folder) {
@@ -106,13 +108,23 @@ struct stat StatusOf(const File& file) {
 std::optional<std::string> ReadAll(const File& file, std::size_t limit) {
   const auto size = static_cast<std::size_t>(StatusOf(file).st_size);
   if (size > limit) return std::nullopt;
-  std::string content(size, '\0');
-  for (std::size_t at = 0; at < size;) {
-    const ssize_t got = pread(file.Handle(), content.data() + at, size - at, static_cast<off_t>(at));
+  auto content = ReadBeginning(file, size);
+  return content && content->size() == size ? std::move(content) : std::nullopt;
+}
+
+std::optional<std::string> ReadBeginning(const File& file, std::size_t limit) {
+  struct stat status {};
+  if (!file || fstat(file.Handle(), &status) != 0) return std::nullopt;
+  std::string content(std::min(static_cast<std::size_t>(status.st_size), limit), '\0');
+  std::size_t at = 0;
+  while (at < content.size()) {
+    const ssize_t got = pread(file.Handle(), content.data() + at, content.size() - at, static_cast<off_t>(at));
     if (got < 0 && errno == EINTR) continue;
-    if (got <= 0) return std::nullopt;
+    if (got < 0) return std::nullopt;
+    if (got == 0) break;
     at += static_cast<std::size_t>(got);
   }
+  content.resize(at);
   return content;
 }
 

@@ -35,7 +35,8 @@ bool IsStep(std::string_view name);
 // nothing where there is no such folder.
 File OpenFolder(const File& top, std::string_view path);
 
-// Opens a regular file of a folder for reading; never a link, a pipe or a device.
+// Opens a regular file of a folder for reading; never a link, a pipe or a device. Where it is closed `errno` says why:
+// `ENOENT` where there is no such file.
 File OpenFile(const File& folder, const std::string& name);
 
 struct Name {
@@ -50,6 +51,9 @@ struct stat StatusOf(const File& file);
 
 // The whole content; nothing where it cannot be read or is longer than `limit`.
 std::optional<std::string> ReadAll(const File& file, std::size_t limit);
+
+// As much of the beginning as there is, at most `limit` bytes; nothing where it cannot be read.
+std::optional<std::string> ReadBeginning(const File& file, std::size_t limit);
 
 // A folder of ours below another, made when it is not there; closed where that cannot be done.
 File OwnFolder(const File& top, const char* name);

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "adapters/mail/errors.h"
+#include "adapters/mail/sizes.h"
 #include "adapters/maildir/message_reader.h"
 
 namespace kalvo::maildir {
@@ -22,6 +23,12 @@ namespace {
 constexpr std::size_t kLongestIndex = std::size_t{1} << 30;
 constexpr std::int64_t kSecond = 1'000'000'000;  // nanoseconds
 constexpr std::int64_t kSettledAfter = 2 * kSecond;
+constexpr std::int64_t kLargestMessage = std::int64_t{1} << 40;  // a name that tells a larger size is not believed
+
+// The index is kept each time that so many messages were read, or such a part of all that are known, so that the next
+// listing goes on where a process was stopped, and a large one is not written over and over.
+constexpr std::size_t kKeptEvery = 500, kKeptPart = 16;
+
 constexpr int kAttempts = 5;  // a file may be renamed while we look for it
 
 std::int64_t Nanoseconds(const timespec& time) { return time.tv_sec * kSecond + time.tv_nsec; }
@@ -47,10 +54,10 @@ std::optional<std::int64_t> SizeFromName(std::string_view fileName) {
   std::int64_t size = -1;
   const auto end = std::from_chars(unique.data() + at + 3, unique.data() + unique.size(), size);
   const bool whole = end.ec == std::errc() && (end.ptr == unique.data() + unique.size() || *end.ptr == ',');
-  return whole && size >= 0 ? std::optional(size) : std::nullopt;
+  return whole && size >= 0 && size <= kLargestMessage ? std::optional(size) : std::nullopt;
 }
 
-Snapshot::Snapshot(std::shared_ptr<const std::string> bytes, std::vector<Entry> entries, std::vector<std::string> texts)
+Snapshot::Snapshot(std::shared_ptr<const std::string> bytes, std::vector<Entry> entries, std::deque<std::string> texts)
     : bytes_(std::move(bytes)), texts_(std::move(texts)), entries_(std::move(entries)) {
   std::sort(entries_.begin(), entries_.end(), [](const Entry& a, const Entry& b) {
     return a.received != b.received ? a.received > b.received : a.unique > b.unique;
@@ -114,48 +121,72 @@ std::shared_ptr<const Snapshot> Folder::Messages() {
     if (auto entries = ReadIndexEntries(*bytes, identity_)) known = std::move(*entries);
     const auto head = ReadIndexHead(*bytes, identity_);
     if (head && head->settled && head->stamp == stamp && known.size() == static_cast<std::size_t>(head->count)) {
-      return std::make_shared<const Snapshot>(bytes, std::move(known), std::vector<std::string>());
+      return std::make_shared<const Snapshot>(bytes, std::move(known), std::deque<std::string>());
     }
   }
+  Gathered found;
+  std::size_t keptAt = 0, read = 0;
+  for (const FoundFile& file : TakeKnown(known, found)) {
+    if (!ReadFile(file, found)) continue;
+    if (++read < keptAt + std::max(kKeptEvery, found.entries.size() / kKeptPart)) continue;
+    KeepIndex(stamp, false, found.entries);
+    keptAt = read;
+  }
+  // What could not be read is tried again the next time.
+  const bool settled = found.unreadable.empty() && started - std::max(stamp.curTime, stamp.newTime) >= kSettledAfter;
+  KeepIndex(stamp, settled, found.entries);
+  found.entries.insert(found.entries.end(), found.unreadable.begin(), found.unreadable.end());
+  return std::make_shared<const Snapshot>(bytes, std::move(found.entries), std::move(found.texts));
+}
+
+// The entries of the files that the index knows; the others are answered.
+std::vector<Folder::FoundFile> Folder::TakeKnown(const std::vector<Entry>& known, Gathered& found) {
   std::unordered_map<std::string_view, const Entry*> byUnique;
   byUnique.reserve(known.size());
   for (const Entry& entry : known) byUnique.emplace(entry.unique, &entry);
-
-  std::vector<FoundFile> files = Files();
-  std::vector<Entry> entries;
-  std::vector<std::string> texts;
-  texts.reserve(files.size() * 3);  // entries refer to them: they must not move
-  const auto keep = [&](std::string text) -> std::string_view { return texts.emplace_back(std::move(text)); };
-  for (FoundFile& found : files) {
-    const std::string_view name = keep(std::move(found.name));
-    Entry entry;
-    if (const auto at = byUnique.find(UniquePart(name)); at != byUnique.end()) {
-      entry = *at->second;
-    } else {
-      const File file = OpenFile(ListOf(found.isNew), std::string(name));
-      if (!file) continue;  // gone again, or renamed: the next listing has it
-      const struct stat status = StatusOf(file);
-      MessageContent content = ReadMessage(file, Read::Listing);
-      ++work_.messagesParsed;
-      work_.bytesRead += status.st_size;
-      entry.unique = UniquePart(name);
-      entry.size = SizeOf(name, status);
-      entry.sent = content.sent;
-      entry.received = status.st_mtim.tv_sec;
-      entry.hasAttachment = content.hasAttachment;
-      entry.subject = keep(std::move(content.subject));
-      entry.sender = keep(std::move(content.sender));
+  std::vector<FoundFile> others;
+  for (FoundFile& file : Files()) {
+    const auto at = byUnique.find(UniquePart(file.name));
+    if (at == byUnique.end()) {
+      others.push_back(std::move(file));
+      continue;
     }
-    entry.fileName = name;
-    entry.isNew = found.isNew;
-    entries.push_back(entry);
+    Entry entry = *at->second;
+    entry.fileName = found.Keep(std::move(file.name));
+    entry.isNew = file.isNew;
+    found.entries.push_back(entry);
   }
-  IndexHead head{stamp, started - std::max(stamp.curTime, stamp.newTime) >= kSettledAfter,
-                 static_cast<std::int32_t>(entries.size()), 0};
-  for (const Entry& entry : entries) head.totalSize += entry.size;
-  auto snapshot = std::make_shared<const Snapshot>(bytes, std::move(entries), std::move(texts));
-  if (indexes_) ReplaceFile(indexes_, indexName_, WriteIndex(identity_, head, snapshot->Entries()));
-  return snapshot;
+  return others;
+}
+
+// False where the file is gone again, or was renamed: the next listing has it.
+bool Folder::ReadFile(const FoundFile& file, Gathered& found) {
+  struct stat status {};
+  const File open = OpenFile(ListOf(file.isNew), file.name);
+  if (!open && errno == ENOENT) return false;
+  if (fstatat(ListOf(file.isNew).Handle(), file.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return false;
+  MessageContent content = ReadMessage(open, Read::Listing);
+  ++work_.messagesParsed;
+  work_.bytesRead += status.st_size;
+  Entry entry;
+  entry.fileName = found.Keep(file.name);
+  entry.unique = UniquePart(entry.fileName);
+  entry.isNew = file.isNew;
+  entry.size = SizeOf(file.name, status);
+  entry.sent = content.sent;
+  entry.received = status.st_mtim.tv_sec;
+  entry.hasAttachment = content.hasAttachment;
+  entry.subject = found.Keep(std::move(content.subject));
+  entry.sender = found.Keep(std::move(content.sender));
+  (content.isReadable ? found.entries : found.unreadable).push_back(entry);
+  return true;
+}
+
+void Folder::KeepIndex(const Stamp& stamp, bool settled, const std::vector<Entry>& entries) {
+  if (!indexes_) return;
+  IndexHead head{stamp, settled, static_cast<std::int32_t>(entries.size()), 0};
+  for (const Entry& entry : entries) head.totalSize = mail::SizeSum(head.totalSize, entry.size);
+  ReplaceFile(indexes_, indexName_, WriteIndex(identity_, head, entries));
 }
 
 FolderTotals Folder::Totals() {
@@ -175,7 +206,7 @@ FolderTotals Folder::Totals() {
       size = status.st_size;
     }
     ++totals.count;
-    totals.size += size.value_or(0);
+    totals.size = mail::SizeSum(totals.size, size.value_or(0));
   }
   return totals;
 }
@@ -190,9 +221,11 @@ std::optional<Folder::FoundFile> Folder::Find(std::string_view unique) {
 File Folder::OpenMessage(std::string_view unique) {
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     const auto found = Find(unique);
-    if (!found) return File();
-    if (File file = OpenFile(ListOf(found->isNew), found->name)) return file;
+    if (!found) break;
+    File file = OpenFile(ListOf(found->isNew), found->name);
+    if (file || errno != ENOENT) return file;
   }
+  errno = ENOENT;
   return File();
 }
 
@@ -201,7 +234,7 @@ Moved Folder::MoveOut(std::string_view unique, const File& into, const std::stri
     const auto found = Find(unique);
     if (!found) return Moved::Gone;
     const File& list = ListOf(found->isNew);
-    if (!OpenFile(list, found->name)) continue;  // renamed meanwhile, or no message at all
+    if (!OpenFile(list, found->name) && errno == ENOENT) continue;  // renamed meanwhile, or no message at all
     announce(found->name, found->isNew);
     const Moved moved = MoveFile(list, found->name, into, as);
     if (moved != Moved::Gone) return moved;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -22,13 +23,13 @@ struct Work {
 // The messages of a folder as they were at one moment, the last received first.
 class Snapshot {
  public:
-  Snapshot(std::shared_ptr<const std::string> bytes, std::vector<Entry> entries, std::vector<std::string> texts);
+  Snapshot(std::shared_ptr<const std::string> bytes, std::vector<Entry> entries, std::deque<std::string> texts);
 
   const std::vector<Entry>& Entries() const { return entries_; }
 
  private:
   std::shared_ptr<const std::string> bytes_;  // of the index; entries refer to them
-  std::vector<std::string> texts_;            // of what was read anew
+  std::deque<std::string> texts_;             // of what was read anew
   std::vector<Entry> entries_;
 };
 
@@ -44,13 +45,14 @@ class Folder {
   // `indexes` may be closed: then nothing is kept.
   Folder(File folder, const File& indexes, std::string indexName, std::string identity, Work& work);
 
-  // The messages now. Only those that the index does not know are read.
+  // The messages now. Only those that the index does not know are read. One that cannot be read has a row that says
+  // so.
   std::shared_ptr<const Snapshot> Messages();
 
   // Count and size now, without reading a message.
   FolderTotals Totals();
 
-  // The open file of a message, by its unique name; closed where it is gone.
+  // The open file of a message, by its unique name; closed where it is gone (`ENOENT`) or cannot be read.
   File OpenMessage(std::string_view unique);
 
   // Moves the file of a message into a folder that is none of a tree, under the name `as`; before each attempt
@@ -70,7 +72,18 @@ class Folder {
     bool isNew;
   };
 
+  // What a listing finds; entries refer to the texts, which stay where they are.
+  struct Gathered {
+    std::vector<Entry> entries, unreadable;
+    std::deque<std::string> texts;
+
+    std::string_view Keep(std::string text) { return texts.emplace_back(std::move(text)); }
+  };
+
   Stamp StampNow();
+  std::vector<FoundFile> TakeKnown(const std::vector<Entry>& known, Gathered& found);
+  bool ReadFile(const FoundFile& file, Gathered& found);
+  void KeepIndex(const Stamp& stamp, bool settled, const std::vector<Entry>& entries);
   std::vector<FoundFile> Files();
   std::optional<FoundFile> Find(std::string_view unique);
   const File& ListOf(bool isNew) const { return isNew ? new_ : cur_; }

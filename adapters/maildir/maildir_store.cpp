@@ -12,6 +12,7 @@
 #include "adapters/mail/browser.h"
 #include "adapters/mail/directory_file.h"
 #include "adapters/mail/errors.h"
+#include "adapters/mail/sizes.h"
 #include "adapters/mail/text.h"
 #include "adapters/maildir/folder.h"
 #include "adapters/maildir/holding.h"
@@ -57,7 +58,7 @@ class SnapshotSource : public mail::MessageSource {
 
   std::int64_t TotalSize() override {
     std::int64_t total = 0;
-    for (const Entry& entry : snapshot_->Entries()) total += entry.size;
+    for (const Entry& entry : snapshot_->Entries()) total = mail::SizeSum(total, entry.size);
     return total;
   }
 
@@ -133,8 +134,7 @@ class MaildirStore::Trees : public mail::MailStore {
   }
 
   std::unique_ptr<mail::MessageSource> Messages(const mail::Tree& tree, std::string_view folder) override {
-    static const auto none =
-        std::make_shared<const Snapshot>(nullptr, std::vector<Entry>(), std::vector<std::string>());
+    static const auto none = std::make_shared<const Snapshot>(nullptr, std::vector<Entry>(), std::deque<std::string>());
     return std::make_unique<SnapshotSource>(folder.empty() ? none : OpenKey(tree, folder).Messages());
   }
 
@@ -190,8 +190,8 @@ class MaildirStore::Trees : public mail::MailStore {
  private:
   mail::MessageDetails Details(const mail::Tree& tree, std::string_view folder, std::string_view message, Read what) {
     const File file = OpenKey(tree, folder).OpenMessage(message);
-    if (!file) throw mail::NoSuchMessage();
-    const struct stat status = StatusOf(file);
+    if (!file && errno == ENOENT) throw mail::NoSuchMessage();
+    const struct stat status = StatusOf(file);  // zeros where it cannot be read
     MessageContent content = ReadMessage(file, what);
     ++work_.messagesParsed;
     work_.bytesRead += status.st_size;
@@ -199,7 +199,7 @@ class MaildirStore::Trees : public mail::MailStore {
             std::move(content.sender),
             SizeFromName(message).value_or(status.st_size),
             content.sent,
-            status.st_mtim.tv_sec,
+            file ? std::optional<std::int64_t>(status.st_mtim.tv_sec) : std::nullopt,
             std::move(content.attachments)};
   }
 

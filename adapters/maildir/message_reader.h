@@ -12,15 +12,18 @@ namespace kalvo::maildir {
 
 enum class Read { Listing, Attachments };
 
-// What a message says of itself. A message that makes no sense has empty texts and no date; it never fails.
+// What a message says of itself. A message that makes no sense has empty texts and no date, one that cannot be read
+// says so as its subject; it never fails.
 struct MessageContent {
+  bool isReadable = true;
   std::string subject, sender;       // cleaned
   std::optional<std::int64_t> sent;  // seconds since 1970, UTC
   bool hasAttachment = false;
   std::vector<mail::Attachment> attachments;  // with `Read::Attachments`
 };
 
-// Reads a message from an open file, at most its first 64 MiB.
+// Reads a message from an open file: for a listing at most its first 2 MiB, for its attachments at most 64 MiB, of
+// heads and parts no more than `message_scan.h` allows. A file that is closed cannot be read.
 MessageContent ReadMessage(const File& file, Read what);
 
 }  // namespace kalvo::maildir
