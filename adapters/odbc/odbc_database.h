@@ -21,6 +21,7 @@ struct Options {
   std::chrono::milliseconds timeLimit{15000};   // for running one statement, and for fetching its rows
   std::chrono::milliseconds loginLimit{10000};  // for connecting, where the driver obeys
   std::function<bool()> isWanted{};             // asked while a statement runs, on another thread; false stops it
+  bool unknownEngines = false;                  // whether a database is taken that cannot be told to read only
 };
 
 // The reporting database behind an ODBC data source. Where sources lie is the ODBC configuration's business
@@ -33,7 +34,7 @@ class OdbcDatabase final : public Database {
   ~OdbcDatabase() override;
 
   // A connection that only reads, where the database offers that: SQLite under the guard, PostgreSQL and MariaDB
-  // in read-only transactions. Fails with 0x80004005.
+  // in read-only transactions. Any other is refused unless the options take it. Fails with 0x80004005.
   std::unique_ptr<Connection> Connect(std::string_view dataSource) override;
 
   // The driver of a data source and the server behind it, each with its version, as the driver names them:

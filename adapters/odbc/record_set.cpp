@@ -1,5 +1,6 @@
 #include "adapters/odbc/record_set.h"
 
+#include "adapters/odbc/attribute_calls.h"
 #include "adapters/sql/diagnostics.h"
 #include "adapters/sql/shape.h"
 
@@ -42,7 +43,9 @@ void OdbcRecordSet::Close() {
 
 std::unique_ptr<RecordSet> OdbcConnection::Execute(const Batch& batch) {
   if (!session_) throw sql::ConnectionError("08003", "The connection is closed.");
-  return std::make_unique<OdbcRecordSet>(session_, sql::StatementQueue(sql::CheckedStatements(batch)));
+  const auto statements = sql::CheckedStatements(batch);
+  if (session_->GetEngine() == Engine::PostgreSql) RefuseCalls(session_, batch);
+  return std::make_unique<OdbcRecordSet>(session_, sql::StatementQueue(statements));
 }
 
 }  // namespace kalvo::odbc

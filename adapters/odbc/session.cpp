@@ -125,6 +125,13 @@ Engine Session::FindEngine() const {
 }
 
 void Session::SetUp() {
+  if (engine_ == Engine::Other && !options_.unknownEngines) {
+    throw sql::ConnectionError("0A000", Built([&](std::string& out) {
+                                 Append(out, "The database \"", Info(SQL_DBMS_NAME),
+                                        "\" is unknown here, and nothing would keep it from being written; "
+                                        "unknown_engine = true in the settings takes it all the same.");
+                               }));
+  }
   for (const auto& row : kSetUp) {
     if (row.engine != engine_) continue;
     std::string statement(row.sql);

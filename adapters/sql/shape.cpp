@@ -8,6 +8,7 @@
 #include "adapters/sql/statements.h"
 #include "adapters/sql/token.h"
 #include "platform/append.h"
+#include "platform/conversion.h"
 
 namespace kalvo::sql {
 
@@ -36,8 +37,20 @@ bool IsHarmless(std::string_view quotedName) {
   });
 }
 
+// Beyond ASCII there are characters that one database takes for a letter and another for a blank.
+bool IsPlain(std::string_view name) {
+  return std::none_of(name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+}
+
 bool IsName(const Token& token) {
-  return token.kind == TokenKind::Word || (token.kind == TokenKind::QuotedName && IsHarmless(token.text));
+  return (token.kind == TokenKind::Word && IsPlain(token.text)) ||
+         (token.kind == TokenKind::QuotedName && IsHarmless(token.text));
+}
+
+// Nothing for a token that is no name.
+std::string NameOf(const Token& token) {
+  if (token.kind == TokenKind::Word) return ToLower(token.text);
+  return token.kind == TokenKind::QuotedName ? std::string(token.text.substr(1, token.text.size() - 2)) : "";
 }
 
 // "s.Name desc, [Total Size], Id": names with dots between their parts, each with a direction or none.
@@ -95,6 +108,17 @@ void CheckSort(Tokens sort, Tokens orderBy, Tokens from) {
   throw Refusal("The sort text is not a list of names, each with ASC or DESC or neither, from", TextFrom(from));
 }
 
+// Calls `visit` with each sort text of the completed one, which has the tokens of its own.
+template <typename Visit>
+void ForEachSort(Tokens own, Tokens completed, Visit&& visit) {
+  const std::size_t length = SortLength(own, completed);
+  std::size_t at = 0;
+  for (const Token& token : own) {
+    if (token.kind == TokenKind::Sort) visit(completed.subspan(at, length));
+    at += token.kind == TokenKind::Sort ? length : 1;
+  }
+}
+
 void CheckTokens(Tokens own, Tokens completed, Tokens orderBy) {
   const std::size_t sortLength = SortLength(own, completed);
   std::size_t at = 0;
@@ -135,6 +159,33 @@ std::vector<std::string_view> CheckedStatements(const Batch& batch) {
   std::vector<std::string_view> texts;
   for (const auto& statement : statements) texts.push_back(StatementText(statement));
   return texts;
+}
+
+std::vector<std::string> NamesOf(std::string_view pattern) {
+  std::vector<std::string> names;
+  for (const Token& token : Tokenize(pattern, Placeholders::Read)) {
+    std::string name = NameOf(token);
+    if (!name.empty() && std::find(names.begin(), names.end(), name) == names.end()) names.push_back(std::move(name));
+  }
+  return names;
+}
+
+std::vector<std::string> ForeignSortNames(const Batch& batch) {
+  std::vector<std::string> known = NamesOf(batch.pattern), foreign;
+  for (std::string& name : NamesOf(batch.orderBy)) known.push_back(std::move(name));
+  const auto own = Tokenize(batch.pattern, Placeholders::Read);
+  const auto completed = Tokenize(batch.sql, Placeholders::Ignore);
+  ForEachSort(own, completed, [&](Tokens sort) {
+    for (std::size_t i = 1; i < sort.size(); ++i) {
+      if (sort[i - 1].text != ".") continue;
+      std::string name = NameOf(sort[i]);
+      const auto isName = [&](const std::string& other) { return other == name; };
+      if (std::none_of(known.begin(), known.end(), isName) && std::none_of(foreign.begin(), foreign.end(), isName)) {
+        foreign.push_back(std::move(name));
+      }
+    }
+  });
+  return foreign;
 }
 
 }  // namespace kalvo::sql

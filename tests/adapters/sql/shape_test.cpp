@@ -76,12 +76,29 @@ TEST(Shape, SortTexts) {
       {"a quoted name that could mean something else", "[a'b]", "Id", false},
       {"a quoted name of nothing", "\"\"", "Id", false},
       {"a parenthesis", "Id) or (1=1", "Id", false},
+      {"a no-break space, which one database takes for a blank", "Id\u00A0DESC", "Id", false},
+      {"an ideographic space", "Id\u3000", "Id", false},
+      {"a letter beyond ASCII", "gr\u00F6n", "Id", false},
+      {"the same in quotes", "\"gr\u00F6n\", [gr\u00F6n] DESC", "Id", true},
+      {"a letter beyond ASCII in the table's own text", "gr\u00F6n", "gr\u00F6n", true},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.why);
     const std::string sql = Completed("'x'", c.sort);
     EXPECT_EQ(Refusal({sql, kPattern, c.orderBy}).empty(), c.passes);
   }
+}
+
+TEST(Shape, NamesBehindAPointThatTheTablesOwnTextDoesNotHave) {
+  const std::string pattern = "select s.Name, \"Big\" from T s where s.Id = %NAME% order by %SORT%, %SORT%";
+  const auto foreign = [&](const std::string& sort) {
+    const std::string sql = "select s.Name, \"Big\" from T s where s.Id = 'x' order by " + sort + ", " + sort;
+    return ForeignSortNames({sql, pattern, "s.Other"});
+  };
+  using Names = std::vector<std::string>;
+  EXPECT_EQ(foreign("s.NAME, s.Other DESC, s.\"Big\", Free"), Names());
+  EXPECT_EQ(foreign("s.Free, T.s.More DESC, s.\"Free\""), (Names{"free", "more", "Free"}));
+  EXPECT_EQ(NamesOf(pattern), (Names{"select", "s", "name", "Big", "from", "t", "where", "id", "order", "by"}));
 }
 
 TEST(Shape, ScopeValues) {
