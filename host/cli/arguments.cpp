@@ -35,6 +35,8 @@ void AddPage(CLI::App& app, PageArguments& page) {
   app.add_option("--database", page.database, "where \"KalvoDB\" points: sqlite:FILE, or odbc")
       ->type_name("URL")
       ->capture_default_str();
+  app.add_flag("--unknown-engine", page.unknownEngine,
+               "take an ODBC database that nothing here keeps from being written");
   app.add_option("--mail", page.mail, "gives the session its mailboxes: maildir:DIR or imap://HOST:PORT")
       ->type_name("URL");
   app.add_option("--locale", page.locale, "how numbers and dates are written")

@@ -19,6 +19,7 @@ struct PageArguments {
   std::vector<std::pair<std::string, std::string>> session;  // name and value
   std::vector<std::pair<std::string, std::string>> statics;  // name and file
   std::string database = "odbc";
+  bool unknownEngine = false;
   std::string mail;
   std::string locale = "en-US";
   bool headers = false;

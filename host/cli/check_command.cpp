@@ -75,6 +75,18 @@ class Check {
     Line("Server") << "does not tell its version\n";
   }
 
+  bool IsProved(const DatabaseProof& proof) {
+    const std::pair<std::string_view, const Proof&> kProofs[] = {{"Read-only", proof.readsOnly},
+                                                                 {"Time limit", proof.stops}};
+    for (const auto& [what, made] : kProofs) {
+      Line(what) << (made.outcome == Proof::Outcome::Holds    ? ""
+                     : made.outcome == Proof::Outcome::Broken ? "fails: "
+                                                              : "not proved: ")
+                 << OneLine(made.finding) << "\n";
+    }
+    return proof.Holds();
+  }
+
   bool SchemaFits() {
     const std::vector<sample::SchemaTable> expected = sample::SchemaTables();
     std::size_t columns = 0, missing = 0;
@@ -224,10 +236,11 @@ int RunCheck(const Platform& platform, const CheckOptions& options, std::ostream
   Check check(platform, out);
   if (!check.Opens()) return 1;
   check.TellServer();
+  const bool proved = !options.proof || check.IsProved(*options.proof);
   const bool fits = check.SchemaFits();
   const bool disjoint = check.HistoryIsDisjoint();
   const bool run = check.ReportsRun();
-  return fits && disjoint && run ? 0 : 1;
+  return proved && fits && disjoint && run ? 0 : 1;
 }
 
 }  // namespace kalvo::host

@@ -93,7 +93,9 @@ PageOptions MakeOptions(const PageArguments& arguments) {
 int RunPage(const PageArguments& arguments) {
   const PagePlace place = Locate(arguments);
   const PageOptions options = MakeOptions(arguments);
-  const Parts parts({arguments.database, arguments.mail, arguments.locale, arguments.timeLimit});
+  PartsSettings wanted{arguments.database, arguments.mail, arguments.locale, arguments.timeLimit};
+  wanted.unknownEngine = arguments.unknownEngine;
+  const Parts parts(wanted);
   Site site(place.root, parts.GetPlatform());
   MemorySession session(arguments.session, parts.GetLiveDrillerMaker(), arguments.logon);
   OutputSink sink(arguments.headers);

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <string>
 
+#include "host/parts/parts.h"
 #include "host/parts/setting_error.h"
 #include "kalvo/table_constants.h"
 #include "platform/database.h"
@@ -33,9 +34,10 @@ Options WithLimit(double seconds, std::function<bool()> isWanted) {
 
 }  // namespace
 
-std::unique_ptr<Database> MakeDatabase(std::string_view where, [[maybe_unused]] double secondsPerStatement,
+std::unique_ptr<Database> MakeDatabase(const PartsSettings& settings, [[maybe_unused]] double secondsPerStatement,
                                        [[maybe_unused]] const Locale& locale,
                                        [[maybe_unused]] std::function<bool()> isWanted) {
+  const std::string_view where = settings.database;
   if (where.starts_with(kSqlite) && where.size() > kSqlite.size()) {
 #ifdef KALVO_HAS_SQLITE
     return std::make_unique<sqlite::SqliteDatabase>(
@@ -47,8 +49,9 @@ std::unique_ptr<Database> MakeDatabase(std::string_view where, [[maybe_unused]] 
   }
   if (where == "odbc") {
 #ifdef KALVO_HAS_ODBC
-    return std::make_unique<odbc::OdbcDatabase>(WithLimit<odbc::Options>(secondsPerStatement, std::move(isWanted)),
-                                                locale);
+    auto options = WithLimit<odbc::Options>(secondsPerStatement, std::move(isWanted));
+    options.unknownEngines = settings.unknownEngine;
+    return std::make_unique<odbc::OdbcDatabase>(options, locale);
 #else
     throw SettingError("this build has no adapter for ODBC");
 #endif

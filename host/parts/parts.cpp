@@ -2,7 +2,9 @@
 
 #include "adapters/mail/browser.h"
 #include "host/parts/database_part.h"
+#include "host/parts/database_proof.h"
 #include "host/parts/mail_part.h"
+#include "host/parts/proving_database.h"
 #include "host/parts/ranking_part.h"
 #include "host/parts/setting_error.h"
 #include "platform/append.h"
@@ -25,11 +27,18 @@ LiveDrillerMaker MakerOf(const std::shared_ptr<mail::MailStore>& store) {
   return [store](const std::string& who) { return std::make_shared<mail::Browser>(store, who); };
 }
 
+std::unique_ptr<Database> MadeDatabase(const PartsSettings& settings, const Locale& locale,
+                                       std::function<bool()> isWanted) {
+  auto database = MakeDatabase(settings, settings.timeLimit, locale, std::move(isWanted));
+  if (!settings.proveDatabase) return database;
+  return std::make_unique<ProvingDatabase>(std::move(database), [settings] { return ProveDatabase(settings); });
+}
+
 }  // namespace
 
 Parts::Parts(const PartsSettings& settings, std::function<bool()> isWanted)
     : locale_(LocaleNamed(settings.locale)),
-      database_(MakeDatabase(settings.database, settings.timeLimit, locale_, std::move(isWanted))),
+      database_(MadeDatabase(settings, locale_, std::move(isWanted))),
       ranking_(MakeRanking(*database_, {settings.topNRows, settings.topNOldDays, locale_})),
       platform_{*database_, *ranking_, clock_, locale_},
       mail_(OpenMail(settings.mail)),

@@ -23,6 +23,8 @@ struct PartsSettings {
   double timeLimit = 30;                // seconds that one statement may take
   int topNRows = ranking::kRankedRows;  // how many rows a Top-N has
   int topNOldDays = ranking::kOldDays;  // from how many days on a message is old
+  bool unknownEngine = false;           // whether a database is taken that nothing here keeps from being written
+  bool proveDatabase = false;           // whether the database is proved to read only when it first opens
 };
 
 // The outside of one process. Made once by the command that runs, it owns the parts and hands them down by

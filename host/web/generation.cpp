@@ -2,6 +2,8 @@
 
 #include <strings.h>
 
+#include "host/parts/database_proof.h"
+#include "host/parts/setting_error.h"
 #include "host/web/log.h"
 
 namespace kalvo::web {
@@ -38,11 +40,21 @@ login::GateSettings GateSettingsOf(const Settings& settings, Visitor& visitor) {
   return gate;
 }
 
+// A data source that takes writes or does not stop is refused here. One that cannot be reached, or not be tried, is
+// tried by each worker when it first opens.
+host::PartsSettings Proved(host::PartsSettings parts, const Log& log) {
+  const host::DatabaseProof proof = ProveDatabaseAside(parts);
+  if (const std::string broken = proof.Broken(); !broken.empty()) throw host::SettingError("database: " + broken);
+  if (const std::string untried = proof.NotMade(); !untried.empty()) log.Write("database: not proved yet: " + untried);
+  parts.proveDatabase = !proof.Holds();
+  return parts;
+}
+
 }  // namespace
 
 Generation::Generation(Settings chosen, const Log& log)
     : settings(std::move(chosen)),
-      parts(settings.Parts(), [this] { return visitor.IsThere(); }),
+      parts(Proved(settings.Parts(), log), [this] { return visitor.IsThere(); }),
       site(settings.site, parts.GetPlatform()) {
   if (!settings.users.empty()) gate.emplace(GateSettingsOf(settings, visitor), parts.GetLiveDrillerMaker(), log);
   PrepareAll(site, settings.site, log);

@@ -42,6 +42,9 @@ struct Whole {
   int Settings::*field;
   int least, most;
 };
+struct Flag {
+  bool Settings::*field;
+};
 struct Seconds {
   double Settings::*field;
   double least, most;
@@ -49,7 +52,7 @@ struct Seconds {
 
 struct Rule {
   std::string_view key;
-  std::variant<Word, Path, LogPath, Whole, Seconds> kind;
+  std::variant<Word, Path, LogPath, Whole, Flag, Seconds> kind;
   std::string_view right;  // what would be right, for whoever wrote something else
 };
 
@@ -62,6 +65,7 @@ const Rule kRules[] = {
   {"time_limit",   Seconds{&Settings::timeLimit, 0.1, 3600}, "a number of seconds from 0.1 to 3600"},
   {"memory_limit", Whole{&Settings::memoryLimit, 1, 65536},  "a whole number of MiB from 1 to 65536"},
   {"database",     Word{&Settings::database, IsDatabase},    "\"odbc\" or \"sqlite:FILE\""},
+  {"unknown_engine", Flag{&Settings::unknownEngine},         "true or false"},
   {"mail",         Word{&Settings::mail, IsMail},            "\"maildir:DIR\", \"imap://HOST:PORT\", \"imaps://HOST:PORT\", or \"\" for none"},
   {"locale",       Word{&Settings::locale, IsLocale},        "one of en-US, en-GB, de-DE, fr-FR"},
   {"topn_rows",    Whole{&Settings::topNRows, 1, 10000},     "a whole number from 1 to 10000"},
@@ -137,6 +141,11 @@ struct Take {
     const auto number = entry.Node().value_exact<std::int64_t>();
     if (!number || *number < whole.least || *number > whole.most) entry.Refuse(right);
     settings.*whole.field = static_cast<int>(*number);
+  }
+  void operator()(const Flag& flag) const {
+    const auto chosen = entry.Node().value_exact<bool>();
+    if (!chosen) entry.Refuse(right);
+    settings.*flag.field = *chosen;
   }
   void operator()(const Seconds& seconds) const {
     const auto number = entry.Node().value<double>();

@@ -17,6 +17,7 @@ struct Settings {
   double timeLimit = 30;                  // seconds a page may take
   int memoryLimit = 256;                  // MiB the script of a page may take
   std::string database = "odbc";          // where the data source "KalvoDB" points
+  bool unknownEngine = false;             // takes a database that nothing here keeps from being written
   std::string mail;                       // the mailboxes; "" for none
   std::string locale = "en-US";
   int topNRows = ranking::kRankedRows;  // how many rows a Top-N has
@@ -34,7 +35,9 @@ struct Settings {
   host::NamedTexts session;             // and the session values every visitor has
 
   bool External() const { return web == "external"; }
-  host::PartsSettings Parts() const { return {database, mail, locale, timeLimit, topNRows, topNOldDays}; }
+  host::PartsSettings Parts() const {
+    return {database, mail, locale, timeLimit, topNRows, topNOldDays, unknownEngine, false};
+  }
 };
 
 // Reads a settings file. Relative paths in it start at the file's own folder. Fails with SettingError, which

@@ -27,7 +27,7 @@ Outcome Checked(const std::string& file) {
   const auto ranking = ranking::MakeRanking(database);
   fakes::FakeClock clock;
   std::ostringstream out;
-  const int status = RunCheck({database, *ranking, clock}, {"sqlite:" + file, "a driver"}, out);
+  const int status = RunCheck({database, *ranking, clock}, {"sqlite:" + file, "a driver", {}}, out);
   return {status, out.str()};
 }
 
@@ -116,7 +116,7 @@ class CheckOfAnEngine : public testing::TestWithParam<test::Engine> {};
 
 TEST_P(CheckOfAnEngine, FindsAllReportsWorking) {
   std::ostringstream out;
-  EXPECT_EQ(RunCheck(test::SampleDatabases::Shared().PlatformOf(GetParam()), {"odbc", ""}, out), 0) << out.str();
+  EXPECT_EQ(RunCheck(test::SampleDatabases::Shared().PlatformOf(GetParam()), {"odbc", "", {}}, out), 0) << out.str();
 }
 
 INSTANTIATE_TEST_SUITE_P(Engines, CheckOfAnEngine,
