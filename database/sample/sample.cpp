@@ -23,7 +23,21 @@ constexpr NamedStep kSteps[] = {
     {"messages and rankings", WriteTopN},
 };
 
+constexpr struct {
+  std::string_view name;
+  SampleMail mail;
+} kMails[] = {{"all", SampleMail::All}, {"users", SampleMail::Users}, {"none", SampleMail::None}};
+
 }  // namespace
+
+SampleMail SampleMailFromName(std::string_view name) {
+  for (const auto& row : kMails) {
+    if (row.name == name) return row.mail;
+  }
+  throw Error(codes::kFailed, Built([&](std::string& out) {
+                Append(out, "There is no sample with the mail of \"", name, "\"; it has that of all, users or none.");
+              }));
+}
 
 void WriteSample(const Organization& organization, RowWriter& rows, Progress& progress) {
   SampleRun run{organization, rows, progress};

@@ -13,10 +13,18 @@ enum class SampleSize { Small, Medium, Large };
 // "small", "medium" or "large"; fails with a clear text for any other word.
 SampleSize SampleSizeFromName(std::string_view name);
 
+// Whose mail is made: of some hundreds of the organization's mailboxes too, of the sample's own two users with the
+// public folders alone, or no mail store at all.
+enum class SampleMail { All, Users, None };
+
+// "all", "users" or "none"; fails with a clear text for any other word.
+SampleMail SampleMailFromName(std::string_view name);
+
 struct SampleOptions {
   std::filesystem::path out;  // a folder, made when it is not there; receives kalvo.db
   SampleSize size = SampleSize::Small;
   std::uint64_t seed = 1;
+  SampleMail mail = SampleMail::All;
 };
 
 // Told what is being made, for a user who waits.

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <map>
 #include <set>
 #include <string>
 
@@ -52,8 +53,8 @@ std::string FolderName(std::string_view path) {
 
 class MailWriter {
  public:
-  MailWriter(const Organization& organization, fs::path store)
-      : organization_(organization), store_(std::move(store)) {}
+  MailWriter(const Organization& organization, SampleMail mail, fs::path store)
+      : organization_(organization), mail_(mail), store_(std::move(store)) {}
 
   void Write(Progress& progress) {
     progress.Step("the mail store");
@@ -101,6 +102,7 @@ class MailWriter {
     const std::string alias = Alias(mailbox);
     AppendMailbox(DisplayName(mailbox), server, OwnerAccount(organization_, mailbox), alias,
                   DistinguishedName(organization_, mailbox));
+    if (mail_ != SampleMail::All) return;
     Random random = organization_.RandomFor(alias);
     const std::int64_t most = mailbox.messages == 0 ? 0 : 1 + random.Below(kMostMessages);
     WriteTree(server, alias, random, most, static_cast<std::size_t>(random.Below(4)));
@@ -140,16 +142,16 @@ class MailWriter {
     for (std::int64_t i = 0; i < messages; ++i) {
       const Moment received = organization_.now.Before(random.Below(390), random.Below(86'400));
       const std::string text = MailText(random, recipient, received);
-      WriteMessage(folder, random.OneIn(6), received, text);
+      WriteMessage(folder, ++messagesOf_[tree.string()], random.OneIn(6), received, text);
       last = std::max(last, received);
     }
     SetTime(folder / "cur", last);
     SetTime(folder / "new", last);
   }
 
-  void WriteMessage(const fs::path& folder, bool isNew, Moment received, std::string_view text) {
+  void WriteMessage(const fs::path& folder, std::int64_t number, bool isNew, Moment received, std::string_view text) {
     const std::string name = Built([&](std::string& out) {
-      Append(out, received.seconds, ".M", ++lastMessage_, ".store,S=", text.size(), isNew ? "" : ":2,S");
+      Append(out, received.seconds, ".M", number, ".store,S=", text.size(), isNew ? "" : ":2,S");
     });
     const fs::path file = folder / (isNew ? "new" : "cur") / name;
     WriteFile(file, text);
@@ -164,9 +166,10 @@ class MailWriter {
   }
 
   const Organization& organization_;
+  const SampleMail mail_;
   fs::path store_;
   std::string text_;
-  std::int64_t lastMessage_ = 0;
+  std::map<std::string, std::int64_t> messagesOf_;  // a tree, numbered for itself, whatever others are made
   std::set<std::string> written_;
 };
 
@@ -179,10 +182,12 @@ bool IsSample(const fs::path& store) {
 }  // namespace
 
 void MakeSampleMail(const SampleOptions& options, Progress& progress) {
-  MakeSampleMail(MakeOrganization(options.size, options.seed, progress), options.out, progress);
+  if (options.mail == SampleMail::None) return;
+  MakeSampleMail(MakeOrganization(options.size, options.seed, progress), options.out, options.mail, progress);
 }
 
-void MakeSampleMail(const Organization& organization, const fs::path& out, Progress& progress) {
+void MakeSampleMail(const Organization& organization, const fs::path& out, SampleMail mail, Progress& progress) {
+  if (mail == SampleMail::None) return;
   const fs::path store = out / "mail", fresh = out / "mail.new";
   if (fs::exists(store) && !IsSample(store)) Fail("There is a mail store that is no sample in", store);
   std::error_code failed;
@@ -190,7 +195,7 @@ void MakeSampleMail(const Organization& organization, const fs::path& out, Progr
   fs::create_directories(fresh, failed);
   if (failed) Fail("cannot make the folder", fresh);
   try {
-    MailWriter(organization, fresh).Write(progress);
+    MailWriter(organization, mail, fresh).Write(progress);
     fs::remove_all(store);
     fs::rename(fresh, store);
   } catch (const fs::filesystem_error& error) {

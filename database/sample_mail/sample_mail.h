@@ -15,10 +15,14 @@ namespace kalvo::sample {
 //
 // A store of that name is replaced only when it is a sample too. The same options give the same files, times and
 // identifiers, on every machine: the key of the identifiers comes from the seed. Fails with kalvo::Error.
+//
+// With `SampleMail::Users` the file names the same mailboxes, but those of the organization have no trees; what is
+// made is what `All` makes. With `None` nothing is made.
 void MakeSampleMail(const SampleOptions& options, Progress& progress);
 
 // The same, of an organization that was made before.
-void MakeSampleMail(const Organization& organization, const std::filesystem::path& out, Progress& progress);
+void MakeSampleMail(const Organization& organization, const std::filesystem::path& out, SampleMail mail,
+                    Progress& progress);
 
 // The server that holds the mailboxes of alice and admin.
 const Server& HomeOfSampleUsers(const Organization& organization);

@@ -70,6 +70,10 @@ void AddSample(CLI::App& app, SampleArguments& sample) {
       ->check(CLI::IsMember({"small", "medium", "large"}))
       ->capture_default_str();
   app.add_option("--seed", sample.seed, "the same number makes the same data")->type_name("N")->capture_default_str();
+  app.add_option("--mail", sample.mail,
+                 "whose mail is made: of alice, admin and the public folders alone, or of nobody")
+      ->check(CLI::IsMember({"all", "users", "none"}))
+      ->capture_default_str();
 }
 
 void AddCheck(CLI::App& app, CheckArguments& check) {

@@ -38,6 +38,7 @@ struct SampleArguments {
   std::string out;
   std::string size = "small";
   std::uint64_t seed = 1;
+  std::string mail = "all";
 };
 
 struct CheckArguments {

@@ -9,7 +9,8 @@ namespace kalvo::host {
 
 int RunSample(const SampleArguments& arguments) {
   sample::TextProgress progress(std::cerr);
-  const sample::SampleOptions options{arguments.out, sample::SampleSizeFromName(arguments.size), arguments.seed};
+  const sample::SampleOptions options{arguments.out, sample::SampleSizeFromName(arguments.size), arguments.seed,
+                                      sample::SampleMailFromName(arguments.mail)};
   sample::MakeSample(options, progress);
   sample::MakeSampleMail(options, progress);
   return kDone;

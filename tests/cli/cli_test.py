@@ -204,7 +204,7 @@ class Usage(Command):
 class Check(Command):
     def checked(self, settings):
         """What a check of the sample says, by its first words."""
-        self.assertEqual(self.run_kalvo("sample", "--out", "data").returncode, 0)
+        self.assertEqual(self.run_kalvo("sample", "--out", "data", "--mail", "none").returncode, 0)
         self.write("kalvo.toml", settings)
         done = self.run_kalvo("check", "--config", "kalvo.toml")
         self.assertEqual((done.returncode, done.stderr), (0, b""), done.stdout)
@@ -231,8 +231,9 @@ class Check(Command):
 
 class Sample(Command):
     def test_makes_a_database_that_the_reports_read(self):
-        made = self.run_kalvo("sample", "--out", "data")
+        made = self.run_kalvo("sample", "--out", "data", "--mail", "none")
         self.assertEqual(made.returncode, 0, made.stderr)
+        self.assertEqual(os.listdir(os.path.join(self.folder, "data")), ["kalvo.db"])
         text = ('<% var g = Server.CreateObject("KalvoTables.KalvoforExchangeTableGenerator");'
                 "g.BuildTable(TABLE_CURRENTALERTS); %>")
         html = self.page(text, "--database", "sqlite:data/kalvo.db")

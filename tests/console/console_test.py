@@ -1,4 +1,4 @@
-"""console_test.py KALVO SOURCE: the console's pages over the small sample, as the page runner runs them."""
+"""console_test.py KALVO SOURCE: the console's pages over the small sample, served and as the page runner runs them."""
 
 import concurrent.futures
 import html.parser
@@ -12,6 +12,7 @@ import unittest
 import urllib.parse
 
 import cases
+from serving import Serving
 
 SOURCE = sys.argv.pop()
 KALVO = sys.argv.pop()
@@ -78,8 +79,31 @@ class Console(unittest.TestCase):
                 yield f"{folder}/{name}"
 
 
+SERVED = """workers = {workers}
+database = "sqlite:{sample}/kalvo.db"
+mail = "maildir:{sample}/mail"
+[visitor]
+logon = 'KALVO\\adam.abbott'
+[visitor.session]
+KalvoAdministrator = "Yes"
+KalvoDrillDownAuth = "Yes"
+"""
+
+
 class Crawl(Console):
     """Every link leads to a page that is there, and no page has a failure line."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.server = Serving(KALVO, settings=SERVED.format(workers=os.cpu_count(), sample=Sample.path()), site=CONSOLE)
+        cls.addClassCleanup(cls.server.__exit__, None, None, None)
+        cls.server.start()
+
+    def served(self, page, query):
+        query = urllib.parse.quote(query, safe="%/:?@!$&'()*+,;=-._~")  # what a browser does to an address
+        answer = self.server.get(f"{page}?{query}", timeout=60)
+        self.assertEqual(answer.status, 200, f"{page}?{query}")
+        return answer.text
 
     # What only orders or pages a table; such links are followed once a page and column, not once a scope.
     VIEW = ("Sort", "SortOrder", "First", "PageSize")
@@ -99,7 +123,7 @@ class Crawl(Console):
         return page, scope
 
     def follow(self, page, query):
-        text = self.run_page(page, query)
+        text = self.served(page, query)
         failure = re.search(FAILURE + "[^\\r\\n]*|The table requested is invalid", text)
         self.assertIsNone(failure, f"{page}?{query}")
         links = Links(text)

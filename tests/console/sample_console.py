@@ -16,7 +16,7 @@ class SampleConsole(Serving):
 
     def __init__(self, program):
         super().__init__(program, settings=SETTINGS, site=os.path.normpath(CONSOLE))
-        subprocess.run([program, "sample", "--out", os.path.join(self.folder, "sample"), "--size", "small"], check=True,
+        subprocess.run([program, "sample", "--out", os.path.join(self.folder, "sample"), "--mail", "users"], check=True,
                        stderr=subprocess.DEVNULL)
         for name, rights in USERS.items():
             subprocess.run([program, "passwd", "--users", os.path.join(self.folder, "users"), name, *rights],

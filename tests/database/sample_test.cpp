@@ -94,6 +94,18 @@ TEST(Sample, RefusesASizeThatIsNone) {
   }
 }
 
+TEST(Sample, HasTheMailOfAllOfItsTwoUsersOrOfNobody) {
+  EXPECT_EQ(SampleMailFromName("all"), SampleMail::All);
+  EXPECT_EQ(SampleMailFromName("users"), SampleMail::Users);
+  EXPECT_EQ(SampleMailFromName("none"), SampleMail::None);
+  try {
+    SampleMailFromName("some");
+    FAIL() << "it was taken";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.Description(), "There is no sample with the mail of \"some\"; it has that of all, users or none.");
+  }
+}
+
 TEST(Sample, ReplacesAnEarlierOneAndLeavesNothingElse) {
   test::TemporaryFolder folder;
   test::WriteFile(folder.Path() / "kalvo.db", "not a database");

@@ -41,7 +41,7 @@ void CopyMail(const fs::path& from, const fs::path& to) {
 void MakeSample(const fs::path& folder) {
   setenv("TZ", "UTC", 1);
   sample::SilentProgress quiet;
-  sample::MakeSampleMail({folder, sample::SampleSize::Small, 1}, quiet);
+  sample::MakeSampleMail({folder, sample::SampleSize::Small, 1, sample::SampleMail::Users}, quiet);
 }
 
 }  // namespace

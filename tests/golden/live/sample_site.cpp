@@ -33,7 +33,7 @@ SampleSite::SampleSite() {
   setenv("TZ", "UTC", 1);
   tzset();
   sample::SilentProgress quiet;
-  const sample::SampleOptions options{folder_.Path(), sample::SampleSize::Small, 1};
+  const sample::SampleOptions options{folder_.Path(), sample::SampleSize::Small, 1, sample::SampleMail::Users};
   sample::MakeSample(options, quiet);
   sample::MakeSampleMail(options, quiet);
   parts_ = std::make_unique<host::Parts>(Settings(folder_.Path()));
