@@ -131,8 +131,8 @@ class Serving:
         table = parents()
         return [p for p, parent in table.items() if parent == self.process.pid and program_of(p) == "nginx"]
 
-    def request(self, path, method="GET", body=None, headers=None, timeout=30):
-        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=timeout)
+    def request(self, path, method="GET", body=None, headers=None, timeout=30, source="127.0.0.1"):
+        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=timeout, source_address=(source, 0))
         try:
             connection.request(method, path, body, headers or {})
             answer = connection.getresponse()

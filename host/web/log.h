@@ -15,7 +15,8 @@ class Log {
   Log(const Log&) = delete;
   Log& operator=(const Log&) = delete;
 
-  // Control characters of the text are written as "\xNN".
+  // Characters of the text that are not seen, or change how others are, are written as "\xNN" byte by byte; bytes
+  // that are no text become U+FFFD.
   void Write(std::string_view text) const;
 
   // Opens the file anew, after somebody moved it away.
@@ -27,5 +28,8 @@ class Log {
   std::string file_;
   int descriptor_ = -1;
 };
+
+// A text from outside as a line of the log has it: as much as fits into 200 bytes.
+std::string InLog(std::string_view text);
 
 }  // namespace kalvo::web

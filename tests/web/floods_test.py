@@ -31,9 +31,9 @@ class Console(Serving):
             subprocess.run([KALVO, "passwd", "--users", os.path.join(self.folder, "users"), name],
                            input=PASSWORD + "\n", text=True, capture_output=True, check=True)
 
-    def sign_in(self, name, password=PASSWORD, cookie=""):
+    def sign_in(self, name, password=PASSWORD, cookie="", source="127.0.0.1"):
         form = urllib.parse.urlencode({"Name": name, "Password": password})
-        return self.request("/KalvoforExchange/SignIn.asp", "POST", form, {**FORM, "Cookie": cookie})
+        return self.request("/KalvoforExchange/SignIn.asp", "POST", form, {**FORM, "Cookie": cookie}, source=source)
 
     def cookie(self, name):
         answer = self.sign_in(name)
@@ -81,6 +81,35 @@ class Session(unittest.TestCase):
             self.assertLess(time.monotonic() - begun, 3.5)
             self.assertEqual(status_of(busy), 200)
             self.assertEqual(server.get("good.asp", headers={"Cookie": alice}).status, 302)
+
+
+class WrongSignIns(unittest.TestCase):
+    def test_strangers_do_not_keep_out_who_is_known(self):
+        with Console("workers = 2") as server:
+            cookies = server.sign_in("alice").headers.get_all("Set-Cookie")
+            device = next(cookie for cookie in cookies if cookie.startswith("KalvoDevice=")).split(";")[0]
+            said = [server.sign_in(f"user{number}", "wrong").text for number in range(60)]
+            self.assertTrue(any("wait" in text for text in said[30:]), "the address is slowed")
+            said = [server.sign_in("alice", "wrong").text for _ in range(10)]
+            self.assertTrue(any("wait" in text for text in said), "and the account from there")
+            self.assertEqual(server.sign_in("alice", cookie=device).status, 303)
+            self.assertEqual(server.sign_in("bob", source="127.0.0.2").status, 303)
+            self.assertEqual(server.sign_in("alice", source="127.0.0.2").status, 303)
+
+    def test_a_device_is_no_business_of_pages_or_of_other_hosts(self):
+        with Console("workers = 1") as server:
+            server.write("cookies.asp", '[<%= Request.ServerVariables("HTTP_COOKIE") %>]')
+            cookies = server.sign_in("alice").headers.get_all("Set-Cookie")
+            self.assertEqual(len(cookies), 2)
+            self.assertRegex(cookies[1], r"^KalvoDevice=[0-9a-f]{64}; Path=/KalvoforExchange/SignIn\.asp; "
+                                         r"HttpOnly; SameSite=Strict; Max-Age=2419200$")
+            both = "; ".join(cookie.split(";")[0] for cookie in cookies)
+            self.assertEqual(server.get("cookies.asp", headers={"Cookie": both + "; own=1"}).text, "[own=1]")
+
+    def test_endless_names_do_not_fill_the_log(self):
+        with Console("workers = 1") as server:
+            server.sign_in("n" * 7000, "wrong")
+            self.assertLess(max(map(len, server.log().splitlines())), 400)
 
 
 class Gone(unittest.TestCase):

@@ -13,9 +13,13 @@
 namespace kalvo::web::login {
 namespace {
 
-constexpr std::string_view kCookie = "KalvoSession";
-// Where the connection is encrypted: no other host of the domain, and nobody on a plain connection, can set it.
-constexpr std::string_view kSecureCookie = "__Host-KalvoSession";
+// Where the connection is encrypted, no other host of the domain and nobody on a plain connection can set them.
+struct Cookie {
+  std::string_view plain, encrypted;
+};
+constexpr Cookie kSession{"KalvoSession", "__Host-KalvoSession"};
+constexpr Cookie kDevice{"KalvoDevice", "__Host-KalvoDevice"};  // by which a browser is known at the next sign-in
+constexpr int kDeviceSeconds = 4 * 7 * 24 * 60 * 60;
 constexpr std::size_t kMostCookies = 8;              // of that name that are looked at
 constexpr std::string_view kSignIn = "/SignIn.asp";  // below the site's root
 constexpr std::string_view kSignOut = "/SignOut.asp";
@@ -29,15 +33,33 @@ std::string_view VariableOf(const host::PageRequest& request, std::string_view n
 
 bool IsEncrypted(const host::PageRequest& request) { return EqualsIgnoringCase(VariableOf(request, "HTTPS"), "on"); }
 
+std::string_view NameOf(const Cookie& cookie, const host::PageRequest& request) {
+  return IsEncrypted(request) ? cookie.encrypted : cookie.plain;
+}
+
+bool IsOwn(std::string_view name) {
+  const auto is = [name](std::string_view own) { return EqualsIgnoringCase(name, own); };
+  return is(kSession.plain) || is(kSession.encrypted) || is(kDevice.plain) || is(kDevice.encrypted);
+}
+
 // The sessions that the browser names. There may be several: a neighbour in the same domain can set a cookie of that
 // name too, and it must not stand before the right one.
 std::vector<std::string> SessionIdsOf(const host::PageRequest& request) {
   const host::NamedValues cookies = host::NamedValues::FromCookies(request.cookies);
   std::vector<std::string> ids;
-  for (const std::string& value : cookies.Of(IsEncrypted(request) ? kSecureCookie : kCookie)) {
+  for (const std::string& value : cookies.Of(NameOf(kSession, request))) {
     if (IsToken(value) && ids.size() < kMostCookies) ids.push_back(value);
   }
   return ids;
+}
+
+// What the browser was given at its last sign-in; "" when it shows nothing like that.
+std::string DeviceOf(const host::PageRequest& request) {
+  const host::NamedValues cookies = host::NamedValues::FromCookies(request.cookies);
+  for (const std::string& value : cookies.Of(NameOf(kDevice, request))) {
+    if (IsToken(value)) return value;
+  }
+  return "";
 }
 
 std::string_view Trimmed(std::string_view text) {
@@ -52,7 +74,7 @@ std::string WithoutSessionCookie(std::string_view header) {
     const std::string_view cookie = Trimmed(header.substr(0, end));
     header.remove_prefix(std::min(end + 1, header.size()));
     const std::string_view name = cookie.substr(0, cookie.find('='));
-    if (EqualsIgnoringCase(name, kCookie) || EqualsIgnoringCase(name, kSecureCookie)) continue;
+    if (IsOwn(name)) continue;
     Append(kept, kept.empty() ? "" : "; ", cookie);
   }
   return kept;
@@ -65,14 +87,21 @@ void HideSession(host::PageRequest& request) {
   }
 }
 
-std::string CookieOf(const host::PageRequest& request, std::string_view id) {
+std::string CookieOf(const host::PageRequest& request, const Cookie& cookie, std::string_view value,
+                     std::string_view path) {
   const bool encrypted = IsEncrypted(request);
-  std::string cookie;
-  Append(cookie, encrypted ? kSecureCookie : kCookie, '=', id, "; Path=", encrypted ? "/" : kConsole,
-         "; HttpOnly; SameSite=Strict");
-  if (id.empty()) Append(cookie, "; Max-Age=0");
-  if (encrypted) Append(cookie, "; Secure");
-  return cookie;
+  return Built([&](std::string& out) {
+    Append(out, NameOf(cookie, request), '=', value, "; Path=", encrypted ? "/" : path, "; HttpOnly; SameSite=Strict");
+    if (encrypted) Append(out, "; Secure");
+  });
+}
+
+std::string SessionCookie(const host::PageRequest& request, std::string_view id) {
+  return CookieOf(request, kSession, id, kConsole) + (id.empty() ? "; Max-Age=0" : "");
+}
+
+std::string DeviceCookie(const host::PageRequest& request, std::string_view device) {
+  return CookieOf(request, kDevice, device, kSignInPage) + "; Max-Age=" + std::to_string(kDeviceSeconds);
 }
 
 Answer GoTo(int status, std::string_view reason, std::string address) {
@@ -119,16 +148,17 @@ Gate::Gate(const GateSettings& settings, const host::LiveDrillerMaker& makeDrill
 
 std::variant<Admission, Answer> Gate::Admit(std::string_view page, host::PageRequest& request) {
   const std::vector<std::string> ids = SessionIdsOf(request);
+  const std::string device = DeviceOf(request);
   HideSession(request);
   if (page == kSignIn) {
-    if (request.method == "POST") return SignIn(request, ids);
+    if (request.method == "POST") return SignIn(request, ids, device);
     return SignInPage("");
   }
   if (page == kSignOut) {
     if (request.method != "POST") return SeeOther(std::string(kConsole));
     for (const std::string& id : ids) sessions_.EndOne(id);
     Answer answer = SeeOther(std::string(kSignInPage));
-    answer.head.headers.emplace_back("Set-Cookie", CookieOf(request, ""));
+    answer.head.headers.emplace_back("Set-Cookie", SessionCookie(request, ""));
     return answer;
   }
   auto session = SessionOf(ids);
@@ -143,7 +173,8 @@ std::variant<Admission, Answer> Gate::Admit(std::string_view page, host::PageReq
   return admission;
 }
 
-std::variant<Admission, Answer> Gate::SignIn(host::PageRequest& request, const std::vector<std::string>& oldSessions) {
+std::variant<Admission, Answer> Gate::SignIn(host::PageRequest& request, const std::vector<std::string>& oldSessions,
+                                             std::string_view device) {
   if (CameFromElsewhere(request)) return Refusal(403, "Forbidden");
   if (request.form.size() > kLargestSignIn) return Refusal(413, "Content Too Large");
   const std::string name = Field(request.form, "Name"), password = Field(request.form, "Password"),
@@ -157,23 +188,32 @@ std::variant<Admission, Answer> Gate::SignIn(host::PageRequest& request, const s
   request.queryString = IsOfThisConsole(back) ? SignInAddress(back, "").substr(kSignInPage.size()) : "";
   if (request.queryString.starts_with('?')) request.queryString.erase(0, 1);
 
-  if (const std::int64_t wait = throttle_.Begin(counted, address); wait > 0) {
-    return SignInPage("wait " + std::to_string(wait));
-  }
-  const std::optional<User> user = Checked(account, password);
-  if (!user) {
-    log_.Write("sign-in refused: " + counted + " from " + address);
-    return SignInPage("wrong");
-  }
-  throttle_.Succeeded(counted, address);
   try {
-    Answer answer = SeeOther(IsOfThisConsole(back) ? back : std::string(kConsole));
-    answer.head.headers.emplace_back("Set-Cookie", CookieOf(request, sessions_.Create(*user, oldSessions)));
-    return answer;
-  } catch (const SessionNotKept& error) {
-    log_.Write(std::string("nobody can sign in, a session cannot be kept: ") + error.what());
+    if (const std::int64_t wait = throttle_.Begin(counted, address, device); wait > 0) {
+      return SignInPage("wait " + std::to_string(wait));
+    }
+    const std::optional<User> user = Checked(account, password);
+    if (!user) {
+      log_.Write("sign-in refused: " + InLog(counted) + " from " + address);
+      return SignInPage("wrong");
+    }
+    throttle_.Succeeded(counted, address, device);
+    return Welcome(*user, request, back, oldSessions);
+  } catch (const NotKept& error) {
+    log_.Write(std::string("nobody can sign in: ") + error.what());
     return SignInPage("full");
   }
+}
+
+// The browser has a device of its own from each sign-in: one that somebody planted in it is never known.
+Answer Gate::Welcome(const User& user, const host::PageRequest& request, const std::string& back,
+                     const std::vector<std::string>& oldSessions) {
+  const std::string session = sessions_.Create(user, oldSessions), device = NewToken();
+  throttle_.Remember(user.account, VariableOf(request, "REMOTE_ADDR"), device);
+  Answer answer = SeeOther(IsOfThisConsole(back) ? back : std::string(kConsole));
+  answer.head.headers.emplace_back("Set-Cookie", SessionCookie(request, session));
+  answer.head.headers.emplace_back("Set-Cookie", DeviceCookie(request, device));
+  return answer;
 }
 
 Admission Gate::SignInPage(std::string why) const {

@@ -55,7 +55,10 @@ class Gate {
   std::variant<Admission, Answer> Admit(std::string_view page, host::PageRequest& request);
 
  private:
-  std::variant<Admission, Answer> SignIn(host::PageRequest& request, const std::vector<std::string>& oldSessions);
+  std::variant<Admission, Answer> SignIn(host::PageRequest& request, const std::vector<std::string>& oldSessions,
+                                         std::string_view device);
+  Answer Welcome(const User& user, const host::PageRequest& request, const std::string& back,
+                 const std::vector<std::string>& oldSessions);
   Admission SignInPage(std::string why) const;
   std::optional<User> Checked(const std::optional<std::string>& account, std::string_view password) const;
   std::unique_ptr<FileSession> SessionOf(const std::vector<std::string>& ids);

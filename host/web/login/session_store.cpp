@@ -215,7 +215,7 @@ std::string SessionStore::Create(const User& user, const std::vector<std::string
   const std::string id = NewToken();
   const fs::path path = PathOf(id);
   const int file = open(path.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
-  if (file < 0) throw SessionNotKept(path.string() + ": " + std::strerror(errno));
+  if (file < 0) throw NotKept(path.string() + ": " + std::strerror(errno));
   {
     FileSession session(file, path, makeDriller_, log_);
     session.account_ = user.account;
@@ -226,7 +226,7 @@ std::string SessionStore::Create(const User& user, const std::vector<std::string
     }
     if (!WriteWhole(file, session.Content())) {
       session.Abandon();
-      throw SessionNotKept(path.string() + ": " + std::strerror(errno));
+      throw NotKept(path.string() + ": " + std::strerror(errno));
     }
   }
   for (const std::string& old : replaced) EndOne(old);

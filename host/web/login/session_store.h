@@ -6,11 +6,11 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "host/parts/memory_session.h"
+#include "host/web/login/private_folder.h"
 #include "host/web/login/session_values.h"
 #include "host/web/login/users.h"
 #include "host/web/login/waiting_room.h"
@@ -75,12 +75,6 @@ class FileSession : public host::PageSession {
 // Thrown when another page of the session kept it longer than somebody would wait, or nobody more may wait.
 struct SessionBusy {};
 
-// Thrown when a session cannot be written, with the reason: nobody signs in then.
-class SessionNotKept : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
 // Sessions as files of one private folder, shared by all processes that serve the site. A file is named after its
 // session's fingerprint: who reads the folder's names can take over none of them.
 class SessionStore {
@@ -91,7 +85,7 @@ class SessionStore {
 
   // Begins a session for a user, with her rights as session values, and answers its identifier: one that nobody
   // had before. Drops what has expired, the sessions that it replaces, and of her sessions the oldest when there are
-  // too many. Throws SessionNotKept, and the others are unharmed then.
+  // too many. Throws NotKept, and the others are unharmed then.
   std::string Create(const User& user, const std::vector<std::string>& replaced = {});
 
   // The session, held; null when there is none or it has expired. Any text may be asked for. Throws SessionBusy.

@@ -290,7 +290,7 @@ TEST_F(Sessions, AreRefusedOnAFullDiskAndNotHandedOutEmpty) {
   SessionStore store = Store();
   for (const rlim_t bytes : {rlim_t{0}, rlim_t{20}}) {
     const FullDisk full(bytes);
-    EXPECT_THROW(store.Create(kAlice), SessionNotKept);
+    EXPECT_THROW(store.Create(kAlice), NotKept);
   }
   EXPECT_EQ(Files(), 0u);
 }
