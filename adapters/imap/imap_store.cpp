@@ -43,7 +43,7 @@ void Replace(std::string& text, std::string_view what, std::string_view with) {
 
 // The last name of a folder, as people write it.
 std::string LeafName(std::string_view folder, char separator) {
-  if (EqualsIgnoringCase(folder, "INBOX")) return "Inbox";
+  if (EqualsIgnoringAsciiCase(folder, "INBOX")) return "Inbox";
   const auto end = separator == 0 ? folder.npos : folder.rfind(separator);
   return mail::FromModifiedUtf7(end == folder.npos ? folder : folder.substr(end + 1));
 }
@@ -119,7 +119,7 @@ std::vector<Folder> ImapStore::Below(const mail::Tree& tree, Connection& connect
     for (auto& inbox : connection.List("INBOX", "")) listed.push_back(std::move(inbox));
   }
   const auto belongs = [&](const Folder& found) {
-    const bool isInbox = EqualsIgnoringCase(found.name, "INBOX");
+    const bool isInbox = EqualsIgnoringAsciiCase(found.name, "INBOX");
     std::string_view leaf = found.name;
     if (!isInbox || leaf.starts_with(prefix)) leaf.remove_prefix(prefix.size());
     if (leaf.empty() || !CanBeSent(leaf) || (separator != 0 && leaf.find(separator) != leaf.npos)) return false;

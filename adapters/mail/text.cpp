@@ -82,7 +82,7 @@ std::string SenderText(std::string_view name, std::string_view address) {
 }
 
 bool IsAttachment(std::string_view type, std::string_view disposition, bool hasFileName) {
-  return hasFileName || EqualsIgnoringCase(disposition, "attachment") || !EqualsIgnoringCase(type, "text");
+  return hasFileName || EqualsIgnoringAsciiCase(disposition, "attachment") || !EqualsIgnoringAsciiCase(type, "text");
 }
 
 std::string AttachmentName(std::string_view fileName, std::string_view type, std::string_view subtype) {

@@ -35,7 +35,7 @@ void Keep(std::string_view field, Head& head) {
   std::string_view name = field.substr(0, colon);
   while (!name.empty() && IsBlank(name.back())) name.remove_suffix(1);
   for (const auto& each : kFields) {
-    if (EqualsIgnoringCase(each.name, name) && (head.*each.field).data() == nullptr) {
+    if (EqualsIgnoringAsciiCase(each.name, name) && (head.*each.field).data() == nullptr) {
       head.*each.field = field.substr(colon + 1);
     }
   }

@@ -64,7 +64,7 @@ std::string ConfiguredValue(const std::string& section, const char* key, const c
 // The driver of a data source: the name of its section, and its library.
 std::string DriverOf(const std::string& dataSource) {
   const std::string driver = ConfiguredValue(dataSource, "Driver", "odbc.ini");
-  return ToLower(driver + " " + (driver.empty() ? "" : ConfiguredValue(driver, "Driver", "odbcinst.ini")));
+  return ToLowerAscii(driver + " " + (driver.empty() ? "" : ConfiguredValue(driver, "Driver", "odbcinst.ini")));
 }
 
 std::string ConnectionString(std::string_view dataSource) {
@@ -117,7 +117,7 @@ std::string Session::Info(SQLUSMALLINT what) const {
 }
 
 Engine Session::FindEngine() const {
-  const std::string lower = ToLower(Info(SQL_DBMS_NAME));
+  const std::string lower = ToLowerAscii(Info(SQL_DBMS_NAME));
   for (const auto& row : kEngines) {
     if (lower.find(row.part) != lower.npos) return row.engine;
   }

@@ -49,7 +49,7 @@ bool IsName(const Token& token) {
 
 // Nothing for a token that is no name.
 std::string NameOf(const Token& token) {
-  if (token.kind == TokenKind::Word) return ToLower(token.text);
+  if (token.kind == TokenKind::Word) return ToLowerAscii(token.text);
   return token.kind == TokenKind::QuotedName ? std::string(token.text.substr(1, token.text.size() - 2)) : "";
 }
 

@@ -104,7 +104,7 @@ std::string_view PlaceholderAt(std::string_view text) {
 }
 
 bool IsKeyword(const Token& token, std::string_view keyword) {
-  return token.kind == TokenKind::Word && EqualsIgnoringCase(token.text, keyword);
+  return token.kind == TokenKind::Word && EqualsIgnoringAsciiCase(token.text, keyword);
 }
 
 }  // namespace kalvo::sql

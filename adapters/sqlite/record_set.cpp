@@ -47,7 +47,7 @@ void SqliteRecordSet::Close() {
 SqliteRecordSet::DateRule SqliteRecordSet::DateRuleOf(int column) const {
   const char* declared = sqlite3_column_decltype(statement_.get(), column);
   if (!declared) return DateRule::ExactForm;
-  const std::string type = ToLower(declared);
+  const std::string type = ToLowerAscii(declared);
   return type.starts_with("date") || type.starts_with("timestamp") ? DateRule::AnyIsoForm : DateRule::Never;
 }
 

@@ -122,10 +122,10 @@ std::string Signature(const Member& member) {
 std::span<const ClassBinding> Classes() { return kClasses; }
 
 const ClassBinding* FindPublicClass(std::string_view name) {
-  if (!EqualsIgnoringCase(name.substr(0, kClassPrefix.size()), kClassPrefix)) return nullptr;
+  if (!EqualsIgnoringAsciiCase(name.substr(0, kClassPrefix.size()), kClassPrefix)) return nullptr;
   name.remove_prefix(kClassPrefix.size());
   for (const ClassBinding& binding : kClasses) {
-    if (binding.make != nullptr && EqualsIgnoringCase(binding.name, name)) return &binding;
+    if (binding.make != nullptr && EqualsIgnoringAsciiCase(binding.name, name)) return &binding;
   }
   return nullptr;
 }

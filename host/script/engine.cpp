@@ -8,6 +8,7 @@
 #include <cstdlib>
 
 #include "host/script/text.h"
+#include "platform/utf8.h"
 
 namespace kalvo::host {
 

@@ -20,7 +20,7 @@ std::string_view Trimmed(std::string_view text) {
 
 // Takes a word off the front of a text, in any case.
 bool Takes(std::string_view& text, std::string_view word) {
-  if (!EqualsIgnoringCase(text.substr(0, word.size()), word)) return false;
+  if (!EqualsIgnoringAsciiCase(text.substr(0, word.size()), word)) return false;
   text.remove_prefix(word.size());
   return true;
 }
@@ -99,7 +99,7 @@ class Parser {
     const std::size_t end = file.text.find("%>", start);
     if (end == std::string::npos) Fail(file, line, "the block \"<%@\" does not end with \"%>\"");
     const std::string_view directive = Take(file, end + 2 - start);
-    CheckLanguage(file, line, ToLower(directive));
+    CheckLanguage(file, line, ToLowerAscii(directive));
     if (open_.size() == 1) TakeDirective(file, line, directive);
     const std::size_t rest = file.text.find_first_not_of(" \t", file.at);
     if (rest == std::string::npos) return;

@@ -98,14 +98,14 @@ void ResponseObject::AddHeader(std::string_view name, std::string_view value) {
   RequireHead();
   if (!IsToken(name)) throw Error(codes::kFailed, "A header's name holds letters, digits and hyphens");
   RequireHeaderText(value);
-  if (EqualsIgnoringCase(name, "Content-Type")) return SetContentType(value);
+  if (EqualsIgnoringAsciiCase(name, "Content-Type")) return SetContentType(value);
   head_.headers.emplace_back(name, value);
 }
 
 PageHead ResponseObject::Head() const {
   PageHead head = head_;
   head.contentType = contentType_;
-  const std::string lower = ToLower(contentType_);
+  const std::string lower = ToLowerAscii(contentType_);
   if (lower.starts_with("text/") && lower.find("charset") == std::string::npos) head.contentType += "; charset=utf-8";
   return head;
 }

@@ -13,9 +13,6 @@ std::string WellFormed(std::string_view bytes);
 void AppendForEngine(std::string& out, std::string_view utf8);
 void AppendFromEngine(std::string& out, std::string_view cesu8);
 
-// True for text that is the same in both forms and well formed.
-bool IsAscii(std::string_view text);
-
 // A query string's or a form's text: "+" is a blank, "%XX" a byte; a "%" without two digits stands for itself.
 std::string UrlDecoded(std::string_view text);
 

@@ -34,7 +34,7 @@ void TakeParameter(FastCgiRequest& taken, Body& body, std::string_view name, std
     std::from_chars(value.data(), value.data() + value.size(), body.length);
     keep();
   } else if (name == "CONTENT_TYPE") {
-    body.type = ToLower(value.substr(0, value.find(';')));
+    body.type = ToLowerAscii(value.substr(0, value.find(';')));
     keep();
   } else {
     if (name == "HTTP_COOKIE") taken.request.cookies = value;

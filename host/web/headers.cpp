@@ -62,7 +62,7 @@ std::string ContentPolicy(const host::PageDirective& directive) {
 void AddHeaders(host::PageHead& head, std::string policy) {
   head.headers.emplace_back(kPolicy, std::move(policy));
   const bool says = std::any_of(head.headers.begin(), head.headers.end(),
-                                [](const auto& header) { return EqualsIgnoringCase(header.first, kKeeping); });
+                                [](const auto& header) { return EqualsIgnoringAsciiCase(header.first, kKeeping); });
   if (!says) head.headers.emplace_back(kKeeping, kKeptByNobody);
 }
 

@@ -16,7 +16,7 @@ namespace {
 std::string Hexadecimal(std::int32_t number) {
   char digits[8];
   const auto end = std::to_chars(digits, digits + sizeof digits, static_cast<std::uint32_t>(number), 16).ptr;
-  return ToUpper({digits, static_cast<std::size_t>(end - digits)});
+  return ToUpperAscii({digits, static_cast<std::size_t>(end - digits)});
 }
 
 }  // namespace
@@ -42,12 +42,12 @@ bool Context::Failure(std::string_view szDescription) const {
 }
 
 bool Context::bDebug(std::string_view szDebugType) const {
+  const std::string type = ToUpper(szDebugType);
   const std::int32_t n = PageRequest().QueryCount("Debug");
   bool debug = false;
   for (std::int32_t i = 1; i <= n; ++i) {
-    const std::string value = PageRequest().QueryItem("Debug", i);
-    debug = debug || EqualsIgnoringCase(value, szDebugType) || EqualsIgnoringCase(value, "ALL") ||
-            EqualsIgnoringCase(value, "TRUE");
+    const std::string value = ToUpper(PageRequest().QueryItem("Debug", i));
+    debug = debug || value == type || value == "ALL" || value == "TRUE";
   }
   return debug;
 }

@@ -12,14 +12,23 @@ namespace {
 constexpr std::size_t kFewestSlots = 16;
 constexpr std::int32_t kFree = -1;
 
-// FNV-1a over the name in lower case.
-std::size_t Hash(std::string_view name) {
+// FNV-1a over the name with its ASCII letters in lower case. `seen` gets every bit of it.
+std::size_t AsciiHash(std::string_view name, unsigned& seen) {
   std::uint64_t hash = 14695981039346656037u;
   for (const char c : name) {
-    const bool upper = c >= 'A' && c <= 'Z';
-    hash = (hash ^ static_cast<unsigned char>(upper ? c + ('a' - 'A') : c)) * 1099511628211u;
+    const auto byte = static_cast<unsigned char>(c);
+    const bool upper = byte >= 'A' && byte <= 'Z';
+    hash = (hash ^ (upper ? byte + ('a' - 'A') : byte)) * 1099511628211u;
+    seen |= byte;
   }
   return static_cast<std::size_t>(hash ^ (hash >> 32));
+}
+
+// The same for names that are equal without regard to case.
+std::size_t Hash(std::string_view name) {
+  unsigned seen = 0;
+  const std::size_t hash = AsciiHash(name, seen);
+  return seen < 0x80 ? hash : AsciiHash(ToLower(name), seen);
 }
 
 }  // namespace

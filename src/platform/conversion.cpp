@@ -1,18 +1,9 @@
 #include "platform/conversion.h"
 
-#include <algorithm>
-
 #include "platform/append.h"
 #include "platform/error.h"
 
 namespace kalvo {
-
-namespace {
-
-char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-
-}  // namespace
 
 void AppendText(std::string& out, const Value& value, const Locale& locale) {
   struct Writer {
@@ -34,22 +25,6 @@ void AppendText(std::string& out, const Value& value, const Locale& locale) {
 
 std::string ToText(const Value& value, const Locale& locale) {
   return Built([&](std::string& out) { AppendText(out, value, locale); });
-}
-
-std::string ToLower(std::string_view text) {
-  std::string lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(), Lower);
-  return lower;
-}
-
-std::string ToUpper(std::string_view text) {
-  std::string upper(text);
-  std::transform(upper.begin(), upper.end(), upper.begin(), Upper);
-  return upper;
-}
-
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return Lower(x) == Lower(y); });
 }
 
 }  // namespace kalvo

@@ -70,9 +70,15 @@ int YearOf(Date date);
 
 // ---- case -----------------------------------------------------------------------------------------------
 
-// Lower and upper case of ASCII letters; every other byte is kept.
+// Names and words of people: each character by its simple mapping, whatever the locale. What has none is kept, as are
+// bytes that are no UTF-8. Texts are equal without regard to case when they are in lower case.
 std::string ToLower(std::string_view text);
 std::string ToUpper(std::string_view text);
 bool EqualsIgnoringCase(std::string_view a, std::string_view b);
+
+// Words of a protocol, a language or a format: ASCII letters alone.
+std::string ToLowerAscii(std::string_view text);
+std::string ToUpperAscii(std::string_view text);
+bool EqualsIgnoringAsciiCase(std::string_view a, std::string_view b);
 
 }  // namespace kalvo

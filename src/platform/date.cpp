@@ -147,8 +147,8 @@ class DateReader {
     Skip(' ');
     if (text_.empty()) return;
     const auto half = text_.substr(0, 2);
-    const bool morning = EqualsIgnoringCase(half, "AM");
-    if ((!morning && !EqualsIgnoringCase(half, "PM")) || hour_ < 1 || hour_ > 12) return void(Fail());
+    const bool morning = EqualsIgnoringAsciiCase(half, "AM");
+    if ((!morning && !EqualsIgnoringAsciiCase(half, "PM")) || hour_ < 1 || hour_ > 12) return void(Fail());
     hour_ = hour_ % 12 + (morning ? 0 : 12);
     text_.remove_prefix(2);
   }

@@ -125,7 +125,10 @@ double ToDouble(const Value& value) {
     double operator()(std::int32_t number) const { return number; }
     double operator()(std::int64_t number) const { return static_cast<double>(number); }
     double operator()(double number) const { return number; }
-    double operator()(const Date& date) const { return date.serial; }
+    double operator()(const Date& date) const {
+      if (!std::isfinite(date.serial)) throw TypeMismatch();
+      return date.serial;
+    }
     double operator()(const std::string& text) const { return NumberOf(text); }
     double operator()(const Bytes&) const { throw TypeMismatch(); }
     double operator()(const std::shared_ptr<Object>&) const { throw MemberNotSupported(); }
@@ -143,8 +146,8 @@ bool ToBoolean(const Value& value) {
   if (IsNull(value)) return false;
   if (const auto* truth = std::get_if<bool>(&value)) return *truth;
   if (const auto* text = std::get_if<std::string>(&value)) {
-    if (EqualsIgnoringCase(*text, "True")) return true;
-    if (EqualsIgnoringCase(*text, "False")) return false;
+    if (EqualsIgnoringAsciiCase(*text, "True")) return true;
+    if (EqualsIgnoringAsciiCase(*text, "False")) return false;
   }
   return ToDouble(value) != 0;
 }

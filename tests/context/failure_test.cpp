@@ -92,6 +92,15 @@ TEST(Debug, IsSwitchedOnByTypeOrForAll) {
   }
 }
 
+TEST(Debug, TypesAreComparedInUpperCase) {
+  PageFixture page("Debug=gr\u00F6\u00DFe&Debug=\u03C9");
+  EXPECT_TRUE(page.context->bDebug("GR\u00D6\u00DFE"));
+  EXPECT_TRUE(page.context->bDebug("\u03A9"));
+  EXPECT_FALSE(page.context->bDebug("GROSSE"));
+  EXPECT_TRUE(PageFixture("Debug=Cla\u017F\u017F").context->bDebug("CLASS")) << "the capital of a long s is S";
+  EXPECT_TRUE(PageFixture("Debug=tr\u00FCE&Debug=trUE").context->bDebug("x"));
+}
+
 TEST(Debug, IsReadFromTheQueryStringAlone) {
   PageFixture page("", "Debug=All");
   page.page->session->values["Debug"] = std::string("All");

@@ -53,6 +53,14 @@ TEST(Permissions, AnOwnerMayDrillDownWhateverTheCaseOfTheName) {
   page.live->owner = "domain\\alice";
   EXPECT_TRUE(page.context->DrillDownPermission("S", "M"));
   EXPECT_EQ(page.live->steps.done, (std::vector<std::string>{"MailboxOwner(S, M)"}));
+  page.page->request->variables["LOGON_USER"] = "DOM\\\u00C4RZTE";
+  page.live->owner = "dom\\\u00E4rzte";
+  EXPECT_TRUE(page.context->DrillDownPermission("S", "M"));
+  page.live->owner = "dom\\arzte";
+  EXPECT_FALSE(page.context->DrillDownPermission("S", "M"));
+  page.page->request->variables["LOGON_USER"] = "domain\\bos\u017F";
+  page.live->owner = "domain\\boss";
+  EXPECT_FALSE(page.context->DrillDownPermission("S", "M")) << "a long s is no s";
   page.live->owner = "domain\\bob";
   EXPECT_FALSE(page.context->DrillDownPermission("S", "M"));
   EXPECT_EQ(page.Text(), "") << "a refusal is the caller's to tell";

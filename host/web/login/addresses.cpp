@@ -27,14 +27,15 @@ bool IsOfThisConsole(std::string_view address) {
   if (!address.starts_with(kConsole) || address.size() > kLongestAddress) return false;
   if (!std::all_of(address.begin(), address.end(), IsAddressCharacter)) return false;
   const std::string_view path = address.substr(0, address.find_first_of("?#"));
-  return StaysBelow(path) && !EqualsIgnoringCase(path, kSignInPage) && !EqualsIgnoringCase(path, kSignOutPage);
+  return StaysBelow(path) && !EqualsIgnoringAsciiCase(path, kSignInPage) &&
+         !EqualsIgnoringAsciiCase(path, kSignOutPage);
 }
 
 std::string SignInAddress(std::string_view path, std::string_view query) {
   std::string address(path);
   if (!query.empty()) address.append("?").append(query);
   std::string signIn(kSignInPage);
-  if (IsOfThisConsole(address) && !EqualsIgnoringCase(address, kStartPage)) {
+  if (IsOfThisConsole(address) && !EqualsIgnoringAsciiCase(address, kStartPage)) {
     signIn += "?Return=";
     host::AppendUrlEncoded(signIn, address);
   }

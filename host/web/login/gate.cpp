@@ -31,7 +31,9 @@ std::string_view VariableOf(const host::PageRequest& request, std::string_view n
   return "";
 }
 
-bool IsEncrypted(const host::PageRequest& request) { return EqualsIgnoringCase(VariableOf(request, "HTTPS"), "on"); }
+bool IsEncrypted(const host::PageRequest& request) {
+  return EqualsIgnoringAsciiCase(VariableOf(request, "HTTPS"), "on");
+}
 
 std::string_view NameOf(const Cookie& cookie, const host::PageRequest& request) {
   return IsEncrypted(request) ? cookie.encrypted : cookie.plain;
@@ -129,7 +131,7 @@ bool CameFromElsewhere(const host::PageRequest& request) {
   if (origin.empty()) return false;
   const std::size_t host = origin.find("://");
   return host == std::string_view::npos ||
-         !EqualsIgnoringCase(origin.substr(host + 3), VariableOf(request, "HTTP_HOST"));
+         !EqualsIgnoringAsciiCase(origin.substr(host + 3), VariableOf(request, "HTTP_HOST"));
 }
 
 std::string Field(std::string_view form, std::string_view name) { return host::FirstValue(form, name).value_or(""); }

@@ -1,0 +1,69 @@
+#include "platform/utf8.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/append.h"
+
+namespace kalvo {
+namespace {
+
+TEST(Utf8, IsReadCharacterByCharacter) {
+  const struct {
+    const char* why;
+    std::string_view text;
+    char32_t code;
+    std::size_t length;
+  } kCases[] = {
+      {"one byte", "aA", 'a', 1},
+      {"two bytes, the first of them", "\xC2\x80", 0x80, 2},
+      {"two bytes, the last of them", "\xDF\xBF", 0x7FF, 2},
+      {"three bytes, the first of them", "\xE0\xA0\x80", 0x800, 3},
+      {"three bytes", "\xE2\x82\xAC", 0x20AC, 3},
+      {"before the surrogates", "\xED\x9F\xBF", 0xD7FF, 3},
+      {"behind the surrogates", "\xEE\x80\x80", 0xE000, 3},
+      {"three bytes, the last of them", "\xEF\xBF\xBF", 0xFFFF, 3},
+      {"four bytes, the first of them", "\xF0\x90\x80\x80", 0x10000, 4},
+      {"four bytes", "\xF1\x80\x80\x80", 0x40000, 4},
+      {"the last of all", "\xF4\x8F\xBF\xBF", 0x10FFFF, 4},
+      {"a byte that only continues", "\x80", 0xFFFD, 1},
+      {"a first byte that is never one", "\xC1\x81", 0xFFFD, 1},
+      {"a first byte beyond all", "\xF5\x80\x80\x80", 0xFFFD, 1},
+      {"too long for its code", "\xE0\x9F\xBF", 0xFFFD, 1},
+      {"too long for its code, four bytes", "\xF0\x8F\xBF\xBF", 0xFFFD, 1},
+      {"a surrogate", "\xED\xA0\x80", 0xFFFD, 1},
+      {"beyond the last", "\xF4\x90\x80\x80", 0xFFFD, 1},
+      {"an end too early", "\xE2\x82", 0xFFFD, 2},
+      {"an end after the first byte", "\xE2", 0xFFFD, 1},
+      {"another character inside", "\xF0\x90\x80z", 0xFFFD, 3},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    const Character character = CharacterAt(c.text, 0);
+    EXPECT_EQ(character.code, c.code);
+    EXPECT_EQ(character.length, c.length);
+  }
+}
+
+TEST(Utf8, OfUnitsHasSurrogatesAndNothingLonger) {
+  EXPECT_EQ(CharacterAt("\xED\xA0\x80", 0, Encoding::Cesu8).code, 0xD800U);
+  EXPECT_EQ(CharacterAt("\xED\xBF\xBF", 0, Encoding::Cesu8).code, 0xDFFFU);
+  EXPECT_EQ(CharacterAt("\xF0\x90\x80\x80", 0, Encoding::Cesu8).code, 0xFFFDU);
+}
+
+TEST(Utf8, IsWrittenAsItIsRead) {
+  for (const char32_t code : {0x41, 0x7F, 0x80, 0x7FF, 0x800, 0xFFFF, 0x10000, 0x10FFFF}) {
+    const std::string text = Built([&](std::string& out) { AppendCharacter(out, code); });
+    EXPECT_EQ(CharacterAt(text, 0).code, code);
+    EXPECT_EQ(CharacterAt(text, 0).length, text.size());
+  }
+  EXPECT_EQ(Built([](std::string& out) { AppendCharacter(out, 0xD800); }), "\xED\xA0\x80");
+}
+
+TEST(Utf8, IsAsciiUpToTheFirstByteThatIsNot) {
+  EXPECT_TRUE(IsAscii(""));
+  EXPECT_TRUE(IsAscii("a\x7F"));
+  EXPECT_FALSE(IsAscii("a\x80"));
+}
+
+}  // namespace
+}  // namespace kalvo
