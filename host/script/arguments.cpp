@@ -14,11 +14,39 @@ duk_size_t ArrayLength(duk_context* context, duk_idx_t index) {
   return duk_get_length(context, index);
 }
 
+// Memory that is counted to the page while it is needed.
+class Charged {
+ public:
+  Charged(Engine& engine, std::size_t bytes) : engine_(engine), bytes_(static_cast<std::ptrdiff_t>(bytes)) {
+    engine_.Charge(bytes_);
+  }
+  ~Charged() { engine_.Charge(-bytes_); }
+  Charged(const Charged&) = delete;
+  Charged& operator=(const Charged&) = delete;
+
+ private:
+  Engine& engine_;
+  std::ptrdiff_t bytes_;
+};
+
 Value Element(Engine& engine, duk_idx_t array, duk_uarridx_t i) {
   duk_get_prop_index(engine.Context(), array, i);
   Value value = ValueAt(engine, -1);
   duk_pop(engine.Context());
   return value;
+}
+
+void ReadColumns(Engine& engine, duk_idx_t array, ColumnIds& columns) {
+  const duk_size_t length = ArrayLength(engine.Context(), array);
+  const Charged room(engine, length * sizeof(columns.ids[0]));
+  columns.ids.resize(length);
+  columns.areSized = true;
+  for (duk_size_t i = 0; i < length; ++i) {
+    engine.CheckLimits();
+    const Value id = Element(engine, array, static_cast<duk_uarridx_t>(i));
+    if (std::holds_alternative<std::shared_ptr<Object>>(id)) throw TypeMismatch();
+    columns.ids[i] = ToInt16(id);
+  }
 }
 
 }  // namespace
@@ -41,7 +69,7 @@ Value CallFrame::ValueOf(std::size_t i) const {
 
 std::string CallFrame::TextOf(std::size_t i) const {
   const auto index = static_cast<duk_idx_t>(i);
-  if (duk_is_undefined(Context(), index)) return ToText(parameters[i].DefaultValue());
+  if (duk_is_undefined(Context(), index)) return host::TextOf(engine, parameters[i].DefaultValue());
   return host::TextOf(engine, index);
 }
 
@@ -62,19 +90,16 @@ Argument<const Image&>::Argument(const Source& source) {
   Engine& engine = source.frame.engine;
   constexpr duk_size_t kElements = 3;
   if (ArrayLength(engine.Context(), source.Index()) < kElements) throw SubscriptOutOfRange();
-  image.path = ToText(Element(engine, source.Index(), 0));
+  image.path = TextOf(engine, Element(engine, source.Index(), 0));
   image.width = ToInt16(Element(engine, source.Index(), 1));
   image.height = ToInt16(Element(engine, source.Index(), 2));
 }
 
-Argument<std::span<const std::int16_t>>::Argument(const Source& source) {
-  Engine& engine = source.frame.engine;
-  const duk_size_t length = ArrayLength(engine.Context(), source.Index());
-  for (duk_size_t i = 0; i < length; ++i) {
-    engine.CheckLimits();
-    const Value number = Element(engine, source.Index(), static_cast<duk_uarridx_t>(i));
-    if (std::holds_alternative<std::shared_ptr<Object>>(number)) throw TypeMismatch();
-    numbers.push_back(ToInt16(number));
+Argument<const ColumnIds&>::Argument(const Source& source) {
+  try {
+    ReadColumns(source.frame.engine, source.Index(), columns);
+  } catch (const Error& error) {
+    columns.failure = error;
   }
 }
 

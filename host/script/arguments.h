@@ -143,12 +143,18 @@ struct Argument<const Image&> : UnchangedArgument {
   Image image;
 };
 
-// An array of 16-bit numbers.
+// A table's columns, as far as they could be read: with the first that is no column id the reading ends.
+struct ColumnIds {
+  std::vector<std::int16_t> ids;  // as many as were given; 0 from a failure on
+  bool areSized = false;          // false for what is no array
+  std::optional<Error> failure;
+};
+
 template <>
-struct Argument<std::span<const std::int16_t>> : UnchangedArgument {
+struct Argument<const ColumnIds&> : UnchangedArgument {
   explicit(false) Argument(const Source& source);
-  std::span<const std::int16_t> Get() const { return numbers; }
-  std::vector<std::int16_t> numbers;
+  const ColumnIds& Get() const { return columns; }
+  ColumnIds columns;
 };
 
 // ---- arguments that an operation changes ----------------------------------------------------------------------
@@ -173,7 +179,9 @@ struct BoxedArgument {
 
 template <>
 struct Argument<std::string&> : BoxedArgument<std::string> {
-  explicit(false) Argument(const Source& source) : BoxedArgument{BoxedValue(source), {}} { held = ToText(box.value); }
+  explicit(false) Argument(const Source& source) : BoxedArgument{BoxedValue(source), {}} {
+    held = TextOf(source.frame.engine, box.value);
+  }
 };
 
 template <>
@@ -195,6 +203,11 @@ concept OuterInterface = requires(Engine& engine, duk_idx_t index) {
   { Adapt<T>(engine, index) } -> std::same_as<std::shared_ptr<T>>;
 };
 
+// An operation that takes a live container reports a missing one as any other failure of it: what is no object fails
+// when it is asked, not before.
+template <typename T>
+concept FailsWhenAsked = std::same_as<T, LiveContainer>;
+
 // An object of a class of ours: fails with 424 for what is no object, with 13 for an object of another class.
 // Where the operation takes an interface, any script object serves.
 template <typename T>
@@ -203,7 +216,8 @@ struct Argument<T&> : UnchangedArgument {
   explicit(false) Argument(const Source& source) {
     Engine& engine = source.frame.engine;
     if constexpr (OuterInterface<T>) {
-      object = InterfaceAt<T>(engine, source.Index());
+      const bool isAsked = FailsWhenAsked<T> && !duk_is_object(engine.Context(), source.Index());
+      object = isAsked ? Adapt<T>(engine, source.Index()) : InterfaceAt<T>(engine, source.Index());
     } else {
       if (!duk_is_object(engine.Context(), source.Index())) throw ObjectRequired();
       object = std::dynamic_pointer_cast<T>(NativeAt(engine.Context(), source.Index()));

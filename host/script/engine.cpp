@@ -126,18 +126,21 @@ std::int32_t SignedNumber(double number) {
       static_cast<std::uint32_t>(static_cast<std::int64_t>(std::fmod(number, 4294967296.0))));
 }
 
-// The program's own run-time errors are 0x800A0000 plus their number in script.
+// The program's own run-time errors are 0x800A0000 plus their number in script; any other number is the same on both
+// sides.
 constexpr std::uint32_t kRunTimeErrors = 0x800A0000;
 
 std::int32_t NumberForScript(std::int32_t number) {
-  return number > 0 && number <= 0xFFFF ? static_cast<std::int32_t>(kRunTimeErrors + static_cast<std::uint32_t>(number))
-                                        : number;
+  if (!IsRunTimeError(number)) return number;
+  return static_cast<std::int32_t>(kRunTimeErrors + static_cast<std::uint32_t>(number));
 }
 
-std::int32_t NumberFromScript(std::int32_t number) {
-  const auto bits = static_cast<std::uint32_t>(number);
-  return (bits & 0xFFFF0000) == kRunTimeErrors && (bits & 0xFFFF) != 0 ? static_cast<std::int32_t>(bits & 0xFFFF)
-                                                                       : number;
+// The number of an exception: what has none, or 0, which would be no error at all, is a failure all the same.
+std::int32_t NumberFromScript(double thrown) {
+  const std::int32_t number = SignedNumber(thrown);
+  if (number == 0) return codes::kFailed;
+  const auto own = static_cast<std::int32_t>(static_cast<std::uint32_t>(number) - kRunTimeErrors);
+  return IsRunTimeError(own) ? own : number;
 }
 
 // Reads what was thrown. It may be anything, and its properties may be script that throws again.
@@ -164,7 +167,7 @@ struct FailureReader {
   static std::optional<std::string> ReadObject(duk_context* context, ScriptFailure& failure) {
     FindPlace(TextProperty(context, "stack").value_or(""), failure.file, failure.line);
     duk_get_prop_string(context, -1, "number");
-    if (duk_is_number(context, -1)) failure.number = NumberFromScript(SignedNumber(duk_get_number(context, -1)));
+    if (duk_is_number(context, -1)) failure.number = NumberFromScript(duk_get_number(context, -1));
     duk_pop(context);
     std::optional<std::string> description = TextProperty(context, "description");
     return description ? description : TextProperty(context, "message");
@@ -173,11 +176,12 @@ struct FailureReader {
 
 }  // namespace
 
-Engine::Engine(const PageLimits& limits, ScriptPage* page, std::function<bool()> isWanted)
+Engine::Engine(const PageLimits& limits, ScriptPage* page, const Locale& locale, std::function<bool()> isWanted)
     : memory_(std::make_unique<Memory>()),
       deadline_(std::chrono::steady_clock::now() + Duration(limits.seconds)),
       isWanted_(std::move(isWanted)),
-      page_(page) {
+      page_(page),
+      locale_(locale) {
   constexpr std::size_t kMebibyte = 1 << 20;
   memory_->limit = limits.mebibytes > SIZE_MAX / kMebibyte ? SIZE_MAX : limits.mebibytes * kMebibyte;
   context_ = duk_create_heap(Memory::Allocate, Memory::Reallocate, Memory::Free, this, Fatal);

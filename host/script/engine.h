@@ -18,6 +18,7 @@
 #include "host/script/kalvo_duktape.h"
 #include "host/script/page.h"
 #include "platform/error.h"
+#include "platform/locale.h"
 
 namespace kalvo::host {
 
@@ -43,7 +44,8 @@ struct ScriptFailure {
 class Engine {
  public:
   // `isWanted` is asked as often as the clock; empty: the page is wanted to its end.
-  Engine(const PageLimits& limits, ScriptPage* page, std::function<bool()> isWanted = {});
+  Engine(const PageLimits& limits, ScriptPage* page, const Locale& locale = kEnglishUnitedStates,
+         std::function<bool()> isWanted = {});
   ~Engine();
   Engine(const Engine&) = delete;
   Engine& operator=(const Engine&) = delete;
@@ -53,6 +55,9 @@ class Engine {
 
   // The page that this state belongs to; null for one that only compiles.
   ScriptPage* Page() const { return page_; }
+
+  // How dates and numbers that script hands over become text.
+  const Locale& PageLocale() const { return locale_; }
 
   // ---- limits ----------------------------------------------------------------------------------------------
 
@@ -154,6 +159,7 @@ class Engine {
   EndCause cause_ = EndCause::None;
   std::shared_ptr<Engine*> home_ = std::make_shared<Engine*>(this);
   ScriptPage* page_;
+  const Locale& locale_;
   duk_context* context_ = nullptr;
   duk_uarridx_t slots_ = 0;
   std::vector<duk_uarridx_t> freeSlots_;

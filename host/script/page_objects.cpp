@@ -1,5 +1,7 @@
 #include "host/script/page_objects.h"
 
+#include <cmath>
+
 #include "host/script/encoding.h"
 #include "host/script/late_binding/adapters.h"
 #include "host/script/page_source.h"
@@ -12,8 +14,11 @@ namespace {
 
 constexpr std::string_view kLiveDriller = "gLiveDriller";
 
-// Where a path is allowed: a text, a number, a boolean, a date, null or empty.
-bool IsKept(const Value& value) { return !std::holds_alternative<std::shared_ptr<Object>>(value); }
+// What a session keeps: a text, a number, a boolean, a date that is one, null or empty.
+bool IsKept(const Value& value) {
+  if (const auto* date = std::get_if<Date>(&value)) return std::isfinite(date->serial);
+  return !std::holds_alternative<std::shared_ptr<Object>>(value);
+}
 
 }  // namespace
 

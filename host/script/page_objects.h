@@ -42,7 +42,8 @@ class SessionObject : public Session {
   Value Item(std::string_view name) override { return session_.Get(name); }
   std::shared_ptr<LiveContainer> StaticObject(std::string_view name) override;
 
-  // `Session.Value(name)` reads; with a second argument it writes. Objects are not kept: they fail with 13.
+  // `Session.Value(name)` reads; with a second argument it writes. Objects are not kept: they fail with 13, as
+  // a date that is none does.
   Value Access(std::string_view name, std::optional<Value> value);
 
   // What `Session.StaticObjects(name)` is to a script; empty when there is none of that name.

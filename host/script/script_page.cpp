@@ -66,7 +66,7 @@ std::string MessageOf(const ScriptFailure& failure) {
   const auto bits = static_cast<std::uint32_t>(failure.number);
   const char* end = std::to_chars(digits, digits + sizeof digits, bits, 16).ptr;
   return Built([&](std::string& out) {
-    Append(out, failure.message, " (0x", ToUpper({digits, static_cast<std::size_t>(end - digits)}), ")");
+    Append(out, failure.message, " (0x", ToUpperAscii({digits, static_cast<std::size_t>(end - digits)}), ")");
   });
 }
 
@@ -83,7 +83,7 @@ ScriptPage::ScriptPage(const SiteParts& site, const CompiledPage& compiled, cons
       options_(options),
       ranking_(*this, site.platform.topN),
       platform_{site.platform.database, ranking_, site.platform.clock, site.platform.locale},
-      engine_(options.limits, this, options.isWanted) {
+      engine_(options.limits, this, site.platform.locale, options.isWanted) {
   request_ = std::make_shared<RequestObject>(request);
   response_ = std::make_shared<ResponseObject>(engine_, sink);
   server_ = std::make_shared<ServerObject>(*this);

@@ -39,10 +39,9 @@ bool IsInstance(duk_context* context, duk_idx_t index, const char* constructor) 
   return is;
 }
 
-// A Date object in its local time, to the second as dates are written here.
+// A Date object in its local time, to the second as dates are written here. An invalid one has no serial.
 Value DateAt(duk_context* context, duk_idx_t index) {
   const double milliseconds = CallNumber(context, index, "getTime");
-  if (!std::isfinite(milliseconds)) throw TypeMismatch();
   const double offset = CallNumber(context, index, "getTimezoneOffset") * 60000;
   return Date{SerialOf((milliseconds - offset) / kDayMilliseconds + kUnixEpochSerial)};
 }
@@ -147,11 +146,13 @@ Value ValueAt(Engine& engine, duk_idx_t index) {
   }
 }
 
+std::string TextOf(const Engine& engine, const Value& value) { return ToText(value, engine.PageLocale()); }
+
 std::string TextOf(Engine& engine, duk_idx_t index) {
   if (duk_is_string(engine.Context(), index) && !duk_is_symbol(engine.Context(), index)) {
     return TextAt(engine.Context(), index);
   }
-  return ToText(ValueAt(engine, index));
+  return TextOf(engine, ValueAt(engine, index));
 }
 
 void PushValue(Engine& engine, const Value& value) {

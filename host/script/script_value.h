@@ -42,10 +42,13 @@ class OpaqueScriptObject : public Object, public ScriptBacked {
 };
 
 // A value on the stack as a loosely typed value: undefined is empty, whole numbers of 32 bits are integers, dates
-// are dates. An object stays an object; a symbol fails with 13.
+// are dates; one that is no moment fails where it is used. An object stays an object; a symbol fails with 13.
 Value ValueAt(Engine& engine, duk_idx_t index);
 
-// The text of a value on the stack as the program writes values: "True", "1E+20", "".
+// The text of a value as the program writes values: "True", "1E+20", ""; dates as the page's locale has them.
+std::string TextOf(const Engine& engine, const Value& value);
+
+// The same of a value on the stack.
 std::string TextOf(Engine& engine, duk_idx_t index);
 
 // Pushes a value: 64-bit integers as numbers, dates as Date objects of the local time.

@@ -52,6 +52,7 @@ void Context::DigestQueryString() {
                  {"PageSize", pageSizeCount_}};
 
   std::string_view separator;
+  std::string value;
   for (const std::string& key : PageRequest().QueryKeys()) {
     const std::int32_t n = PageRequest().QueryCount(key);
     bool isCounted = false;
@@ -63,8 +64,9 @@ void Context::DigestQueryString() {
     }
     if (isCounted) continue;
     for (std::int32_t i = 1; i <= n; ++i) {
-      Append(urlParameters_, separator, key, '=');
-      PageServer().URLEncode(urlParameters_, PageRequest().QueryItem(key, i));
+      value.clear();
+      PageServer().URLEncode(value, PageRequest().QueryItem(key, i));  // before the key: a failing one leaves no half
+      Append(urlParameters_, separator, key, '=', value);
       separator = "&";
     }
   }

@@ -19,9 +19,9 @@ bool IsExactlyTrue(const Value& value) {
   return number && ToDouble(value) == -1;
 }
 
-std::string SpanText(const Value& count) {
+std::string SpanText(const Value& count, const Locale& locale) {
   if (IsNull(count) || !(ToDouble(count) > 1)) return {};
-  return ToText(count);
+  return ToText(count, locale);
 }
 
 }  // namespace
@@ -71,8 +71,8 @@ void Display::AppendInputFieldIfNotNull(std::string& out, std::string_view name,
 std::string Display::MultipleRowData(std::string_view szValue, const Value& bHeader, const Value& nRows,
                                      const Value& nColumns, const Value& szAlign, const Value& szVAlign,
                                      const Value& bNoWrap, const Value& szColor) const {
-  const std::string rowSpan = SpanText(nRows);
-  const std::string columnSpan = SpanText(nColumns);
+  const std::string rowSpan = SpanText(nRows, locale_);
+  const std::string columnSpan = SpanText(nColumns, locale_);
   const std::string align = ToText(szAlign, locale_);
   const std::string vAlign = ToText(szVAlign, locale_);
   const std::string color = ToText(szColor, locale_);

@@ -1,23 +1,61 @@
 #include "platform/error.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace kalvo {
 
 namespace {
 
 thread_local PendingError pendingError;
 
+struct RunTimeErrorRow {
+  std::int32_t number;
+  const char* description;
+};
+
+// clang-format off
+constexpr RunTimeErrorRow kRunTimeErrors[] = {
+  {6,   "Overflow"},
+  {9,   "Subscript out of range"},
+  {11,  "Division by zero"},
+  {13,  "Type mismatch"},
+  {91,  "Object variable or With block variable not set"},
+  {94,  "Invalid use of Null"},
+  {424, "Object required"},
+  {429, "ActiveX component can't create object"},
+  {438, "Object doesn't support this property or method"},
+  {457, "This key is already associated with an element of this collection"},
+};
+// clang-format on
+
+consteval const RunTimeErrorRow& RowOf(std::int32_t number) {
+  return *std::find_if(std::begin(kRunTimeErrors), std::end(kRunTimeErrors),
+                       [&](const RunTimeErrorRow& row) { return row.number == number; });
+}
+
+template <std::int32_t Number>
+Error RunTimeError() {
+  return Error(Number, RowOf(Number).description);
+}
+
 }  // namespace
 
-Error Overflow() { return Error(6, "Overflow"); }
-Error SubscriptOutOfRange() { return Error(9, "Subscript out of range"); }
-Error DivisionByZero() { return Error(11, "Division by zero"); }
-Error TypeMismatch() { return Error(13, "Type mismatch"); }
-Error ObjectNotSet() { return Error(91, "Object variable or With block variable not set"); }
-Error InvalidUseOfNull() { return Error(94, "Invalid use of Null"); }
-Error ObjectRequired() { return Error(424, "Object required"); }
-Error CannotCreateObject() { return Error(429, "ActiveX component can't create object"); }
-Error MemberNotSupported() { return Error(438, "Object doesn't support this property or method"); }
-Error KeyAlreadyAssociated() { return Error(457, "This key is already associated with an element of this collection"); }
+Error Overflow() { return RunTimeError<6>(); }
+Error SubscriptOutOfRange() { return RunTimeError<9>(); }
+Error DivisionByZero() { return RunTimeError<11>(); }
+Error TypeMismatch() { return RunTimeError<13>(); }
+Error ObjectNotSet() { return RunTimeError<91>(); }
+Error InvalidUseOfNull() { return RunTimeError<94>(); }
+Error ObjectRequired() { return RunTimeError<424>(); }
+Error CannotCreateObject() { return RunTimeError<429>(); }
+Error MemberNotSupported() { return RunTimeError<438>(); }
+Error KeyAlreadyAssociated() { return RunTimeError<457>(); }
+
+bool IsRunTimeError(std::int32_t number) {
+  return std::any_of(std::begin(kRunTimeErrors), std::end(kRunTimeErrors),
+                     [&](const RunTimeErrorRow& row) { return row.number == number; });
+}
 
 std::string InDescription(std::string_view text) {
   std::string shown;

@@ -36,6 +36,9 @@ Error CannotCreateObject();    // 429
 Error MemberNotSupported();    // 438
 Error KeyAlreadyAssociated();  // 457
 
+// Whether a number is that of one of these.
+bool IsRunTimeError(std::int32_t number);
+
 // Codes of components that the library or its adapters know by name.
 namespace codes {
 inline constexpr std::int32_t kFailed = static_cast<std::int32_t>(0x80004005);            // nothing better known

@@ -30,7 +30,8 @@ struct Null {
   bool operator==(const Null&) const = default;
 };
 
-// A moment as days since 1899-12-30; the fraction is the time of day.
+// A moment as days since 1899-12-30; the fraction is the time of day. Not a number for a date that is none: reading
+// it fails with 13.
 struct Date {
   double serial = 0;
   bool operator==(const Date&) const = default;

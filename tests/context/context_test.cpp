@@ -44,6 +44,8 @@ TEST(Context, KeepsEveryParameterThatIsNotATablesOwn) {
       {"no query string", "", ""},
       {"a value is encoded again, its key is not", "Table=7&Sort=Size&x=a b", "Table=7&x=a+b&"},
       {"the four parameters whatever their case", "sort=A&SORTORDER=d&fIRST=1&pagesize=2", ""},
+      {"letters beyond ASCII have a case as well", "\u00C4=1&\u00E4=2", "\u00C4=1&\u00C4=2&"},
+      {"a long s is no s", "\u017Fort=1", "\u017Fort=1&"},
       {"names that only begin alike are kept", "Sort1=a&SortField=b&Firsts=c", "Sort1=a&SortField=b&Firsts=c&"},
       {"values are grouped by key", "a=1&b=2&a=3", "a=1&a=3&b=2&"},
       {"a key is spelled as it first came", "aB=1&Ab=2", "aB=1&aB=2&"},
@@ -57,6 +59,20 @@ TEST(Context, KeepsEveryParameterThatIsNotATablesOwn) {
     SCOPED_TRACE(c.why);
     EXPECT_EQ(Kept(c.query), c.kept);
   }
+}
+
+TEST(Context, APairWhoseValueCannotBeEncodedIsLeftOutWhole) {
+  class RefusingServer : public fakes::FakeServer {
+   public:
+    void URLEncode(std::string& out, std::string_view text) override {
+      if (text == "bad") throw Error(70, "Refused.");
+      fakes::FakeServer::URLEncode(out, text);
+    }
+  };
+  PageFixture page("a=1&b=bad&c=3");
+  page.page->server = std::make_shared<RefusingServer>();
+  EXPECT_EQ(ErrorOf([&] { page.Start(); }), 70);
+  EXPECT_EQ(page.context->TableURL("", "", "", ""), "/KalvoforExchange/Tasks/Page.asp?a=1");
 }
 
 TEST(Context, NumbersItsTablesFromOne) {

@@ -32,6 +32,11 @@ TEST(Error, TheProgramsOwnHaveTheirNumbersAndDescriptions) {
   }
 }
 
+TEST(Error, TheProgramsOwnAreKnownByTheirNumbers) {
+  for (const std::int32_t own : {6, 9, 11, 13, 91, 94, 424, 429, 438, 457}) EXPECT_TRUE(IsRunTimeError(own)) << own;
+  for (const std::int32_t other : {0, 5, 7, 70, 458, -1, codes::kFailed}) EXPECT_FALSE(IsRunTimeError(other)) << other;
+}
+
 TEST(Trap, BeginsClearAndLeavesTheLastError) {
   LeaveError(Overflow());
   Trap trap;

@@ -45,6 +45,8 @@ TEST_F(Arguments, ConvertAsTheOperationTakesThem) {
       {"halves round to even", "(x.SetTopN(2.5), x.GetTopN())", "2"},
       {"empty is zero", "(x.SetTopN(5), x.SetTopN(undefined), x.GetTopN())", "0"},
       {"true is minus one", "(x.SetTopN(true), x.GetTopN())", "-1"},
+      {"a date that is none, where it is caught", "d.Kalvo_FormatDateTime(new Date(NaN), 'D')", "D"},
+      {"a date that is none, as a floating one", "d.Kalvo_FormatDateTimeFloat(new Date(NaN))", ""},
       {"a default of text", "d.AnchorStart('u', undefined, undefined)", "<a href=\"u\">"},
       {"null is no default", "d.AnchorStart('u', null, '_top')", "<a href=\"u\" target=\"_top\">"},
       {"too many arguments", "d.AnchorStart('u', '', '', 1, 2, 3)", "<a href=\"u\">"},
@@ -82,6 +84,45 @@ TEST_F(Arguments, TakeColumnsAsAnArrayOfNumbers) {
   EXPECT_EQ(initialized("7"), "13");
   EXPECT_EQ(initialized("{length: 1}"), "13");
   EXPECT_EQ(initialized("undefined"), "13");
+}
+
+TEST_F(Arguments, AreStoredUpToAColumnThatIsNone) {
+  const auto left = [&](const std::string& columns) {
+    return Value(
+        "(function () { t.Initialize(0, 2, 'old', 0, false, false, false, false, [7, 8, 9], 'oldsql', 'oldby',"
+        "'oldsort'); try { t.Initialize(1, 3, 'new', 0, false, false, false, false, " +
+        columns +
+        ", 'newsql', 'newby', 'newsort'); return 'none'; } catch (e) { return [e.number & 0xFFFF, t.GetId(),"
+        "t.GetDefaultSortOrder(), t.GetColumns().join(), t.GetSQL(), t.GetOrderBy()].join(' '); } })()");
+  };
+  EXPECT_EQ(left("[1, 2, 32768, 4]"), "6 3 newsort 1,2,0,0 oldsql oldby");
+  EXPECT_EQ(left("['x']"), "13 3 newsort 0 oldsql oldby");
+  EXPECT_EQ(left("7"), "13 3 newsort 7,8,9 oldsql oldby") << "there is no size to take";
+}
+
+TEST_F(Arguments, OfMoreColumnsThanThereIsMemoryForEndThePage) {
+  options.limits.mebibytes = 16;
+  Value(
+      "(function () { var a = []; a.length = 4294967295; t.Initialize(0, 2, '', 0, false, false, false, false, a, '',"
+      "'', ''); })()");
+  ASSERT_TRUE(result.failure);
+  EXPECT_EQ(result.failure->kind, FailureKind::MemoryLimit);
+}
+
+TEST_F(Arguments, AnswerNothingForATableOfNoKnownType) {
+  EXPECT_EQ(Value("(t.Initialize(9, 2, '', 0, false, false, false, false, [], '', '', ''), t.GetDataSrc(x) === "
+                  "undefined)"),
+            "True");
+}
+
+TEST_F(Arguments, ThatAreNoDateFailWhereTheyAreUsed) {
+  for (const char* use : {"d.SimpleRowData(none)", "d.AddInputField('a', none)", "x.SetTopN(none)",
+                          "d.Kalvo_FormatNumber(none, true)", "Session.Value('kept', none)"}) {
+    EXPECT_EQ(Value(std::string("(function () { var none = new Date(NaN); try { return ") + use +
+                    "; } catch (e) { return e.number & 0xFFFF; } })()"),
+              "13")
+        << use;
+  }
 }
 
 TEST_F(Arguments, GiveCopiesOfArrays) {
@@ -178,6 +219,11 @@ TEST_F(ProbeTest, TurnsThrownErrorsIntoNumbersAndBack) {
       {"a number that is none", "var e = new Error('m'); e.number = 'x'; throw e;", codes::kFailed, "m"},
       {"a text", "throw 'm';", codes::kFailed, "m"},
       {"a plain object", "throw {number: 5, description: 'd'};", 5, "d"},
+      {"none of ours", "throw {number: 0x800A0005, description: 'd'};", static_cast<std::int32_t>(0x800A0005), "d"},
+      {"0 would be no error", "throw {number: 0, description: 'd'};", codes::kFailed, "d"},
+      {"0 in 32 bits", "throw {number: 4294967296, description: 'd'};", codes::kFailed, "d"},
+      {"less than 1", "throw {number: 0.5, description: 'd'};", codes::kFailed, "d"},
+      {"a little less than 0", "throw {number: -0.5, description: 'd'};", codes::kFailed, "d"},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.why);
@@ -226,14 +272,25 @@ TEST_F(ProbeTest, ConvertsValuesBothWays) {
 }
 
 TEST_F(ProbeTest, RefusesWhatNoOperationTakes) {
-  for (const char* code : {"Symbol('x')", "new Date(NaN)"}) {
-    const auto thrown = engine.Attempt([&] {
-      duk_eval_string(engine.Context(), code);
-      ValueAt(engine, -1);
-    });
-    ASSERT_TRUE(thrown) << code;
-    EXPECT_EQ(thrown->number, 13) << code;
-  }
+  const auto thrown = engine.Attempt([&] {
+    duk_eval_string(engine.Context(), "Symbol('x')");
+    ValueAt(engine, -1);
+  });
+  ASSERT_TRUE(thrown);
+  EXPECT_EQ(thrown->number, 13);
+}
+
+TEST_F(ProbeTest, HandsADateThatIsNoneThrough) {
+  const auto thrown = engine.Attempt([&] {
+    duk_eval_string(engine.Context(), "new Date(NaN)");
+    const Value none = ValueAt(engine, -1);
+    ASSERT_TRUE(std::holds_alternative<Date>(none));
+    PushValue(engine, none);
+    duk_put_global_string(engine.Context(), "back");
+    duk_eval_string(engine.Context(), "back instanceof Date && isNaN(back.getTime())");
+    EXPECT_TRUE(duk_get_boolean(engine.Context(), -1));
+  });
+  EXPECT_FALSE(thrown);
 }
 
 TEST_F(ProbeTest, KeepsOneScriptObjectForAnObjectWhileItLives) {

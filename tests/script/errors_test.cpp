@@ -57,6 +57,31 @@ TEST_F(Errors, CarryNumberDescriptionAndMessage) {
   }
 }
 
+TEST_F(Errors, KeepTheNumberOfAnExceptionThatPassesThrough) {
+  const struct {
+    const char* why;
+    const char* thrown;
+    const char* caught;
+  } kCases[] = {
+      {"a small number", "5", "5"},
+      {"the largest of 16 bits", "65535", "65535"},
+      {"a run-time error that is none of the program's own", "-2146828283", "-2146828283"},
+      {"one that is", "-2146828275", "-2146828275"},
+      {"a component's", "-2147467259", "-2147467259"},
+      {"no number at all", "undefined", "-2147467259"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    EXPECT_EQ(Script(std::string("var x = new ActiveXObject('KalvoTables.Context'); x.OnStartPage({Response: Response,"
+                                 "Request: Request, Session: Session, Server: {HTMLEncode: function () {"
+                                 "throw {number: ") +
+                     c.thrown +
+                     ", description: 'd'}; }}}); try { x.ServerHTMLEncode('a'); }"
+                     "catch (e) { Response.Write(e.number + e.description); }"),
+              std::string(c.caught) + "d");
+  }
+}
+
 TEST_F(Errors, NamePageAndLine) {
   const struct {
     const char* why;

@@ -169,6 +169,10 @@ TEST_F(Adapters, AnswerColumns) {
   EXPECT_EQ(out, "h");
   EXPECT_EQ(catalogue->Column(2), nullptr);
   EXPECT_EQ(catalogue->Column(3), nullptr);
+  for (const char* none : {"5", "'text'", "true"}) {
+    const auto other = Make<ColumnCatalogue>(std::string("({GetColumn: function () { return ") + none + "; }})");
+    EXPECT_EQ(other->Column(1), nullptr) << none;
+  }
 }
 
 TEST_F(Adapters, AreSessions) {
@@ -219,6 +223,27 @@ TEST_F(Adapters, AreRequests) {
   }
   EXPECT_EQ(Make<Request>("({ServerVariables: function (n) { return '/' + n; }})")->ServerVariable("x"), "/x");
   EXPECT_EQ(Make<Request>("(function (n) { return n + '?'; })")->Item("a"), "a?");
+}
+
+TEST_F(Adapters, AskARequestForNothingThatIsNotNeeded) {
+  const auto request = Make<Request>(
+      "({log: '', QueryString: function (key) { var me = this; me.log += '?'; return {"
+      "Count: function () { me.log += 'n'; return 3; }, Item: function (i) { me.log += i;"
+      "if (i === 2) throw {number: 70, description: 'd'}; return 'v' + i; }}; }})");
+  EXPECT_EQ(request->QueryCount("k"), 3);
+  EXPECT_EQ(Text("object.log"), "?n");
+  EXPECT_EQ(request->QueryItem("k", 3), "v3");
+  EXPECT_EQ(Text("object.log"), "?n?3");
+  EXPECT_EQ(NumberOf([&] { request->QueryItem("k", 2); }), 70);
+  EXPECT_EQ(NumberOf([&] { request->QueryText("k"); }), 70);
+  EXPECT_EQ(Text("object.log"), "?n?3?2?n12");
+  const auto bare = Make<Request>("({QueryString: function () { return {Count: 1}; }})");
+  EXPECT_EQ(NumberOf([&] { bare->QueryItem("k", 1); }), 438);
+}
+
+TEST_F(Adapters, FindAPlainRequestsKeysWhateverTheirCase) {
+  const auto request = Make<Request>("({QueryString: {'\u00C4': ['1', '2']}})");
+  EXPECT_EQ(request->QueryItem("\u00E4", 2), "2");
 }
 
 TEST_F(Adapters, AreScriptingContextsReadInAnyForm) {
@@ -286,6 +311,57 @@ TEST_F(LateBinding, RendersATableOfScriptColumns) {
              "Response.Write(out.match(/<th7true>/).length + '|' + out.match(/\\[\\w+\\]/g).join() + '|' +"
              "/sumtrue/.test(out) + '|' + (seen[0] === seen[1]));"),
       "1|[one1],[two2]|true|true");
+}
+
+// What the two navigation wrappers answer and write for a container, and what they leave for `x.Failure`.
+class Navigation : public PageTest {
+ protected:
+  std::string Container(const std::string& live) { return Wrapped("Container", live, "'C', 0, 1, 'E'"); }
+  std::string Message(const std::string& live) { return Wrapped("MsgAttachment", live, "'I', true, 'E'"); }
+
+ private:
+  std::string Wrapped(const std::string& call, const std::string& live, const std::string& rest) {
+    return Script("Response.Write(Server.CreateObject('KalvoTables.Context').EncapsulateGoto" + call + "Failure(" +
+                  live + ", 'S', 'M', " + rest + "));");
+  }
+};
+
+TEST_F(Navigation, ReportsAContainerThatIsNone) {
+  session.values["kalvodrilldownauth"] = std::string("Yes");
+  for (const char* none : {"null", "undefined", "Session.StaticObjects('none')", "5"}) {
+    SCOPED_TRACE(none);
+    EXPECT_EQ(Container(none),
+              "<p>Error Generating Table: &nbsp;GotoContainer: E<br>Error number: 0x1A8; &nbsp; "
+              "Description: Object required</p>\r\nTrue");
+    EXPECT_EQ(Message(none),
+              "<p>Error Generating Table: &nbsp;GotoMsgAttachment: E<br>Error number: 0x1A8; &nbsp; "
+              "Description: Object required</p>\r\nTrue");
+  }
+}
+
+TEST_F(Navigation, RefusesAMessageBeforeItLooksAtTheContainer) {
+  EXPECT_EQ(Message("null"),
+            "<p>Error Generating Table: &nbsp;Drill down not allowed.<br>Error number: 0x0; &nbsp; Description: "
+            "</p>\r\nTrue");
+}
+
+TEST_F(Navigation, ReportsAnExceptionWhoseNumberIsNone) {
+  for (const char* number : {"0", "4294967296", "0.5"}) {
+    EXPECT_EQ(Container(std::string("{GotoContainer: function () { throw {number: ") + number +
+                        ", description: 'closed'}; }}"),
+              "<p>Error Generating Table: &nbsp;GotoContainer: E<br>Error number: 0x80004005; &nbsp; "
+              "Description: closed</p>\r\nTrue")
+        << number;
+  }
+}
+
+TEST_F(LateBinding, StartsOnARequestOfWhichNobodyNeedsAllItems) {
+  EXPECT_EQ(Script("var x = new ActiveXObject('KalvoTables.Context'), asked = [];"
+                   "function q(key) { return {Count: 2, Item: function (i) { asked.push(key + i);"
+                   "if (key === 'Sort') throw {number: 70, description: 'd'}; return 'v'; }}; } q.Sort = 1; q.k = 1;"
+                   "x.OnStartPage({Response: Response, Session: Session, Server: Server, Request: {QueryString: q}});"
+                   "Response.Write(asked.join());"),
+            "Debug1,Debug2,k1,k2");
 }
 
 TEST_F(LateBinding, ServesScriptsWithANativeDriller) {

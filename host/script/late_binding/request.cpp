@@ -8,49 +8,70 @@
 namespace kalvo::host {
 namespace {
 
-// The values of a key, read from whatever stands on the top of the stack.
-class ValuesReader {
+// The values of a key, whatever stands for them on the top of the stack. Only what is asked for is read: the count
+// asks no item, and one item asks no other.
+class KeyValues {
  public:
-  explicit ValuesReader(Engine& engine)
-      : engine_(engine), context_(engine.Context()), at_(duk_get_top_index(context_)) {}
+  explicit KeyValues(Engine& engine) : engine_(engine), context_(engine.Context()), at_(duk_get_top_index(context_)) {}
 
-  std::vector<std::string> Read() const {
-    if (duk_is_null_or_undefined(context_, at_)) return {};
-    if (!duk_is_object(context_, at_)) return {TextOf(engine_, at_)};
-    if (auto own = std::dynamic_pointer_cast<ValueList>(NativeAt(context_, at_))) return own->Values();
-    if (duk_is_array(context_, at_)) return ReadArray();
-    if (duk_has_prop_literal(context_, at_, "Count")) return ReadItems();
-    return {TextOf(engine_, at_)};
-  }
-
- private:
-  std::vector<std::string> ReadArray() const {
-    std::vector<std::string> values;
-    const duk_size_t length = duk_get_length(context_, at_);
-    for (duk_size_t i = 0; i < length; ++i) {
-      engine_.CheckLimits();
-      duk_get_prop_index(context_, at_, static_cast<duk_uarridx_t>(i));
-      values.push_back(TextOf(engine_, -1));
-      duk_pop(context_);
+  std::int32_t Count() const {
+    switch (FindForm()) {
+      case Form::None: return 0;
+      case Form::One: return 1;
+      case Form::Array: return ToInt32(static_cast<double>(duk_get_length(context_, at_)));
+      case Form::Items: break;
     }
-    return values;
-  }
-
-  std::vector<std::string> ReadItems() const {
     PushMember("Count");
     const std::int32_t count = ToInt32(ValueAt(engine_, -1));
     duk_pop(context_);
+    return count;
+  }
+
+  // Value i, from 1. How many there are is known by the object itself where it offers items.
+  std::string Item(std::int32_t i) const {
+    const Form form = FindForm();
+    if (form == Form::Items) return AskedItem(i);
+    if (i < 1 || i > Count()) throw SubscriptOutOfRange();
+    return form == Form::One ? TextOf(engine_, at_) : Element(i);
+  }
+
+  // All values: those of an object of ours are at hand.
+  std::vector<std::string> All() const {
+    if (auto own = std::dynamic_pointer_cast<ValueList>(NativeAt(context_, at_))) return own->Values();
     std::vector<std::string> values;
+    const std::int32_t count = Count();
     for (std::int32_t i = 1; i <= count; ++i) {
       engine_.CheckLimits();
-      if (!duk_has_prop_literal(context_, at_, "Item")) throw MemberNotSupported();
-      duk_push_literal(context_, "Item");
-      duk_push_int(context_, i);
-      duk_call_prop(context_, at_, 1);
-      values.push_back(TextOf(engine_, -1));
-      duk_pop(context_);
+      values.push_back(Item(i));
     }
     return values;
+  }
+
+ private:
+  enum class Form { None, One, Array, Items };
+
+  Form FindForm() const {
+    if (duk_is_null_or_undefined(context_, at_)) return Form::None;
+    if (!duk_is_object(context_, at_)) return Form::One;
+    if (duk_is_array(context_, at_)) return Form::Array;
+    return duk_has_prop_literal(context_, at_, "Count") ? Form::Items : Form::One;
+  }
+
+  std::string Element(std::int32_t i) const {
+    duk_get_prop_index(context_, at_, static_cast<duk_uarridx_t>(i - 1));
+    std::string text = TextOf(engine_, -1);
+    duk_pop(context_);
+    return text;
+  }
+
+  std::string AskedItem(std::int32_t i) const {
+    if (!duk_has_prop_literal(context_, at_, "Item")) throw MemberNotSupported();
+    duk_push_literal(context_, "Item");
+    duk_push_int(context_, i);
+    duk_call_prop(context_, at_, 1);
+    std::string text = TextOf(engine_, -1);
+    duk_pop(context_);
+    return text;
   }
 
   void PushMember(const char* name) const {
@@ -78,15 +99,19 @@ class ScriptRequest : public Request, public LateBound {
     return keys;
   }
 
-  std::int32_t QueryCount(std::string_view key) override { return static_cast<std::int32_t>(QueryValues(key).size()); }
-
-  std::string QueryItem(std::string_view key, std::int32_t i) override {
-    const std::vector<std::string> values = QueryValues(key);
-    if (i < 1 || static_cast<std::size_t>(i) > values.size()) throw SubscriptOutOfRange();
-    return values[static_cast<std::size_t>(i) - 1];
+  std::int32_t QueryCount(std::string_view key) override {
+    std::int32_t count = 0;
+    WithValues("QueryString", key, [&](const KeyValues& values) { count = values.Count(); });
+    return count;
   }
 
-  std::string QueryText(std::string_view key) override { return JoinedValues(QueryValues(key)); }
+  std::string QueryItem(std::string_view key, std::int32_t i) override {
+    std::string item;
+    WithValues("QueryString", key, [&](const KeyValues& values) { item = values.Item(i); });
+    return item;
+  }
+
+  std::string QueryText(std::string_view key) override { return JoinedValues(ValuesOf("QueryString", key)); }
 
   std::string ServerVariable(std::string_view name) override { return JoinedValues(ValuesOf("ServerVariables", name)); }
 
@@ -96,7 +121,7 @@ class ScriptRequest : public Request, public LateBound {
     bool answered = false;
     Reach([&](Engine& engine) {
       answered = PushDefaultItem(engine, name);
-      if (answered) values = ValuesReader(engine).Read();
+      if (answered) values = KeyValues(engine).All();
     });
     for (const char* collection : {"QueryString", "Form", "Cookies", "ServerVariables"}) {
       if (answered || !values.empty()) break;
@@ -106,17 +131,21 @@ class ScriptRequest : public Request, public LateBound {
   }
 
  private:
-  std::vector<std::string> QueryValues(std::string_view key) { return ValuesOf("QueryString", key); }
-
   bool Offers(const char* member) const {
     bool has = false;
     Reach([&](Engine& engine) { has = Has(engine, member); });
     return has;
   }
 
-  // The values of a name in one of the request's collections.
   std::vector<std::string> ValuesOf(const char* collection, std::string_view name) const {
-    std::vector<std::string> values;
+    std::vector<std::string> all;
+    WithValues(collection, name, [&](const KeyValues& values) { all = values.All(); });
+    return all;
+  }
+
+  // Runs a step with the values of a name in one of the request's collections.
+  template <std::invocable<const KeyValues&> Step>
+  void WithValues(const char* collection, std::string_view name, Step&& step) const {
     Reach([&](Engine& engine) {
       duk_context* context = engine.Context();
       if (PushMember(engine, collection)) {
@@ -128,9 +157,8 @@ class ScriptRequest : public Request, public LateBound {
       } else {
         PushKey(engine, name);
       }
-      values = ValuesReader(engine).Read();
+      step(KeyValues(engine));
     });
-    return values;
   }
 
   // Replaces a plain object by its property of a name, found without regard to case.

@@ -27,7 +27,7 @@ class ScriptRowSource : public RowSource, public LateBound {
   std::optional<std::string_view> GetIdentifier(std::string_view szFieldName) override {
     const Value identifier = Ask("GetField", szFieldName, true);
     if (IsNull(identifier)) return std::nullopt;
-    return texts_.emplace_back(ToText(identifier));
+    return texts_.emplace_back(TextOf(Reference().Home(), identifier));
   }
 
   std::int32_t RecordCount() override { return ToInt32(Ask("RecordCount")); }
@@ -97,7 +97,7 @@ class ScriptColumnCatalogue : public ColumnCatalogue, public LateBound {
     std::shared_ptr<TableColumn> column;
     Reach([&](Engine& engine) {
       PushAnswer(engine, "GetColumn", id);
-      if (!duk_is_null_or_undefined(engine.Context(), -1)) column = InterfaceAt<TableColumn>(engine, -1);
+      if (duk_is_object(engine.Context(), -1)) column = InterfaceAt<TableColumn>(engine, -1);
     });
     current_ = std::move(column);
     return current_.get();
