@@ -65,55 +65,117 @@ TEST(Date, ASerialOutsideOfTheCalendarCannotBeWritten) {
 }
 
 TEST(Date, IsReadFromText) {
-  const auto day = [](int year, int month, int date, int hour = 0, int minute = 0, int second = 0) {
-    return MakeDate(year, month, date, hour, minute, second);
-  };
   const struct {
     const char* why;
     const char* text;
-    std::optional<Date> date;
+    std::optional<double> serial;
   } kCases[] = {
-      {"the locale's own form", "1/2/1999", day(1999, 1, 2)},
-      {"with a time", "1/2/1999 3:04:05 PM", day(1999, 1, 2, 15, 4, 5)},
-      {"without seconds", "1/2/1999 3:04 pm", day(1999, 1, 2, 15, 4)},
-      {"twelve at night", "1/2/1999 12:00:01 AM", day(1999, 1, 2, 0, 0, 1)},
-      {"twelve at noon", "1/2/1999 12:00:00 PM", day(1999, 1, 2, 12)},
-      {"without a half of the day", "1/2/1999 15:04:05", day(1999, 1, 2, 15, 4, 5)},
-      {"year, month and day", "1999-01-02", day(1999, 1, 2)},
-      {"year, month, day and time", "1999-01-02 15:04:05", day(1999, 1, 2, 15, 4, 5)},
-      {"with a T between", "1999-01-02T15:04:05", day(1999, 1, 2, 15, 4, 5)},
-      {"fractions of a second are dropped", "1999-01-02 15:04:05.999", day(1999, 1, 2, 15, 4, 5)},
-      {"two digits from 30", "1/2/30", day(1930, 1, 2)},
-      {"two digits below 30", "1/2/29", day(2029, 1, 2)},
-      {"a time alone", "3:04:05 PM", day(1899, 12, 30, 15, 4, 5)},
-      {"blanks around", "  1/2/1999  ", day(1999, 1, 2)},
-      {"a leap day", "2/29/2000", day(2000, 2, 29)},
+      {"the locale's own form", "1/2/1999", 36162},
+      {"with a time", "1/2/1999 3:04:05 PM", 36162.62783564815},
+      {"without seconds", "1/2/1999 3:04 pm", 36162.62777777778},
+      {"twelve at night", "1/2/1999 12:00:01 AM", 36162.00001157408},
+      {"twelve at noon", "1/2/1999 12:00:00 PM", 36162.5},
+      {"one in the morning", "1/2/1999 1:00:00 AM", 36162.041666666664},
+      {"the last second of a day", "1/2/1999 11:59:59 PM", 36162.99998842592},
+      {"without a half of the day", "1/2/1999 15:04:05", 36162.62783564815},
+      {"the last second without one", "1/2/1999 23:59:59", 36162.99998842592},
+      {"blanks behind the half", "1/2/1999 3:04 PM  ", 36162.62777777778},
+      {"no blank before the half", "1/2/1999 3:04PM", 36162.62777777778},
+      {"year, month and day", "1999-01-02", 36162},
+      {"year, month, day and time", "1999-01-02 15:04:05", 36162.62783564815},
+      {"with a T between", "1999-01-02T15:04:05", 36162.62783564815},
+      {"fractions of a second are dropped", "1999-01-02 15:04:05.999", 36162.62783564815},
+      {"a point without a fraction", "1999-01-02 15:04:05.", 36162.62783564815},
+      {"two digits from 30", "1/2/30", 10960},
+      {"two digits below 30", "1/2/29", 47120},
+      {"the largest of two digits", "1/2/99", 36162},
+      {"three digits are a year", "1/2/100", -657433},
+      {"a time alone", "3:04:05 PM", 0.6278356481481482},
+      {"blanks around", "  1/2/1999  ", 36162},
+      {"several blanks before the time", "1/2/1999   3:04:05 PM", 36162.62783564815},
+      {"a leap day", "2/29/2000", 36585},
+      {"the last day of all", "12/31/9999", 2958465},
+      {"the first day of all", "1/1/100", -657434},
+      {"nine digits of nothing and a day", "000000001/2/1999", 36162},
       {"no leap day", "2/29/1900", std::nullopt},
       {"no such month", "13/1/1999", std::nullopt},
+      {"no month 0", "0/1/1999", std::nullopt},
+      {"no day 0", "1/0/1999", std::nullopt},
+      {"behind the last day", "1/1/10000", std::nullopt},
       {"no such hour", "1/2/1999 24:00:00", std::nullopt},
+      {"no such minute", "1/2/1999 3:60:00", std::nullopt},
+      {"no such second", "1/2/1999 3:04:60", std::nullopt},
       {"no hour 13 in the afternoon", "1/2/1999 13:00 PM", std::nullopt},
+      {"no hour 0 in the morning", "1/2/1999 0:30 AM", std::nullopt},
+      {"another half of the day", "1/2/1999 3:04 XM", std::nullopt},
+      {"half of a half", "1/2/1999 3:04 P", std::nullopt},
       {"a number is no date", "36892.5", std::nullopt},
       {"nor is an integer", "36892", std::nullopt},
+      {"one number and a separator", "1/", std::nullopt},
+      {"two numbers", "1/2", std::nullopt},
+      {"two numbers and a separator", "1/2/", std::nullopt},
+      {"two separators", "1/2-1999", std::nullopt},
+      {"another locale's separator", "1.2.1999", std::nullopt},
+      {"an hour alone behind a day", "1/2/1999 3", std::nullopt},
+      {"an hour without minutes", "1/2/1999 3:", std::nullopt},
+      {"minutes without seconds, and a colon", "1/2/1999 3:04:", std::nullopt},
+      {"an hour and a colon", "3:", std::nullopt},
+      {"a T and nothing", "1999-01-02T", 36162},
       {"words", "not a date", std::nullopt},
       {"nothing", "", std::nullopt},
+      {"a blank", "  ", std::nullopt},
       {"something behind it", "1/2/1999 x", std::nullopt},
+      {"something behind a time", "1/2/1999 3:04:05 PM x", std::nullopt},
       {"a year of 20 digits", "1/2/19991999199919991999", std::nullopt},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.why);
-    EXPECT_EQ(ParseDate(c.text, kEnglishUnitedStates), c.date);
+    const auto date = ParseDate(c.text, kEnglishUnitedStates);
+    EXPECT_EQ(date.has_value(), c.serial.has_value());
+    if (date && c.serial) EXPECT_EQ(date->serial, *c.serial);
   }
 }
 
+TEST(Date, IsReadInTheOrderOfTheLocale) {
+  EXPECT_EQ(ParseDate("2.1.1999", *FindLocale("de-DE")), Date{36162});
+  EXPECT_EQ(ParseDate("2/1/1999", *FindLocale("de-DE")), Date{36162}) << "a slash separates everywhere";
+  EXPECT_EQ(ParseDate("1999-01-02", *FindLocale("de-DE")), Date{36162});
+  EXPECT_EQ(ParseDate("2.1.1999", *FindLocale("en-GB")), std::nullopt);
+}
+
 TEST(Date, OnlyWhatTheCalendarHasCanBeMade) {
-  EXPECT_EQ(MakeDate(1899, 12, 30), Date{0});
-  EXPECT_EQ(MakeDate(1899, 12, 29, 6), Date{-1.25});
-  EXPECT_FALSE(MakeDate(99, 1, 1));
-  EXPECT_FALSE(MakeDate(10000, 1, 1));
-  EXPECT_FALSE(MakeDate(1999, 0, 1));
-  EXPECT_FALSE(MakeDate(1999, 1, 0));
-  EXPECT_FALSE(MakeDate(1999, 1, 1, 0, 60));
-  EXPECT_FALSE(MakeDate(1999, 1, 1, 0, 0, -1));
+  const struct {
+    const char* why;
+    int year, month, day, hour, minute, second;
+    std::optional<double> serial;
+  } kCases[] = {
+      {"day 0", 1899, 12, 30, 0, 0, 0, 0},
+      {"before day 0 the time counts away from it", 1899, 12, 29, 6, 0, 0, -1.25},
+      {"the first second of a day", 1999, 1, 2, 0, 0, 0, 36162},
+      {"the last second of a day", 1999, 1, 1, 23, 59, 59, 36161.99998842592},
+      {"the first day", 100, 1, 1, 0, 0, 0, -657434},
+      {"the day before it", 99, 12, 31, 0, 0, 0, std::nullopt},
+      {"the last day", 9999, 12, 31, 0, 0, 0, 2958465},
+      {"the day behind it", 10000, 1, 1, 0, 0, 0, std::nullopt},
+      {"month 0", 1999, 0, 1, 0, 0, 0, std::nullopt},
+      {"month 13", 1999, 13, 1, 0, 0, 0, std::nullopt},
+      {"a negative month", 1999, -1, 1, 0, 0, 0, std::nullopt},
+      {"day 0 of a month", 1999, 1, 0, 0, 0, 0, std::nullopt},
+      {"day 32", 1999, 1, 32, 0, 0, 0, std::nullopt},
+      {"a negative day", 1999, 1, -1, 0, 0, 0, std::nullopt},
+      {"hour 24", 1999, 1, 1, 24, 0, 0, std::nullopt},
+      {"a negative hour", 1999, 1, 1, -1, 0, 0, std::nullopt},
+      {"minute 60", 1999, 1, 1, 0, 60, 0, std::nullopt},
+      {"a negative minute", 1999, 1, 1, 0, -1, 0, std::nullopt},
+      {"second 60", 1999, 1, 1, 0, 0, 60, std::nullopt},
+      {"a negative second", 1999, 1, 1, 0, 0, -1, std::nullopt},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    const auto date = MakeDate(c.year, c.month, c.day, c.hour, c.minute, c.second);
+    EXPECT_EQ(date.has_value(), c.serial.has_value());
+    if (date && c.serial) EXPECT_EQ(date->serial, *c.serial);
+  }
 }
 
 }  // namespace

@@ -37,6 +37,27 @@ TEST(Error, TheProgramsOwnAreKnownByTheirNumbers) {
   for (const std::int32_t other : {0, 5, 7, 70, 458, -1, codes::kFailed}) EXPECT_FALSE(IsRunTimeError(other)) << other;
 }
 
+TEST(Error, ShowsATextFromOutsideWithoutMarkupAndControls) {
+  const struct {
+    const char* why;
+    std::string_view text;
+    const char* shown;
+  } kCases[] = {
+      {"plain text", "no such table: T", "no such table: T"},
+      {"markup", "<b>&\"", "\u2039b\u203A&\""},
+      {"line breaks and controls are one blank", "a\r\n\t\x01 b", "a b"},
+      {"blanks around go", "  a  ", "a"},
+      {"nothing but blanks", " \n ", ""},
+      {"letters beyond ASCII stay", "\u00E4\u20AC", "\u00E4\u20AC"},
+      {"a byte of nothing", std::string_view("a\0b", 3), "a b"},
+      {"nothing", "", ""},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    EXPECT_EQ(InDescription(c.text), c.shown);
+  }
+}
+
 TEST(Trap, BeginsClearAndLeavesTheLastError) {
   LeaveError(Overflow());
   Trap trap;
