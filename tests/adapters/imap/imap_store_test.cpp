@@ -14,6 +14,7 @@
 #include "platform/conversion.h"
 #include "platform/error.h"
 #include "platform/live_mailbox.h"
+#include "support/patience.h"
 
 namespace kalvo::tests {
 namespace {
@@ -321,13 +322,12 @@ TEST_F(ImapStoreTest, AWrongPasswordIsTold) {
 TEST_F(ImapStoreTest, WithoutTheRightNothingIsDeleted) {
   server_.MakePublicFolder({"Sales"});
   PlainImap(server_.Port(), "kalvo").Append("Public/Sales", "Subject: kept\n\nx\n", 915148800);
-  const auto store = Store();
-  const auto live = Browse(store);
-  live->GotoContainer("EX01", "Kalvo EX01", "Sales", 0, live::kByPath | live::kPublicFolders);
-  const auto id = ToText(live->Messages()->Field("ExchangeId"));
+  const auto before = Browse(Store());
+  before->GotoContainer("EX01", "Kalvo EX01", "Sales", 0, live::kByPath | live::kPublicFolders);
+  const auto id = ToText(before->Messages()->Field("ExchangeId"));
   for (const char* rights : {"lrs", "lrst", "lrse"}) {
     server_.Write("public/.Sales/dovecot-acl", std::string("user=kalvo ") + rights + "\n");
-    std::this_thread::sleep_for(milliseconds(1100));  // the server looks at it once a second
+    const auto live = Browse(Store());  // the server reads the rights at the beginning of a connection
     EXPECT_EQ(Failure([&] { live->RemoveMessage("EX01", "", "", id, live::kPublicFolders); }),
               "Deleting messages is not allowed in this folder.");
   }
@@ -390,11 +390,11 @@ TEST_F(ImapStoreTest, AStoppedServerGivesAnErrorAndTheNextPageWorks) {
   const auto failure = Failure([&] { messages->Field("Name"); });
   EXPECT_NE(failure.find("did not answer in time"), std::string::npos) << failure;
   EXPECT_NE(Failure([&] { Browse(store)->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath); }), "");
-  EXPECT_LT(Clock::now() - begin, milliseconds(2500));
+  EXPECT_LT(Clock::now() - begin, milliseconds(15'000));
   server_.Resume();
-  std::this_thread::sleep_for(milliseconds(1100));
   const auto next = Browse(store);
-  OpenInbox(*next);
+  // For a while nobody asks a server that was silent again.
+  EXPECT_TRUE(test::Eventually([&] { return Failure([&] { OpenInbox(*next); }).empty(); }));
   EXPECT_EQ(FieldsOf(*next->Messages(), "Name").size(), 120u);
 }
 
@@ -410,7 +410,7 @@ TEST_F(ImapStoreTest, AKilledServerGivesAnErrorAndTheNextPageWorks) {
   const auto begin = Clock::now();
   const auto failure = Failure([&] { messages->Field("Name"); });
   EXPECT_NE(failure.find("cannot be reached"), std::string::npos) << failure;
-  EXPECT_LT(Clock::now() - begin, milliseconds(2000));
+  EXPECT_LT(Clock::now() - begin, milliseconds(15'000));
   server_.Start();
   EXPECT_NE(ToText(messages->Field("Name")), "") << "the same listing goes on";
   const auto next = Browse(store);
