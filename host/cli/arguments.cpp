@@ -77,7 +77,15 @@ void AddSample(CLI::App& app, SampleArguments& sample) {
 }
 
 void AddCheck(CLI::App& app, CheckArguments& check) {
-  app.add_option("--config", check.config, "the settings' file")->type_name("FILE");
+  CLI::Option* config = app.add_option("--config", check.config, "the settings' file");
+  config->type_name("FILE");
+  CLI::Option* attack = app.add_option("--attack", check.attack,
+                                       "asks a running system of yours what it should refuse; changes nothing there");
+  attack->type_name("URL")->excludes(config);
+  app.add_option("--cookie", check.cookie,
+                 "with --attack: the Cookie header of a signed-in visitor, in a file or \"-\"")
+      ->type_name("FILE")
+      ->needs(attack);
 }
 
 void AddPasswd(CLI::App& app, PasswdArguments& passwd) {

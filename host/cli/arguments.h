@@ -43,6 +43,8 @@ struct SampleArguments {
 
 struct CheckArguments {
   std::optional<std::string> config;
+  std::optional<std::string> attack;  // the address of a system to be asked
+  std::optional<std::string> cookie;  // the file with a visitor's Cookie header, or "-"
 };
 
 struct PasswdArguments {

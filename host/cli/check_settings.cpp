@@ -1,15 +1,40 @@
+#include <algorithm>
+#include <fstream>
 #include <iostream>
 
+#include "host/attack/attack.h"
 #include "host/cli/arguments.h"
 #include "host/cli/check_command.h"
 #include "host/cli/commands.h"
 #include "host/parts/database_part.h"
 #include "host/parts/parts.h"
+#include "host/parts/setting_error.h"
 #include "host/web/settings.h"
 
 namespace kalvo::host {
 
+namespace {
+
+// A line that a browser sends as its Cookie header; it is no argument, because others see those.
+std::string CookieOf(const std::string& file) {
+  std::ifstream opened;
+  if (file != "-") opened.open(file);
+  std::istream& in = file == "-" ? std::cin : opened;
+  std::string line;
+  if (!std::getline(in, line)) throw SettingError("--cookie: there is no line to read in " + file);
+  if (line.ends_with('\r')) line.pop_back();
+  if (line.starts_with("Cookie: ")) line.erase(0, 8);
+  const bool isHeader = !line.empty() && std::all_of(line.begin(), line.end(), [](char c) { return c >= ' '; });
+  if (!isHeader) throw SettingError("--cookie: " + file + " begins with no Cookie header, such as NAME=VALUE");
+  return line;
+}
+
+}  // namespace
+
 int RunCheck(const CheckArguments& arguments) {
+  if (arguments.attack) {
+    return attack::RunAttack({*arguments.attack, arguments.cookie ? CookieOf(*arguments.cookie) : ""}, std::cout);
+  }
 #ifdef KALVO_HAS_CHECK
   const web::Settings settings = arguments.config ? web::ReadSettings(*arguments.config) : web::Settings();
   const DatabaseProof proof = ProveDatabaseAside(settings.Parts());  // before anything is open
