@@ -12,10 +12,14 @@
 #include "adapters/imap/fetched.h"
 #include "adapters/imap/limits.h"
 
+struct mailimap_fetch_type;
+struct mailimap_set;
+
 namespace kalvo::imap {
 
-class Transport;
+class OwnedList;
 class ResponseGuard;
+class Transport;
 struct ServerAddress;
 
 struct Login {
@@ -102,6 +106,7 @@ class Connection {
   void Connect(const ServerAddress& address);
   void LogIn(const Login& login);
   void ReadNamespaces();
+  void Fetch(mailimap_set* messages, mailimap_fetch_type* wanted, OwnedList& found);
   void Command();
   void Check(int code, std::string_view step);
   [[noreturn]] void Fail(int code, std::string_view step);

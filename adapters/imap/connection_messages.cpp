@@ -54,6 +54,14 @@ Owned<mailimap_store_att_flags> DeletedFlag(bool set) {
 
 }  // namespace
 
+// Where the server refuses, the library has freed the list that it answers.
+void Connection::Fetch(mailimap_set* messages, mailimap_fetch_type* wanted, OwnedList& found) {
+  Command();
+  const int code = mailimap_uid_fetch(session_->imap, messages, wanted, &found.list);
+  if (code != MAILIMAP_NO_ERROR) found.list = nullptr;
+  Check(code, "FETCH");
+}
+
 std::vector<std::uint32_t> Connection::AllUids() {
   const Owned<mailimap_search_key> all(mailimap_search_key_new_all());
   OwnedList found(mailimap_search_result_free);
@@ -86,8 +94,7 @@ void Connection::FetchSummaries(std::uint32_t firstUid, std::uint32_t lastUid, s
   const auto wanted =
       FetchOf(mailimap_fetch_att_new_uid, mailimap_fetch_att_new_rfc822_size, mailimap_fetch_att_new_internaldate);
   OwnedList found(mailimap_fetch_list_free);
-  Command();
-  Check(mailimap_uid_fetch(session_->imap, set.get(), wanted.get(), &found.list), "FETCH");
+  Fetch(set.get(), wanted.get(), found);
   found.ForEach<mailimap_msg_att>([&](const mailimap_msg_att& answer) {
     const auto message = ReadMessage(answer);
     // A server may throw in news of other messages.
@@ -102,8 +109,7 @@ std::vector<Fetched> Connection::Fetch(std::span<const std::uint32_t> uids) {
       FetchOf(mailimap_fetch_att_new_uid, mailimap_fetch_att_new_rfc822_size, mailimap_fetch_att_new_internaldate,
               mailimap_fetch_att_new_envelope, mailimap_fetch_att_new_bodystructure);
   OwnedList found(mailimap_fetch_list_free);
-  Command();
-  Check(mailimap_uid_fetch(session_->imap, set.get(), wanted.get(), &found.list), "FETCH");
+  Fetch(set.get(), wanted.get(), found);
   std::vector<Fetched> messages;
   found.ForEach<mailimap_msg_att>([&](const mailimap_msg_att& answer) {
     auto message = ReadMessage(answer);
@@ -116,8 +122,7 @@ bool Connection::Exists(std::uint32_t uid) {
   const Owned<mailimap_set> set(mailimap_set_new_single(uid));
   const auto wanted = FetchOf(mailimap_fetch_att_new_uid);
   OwnedList found(mailimap_fetch_list_free);
-  Command();
-  Check(mailimap_uid_fetch(session_->imap, set.get(), wanted.get(), &found.list), "FETCH");
+  Fetch(set.get(), wanted.get(), found);
   bool exists = false;
   found.ForEach<mailimap_msg_att>(
       [&](const mailimap_msg_att& answer) { exists = exists || ReadMessage(answer).uid == uid; });

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string_view>
 
+#include "adapters/mail/limits.h"
 #include "adapters/mail/text.h"
 #include "platform/append.h"
 
@@ -33,19 +34,22 @@ void ForEach(clist* list, Visit&& visit) {
   }
 }
 
+// At most so much of a text that a server hands on from a message.
+std::string Cut(const char* raw, std::size_t most) { return std::string(View(raw).substr(0, most)); }
+
 std::string DecodedText(const char* raw) {
-  if (raw == nullptr) return {};
-  return std::string(View(OwnedText(g_mime_utils_header_decode_text(nullptr, raw)).get()));
+  const std::string text = Cut(raw, mail::kLongestField);
+  return std::string(View(OwnedText(g_mime_utils_header_decode_text(nullptr, text.c_str())).get()));
 }
 
 std::string DecodedPhrase(const char* raw) {
-  if (raw == nullptr) return {};
-  return std::string(View(OwnedText(g_mime_utils_header_decode_phrase(nullptr, raw)).get()));
+  const std::string phrase = Cut(raw, mail::kLongestSender);
+  return std::string(View(OwnedText(g_mime_utils_header_decode_phrase(nullptr, phrase.c_str())).get()));
 }
 
 std::optional<std::int64_t> SentTime(const char* raw) {
   if (raw == nullptr) return std::nullopt;
-  const std::unique_ptr<GDateTime, Freed> date(g_mime_utils_header_decode_date(raw));
+  const std::unique_ptr<GDateTime, Freed> date(g_mime_utils_header_decode_date(Cut(raw, mail::kLongestWord).c_str()));
   if (!date) return std::nullopt;
   return g_date_time_to_unix(date.get());
 }
@@ -67,7 +71,7 @@ std::string Sender(const mailimap_envelope& envelope) {
     // An address without a host opens or closes a group.
     if (!sender.empty() || from.ad_host_name == nullptr || from.ad_mailbox_name == nullptr) return;
     std::string address;
-    Append(address, View(from.ad_mailbox_name), "@", View(from.ad_host_name));
+    Append(address, Cut(from.ad_mailbox_name, mail::kLongestWord), "@", Cut(from.ad_host_name, mail::kLongestWord));
     sender = mail::SenderText(DecodedPhrase(from.ad_personal_name), address);
   });
   return mail::CleanText(sender);
@@ -79,6 +83,7 @@ std::string Parameter(const mailimap_body_fld_param* parameters, const char* nam
   if (parameters == nullptr) return {};
   std::string header;
   ForEach<mailimap_single_body_fld_param>(parameters->pa_list, [&](const mailimap_single_body_fld_param& each) {
+    if (header.size() + View(each.pa_name).size() + View(each.pa_value).size() > mail::kLongestParameters) return;
     Append(header, header.empty() ? "" : "; ", View(each.pa_name), "=");
     const bool encoded = View(each.pa_name).ends_with('*');
     if (!encoded) header += '"';
@@ -116,6 +121,7 @@ std::int64_t DecodedSize(const mailimap_body_fields& fields) {
 void AddPart(std::string_view type, std::string_view subtype, const mailimap_body_fields& fields,
              const mailimap_body_ext_1part* extension, std::vector<mail::Attachment>& attachments) {
   const auto* disposition = extension == nullptr ? nullptr : extension->bd_disposition;
+  if (attachments.size() >= mail::kMostParts) return;
   auto name = disposition == nullptr ? std::string() : Parameter(disposition->dsp_attributes, "filename");
   if (name.empty()) name = Parameter(fields.bd_parameter, "name");
   const auto word = disposition == nullptr ? std::string_view() : View(disposition->dsp_type);

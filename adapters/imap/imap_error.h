@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string>
+#include <string_view>
 
 #include "platform/error.h"
 
@@ -14,10 +14,12 @@ enum class Fault {
   Nonsense,     // what came is not what the protocol has, or more than we take
 };
 
-// A failure of a mail server; 0x80004005 and a sentence that names the server, the step and what went wrong.
+// A failure of a mail server; 0x80004005 and a sentence that names the server, the step and what went wrong. It may
+// quote the server and is shown as it stands, so it holds no markup.
 class ImapError : public Error {
  public:
-  ImapError(Fault fault, std::string description) : Error(codes::kFailed, std::move(description)), fault_(fault) {}
+  ImapError(Fault fault, std::string_view description)
+      : Error(codes::kFailed, InDescription(description)), fault_(fault) {}
 
   Fault What() const { return fault_; }
 

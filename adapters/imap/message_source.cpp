@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <numeric>
 #include <unordered_set>
 
 #include "adapters/imap/connection_pool.h"
 #include "adapters/mail/errors.h"
+#include "adapters/mail/text.h"
 #include "platform/append.h"
 
 namespace kalvo::imap {
@@ -17,6 +19,7 @@ constexpr std::size_t kWindow = 50;           // a page
 constexpr std::size_t kLargestWindow = 2000;  // for a listing that is read from end to end
 constexpr std::size_t kKeptRows = 50'000;
 constexpr std::size_t kUndatedAtMost = 2000;
+constexpr int kUnreadableAtMost = 20;  // of one window; if there are more, it is the server
 
 // 1971-01-01: no date that is older is believed to be a server's way to say that there is none.
 constexpr std::int64_t kOldestDate = 31'536'000;
@@ -59,9 +62,31 @@ auto ImapMessages::Ask(Step&& step) {
 }
 
 std::vector<Fetched> ImapMessages::Fetch(std::span<const std::uint32_t> uids) {
-  auto fetched = Ask([&](Connection& connection) { return connection.Fetch(uids); });
+  std::vector<Fetched> fetched;
+  int unreadable = 0;
+  FetchReadable(uids, fetched, unreadable);
   pool_->CountFetched(fetched.size());
   return fetched;
+}
+
+// A message that the server tells more of than we take, or what no message has, is looked for by halves: it has a row
+// that says so, and the others have theirs.
+void ImapMessages::FetchReadable(std::span<const std::uint32_t> uids, std::vector<Fetched>& fetched, int& unreadable) {
+  try {
+    auto found = Ask([&](Connection& connection) { return connection.Fetch(uids); });
+    std::move(found.begin(), found.end(), std::back_inserter(fetched));
+    return;
+  } catch (const ImapError& error) {
+    if (error.What() != Fault::Nonsense) throw;
+    if (uids.size() == 1 && ++unreadable > kUnreadableAtMost) throw;
+  }
+  if (uids.size() == 1) {
+    fetched.emplace_back().uid = uids.front();
+    fetched.back().subject = mail::kUnreadable;
+    return;
+  }
+  FetchReadable(uids.first(uids.size() / 2), fetched, unreadable);
+  FetchReadable(uids.subspan(uids.size() / 2), fetched, unreadable);
 }
 
 mail::MessageRow ImapMessages::Row(std::span<const std::int32_t> upcoming) {

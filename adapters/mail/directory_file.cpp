@@ -90,7 +90,7 @@ class DirectoryReader {
     } else if (key == "address") {
       // Addresses go into attributes that are not encoded.
       if (value.find('@') == std::string_view::npos || value.find_first_of("\"<>&' ") != std::string_view::npos) {
-        Refuse("an address is name@domain, without blanks, quotes, \"<\", \">\" and \"&\"");
+        Refuse("an address is name@domain, without blanks, quotes, angle brackets and \"&\"");
       }
       mailbox_->addresses.emplace_back(value);
     } else if (key == "dn") {

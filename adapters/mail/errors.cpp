@@ -16,7 +16,7 @@ Error Named(std::int32_t number, std::string_view before, std::string_view name,
 
 }  // namespace
 
-Error NoSuchFolder(std::string_view what) { return Error(codes::kNoSuchFolder, std::string(what)); }
+Error NoSuchFolder(std::string_view what) { return Error(codes::kNoSuchFolder, InDescription(what)); }
 
 Error NoSuchMailbox(std::string_view name) {
   return Named(codes::kNoSuchMailbox, "There is no mailbox ", name, " on this server.");
@@ -41,6 +41,6 @@ Error AmbiguousMailbox(std::string_view name) {
 
 Error UnknownField(std::string_view name) { return Named(codes::kFailed, "The listing has no field ", name, "."); }
 
-Error StoreFailed(std::string description) { return Error(codes::kFailed, std::move(description)); }
+Error StoreFailed(std::string_view description) { return Error(codes::kFailed, InDescription(description)); }
 
 }  // namespace kalvo::mail

@@ -8,6 +8,7 @@
 #include <new>
 #include <string_view>
 
+#include "adapters/mail/limits.h"
 #include "adapters/mail/text.h"
 #include "adapters/maildir/message_scan.h"
 
@@ -17,10 +18,6 @@ namespace {
 
 constexpr std::size_t kLongestInListing = std::size_t{2} << 20;
 constexpr std::size_t kLongestMessage = std::size_t{64} << 20;
-
-// What of a field goes to the library. A sender is its first address, a subject is cut when it is shown.
-constexpr std::size_t kLongestText = 64u << 10, kLongestSender = 8u << 10, kLongestParameters = 4u << 10;
-constexpr std::size_t kLongestWord = 1000;
 
 // The library reads an address list by calling itself at each of these.
 constexpr std::string_view kNesting = ":(<";
@@ -62,7 +59,7 @@ std::string Decoded(std::string_view field, std::size_t most) {
 }
 
 std::string SenderOf(std::string_view from) {
-  const OwnedText field = Unfolded(from, kLongestSender);
+  const OwnedText field = Unfolded(from, mail::kLongestSender);
   const std::string_view text = Text(field.get());
   const auto deep = std::count_if(text.begin(), text.end(), [](char c) { return kNesting.find(c) != kNesting.npos; });
   if (deep <= kDeepestSender) {
@@ -76,16 +73,17 @@ std::string SenderOf(std::string_view from) {
     }
   }
   // A sender that is no address is shown as it stands.
-  return Decoded(from, kLongestSender);
+  return Decoded(from, mail::kLongestSender);
 }
 
 std::optional<std::int64_t> SentOf(std::string_view date) {
-  const std::unique_ptr<GDateTime, Free> sent(g_mime_utils_header_decode_date(Unfolded(date, kLongestWord).get()));
+  const std::unique_ptr<GDateTime, Free> sent(
+      g_mime_utils_header_decode_date(Unfolded(date, mail::kLongestWord).get()));
   return sent ? std::optional<std::int64_t>(g_date_time_to_unix(sent.get())) : std::nullopt;
 }
 
 Ref<GMimeContentType> TypeOf(const Head& head, bool isMessage) {
-  const OwnedText field = Unfolded(head.contentType, kLongestParameters);
+  const OwnedText field = Unfolded(head.contentType, mail::kLongestParameters);
   if (head.contentType.data() == nullptr) {
     return Ref<GMimeContentType>(isMessage ? g_mime_content_type_new("message", "rfc822")
                                            : g_mime_content_type_new("text", "plain"));
@@ -101,7 +99,7 @@ std::optional<Multipart> MultipartOf(const Head& head) {
 }
 
 std::int64_t DecodedSize(std::string_view content, std::string_view encodingField) {
-  const OwnedText field = Unfolded(encodingField, kLongestWord);
+  const OwnedText field = Unfolded(encodingField, mail::kLongestWord);
   GMimeEncoding decoder;
   g_mime_encoding_init_decode(&decoder, g_mime_content_encoding_from_string(g_strstrip(field.get())));
   if (decoder.encoding == GMIME_CONTENT_ENCODING_DEFAULT || decoder.encoding == GMIME_CONTENT_ENCODING_7BIT ||
@@ -124,7 +122,7 @@ void ReadLeaf(const Leaf& leaf, Read what, MessageContent& content) {
       leaf.head.contentDisposition.data() == nullptr
           ? nullptr
           : g_mime_content_disposition_parse(nullptr,
-                                             Unfolded(leaf.head.contentDisposition, kLongestParameters).get()));
+                                             Unfolded(leaf.head.contentDisposition, mail::kLongestParameters).get()));
   std::string_view word, name;
   if (disposition.get()) {
     word = Text(g_mime_content_disposition_get_disposition(disposition.get()));
@@ -142,7 +140,7 @@ void ReadLeaf(const Leaf& leaf, Read what, MessageContent& content) {
 MessageContent ReadText(std::string_view text, Read what) {
   MessageContent content;
   MessageScan scan(text, MultipartOf);
-  content.subject = Decoded(scan.Top().subject, kLongestText);
+  content.subject = Decoded(scan.Top().subject, mail::kLongestField);
   content.sender = SenderOf(scan.Top().from);
   content.sent = SentOf(scan.Top().date);
   while (const auto leaf = scan.Next()) {

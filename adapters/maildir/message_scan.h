@@ -9,10 +9,8 @@
 
 namespace kalvo::maildir {
 
-// What a message may cost. It comes from strangers: whatever is beyond is not looked at.
-inline constexpr std::size_t kLongestField = std::size_t{64} << 10;  // bytes of a field of a head
+// What a message may cost beside the limits of all mail stores.
 inline constexpr int kMostFieldLines = 1000;
-inline constexpr std::size_t kMostParts = 1000;
 inline constexpr std::size_t kDeepestParts = 50;
 
 // The fields of a head that are of use here, as they stand, line ends and all, cut where they get too long; "" for one

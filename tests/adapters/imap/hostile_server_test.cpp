@@ -134,7 +134,7 @@ TEST_F(HostileServer, GivesAnErrorInTimeAndTheNextPageWorks) {
        },
        ""},
       {"a refusal with bytes that do not print", "EXAMINE",
-       [](Talk& talk, const std::string& tag) { talk.Send(tag + " NO \x1B[31m<b>\r\n"); }, "?[31m"},
+       [](Talk& talk, const std::string& tag) { talk.Send(tag + " NO \x1B[31m<b>\r\n"); }, "?[31m\u2039b\u203A"},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.why);
@@ -149,6 +149,55 @@ TEST_F(HostileServer, GivesAnErrorInTimeAndTheNextPageWorks) {
     // For a while nobody asks a server that was silent again; then it is heard.
     EXPECT_TRUE(test::Eventually([&] { return Page() == good_; })) << Page();
   }
+}
+
+TEST_F(HostileServer, AMessageThatCannotBeReadIsARowThatSaysSo) {
+  const std::string open(200'000, '(');
+  const auto row = [](const std::string& uid) {
+    return "* " + uid + " FETCH (UID " + uid + " ENVELOPE (NIL \"Subject " + uid +
+           "\" NIL NIL NIL NIL NIL NIL NIL NIL) BODYSTRUCTURE (\"text\" \"plain\" NIL NIL NIL \"7bit\" 5 1))\r\n";
+  };
+  // The second message has a structure that nobody reads; sizes and dates are told well.
+  server_.Misbehave("UID FETCH", [&](Talk& talk, const std::string& tag) {
+    const std::string command = server_.Commands().back();
+    std::string answer;
+    for (const char* uid : {"1", "2", "3"}) {
+      const std::string asked = command.substr(10, command.find(' ', 10) - 10);
+      const bool wanted = asked == "1:3" || asked.find(uid) != asked.npos || (asked == "1:2" && *uid < '3') ||
+                          (asked == "2:3" && *uid > '1');
+      if (!wanted) continue;
+      if (command.find("ENVELOPE") == command.npos) {
+        answer +=
+            "* 1 FETCH (UID " + std::string(uid) + " RFC822.SIZE 100 INTERNALDATE \"01-Jan-1999 00:00:00 +0000\")\r\n";
+      } else {
+        answer += *uid == '2' ? "* 2 FETCH (UID 2 BODYSTRUCTURE " + open + "\r\n" : row(uid);
+      }
+    }
+    talk.Send(answer + tag + " OK done\r\n");
+  });
+  EXPECT_EQ(Page(), "3, (this message cannot be read), Subject 1, Subject 3, 300");
+}
+
+TEST_F(HostileServer, WhatItSaysReachesNoPageAsMarkup) {
+  const std::string evil = "<script>x()</script>";
+  for (const char* command : {"LOGIN", "CAPABILITY", "LIST", "EXAMINE", "UID SEARCH", "UID FETCH"}) {
+    SCOPED_TRACE(command);
+    SetUp();
+    server_.Misbehave(command, [&](Talk& talk, const std::string& tag) { talk.Send(tag + " NO " + evil + "\r\n"); });
+    const std::string page = Page();
+    EXPECT_NE(page.find("\u2039script\u203A"), page.npos) << page;
+    EXPECT_EQ(page.find('<'), page.npos) << page;
+  }
+  server_.Behave();
+  SetUp();
+  const auto live = Browse(store_);
+  try {
+    live->GotoContainer("EX01", "alice", evil, 0, live::kByPath);
+    ADD_FAILURE();
+  } catch (const Error& error) {
+    EXPECT_EQ(error.Description(), "There is no folder \"\u2039script\u203Ax()\u2039/script\u203A\".");
+  }
+  EXPECT_EQ(imap::ImapError(imap::Fault::Lost, evil).Description().find('<'), std::string::npos);
 }
 
 TEST_F(HostileServer, OnlyTheFirstQuestionOfAPageWaitsForASilentOne) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "adapters/mail/limits.h"
+
 namespace kalvo::maildir {
 
 namespace {
@@ -80,8 +82,8 @@ TEST(MessageScan, CutsAFieldWhereItGetsTooLong) {
   const auto subjectOf = [&](const std::string& text) {
     return std::string(MessageScan(text, AskMultipart).Top().subject);
   };
-  EXPECT_EQ(subjectOf("Subject:" + std::string(70'000, 'x') + "\n\n").size(), kLongestField - 8);
-  EXPECT_EQ(subjectOf("Subject:" + std::string(kLongestField - 8, 'x') + "\n\n").size(), kLongestField - 8);
+  EXPECT_EQ(subjectOf("Subject:" + std::string(70'000, 'x') + "\n\n").size(), mail::kLongestField - 8);
+  EXPECT_EQ(subjectOf("Subject:" + std::string(mail::kLongestField - 8, 'x') + "\n\n").size(), mail::kLongestField - 8);
   std::string folded = "Subject:";
   for (int i = 0; i < 2000; ++i) folded += "\n x";
   EXPECT_EQ(subjectOf(folded + "\n\n").size(), 3u * (kMostFieldLines - 1)) << "the first thousand lines";
@@ -95,7 +97,7 @@ TEST(MessageScan, LooksAtSoManyPartsAndNoMore) {
   MessageScan scan(message, AskMultipart);
   std::size_t leaves = 0;
   while (scan.Next()) ++leaves;
-  EXPECT_EQ(leaves, kMostParts - 1) << "the one that holds them counts";
+  EXPECT_EQ(leaves, mail::kMostParts - 1) << "the one that holds them counts";
 }
 
 TEST(MessageScan, WhatIsNestedTooDeepHasNoParts) {
