@@ -111,6 +111,30 @@ TEST(BlockStore, FailsOutsideOfTheResult) {
   }
 }
 
+// How many values of so many bytes a store takes before it is full.
+int Taken(std::size_t memoryLimit, std::size_t size) {
+  BlockStore store(1, kEnglishUnitedStates, memoryLimit);
+  int taken = 0;
+  try {
+    for (; taken < 1'000'000; ++taken) store.AddText(std::string(size, 'x'));
+  } catch (const Error&) {
+  }
+  return taken;
+}
+
+TEST(BlockStore, TakesHalfAGibibyteUnlessToldOtherwise) {
+  EXPECT_EQ(BlockStore::kMemoryLimit, std::size_t{536'870'912});
+}
+
+// 256 rows of 16 bytes a cell are a block; texts lie in pieces of 64 KiB, large ones of 16 KiB and more for themselves.
+TEST(BlockStore, CountsWhatItTakes) {
+  EXPECT_EQ(Taken(1 << 20, 0), 65'536) << "cells alone";
+  EXPECT_EQ(Taken((1 << 20) - 1, 0), 65'280) << "the last block has no room";
+  EXPECT_EQ(Taken(1 << 20, 16'384), 63) << "63 texts of 16 KiB, and their block";
+  EXPECT_EQ(Taken(1 << 20, 16'383), 15 * 4) << "15 pieces of four texts each, and their block";
+  EXPECT_EQ(Taken(100'000, 20'000), 4);
+}
+
 TEST(BlockStore, RefusesAResultThatIsTooLarge) {
   BlockStore store(1, kEnglishUnitedStates, 1 << 20);
   try {

@@ -46,6 +46,14 @@ TEST(Shape, SortTexts) {
       {"a name with a direction", "Name ASC", "Id", true},
       {"the direction in any case", "Name dEsC", "Id", true},
       {"a qualified name", "sb.BackupLength DESC", "Id", true},
+      {"names of every letter and digit", "AZaz09_$, [AZaz09_ .$], \"\xC2\x80\"", "Id", true},
+      {"a quoted name with a sign before the digits", "[a/]", "Id", false},
+      {"a quoted name with a sign behind the digits", "[a:]", "Id", false},
+      {"a quoted name with a sign before the capitals", "[@]", "Id", false},
+      {"a quoted name with a sign behind the capitals", "\"[\"", "Id", false},
+      {"a quoted name with a sign before the letters", "\"`\"", "Id", false},
+      {"a quoted name with a sign behind the letters", "[{]", "Id", false},
+      {"a quoted name with the last sign of ASCII", "[\x7F]", "Id", false},
       {"names of three styles", "\"a\", [b c] DESC, T.`d`", "Id", true},
       {"nothing", "", "Id", true},
       {"blanks", "  ", "Id", true},
@@ -165,6 +173,22 @@ TEST(Shape, Patterns) {
 TEST(Shape, AZeroByteIsRefused) {
   const std::string sql = Completed(std::string("'a\0b'", 5), "Id");
   EXPECT_EQ(Refusal({sql, kPattern, "Id"}), "[42000] The SQL holds a zero byte.");
+}
+
+TEST(Shape, SaysWhatIsWrongInAllItsForms) {
+  EXPECT_EQ(Refusal({"select 1 limit 2", "select 1", ""}),
+            "[42000] The completed SQL goes on where its table's own text ends, from: \"limit 2\"");
+  EXPECT_EQ(Refusal({"select 1", "select 1 limit 2", ""}),
+            "[42000] The completed SQL ends before its table's own text does, at: \"limit\"");
+  EXPECT_EQ(Refusal({"", "", ""}), "[42000] The table has no SQL.");
+  EXPECT_EQ(Refusal({"select 1 order by select", "select 1 order by %SORT%", ""}),
+            "[42000] The completed SQL has another number of statements than its table's own text: "
+            "\"select 1 order by select\"");
+  const std::string fits(59, 'y'), tooLong(60, 'y');
+  EXPECT_EQ(Refusal({"select 2" + fits, "select 1", ""}),
+            "[42000] The completed SQL differs from its table's own text, from: \"2" + fits + "\"");
+  EXPECT_EQ(Refusal({"select 2" + tooLong, "select 1", ""}),
+            "[42000] The completed SQL differs from its table's own text, from: \"2" + fits + "...\"");
 }
 
 TEST(Shape, SaysWhatIsWrong) {

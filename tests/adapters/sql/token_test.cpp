@@ -48,6 +48,13 @@ TEST(Token, ReadsEveryKind) {
       {"a string that does not end", "a 'b", "wu", "a 'b"},
       {"a quoted name that does not end", "[b", "u", "[b"},
       {"a comment that does not end", "/* b", "u", "/* b"},
+      {"a comment is not ended by its own beginning", "/*/ b", "u", "/*/ b"},
+      {"an empty comment", "/**/b", "cw", "/**/ b"},
+      {"words of the first and last letters", "AZ az z09$", "www", "AZ az z09$"},
+      {"signs beside the letters and digits", "/:@[]`{", "yyyqu", "/ : @ [] `{"},
+      {"numbers of the first and last digits", "09 90", "nn", "09 90"},
+      {"a word of the lowest byte above ASCII", "\x80z", "w", "\x80z"},
+      {"the highest byte of ASCII is no letter", "\x7F", "y", "\x7F"},
       {"no placeholders in a completed text", "%SORT%", "ywy", "% SORT %"},
   };
   for (const auto& c : kCases) {
