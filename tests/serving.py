@@ -85,7 +85,7 @@ class Serving:
         self.process = subprocess.Popen([self.program, "serve", "--config", self.config], stdin=subprocess.DEVNULL,
                                         stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
         for line in self.process.stdout:
-            if line.startswith("http://") or "server block" in line:
+            if line.startswith(("http://", "https://")) or "server block" in line:
                 self.address = line.strip()
                 return self
         raise AssertionError("the server did not start: " + self.process.stderr.read())

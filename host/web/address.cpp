@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 
+#include <algorithm>
 #include <charconv>
 
 namespace kalvo::web {
@@ -14,14 +15,23 @@ std::optional<std::uint16_t> ParsePort(std::string_view text) {
   return port;
 }
 
-bool IsLoopback4(const std::string& host) {
+std::optional<in_addr> Parse4(std::string_view text) {
   in_addr address{};
-  return inet_pton(AF_INET, host.c_str(), &address) == 1 && (ntohl(address.s_addr) >> 24) == 127;
+  return inet_pton(AF_INET, std::string(text).c_str(), &address) == 1 ? std::optional(address) : std::nullopt;
 }
 
-bool IsLoopback6(const std::string& host) {
+std::optional<in6_addr> Parse6(std::string_view text) {
   in6_addr address{};
-  return inet_pton(AF_INET6, host.c_str(), &address) == 1 && IN6_IS_ADDR_LOOPBACK(&address);
+  return inet_pton(AF_INET6, std::string(text).c_str(), &address) == 1 ? std::optional(address) : std::nullopt;
+}
+
+std::optional<in6_addr> ParseBracketed(std::string_view text) {
+  if (text.size() < 3 || text.front() != '[' || text.back() != ']') return std::nullopt;
+  return Parse6(text.substr(1, text.size() - 2));
+}
+
+bool IsNameCharacter(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '.';
 }
 
 }  // namespace
@@ -31,12 +41,39 @@ std::optional<Address> ParseAddress(std::string_view text) {
   if (colon == std::string_view::npos) return std::nullopt;
   const auto port = ParsePort(text.substr(colon + 1));
   if (!port) return std::nullopt;
-  std::string host(text.substr(0, colon));
+  const std::string host(text.substr(0, colon));
   if (host == "localhost") return Address{"127.0.0.1", *port};
-  if (IsLoopback4(host)) return Address{host, *port};
-  const bool bracketed = host.size() > 2 && host.front() == '[' && host.back() == ']';
-  if (bracketed && IsLoopback6(host.substr(1, host.size() - 2))) return Address{host, *port};
+  if (Parse4(host) || ParseBracketed(host)) return Address{host, *port};
   return std::nullopt;
+}
+
+bool IsLoopback(const Address& address) {
+  if (const auto four = Parse4(address.host)) return (ntohl(four->s_addr) >> 24) == 127;
+  const auto six = ParseBracketed(address.host);
+  return six && IN6_IS_ADDR_LOOPBACK(&*six);
+}
+
+bool IsEveryAddress(const Address& address) {
+  if (const auto four = Parse4(address.host)) return four->s_addr == INADDR_ANY;
+  const auto six = ParseBracketed(address.host);
+  return six && IN6_IS_ADDR_UNSPECIFIED(&*six);
+}
+
+bool IsNetwork(std::string_view text) {
+  const std::size_t slash = text.find('/');
+  const std::string_view address = text.substr(0, slash);
+  const bool four = Parse4(address).has_value();
+  if (!four && !Parse6(address)) return false;
+  if (slash == std::string_view::npos) return true;
+  const std::string_view digits = text.substr(slash + 1);
+  unsigned bits = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), bits);
+  return error == std::errc() && end == digits.data() + digits.size() && bits >= 1 && bits <= (four ? 32u : 128u);
+}
+
+bool IsHost(std::string_view text) {
+  if (ParseBracketed(text)) return true;
+  return !text.empty() && text.size() <= 253 && std::all_of(text.begin(), text.end(), IsNameCharacter);
 }
 
 }  // namespace kalvo::web

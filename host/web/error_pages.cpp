@@ -22,6 +22,7 @@ constexpr ErrorPage kErrorPages[] = {
   {408, "Request Timeout",                 "The request took too long to arrive."},
   {413, "Content Too Large",               "What was posted is too large."},
   {414, "URI Too Long",                    "The address is too long."},
+  {421, "Misdirected Request",             "This server is not known by that name."},
   {431, "Request Header Fields Too Large", "The request's headers are too large."},
   {500, "Internal Server Error",           "The page could not be made. The administrator finds the reason in the log."},
   {503, "Service Unavailable",             "Too much is being asked at the moment. Please try again in a few seconds."},

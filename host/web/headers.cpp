@@ -41,8 +41,9 @@ void AppendLine(std::string& out, std::string_view indent, std::string_view name
 
 }  // namespace
 
-void AppendHeaders(std::string& out, Answers answers, std::string_view indent) {
+void AppendHeaders(std::string& out, Answers answers, bool encrypted, std::string_view indent) {
   for (const Header& header : kHeaders) AppendLine(out, indent, header.name, header.value);
+  if (encrypted) AppendLine(out, indent, "Strict-Transport-Security", "max-age=31536000");
   if (answers == Answers::Pages) return;
   AppendLine(out, indent, kPolicy, ContentPolicy({}));
   AppendLine(out, indent, kKeeping, answers == Answers::Files ? kKeptButAskedFor : kKeptByNobody);

@@ -14,8 +14,8 @@ namespace kalvo::web {
 enum class Answers { Files, ErrorPages, Pages };
 
 // nginx's directives for a block, each on a line that begins with `indent`. A block with a header of its own inherits
-// none, so it needs them again.
-void AppendHeaders(std::string& out, Answers answers, std::string_view indent = "");
+// none, so it needs them again. `encrypted` ones tell browsers to come encrypted from now on.
+void AppendHeaders(std::string& out, Answers answers, bool encrypted, std::string_view indent = "");
 
 // The content policy of a page: scripts and styles from this console's files, the delete form's own handler, and what
 // the page declares.

@@ -30,7 +30,7 @@ int TryToBind(const Address& address) {
   sockaddr_in6 long6{};
   long6.sin6_family = AF_INET6;
   long6.sin6_port = htons(address.port);
-  long6.sin6_addr = in6addr_loopback;
+  if (six) inet_pton(AF_INET6, address.host.substr(1, address.host.size() - 2).c_str(), &long6.sin6_addr);
   const auto* name = six ? reinterpret_cast<const sockaddr*>(&long6) : reinterpret_cast<const sockaddr*>(&four);
   const int failed = bind(probe, name, six ? sizeof long6 : sizeof four) != 0 ? errno : 0;
   close(probe);

@@ -27,6 +27,7 @@ namespace fs = std::filesystem;
 
 constexpr std::int64_t kStartMilliseconds = 10000;
 constexpr std::int64_t kRestartMilliseconds = 1000;
+constexpr std::uintmax_t kLongestLog = 4 << 20;  // bytes
 
 // What nginx wrote since `from`.
 std::string LogSince(const fs::path& file, std::uintmax_t from) {
@@ -110,6 +111,13 @@ void Nginx::Reload() {
 
 void Nginx::ReopenLog() {
   if (Running()) kill(process_, SIGUSR1);
+}
+
+void Nginx::BoundLog() {
+  if (SizeOf(run_.NginxLog()) < kLongestLog) return;
+  std::error_code failed;
+  fs::rename(run_.NginxLog(), run_.NginxLog().string() + ".old", failed);
+  ReopenLog();
 }
 
 void Nginx::Quit() {

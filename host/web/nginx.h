@@ -26,6 +26,9 @@ class Nginx {
   void Reload();
   void ReopenLog();
 
+  // Puts a log that has become long aside, in the place of the one before: whatever floods it, it stays small.
+  void BoundLog();
+
   // It closes its ears, finishes what it does, and goes.
   void Quit();
   void Kill();

@@ -1,13 +1,16 @@
 #include "host/web/nginx_config.h"
 
+#include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "host/parts/setting_error.h"
 #include "host/web/address.h"
 #include "host/web/error_pages.h"
 #include "host/web/headers.h"
+#include "host/web/login/addresses.h"
 #include "host/web/login/gate.h"
 #include "host/web/run_folder.h"
 #include "host/web/settings.h"
@@ -38,13 +41,12 @@ fastcgi_param SERVER_NAME $host;
 fastcgi_param SERVER_PORT $server_port;
 fastcgi_param SERVER_PROTOCOL $server_protocol;
 fastcgi_param REMOTE_ADDR $remote_addr;
-fastcgi_param HTTPS $https if_not_empty;
 )";
 
 constexpr std::string_view kLimits = R"(
 client_max_body_size 1m;
-client_header_timeout 15s;
-client_body_timeout 15s;
+client_header_timeout 5s;
+client_body_timeout 5s;
 send_timeout 60s;
 client_header_buffer_size 4k;
 large_client_header_buffers 4 16k;
@@ -72,19 +74,65 @@ types {
 charset utf-8;
 )";
 
-void AppendErrors(std::string& out, const RunFolder& run) {
+// What the site is made of.
+struct Parts {
+  const Settings& settings;
+  const RunFolder& run;
+};
+
+void AppendErrors(std::string& out, const Parts& parts) {
   for (const ErrorPage& page : ErrorPages()) {
     Append(out, "error_page ", page.status, " /_error/", page.status, ".html;\n");
   }
-  Append(out, "error_page 494 =431 /_error/431.html;\n");
+  Append(out, "error_page 494 =431 /_error/431.html;\nerror_page 497 =400 /_error/400.html;\n");
   // 502 is both: no worker took the request (the queue is full), or one took it and was lost.
   Append(out, "recursive_error_pages on;\nerror_page 502 = @lost;\n");
   Append(out, "location @lost {\n", "  if ($upstream_connect_time ~ \"^[0-9]\") { return 500; }\n  return 503;\n}\n");
-  Append(out, "location ^~ /_error/ { internal; alias ", Quoted(run.Errors() / ""), "; }\n");
-  Append(out, "location = /_error/503.html {\n  internal;\n  alias ", Quoted(run.Errors() / "503.html"),
+  Append(out, "location ^~ /_error/ { internal; alias ", Quoted(parts.run.Errors() / ""), "; }\n");
+  Append(out, "location = /_error/503.html {\n  internal;\n  alias ", Quoted(parts.run.Errors() / "503.html"),
          ";\n  add_header Retry-After 2 always;\n");
-  AppendHeaders(out, Answers::ErrorPages, "  ");
+  AppendHeaders(out, Answers::ErrorPages, parts.settings.Encrypts(), "  ");
   out += "}\n";
+}
+
+// Whether a proxy's word for who asks, and how, is taken by an nginx of our own.
+bool TakesWord(const Settings& settings) { return !settings.External() && !settings.trustedProxy.empty(); }
+
+// Whether nobody but the proxy may come, because nothing is encrypted between here and there.
+bool IsBehindProxy(const Settings& settings) {
+  return TakesWord(settings) && !settings.Encrypts() && !IsLoopback(*ParseAddress(settings.listen));
+}
+
+// A visitor's address is what the last proxy that is trusted says it is; from anybody else such a word is ignored.
+void AppendProxies(std::string& out, const Settings& settings) {
+  if (settings.trustedProxy.empty()) return;
+  for (const std::string& proxy : settings.trustedProxy) Append(out, "set_real_ip_from ", proxy, ";\n");
+  Append(out, "real_ip_header X-Forwarded-For;\nreal_ip_recursive on;\n");
+}
+
+// A host name as a regular expression.
+std::string Pattern(std::string_view host) {
+  std::string pattern;
+  for (const char c : host) {
+    if (c == '.' || c == '[' || c == ']') pattern += '\\';
+    pattern += c;
+  }
+  return pattern;
+}
+
+// Who asks for another server, or past the proxy, is told so and no more. An error page is for everybody.
+void AppendRefusals(std::string& out, const Settings& settings) {
+  Append(out, "set $kalvo_refusal \"\";\n");
+  if (!settings.hosts.empty()) {
+    std::string names;
+    for (const std::string& host : settings.hosts) Append(names, names.empty() ? "" : "|", Pattern(host));
+    Append(out, "if ($host !~* \"^(?:", names, ")$\") { set $kalvo_refusal 421; }\n");
+    // The address may name another host than the header, which is what pages see.
+    Append(out, "if ($http_host !~* \"^(?:", names, ")(?::[0-9]*)?$\") { set $kalvo_refusal 421; }\n");
+  }
+  if (IsBehindProxy(settings)) Append(out, "if ($kalvo_from_proxy = 0) { set $kalvo_refusal 403; }\n");
+  Append(out, "if ($uri ~ ^/_error/) { set $kalvo_refusal \"\"; }\n");
+  Append(out, "if ($kalvo_refusal = 421) { return 421; }\nif ($kalvo_refusal = 403) { return 403; }\n");
 }
 
 // What a stranger may send to sign in.
@@ -94,16 +142,17 @@ std::string SignInLimits() {
 
 // A location of pages; `limits` are directives of its own.
 void AppendPage(std::string& out, std::string_view address, std::string_view page, std::string_view url,
-                const RunFolder& run, std::string_view limits = "") {
+                const Parts& parts, std::string_view limits = "") {
   Append(out, "location ", address, " {\n", limits, "  fastcgi_param KALVO_PAGE ", page,
          ";\n  fastcgi_param KALVO_URL ", url, ";\n");
-  AppendHeaders(out, Answers::Pages, "  ");
+  AppendHeaders(out, Answers::Pages, parts.settings.Encrypts(), "  ");
   // A location with a parameter of its own inherits none.
-  Append(out, kParameters.substr(1), "  fastcgi_pass \"unix:", run.Socket().string(), "\";\n}\n");
+  Append(out, kParameters.substr(1), "fastcgi_param HTTPS ", TakesWord(parts.settings) ? "$kalvo_https" : "$https",
+         " if_not_empty;\n  fastcgi_pass \"unix:", parts.run.Socket().string(), "\";\n}\n");
 }
 
-void AppendAddresses(std::string& out, const Settings& settings, const RunFolder& run) {
-  const std::string site = Quoted(settings.site);
+void AppendAddresses(std::string& out, const Parts& parts) {
+  const std::string site = Quoted(parts.settings.site);
   Append(out, "if ($request_method !~ ^(GET|HEAD|POST)$) { return 405; }\n");
   Append(out, "location = / { return 302 /KalvoforExchange/; }\n");
   Append(out, "location = /KalvoforExchange { return 301 /KalvoforExchange/; }\n");
@@ -111,46 +160,103 @@ void AppendAddresses(std::string& out, const Settings& settings, const RunFolder
   // The first match decides.
   Append(out, "location ~ [\\x00-\\x1f\\x7f] { return 400; }\n");
   Append(out, "location ~ /\\. { return 404; }\n");
-  AppendPage(out, "= /KalvoforExchange/SignIn.asp", "/SignIn.asp", "$uri", run, SignInLimits());
-  AppendPage(out, "~ ^/KalvoforExchange(/.*\\.[Aa][Ss][Pp])$", "$1", "$uri", run);
-  AppendPage(out, "~ ^/KalvoforExchange(/(?:.*/)?)$", "$1Default.asp", "${uri}Default.asp", run);
+  AppendPage(out, "= /KalvoforExchange/SignIn.asp", "/SignIn.asp", "$uri", parts, SignInLimits());
+  AppendPage(out, "~ ^/KalvoforExchange(/.*\\.[Aa][Ss][Pp])$", "$1", "$uri", parts);
+  AppendPage(out, "~ ^/KalvoforExchange(/(?:.*/)?)$", "$1Default.asp", "${uri}Default.asp", parts);
   Append(out, "location ~ ^/KalvoforExchange(/.*\\.(?i:", kFileKinds, "))$ {\n  root ", site,
          ";\n  disable_symlinks on from=$document_root;\n  try_files $1 =404;\n");
-  AppendHeaders(out, Answers::Files, "  ");
+  AppendHeaders(out, Answers::Files, parts.settings.Encrypts(), "  ");
   out += "}\n";
   Append(out, "location ~ ^/KalvoforExchange(/[A-Za-z0-9_/-]+)$ {\n  root ", site,
          ";\n  if (-d $document_root$1) { return 301 /KalvoforExchange$1/; }\n  return 404;\n}\n");
 }
 
+// ---- an nginx of our own --------------------------------------------------------------------------------
+
+struct Connections {
+  rlim_t connections, files;
+};
+
+// Half a request costs its sender nothing and us a connection for some seconds, so there are many; never more than
+// the system gives files for.
+Connections MostConnections() {
+  constexpr rlim_t kConnections = 16384, kFilesBeside = 512;
+  rlimit limit{};
+  getrlimit(RLIMIT_NOFILE, &limit);
+  const rlim_t files = std::min<rlim_t>(limit.rlim_max, 2 * kConnections + kFilesBeside);
+  return {std::max<rlim_t>(files / 2, kFilesBeside) - kFilesBeside / 2, files};
+}
+
+// One address has a share of the connections, and of the attempts to sign in.
+constexpr std::string_view kShares = R"(
+limit_conn_status 503;
+limit_conn_log_level info;
+limit_req_status 503;
+limit_req_log_level info;
+limit_req zone=kalvo_sign_ins burst=20 nodelay;
+)";
+
+void AppendZones(std::string& out, const Settings& settings) {
+  Append(out, "limit_conn_zone $binary_remote_addr zone=kalvo_addresses:10m;\n");
+  // A browser that shows a device is the throttle's business: it knows whether the device is true.
+  Append(out, "map \"$request_method:$uri:$http_cookie\" $kalvo_sign_in {\n  default \"\";\n",
+         "  \"~^POST:", login::kSignInPage, ":(?!.*KalvoDevice=)\" $binary_remote_addr;\n}\n");
+  Append(out, "limit_req_zone $kalvo_sign_in zone=kalvo_sign_ins:10m rate=10r/s;\n");
+  if (!TakesWord(settings)) return;
+  Append(out, "geo $realip_remote_addr $kalvo_from_proxy {\n  default 0;\n");
+  for (const std::string& proxy : settings.trustedProxy) Append(out, "  ", proxy, " 1;\n");
+  Append(out, "}\nmap \"$kalvo_from_proxy:$http_x_forwarded_proto\" $kalvo_https {\n  default $https;\n",
+         "  \"1:https\" on;\n}\n");
+}
+
+void AppendEncryption(std::string& out, const Settings& settings) {
+  if (!settings.Encrypts()) return;
+  Append(out, "ssl_certificate ", Quoted(settings.certificate), ";\nssl_certificate_key ",
+         Quoted(settings.certificateKey), ";\n");
+  Append(out, "ssl_protocols TLSv1.2 TLSv1.3;\nssl_ciphers ECDHE+AESGCM:ECDHE+CHACHA20;\n",
+         "ssl_prefer_server_ciphers off;\nssl_session_cache shared:kalvo:10m;\nssl_session_timeout 1h;\n",
+         "ssl_session_tickets off;\n");
+}
+
 }  // namespace
 
 std::string NginxSite(const Settings& settings, const RunFolder& run) {
+  const Parts parts{settings, run};
   const int seconds = static_cast<int>(std::ceil(settings.timeLimit));
   std::string out;
   Append(out, kLimits.substr(1), kFileTypes.substr(1));
-  AppendHeaders(out, Answers::ErrorPages);
+  AppendHeaders(out, Answers::ErrorPages, settings.Encrypts());
   // A request waits for a worker at most as long as a page may take, and is handed to one worker only.
   Append(out, "fastcgi_connect_timeout 5s;\nfastcgi_next_upstream off;\nfastcgi_send_timeout 15s;\n");
   // Only so does nginx know the end of a page from the end of its worker. Workers close each connection.
   Append(out, "fastcgi_keep_conn on;\n");
   Append(out, "fastcgi_read_timeout ", 2 * seconds + 5, "s;\n");
   Append(out, "fastcgi_buffer_size 16k;\nfastcgi_buffers 64 16k;\nfastcgi_busy_buffers_size 64k;\n");
-  AppendErrors(out, run);
-  AppendAddresses(out, settings, run);
+  AppendProxies(out, settings);
+  AppendRefusals(out, settings);
+  AppendErrors(out, parts);
+  AppendAddresses(out, parts);
   return out;
 }
 
 std::string NginxConfig(const Settings& settings, const RunFolder& run) {
   const Address address = *ParseAddress(settings.listen);
+  const Connections most = MostConnections();
   std::string out;
   if (geteuid() == 0) Append(out, "user root root;\n");
-  Append(out, "daemon off;\nworker_processes auto;\npid ", Quoted(run.NginxPid()), ";\nerror_log ",
-         Quoted(run.NginxLog()), " error;\n");
-  Append(out, "events { worker_connections 1024; }\nhttp {\naccess_log off;\nkeepalive_timeout 65s;\n");
+  // What a flood brings about is no news: only what stops nginx itself is written.
+  Append(out, "daemon off;\nworker_processes auto;\nworker_rlimit_nofile ", most.files, ";\npid ",
+         Quoted(run.NginxPid()), ";\nerror_log ", Quoted(run.NginxLog()), " crit;\n");
+  Append(out, "events { worker_connections ", most.connections,
+         "; }\nhttp {\naccess_log off;\nkeepalive_timeout 65s;\n");
   for (const std::string_view kind : {"client_body", "fastcgi", "proxy", "uwsgi", "scgi"}) {
     Append(out, kind, "_temp_path ", Quoted(run.Path() / kind), ";\n");
   }
-  Append(out, "server {\nlisten ", address.host, ':', address.port, " default_server;\nserver_name _;\ninclude ",
+  AppendZones(out, settings);
+  Append(out, "server {\nlisten ", address.host, ':', address.port, " default_server backlog=4096",
+         settings.Encrypts() ? " ssl" : "", ";\nserver_name _;\n");
+  AppendEncryption(out, settings);
+  Append(out, kShares.substr(1), "limit_conn kalvo_addresses ", settings.addressConnections, ";\ninclude ",
          Quoted(run.NginxSite()), ";\n}\n}\n");
   return out;
 }

@@ -38,6 +38,10 @@ struct Path {
   fs::path Settings::*field;
 };
 struct LogPath {};
+struct List {
+  std::vector<std::string> Settings::*field;
+  Taken taken;
+};
 struct Whole {
   int Settings::*field;
   int least, most;
@@ -52,13 +56,18 @@ struct Seconds {
 
 struct Rule {
   std::string_view key;
-  std::variant<Word, Path, LogPath, Whole, Flag, Seconds> kind;
+  std::variant<Word, Path, LogPath, List, Whole, Flag, Seconds> kind;
   std::string_view right;  // what would be right, for whoever wrote something else
 };
 
 // clang-format off
 const Rule kRules[] = {
-  {"listen",       Word{&Settings::listen, IsListen},        "a loopback address and a port, such as \"127.0.0.1:8080\" or \"[::1]:8080\""},
+  {"listen",       Word{&Settings::listen, IsListen},        "an address and a port, such as \"127.0.0.1:8080\" or \"[::1]:8080\""},
+  {"hosts",        List{&Settings::hosts, IsHost},           "a list of names without ports, such as [\"mail.example\"]"},
+  {"certificate",  Path{&Settings::certificate},             "a file with the certificate and its chain, as PEM"},
+  {"certificate_key", Path{&Settings::certificateKey},       "a file with the certificate's key, as PEM"},
+  {"trusted_proxy", List{&Settings::trustedProxy, IsNetwork}, "a list of addresses and networks, such as [\"10.0.0.1\", \"10.1.0.0/16\"]"},
+  {"address_connections", Whole{&Settings::addressConnections, 1, 16384}, "a whole number from 1 to 16384"},
   {"site",         Path{&Settings::site},                    "the folder of the pages"},
   {"workers",      Whole{&Settings::workers, 1, 1024},       "a whole number from 1 to 1024"},
   {"queue",        Whole{&Settings::queue, 1, 4096},         "a whole number from 1 to 4096"},
@@ -137,6 +146,15 @@ struct Take {
     if (text.empty()) entry.Refuse(right);
     settings.log = text == "-" ? text : entry.Below(text).lexically_normal().string();
   }
+  void operator()(const List& list) const {
+    const toml::array* texts = entry.Node().as_array();
+    if (!texts) entry.Refuse(right);
+    for (const auto& node : *texts) {
+      const auto text = node.value_exact<std::string>();
+      if (!text || !list.taken(*text)) entry.Refuse(right);
+      (settings.*list.field).push_back(*text);
+    }
+  }
   void operator()(const Whole& whole) const {
     const auto number = entry.Node().value_exact<std::int64_t>();
     if (!number || *number < whole.least || *number > whole.most) entry.Refuse(right);
@@ -204,6 +222,36 @@ void CompleteLogin(Settings& settings) {
   }
 }
 
+void CheckCertificate(const Settings& settings) {
+  if (settings.certificate.empty() != settings.certificateKey.empty()) {
+    throw SettingError("certificate and certificate_key are needed both, or neither");
+  }
+  if (settings.certificate.empty()) return;
+  if (settings.External()) throw SettingError("certificate: with web = \"external\" that nginx has the certificate");
+  for (const fs::path& file : {settings.certificate, settings.certificateKey}) {
+    if (!fs::is_regular_file(file)) throw SettingError("certificate: there is no file " + file.string());
+  }
+}
+
+// Where others reach the console, they sign in, nothing is sent in the clear, and it knows its names.
+void CompleteReach(Settings& settings, const Address& address) {
+  CheckCertificate(settings);
+  if (settings.External()) return;  // reached by its socket alone
+  const auto refuse = [&](std::string_view why) {
+    throw SettingError("listen: other machines reach " + settings.listen + ", so " + std::string(why));
+  };
+  if (!IsLoopback(address)) {
+    if (settings.users.empty()) refuse("visitors have to sign in: users is needed");
+    if (settings.certificate.empty() && settings.trustedProxy.empty()) {
+      refuse(
+          "it has to be encrypted: certificate and certificate_key are needed, or trusted_proxy where a web server "
+          "in front of it encrypts");
+    }
+    if (IsEveryAddress(address) && settings.hosts.empty()) refuse("hosts has to say by which names");
+  }
+  if (settings.hosts.empty()) settings.hosts = {"localhost", "127.0.0.1", "[::1]", address.host};
+}
+
 }  // namespace
 
 Settings ReadSettings(const fs::path& file) {
@@ -223,16 +271,16 @@ Settings ReadSettings(const fs::path& file) {
 }
 
 void Complete(Settings& settings) {
-  if (!ParseAddress(settings.listen)) {
-    throw SettingError("\"" + settings.listen +
-                       "\" is no loopback address with a port; 127.0.0.1:8080 or [::1]:8080 is. Other machines come in "
-                       "through a web server that encrypts");
+  const auto address = ParseAddress(settings.listen);
+  if (!address) {
+    throw SettingError("\"" + settings.listen + "\" is no address with a port; 127.0.0.1:8080 or [::1]:8080 is");
   }
   if (settings.site.empty()) settings.site = KALVO_DEFAULT_SITE;
   if (!fs::is_directory(settings.site)) throw SettingError("the site " + settings.site.string() + " is no folder");
   settings.site = fs::canonical(settings.site);
   CompleteFolders(settings);
   CompleteLogin(settings);
+  CompleteReach(settings, *address);
   if (!settings.errorPages.empty() && !fs::is_directory(settings.errorPages)) {
     throw SettingError("error_pages: " + settings.errorPages.string() + " is no folder");
   }

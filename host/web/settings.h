@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "host/parts/parts.h"
 #include "host/script/page.h"
@@ -10,7 +11,12 @@ namespace kalvo::web {
 
 // How a site is served. Every setting has a default; `kalvo.toml` in the source folder shows them all.
 struct Settings {
-  std::string listen = "127.0.0.1:8080";  // a loopback address: nothing is encrypted
+  std::string listen = "127.0.0.1:8080";  // beyond this machine only with a certificate, or a proxy that has one
+  std::vector<std::string> hosts;         // the names it is known by; default: those of this machine and `listen`
+  std::filesystem::path certificate;      // with the chain, as PEM; with it everything is encrypted
+  std::filesystem::path certificateKey;
+  std::vector<std::string> trustedProxy;  // whose word for a visitor's address and encryption is taken
+  int addressConnections = 128;           // at a time, from one address
   std::filesystem::path site;             // the pages; default: the console of this program
   int workers = 4;                        // pages that run at a time
   int queue = 64;                         // requests that may wait for a worker; one more is answered 503
@@ -35,6 +41,7 @@ struct Settings {
   host::NamedTexts session;             // and the session values every visitor has
 
   bool External() const { return web == "external"; }
+  bool Encrypts() const { return !External() && !certificate.empty(); }
   host::PartsSettings Parts() const {
     return {database, mail, locale, timeLimit, topNRows, topNOldDays, unknownEngine, false};
   }

@@ -61,7 +61,9 @@ void Supervisor::Run(std::ostream& out) {
     Start(out);
     while (Attend(kBeatMilliseconds) != Wish::Stop) {
       pool_->Keep();
-      if (nginx_) nginx_->Keep();
+      if (!nginx_) continue;
+      nginx_->Keep();
+      nginx_->BoundLog();
     }
   } catch (...) {
     Stop();
@@ -90,8 +92,10 @@ void Supervisor::Start(std::ostream& out) {
   nginx_ = std::make_unique<Nginx>(settings_.nginx, run_, log_);
   nginx_->Start();
   const Address address = *ParseAddress(settings_.listen);
+  const std::string& host = IsEveryAddress(address) ? settings_.hosts.front() : address.host;
   out << "Serving " << settings_.site.string() << " until Ctrl-C at\n"
-      << "http://" << address.host << ':' << address.port << "/KalvoforExchange/" << std::endl;
+      << (settings_.Encrypts() ? "https://" : "http://") << host << ':' << address.port << "/KalvoforExchange/"
+      << std::endl;
 }
 
 void Supervisor::WriteConfiguration(const Settings& settings) {
