@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -8,8 +9,6 @@
 #include "kalvo/enumerations.h"
 
 namespace kalvo {
-
-struct CellLayout;
 
 // What a column shows and how: the sixteen values of its definition.
 struct ColumnDefinition {
@@ -27,6 +26,11 @@ struct ColumnDefinition {
   std::string align;
   bool noWrap = false;
   std::string defaultValue;
+};
+
+// A definition beside its spans as attribute texts, "" for none.
+struct ColumnFacts : ColumnDefinition {
+  std::string rowSpan, columnSpan;
 };
 
 // One column of a report. A definition only: it holds nothing of a row and is shared by every table that lists
@@ -56,17 +60,17 @@ class KalvoColumn : public TableColumn {
   void AppendData(std::string& out, Context& context, Display& display, RowSource& row) override;
   void AppendTotal(std::string& out, Context& context, Display& display, RowSource& totals, bool& firstCell) override;
 
-  const ColumnDefinition& Definition() const { return definition_; }
+  const ColumnDefinition& Definition() const { return *facts_; }
 
  private:
   void Define(ColumnDefinition definition);
   // True for the server column of a Top-N table whose scope is one server: all its cells drop out.
   bool DropsOut(const Context& context) const;
-  CellLayout Layout(std::string_view color) const;
+  void AppendLaidOut(std::string& out, const Display& display, std::string_view content, std::string_view color) const;
 
-  ColumnDefinition definition_;
-  std::string rowSpan_, columnSpan_;  // the spans as attribute texts, "" for none
-  std::string text_, url_;            // buffers of the cell that is being made, kept for the next
+  // Replaced as a whole: a script that is asked while a cell is made may initialise the column anew.
+  std::shared_ptr<const ColumnFacts> facts_ = std::make_shared<const ColumnFacts>();
+  std::string value_, text_, url_, anchor_;  // buffers of the cell that is being made, kept for the next
 };
 
 }  // namespace kalvo

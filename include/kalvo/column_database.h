@@ -38,7 +38,7 @@ class KalvoColumnDatabase : public ColumnCatalogue {
   void Initialize_MAPI_Columns();
   void Initialize_Task_Columns();
 
-  TableColumn* Column(std::int16_t id) override;
+  std::shared_ptr<TableColumn> Column(std::int16_t id) override { return GetColumn(id); }
 
  private:
   void MakeGroup(columns::Group group);

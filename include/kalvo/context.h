@@ -147,10 +147,6 @@ class Context : public Object {
     if (debugTable_) WriteTrace(Built(std::forward<Maker>(maker)));
   }
 
-  Response& PageResponse() const;
-  Request& PageRequest() const;
-  Server& PageServer() const;
-
   // The session's live mailbox browsing object. Fails with 424 when the session has none.
   std::shared_ptr<LiveContainer> LiveDriller() const;
 

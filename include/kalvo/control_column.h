@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -26,13 +27,19 @@ class KalvoControlColumn : public TableColumn {
   void AppendTotal(std::string& out, Context& context, Display& display, RowSource& totals, bool& firstCell) override;
 
  private:
-  void AppendBox(std::string& out, const Display& display, RowSource& row) const;
+  struct Facts {
+    KalvoTableColumnsConstants id = COL_FIRSTCOLUMN;
+    std::string name, value, valueField, onClick;
+    bool checked = false, edit = false;
+    KalvoTableFormatType formatType = FORMATTYPE_FIRSTFORMAT;
+  };
+
+  std::string BoxValue(RowSource& row) const;
+  void AppendBox(std::string& out, const Display& display, std::string_view value) const;
   void AppendBoxOfRecipient(std::string& out, const Display& display, RowSource& row);
 
-  KalvoTableColumnsConstants id_ = COL_FIRSTCOLUMN;
-  std::string name_, value_, valueField_, onClick_;
-  bool checked_ = false, edit_ = false;
-  KalvoTableFormatType formatType_ = FORMATTYPE_FIRSTFORMAT;
+  // Replaced as a whole: a script that is asked while a cell is made may initialise the column anew.
+  std::shared_ptr<const Facts> facts_ = std::make_shared<const Facts>();
   std::string lastRecipient_;  // of the last row that was given a box
 };
 

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "datasrc/answer.h"
 #include "datasrc/field_map.h"
 #include "datasrc/row_source.h"
 #include "platform/platform.h"
@@ -50,10 +50,12 @@ class KalvodbDataSrc : public RowSource {
 
  private:
   std::string BuildSQL() const;
+  void Reconnect(std::unique_ptr<Connection> connection);
   std::int16_t LoadRows(Trap& trap);
   std::int16_t LoadFieldNames(Trap& trap);
   std::optional<std::int32_t> FieldNumber(Trap& trap, std::string_view szFieldName) const;
-  void TraceField(Trap& trap, std::int32_t field, std::string_view name, std::string_view value) const;
+  static void TraceField(Trap& trap, const Context& context, std::int32_t field, std::string_view name,
+                         std::string_view value);
   bool RowIsLoaded() const;
 
   const Platform& platform_;
@@ -61,11 +63,10 @@ class KalvodbDataSrc : public RowSource {
   std::string resourceName_;
   std::shared_ptr<Context> context_;
   std::unique_ptr<Connection> connection_;
-  std::unique_ptr<RecordSet> recordSet_;
+  std::shared_ptr<RecordSet> recordSet_;
   FieldMap fields_;
-  const Rows* rows_ = nullptr;      // of the record set
-  std::vector<std::string> texts_;  // the current row's texts, a scratch a field
-  std::string identifier_;
+  std::shared_ptr<const Rows> rows_;  // of this record set, or of the one before an empty one
+  Answer answer_;
   std::int32_t recordCount_ = 0;
   std::int32_t rowIndex_ = 0;
 };

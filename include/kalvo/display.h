@@ -189,7 +189,6 @@ class Display : public Object {
   void AppendSortLinkRow(std::string& out, std::string_view up, std::string_view down, bool vertical) const;
   void AppendSortLink(std::string& out, std::string_view link, const ImageView& image, std::string_view alt) const;
   void AppendInputFieldIfNotNull(std::string& out, std::string_view name, std::string_view value) const;
-  Server& PageServer() const;
 
   const Locale& locale_;
   Image message_, folder_, attachment_, noAttachment_;

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "datasrc/answer.h"
 #include "datasrc/row_source.h"
-#include "datasrc/row_texts.h"
 #include "platform/locale.h"
 
 namespace kalvo {
@@ -17,6 +17,7 @@ class LiveContainer;
 class Table;
 class Trap;
 enum class LiveOpen : std::uint8_t;
+struct LiveScope;
 struct LiveTableRow;
 
 // The row source of the live mailbox tables: the folders or messages of a folder, or the attachments of a
@@ -47,13 +48,14 @@ class MapiDataSrc : public RowSource {
  private:
   bool TakeLiveContainer(Trap& trap);
   LiveTableRow TableRow(Trap& trap, LiveOpen opens);
-  bool MayListMailbox(Trap& trap);
+  bool MayListMailbox(Trap& trap, const LiveScope& scope);
   bool MayListPublicFolders(Trap& trap);
   bool Refuse(Trap& trap);
-  bool GoToMailboxFolder(Trap& trap);
-  bool GoToPublicFolder(Trap& trap);
-  bool GoToPublicFolderByPath(Trap& trap);
-  bool GoToPublicFolderById(Trap& trap, const std::string& id);
+  bool GoToMailboxFolder(Trap& trap, const LiveScope& scope);
+  bool GoToPublicFolder(Trap& trap, const LiveScope& scope);
+  bool GoToPublicFolderByPath(Trap& trap, const LiveScope& scope);
+  bool GoToPublicFolderById(Trap& trap, const LiveScope& scope);
+  void TracePosition(Trap& trap, std::string_view id);
   std::int16_t SortRows(Trap& trap);
 
   const Locale& locale_;
@@ -62,7 +64,7 @@ class MapiDataSrc : public RowSource {
   std::shared_ptr<Context> context_;
   std::shared_ptr<LiveContainer> live_;
   std::shared_ptr<Listing> listing_;
-  RowTexts texts_;
+  Answer answer_;
   std::int32_t recordCount_ = 0;
   std::int32_t rowIndex_ = 0;
   bool totals_ = false;

@@ -73,8 +73,7 @@ class KalvoforExchangeTableGenerator : public Object {
   Display& PageDisplay();
   KalvoTableDatabase& Tables();
   KalvoColumnDatabase& Columns();
-  Response& PageResponse() const;
-  Request& PageRequest() const;
+  std::shared_ptr<Response> PageResponse() const;
   bool ResolveMailbox(Trap& trap, LiveContainer& live, std::string_view szServer, std::string& szMailbox);
   bool ExplainUnresolved(Trap& trap, std::string_view szServer, std::string_view szMailbox);
   bool TakeMailboxAddress(Trap& trap, LiveContainer& live, Listing& candidates, std::string_view szServer,

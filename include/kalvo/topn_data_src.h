@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "datasrc/answer.h"
 #include "datasrc/row_source.h"
-#include "datasrc/row_texts.h"
 #include "platform/platform.h"
 
 namespace kalvo {
@@ -50,7 +50,7 @@ class TopnDataSrc : public RowSource {
   std::string resourceName_;
   std::shared_ptr<Context> context_;
   std::shared_ptr<RankedResults> results_;
-  RowTexts texts_;
+  Answer answer_;
   std::int32_t recordCount_ = 0;
   std::int32_t rowIndex_ = 0;
 };

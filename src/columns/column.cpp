@@ -5,6 +5,7 @@
 #include "kalvo/context.h"
 #include "kalvo/display.h"
 #include "platform/append.h"
+#include "platform/owned.h"
 
 namespace kalvo {
 
@@ -32,21 +33,26 @@ void KalvoColumn::Initialize(KalvoTableColumnsConstants Id, std::string_view Nam
 }
 
 void KalvoColumn::Define(ColumnDefinition definition) {
-  definition_ = std::move(definition);
-  rowSpan_ = SpanText(definition_.rows);
-  columnSpan_ = SpanText(definition_.columns);
+  std::string rowSpan = SpanText(definition.rows);
+  std::string columnSpan = SpanText(definition.columns);
+  facts_ = std::make_shared<const ColumnFacts>(
+      ColumnFacts{std::move(definition), std::move(rowSpan), std::move(columnSpan)});
 }
 
 bool KalvoColumn::DropsOut(const Context& context) const {
-  return context.GetTopN() == TOPN_SINGLESERVER && definition_.id == COL_TOPN_SERVER;
+  return context.GetTopN() == TOPN_SINGLESERVER && facts_->id == COL_TOPN_SERVER;
 }
 
-CellLayout KalvoColumn::Layout(std::string_view color) const {
-  return {.rowSpan = rowSpan_,
-          .columnSpan = columnSpan_,
-          .align = definition_.align,
-          .noWrap = definition_.noWrap,
-          .color = color};
+// A cell in the column's layout.
+void KalvoColumn::AppendLaidOut(std::string& out, const Display& display, std::string_view content,
+                                std::string_view color) const {
+  const auto facts = Held(facts_);
+  display.AppendCell(out, content,
+                     {.rowSpan = facts->rowSpan,
+                      .columnSpan = facts->columnSpan,
+                      .align = facts->align,
+                      .noWrap = facts->noWrap,
+                      .color = color});
 }
 
 std::string KalvoColumn::ConstructHTMLHeader(Context& pCtxt, Display& pDisplay) {
@@ -64,20 +70,16 @@ std::string KalvoColumn::ConstructHTMLTotal(Context& pCtxt, Display& pDisplay, R
 
 void KalvoColumn::AppendData(std::string& out, Context& context, Display& display, RowSource& row) {
   if (DropsOut(context)) return;
-  Scratch text(text_), url(url_);
-  RowCell cell{definition_, context, display, row, *text, *url, definition_.hyperLinkType};
+  Scratch value(value_), text(text_), url(url_);
+  RowCell cell{facts_, context, display, row, *value, *text, *url, facts_->hyperLinkType};
   FormatCell(cell);
   LinkCell(cell);
-  const CellLayout layout = Layout(cell.color);
-  if (cell.url.empty()) {
-    display.AppendCell(out, cell.text, layout);
-    return;
-  }
+  if (cell.url.empty()) return AppendLaidOut(out, display, cell.text, cell.color);
   // A link needs something to click on.
   const bool blank = TrimmedTabsAndSpaces(cell.text).empty();
-  display.AppendCellStart(out, layout);
-  display.AppendAnchor(out, cell.url, "", "_top", blank ? "&nbsp;&nbsp;&nbsp;" : std::string_view(cell.text));
-  display.AppendCellEnd(out, layout);
+  Scratch anchor(anchor_);
+  display.AppendAnchor(*anchor, cell.url, "", "_top", blank ? "&nbsp;&nbsp;&nbsp;" : std::string_view(cell.text));
+  AppendLaidOut(out, display, *anchor, cell.color);
 }
 
 }  // namespace kalvo

@@ -8,6 +8,7 @@
 #include "platform/append.h"
 #include "platform/conversion.h"
 #include "platform/error.h"
+#include "platform/owned.h"
 #include "platform/page_host.h"
 
 namespace kalvo {
@@ -18,7 +19,7 @@ constexpr double kStateManaged = 2;
 constexpr double kStateSucceeded = 2;
 constexpr double kDirectoryStore = 2;
 
-std::string_view ReadValue(RowCell& cell) { return cell.value = cell.row.GetField(cell.column.databaseField); }
+const std::string& ReadValue(RowCell& cell) { return cell.value = cell.row.GetField(Held(cell.column)->databaseField); }
 
 double ReadNumber(RowCell& cell) { return NumberOf(ReadValue(cell)); }
 
@@ -32,6 +33,8 @@ void FormatBackupDateTime(RowCell& cell) {
   ReadValue(cell);
   if (cell.row.GetField("LastQuickScan").empty()) {
     cell.text = "Never Scanned";
+  } else if (cell.value.empty()) {
+    cell.text = "No Successful Backup";
   } else {
     cell.display.AppendDateTime(cell.text, cell.value, "No Successful Backup");
   }
@@ -78,12 +81,14 @@ void AppendDeleteForm(RowCell& cell, bool publicFolder) {
   if (!publicFolder) display.AppendParamToURL(continueUrl, "Container", request->Item("Container"));
   display.AppendParamToURL(continueUrl, publicFolder ? "PublicFolderId" : "ContainerId", folderId);
   const std::int32_t flags = publicFolder ? 4 : 0;
-  display.AppendDeleteMessageForm(cell.text, context.GetName(), context.GetMailbox(), folderId,
-                                  cell.row.GetField("ExchangeId"), flags, continueUrl);
+  const std::string server = context.GetName();
+  const std::string mailbox = context.GetMailbox();
+  display.AppendDeleteMessageForm(cell.text, server, mailbox, folderId, cell.row.GetField("ExchangeId"), flags,
+                                  continueUrl);
 }
 
 void FormatImage(RowCell& cell) {
-  switch (cell.column.id) {
+  switch (cell.column->id) {
     case COL_TOPN_MailboxFolder_ModifiedDateSort_Graphic:
     case COL_MAPI_FOLDERGRAPHIC: cell.display.AppendGraphicInput(cell.text, cell.display.FolderGraphicID(), ""); break;
     case COL_TOPN_MailboxMessage_Graphic:
@@ -114,11 +119,11 @@ void FormatAlertedResource(RowCell& cell) {
 }  // namespace
 
 void FormatCell(RowCell& cell) {
-  const ColumnDefinition& column = cell.column;
   const Display& display = cell.display;
-  switch (column.formatType) {
+  switch (cell.column->formatType) {
     case FORMATTYPE_NUMERICVALUE:
-      if (!ReadValue(cell).empty()) display.AppendNumericValue(cell.text, cell.value, column.dataScale, column.units);
+      if (ReadValue(cell).empty()) break;
+      display.AppendNumericValue(cell.text, cell.value, cell.column->dataScale, cell.column->units);
       break;
     case FORMATTYPE_NUMBER:
       if (!ReadValue(cell).empty()) display.AppendNumber(cell.text, cell.value, false);

@@ -85,6 +85,4 @@ const std::shared_ptr<TableColumn>& KalvoColumnDatabase::Slot(std::int16_t id) c
 
 std::shared_ptr<TableColumn> KalvoColumnDatabase::GetColumn(std::int16_t nColumnId) const { return Slot(nColumnId); }
 
-TableColumn* KalvoColumnDatabase::Column(std::int16_t id) { return Slot(id).get(); }
-
 }  // namespace kalvo

@@ -5,19 +5,20 @@
 #include "kalvo/column.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
-#include "platform/append.h"
+#include "platform/owned.h"
 
 namespace kalvo {
 
 namespace {
 
-void AppendSum(std::string& out, const ColumnDefinition& column, const Display& display, RowSource& totals) {
-  const bool scaled = column.formatType == FORMATTYPE_NUMERICVALUE;
-  if (!scaled && column.formatType != FORMATTYPE_NUMBER) return;
-  const std::string_view sum = totals.GetField(column.databaseField);
+void AppendSum(std::string& out, const std::shared_ptr<const ColumnFacts>& column, const Display& display,
+               RowSource& totals) {
+  const bool scaled = column->formatType == FORMATTYPE_NUMERICVALUE;
+  if (!scaled && column->formatType != FORMATTYPE_NUMBER) return;
+  const std::string_view sum = totals.GetField(Held(column)->databaseField);
   if (sum.empty() || sum == " ") return;
   if (scaled) {
-    display.AppendNumericValue(out, sum, column.dataScale, column.units);
+    display.AppendNumericValue(out, sum, column->dataScale, column->units);
   } else {
     display.AppendNumber(out, sum, false);
   }
@@ -34,18 +35,17 @@ void KalvoColumn::AppendTotal(std::string& out, Context& context, Display& displ
     firstCell = false;
     return;
   }
-  if (definition_.totalState == column_NoTotal) {
+  if (facts_->totalState == column_NoTotal) {
     display.AppendCell(out, "");
     return;
   }
-  const CellLayout layout = Layout("");
-  display.AppendCellStart(out, layout);
-  out += "<strong>";
-  const auto start = out.size();
-  AppendSum(out, definition_, display, totals);
-  if (out.size() == start) out += "&nbsp;";
-  out += "</strong>";
-  display.AppendCellEnd(out, layout);
+  Scratch text(text_);
+  *text = "<strong>";
+  const auto start = text->size();
+  AppendSum(*text, facts_, display, totals);
+  if (text->size() == start) *text += "&nbsp;";
+  *text += "</strong>";
+  AppendLaidOut(out, display, *text, "");
 }
 
 }  // namespace kalvo

@@ -5,20 +5,15 @@
 #include "kalvo/display.h"
 #include "platform/append.h"
 #include "platform/error.h"
+#include "platform/owned.h"
 
 namespace kalvo {
 
 void KalvoControlColumn::Initialize(KalvoTableColumnsConstants Id, std::string_view Name, std::string_view value,
                                     std::string_view ValueDBField, bool Checked, std::string_view OnClick, bool Edit,
                                     KalvoTableFormatType FormatType) {
-  id_ = Id;
-  name_ = Name;
-  value_ = value;
-  valueField_ = ValueDBField;
-  checked_ = Checked;
-  onClick_ = OnClick;
-  edit_ = Edit;
-  formatType_ = FormatType;
+  facts_ = std::make_shared<const Facts>(Facts{Id, std::string(Name), std::string(value), std::string(ValueDBField),
+                                               std::string(OnClick), Checked, Edit, FormatType});
 }
 
 std::string KalvoControlColumn::ConstructHTMLHeader(Context& pCtxt, Display& pDisplay) {
@@ -31,34 +26,39 @@ std::string KalvoControlColumn::ConstructHTMLData(Context& pCtxt, Display& pDisp
 
 void KalvoControlColumn::AppendHeader(std::string& out, Context& context, Display& display) {
   if (!context.KalvoAdministrator()) return;
-  display.AppendTableHeaderCell(out, name_, "", "");
+  display.AppendTableHeaderCell(out, Held(facts_)->name, "", "");
   lastRecipient_.clear();
 }
 
 void KalvoControlColumn::AppendData(std::string& out, Context& context, Display& display, RowSource& row) {
   if (!context.KalvoAdministrator()) return;
   std::string content;
-  switch (formatType_) {
-    case FORMATTYPE_CHECKBOX: AppendBox(content, display, row); break;
+  switch (facts_->formatType) {
+    case FORMATTYPE_CHECKBOX: AppendBox(content, display, BoxValue(row)); break;
     case FORMATTYPE_QVCHECKBOX: AppendBoxOfRecipient(content, display, row); break;
-    default: content = row.GetField(valueField_); break;
+    default: content = row.GetField(Held(facts_)->valueField); break;
   }
   display.AppendCell(out, content, {.align = "center"});
 }
 
-void KalvoControlColumn::AppendBox(std::string& out, const Display& display, RowSource& row) const {
-  const std::string value(row.GetIdentifier(valueField_).value_or("&nbsp;"));
-  display.AppendFormCheckboxInput(out, name_, value, checked_, onClick_, edit_);
+std::string KalvoControlColumn::BoxValue(RowSource& row) const {
+  return std::string(row.GetIdentifier(Held(facts_)->valueField).value_or("&nbsp;"));
+}
+
+void KalvoControlColumn::AppendBox(std::string& out, const Display& display, std::string_view value) const {
+  const auto facts = Held(facts_);
+  display.AppendFormCheckboxInput(out, facts->name, value, facts->checked, facts->onClick, facts->edit);
 }
 
 void KalvoControlColumn::AppendBoxOfRecipient(std::string& out, const Display& display, RowSource& row) {
-  AppendBox(out, display, row);
-  const std::string_view recipient = row.GetField("RecipientName");
+  const std::string value = BoxValue(row);
+  std::string recipient(row.GetField("RecipientName"));
   if (recipient == lastRecipient_) {
     out = "&nbsp;";
-  } else {
-    lastRecipient_ = recipient;
+    return;
   }
+  AppendBox(out, display, value);
+  lastRecipient_ = std::move(recipient);
 }
 
 void KalvoControlColumn::AppendTotal(std::string&, Context&, Display&, RowSource&, bool&) {

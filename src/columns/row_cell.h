@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -27,14 +28,14 @@ class Scratch {
 
 // One data cell under way: the column, the row it reads, and what has been decided so far.
 struct RowCell {
-  const ColumnDefinition& column;
+  const std::shared_ptr<const ColumnFacts>& column;  // as it is defined now
   Context& context;
   Display& display;
   RowSource& row;
+  std::string& value;            // the field's value, once the format has read it
   std::string& text;             // what the cell shows
   std::string& url;              // where it leads, "" for nowhere
   KalvoTableHyperlinkType link;  // the column's, unless an alerted resource has one of its own
-  std::string_view value = {};   // the field's value, once the format has read it
   bool alertedResource = false;
   std::string_view color = {};
 };

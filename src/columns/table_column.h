@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "platform/value.h"
@@ -26,9 +27,8 @@ class TableColumn : public Object {
 // Answers the columns of a table by their ids.
 class ColumnCatalogue : public Object {
  public:
-  // The column of that id, null for an id that has none. Owned by the catalogue, valid until the next call
-  // that succeeds. Fails with 9 for an id outside of the catalogue.
-  virtual TableColumn* Column(std::int16_t id) = 0;
+  // The column of that id, null for an id that has none. Fails with 9 for an id outside of the catalogue.
+  virtual std::shared_ptr<TableColumn> Column(std::int16_t id) = 0;
 };
 
 }  // namespace kalvo

@@ -6,20 +6,10 @@
 #include "platform/conversion.h"
 #include "platform/error.h"
 #include "platform/live_mailbox.h"
+#include "platform/owned.h"
 #include "platform/page_host.h"
 
 namespace kalvo {
-
-namespace {
-
-// A host object that is held only while a page runs.
-template <typename HostObject>
-HostObject& Bound(const std::shared_ptr<HostObject>& object) {
-  if (!object) throw ObjectNotSet();
-  return *object;
-}
-
-}  // namespace
 
 void Context::OnStartPage(ScriptingContext& ASPScriptingContext) {
   response_ = ASPScriptingContext.GetResponse();
@@ -53,8 +43,8 @@ void Context::DigestQueryString() {
 
   std::string_view separator;
   std::string value;
-  for (const std::string& key : PageRequest().QueryKeys()) {
-    const std::int32_t n = PageRequest().QueryCount(key);
+  for (const std::string& key : GetRequest()->QueryKeys()) {
+    const std::int32_t n = GetRequest()->QueryCount(key);
     bool isCounted = false;
     for (const auto& parameter : counted) {
       if (!EqualsIgnoringCase(key, parameter.name)) continue;
@@ -65,7 +55,7 @@ void Context::DigestQueryString() {
     if (isCounted) continue;
     for (std::int32_t i = 1; i <= n; ++i) {
       value.clear();
-      PageServer().URLEncode(value, PageRequest().QueryItem(key, i));  // before the key: a failing one leaves no half
+      Held(server_)->URLEncode(value, GetRequest()->QueryItem(key, i));  // before the key: a failing one leaves no half
       Append(urlParameters_, separator, key, '=', value);
       separator = "&";
     }
@@ -79,23 +69,19 @@ std::int16_t Context::IncrementTableIndex() {
 
 // ---- the page host --------------------------------------------------------------------------------------
 
-Response& Context::PageResponse() const { return Bound(response_); }
-Request& Context::PageRequest() const { return Bound(request_); }
-Server& Context::PageServer() const { return Bound(server_); }
-
-std::shared_ptr<Session> Context::GetSession() const { return Bound(session_), session_; }
-std::shared_ptr<Request> Context::GetRequest() const { return Bound(request_), request_; }
+std::shared_ptr<Session> Context::GetSession() const { return Held(session_); }
+std::shared_ptr<Request> Context::GetRequest() const { return Held(request_); }
 
 std::string Context::ServerHTMLEncode(std::string_view szData) const {
   return Built([&](std::string& out) { AppendServerHTMLEncode(out, szData); });
 }
 
 std::string Context::ServerURLEncode(std::string_view szData) const {
-  return Built([&](std::string& out) { PageServer().URLEncode(out, szData); });
+  return Built([&](std::string& out) { Held(server_)->URLEncode(out, szData); });
 }
 
 void Context::AppendServerHTMLEncode(std::string& out, std::string_view szData) const {
-  PageServer().HTMLEncode(out, szData);
+  Held(server_)->HTMLEncode(out, szData);
 }
 
 }  // namespace kalvo

@@ -6,6 +6,7 @@
 #include "platform/append.h"
 #include "platform/conversion.h"
 #include "platform/error.h"
+#include "platform/owned.h"
 #include "platform/page_host.h"
 
 namespace kalvo {
@@ -24,14 +25,14 @@ std::string Hexadecimal(std::int32_t number) {
 bool Context::FailureMessage(std::string_view szDescription, bool bWriteErrDetails) const {
   // Copied first: writing may run a script, and that may leave an error of its own.
   const PendingError error = CurrentError();
-  Response& response = PageResponse();
-  response.Write(Built([&](std::string& out) { Append(out, "<p>Error Generating Table: &nbsp;", szDescription); }));
+  const auto response = Held(response_);
+  response->Write(Built([&](std::string& out) { Append(out, "<p>Error Generating Table: &nbsp;", szDescription); }));
   if (debugTable_ || bWriteErrDetails) {
-    response.Write(Built([&](std::string& out) {
+    response->Write(Built([&](std::string& out) {
       Append(out, "<br>Error number: 0x", Hexadecimal(error.number), "; &nbsp; Description: ", error.description);
     }));
   }
-  response.Write("</p>\r\n");
+  response->Write("</p>\r\n");
   return false;
 }
 
@@ -43,10 +44,10 @@ bool Context::Failure(std::string_view szDescription) const {
 
 bool Context::bDebug(std::string_view szDebugType) const {
   const std::string type = ToUpper(szDebugType);
-  const std::int32_t n = PageRequest().QueryCount("Debug");
+  const std::int32_t n = GetRequest()->QueryCount("Debug");
   bool debug = false;
   for (std::int32_t i = 1; i <= n; ++i) {
-    const std::string value = ToUpper(PageRequest().QueryItem("Debug", i));
+    const std::string value = ToUpper(GetRequest()->QueryItem("Debug", i));
     debug = debug || value == type || value == "ALL" || value == "TRUE";
   }
   return debug;
@@ -62,8 +63,8 @@ void Context::TableDebugOutput(std::string_view szMessage) const {
 
 // Flushed, so that the trace reaches the browser even if the page fails later.
 void Context::WriteTrace(std::string_view message) const {
-  PageResponse().Write(message);
-  PageResponse().Flush();
+  Held(response_)->Write(message);
+  Held(response_)->Flush();
 }
 
 }  // namespace kalvo

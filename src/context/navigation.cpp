@@ -5,6 +5,7 @@
 #include "platform/append.h"
 #include "platform/error.h"
 #include "platform/live_mailbox.h"
+#include "platform/owned.h"
 #include "platform/page_host.h"
 
 namespace kalvo {
@@ -38,7 +39,7 @@ bool Context::EncapsulateGotoContainerFailure(LiveContainer& pLiveContainer, std
   trap([&] { pLiveContainer.GotoContainer(ServerName, MailboxName, ContainerName, OldThreshold, Flags); });
 
   failed = CurrentError().number == codes::kOldAgent;
-  if (failed) trap([&] { PageResponse().Write(kUpgradeMessage); });
+  if (failed) trap([&] { Held(response_)->Write(kUpgradeMessage); });
   if (bDefect7022Workaround && !failed && CurrentError().number == codes::kNoSuchFolder) {
     failed = true;
     trap([&] { FailureMessage("No such Folder", false); });
@@ -78,12 +79,12 @@ bool Context::EncapsulateGotoMsgAttachmentFailure(LiveContainer& pLiveContainer,
 
   if (CurrentError().number == codes::kOldAgent) {
     last.failed = true;
-    trap([&] { PageResponse().Write(kUpgradeMessage); });
+    trap([&] { Held(response_)->Write(kUpgradeMessage); });
   } else if (CurrentError().number == codes::kNoMessageReports) {
     // Kept: the result stays what it was, so that the details follow unless an earlier call had failed.
     const std::string_view kind = bMailboxMessage ? "mailbox" : "public folder";
     trap([&] {
-      PageResponse().Write(Built([&](std::string& out) {
+      Held(response_)->Write(Built([&](std::string& out) {
         Append(out, "<p>Kalvo Exchange Edition 1.1 agents don't support ", kind, " message reports.");
       }));
     });

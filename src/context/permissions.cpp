@@ -33,7 +33,7 @@ bool Context::DrillDownPermission(std::string_view szServerName, std::string_vie
 Context::Ownership Context::OwnsMailbox(Trap& trap, LiveContainer& live, std::string_view server,
                                         std::string_view mailbox) const {
   Ownership result;
-  trap([&] { result.user = PageRequest().ServerVariable("LOGON_USER"); });
+  trap([&] { result.user = GetRequest()->ServerVariable("LOGON_USER"); });
   trap([&] { result.owner = live.MailboxOwner(server, mailbox); });
   // Kept: a question that failed leaves no owner, which is the name of a user who did not log on.
   result.owns = ToLower(result.owner) == ToLower(result.user);

@@ -5,6 +5,7 @@
 #include "kalvo/context.h"
 #include "platform/append.h"
 #include "platform/conversion.h"
+#include "platform/owned.h"
 #include "platform/page_host.h"
 
 namespace kalvo {
@@ -13,7 +14,7 @@ namespace kalvo {
 
 std::string Context::TableInformation(std::string_view name, std::int16_t count) const {
   if (tableIndex_ > count) return {};
-  return PageRequest().QueryItem(name, tableIndex_);
+  return GetRequest()->QueryItem(name, tableIndex_);
 }
 
 std::int16_t Context::TableNumber(std::string_view name, std::int16_t count) const {
@@ -49,9 +50,9 @@ void Context::AppendTableURLParameter(std::string& out, std::string_view separat
   for (std::int32_t i = 1; i <= last; ++i) {
     Append(out, separator, name, '=');
     if (i == tableIndex_) {
-      PageServer().URLEncode(out, value);
+      Held(server_)->URLEncode(out, value);
     } else {
-      PageServer().URLEncode(out, i <= count ? PageRequest().QueryItem(name, i) : std::string());
+      Held(server_)->URLEncode(out, i <= count ? GetRequest()->QueryItem(name, i) : std::string());
     }
     separator = "&";
   }
@@ -66,7 +67,7 @@ std::string Context::TableURL(std::string_view szSortFieldString, std::string_vi
 
 void Context::AppendTableURL(std::string& out, std::string_view szSortFieldString, std::string_view szSortOrderString,
                              std::string_view szFirstRowString, std::string_view szPageSizeString) const {
-  Append(out, PageRequest().ServerVariable("URL"), '?', urlParameters_);
+  Append(out, GetRequest()->ServerVariable("URL"), '?', urlParameters_);
   const std::string_view first = urlParameters_.empty() ? "" : "&";
   AppendTableURLParameter(out, first, szSortFieldParameterName(), sortFieldCount_, szSortFieldString);
   AppendTableURLParameter(out, "&", szSortOrderParameterName(), sortOrderCount_, szSortOrderString);

@@ -2,6 +2,7 @@
 
 #include "context/fails.h"
 #include "datasrc/elapsed.h"
+#include "datasrc/row_number.h"
 #include "kalvo/context.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
@@ -41,6 +42,11 @@ void TraceTime(Trap& trap, const Context& context, const Elapsed& elapsed, std::
   trap([&] { context.Trace("Time", [&](std::string& out) { Append(out, elapsed.Report(step), kCrLf); }); });
 }
 
+// The rows of a record set, which stays as long as they are needed.
+std::shared_ptr<const Rows> RowsOf(const std::shared_ptr<RecordSet>& recordSet) {
+  return {recordSet, &recordSet->GetRows()};
+}
+
 void AppendHexadecimal(std::string& out, std::span<const std::uint8_t> bytes) {
   constexpr char kDigits[] = "0123456789ABCDEF";
   for (const std::uint8_t byte : bytes) Append(out, kDigits[byte >> 4], kDigits[byte & 15]);
@@ -55,17 +61,18 @@ void KalvodbDataSrc::Initialize(Table& KalvoTable, std::string_view ResourceName
   table_ = Owned(KalvoTable);
   resourceName_ = ResourceName;
   context_ = Owned(Ctxt);
+  fields_.Clear();
 }
 
 // ---- opening --------------------------------------------------------------------------------------------
 
 std::string KalvodbDataSrc::BuildSQL() const {
-  std::string field = context_->TableSortFieldInformation();
+  std::string field = Held(context_)->TableSortFieldInformation();
   if (field.empty()) field = table_->GetOrderBy();
-  std::string order = context_->TableSortOrderInformation();
+  std::string order = Held(context_)->TableSortOrderInformation();
   if (order.empty()) order = table_->GetDefaultSortOrder();
   const std::string sort = Built([&](std::string& out) { Append(out, field, ' ', order); });
-  context_->TraceTable([&](std::string& out) { Append(out, "<p>Sort Information: ", sort, "</p>", kCrLf); });
+  Held(context_)->TraceTable([&](std::string& out) { Append(out, "<p>Sort Information: ", sort, "</p>", kCrLf); });
 
   std::string sql = table_->GetSQL();
   ReplaceAll(sql, "%SORT%", sort);
@@ -81,69 +88,78 @@ std::int16_t KalvodbDataSrc::OpenDS() {
   Trap trap;
   std::string sql;
   trap([&] { sql = BuildSQL(); });
-  if (Fails(trap, *context_, "KalvodbDataSrc.OpenDS: conn.Open",
-            [&] { connection_ = platform_.database.Connect(TableConstants().TABLES_DSN()); })) {
+  if (Fails(trap, *Held(context_), "KalvodbDataSrc.OpenDS: conn.Open",
+            [&] { Reconnect(platform_.database.Connect(TableConstants().TABLES_DSN())); })) {
     return Status();
   }
   trap([&] {
-    context_->Trace("SQL", [&](std::string& out) {
+    Held(context_)->Trace("SQL", [&](std::string& out) {
       Append(out, "<p><strong>SQL Command:</strong> &nbsp;", kCrLf, kCrLf);
-      context_->AppendServerHTMLEncode(out, sql);
+      Held(context_)->AppendServerHTMLEncode(out, sql);
       Append(out, kCrLf, kCrLf, "</p>", kCrLf);
     });
   });
   const Elapsed elapsed(platform_);
-  if (Fails(trap, *context_, "KalvodbDataSrc.OpenDS", [&] {
+  if (Fails(trap, *Held(context_), "KalvodbDataSrc.OpenDS", [&] {
         recordSet_ = connection_->Execute({sql, table_->GetSQL(), table_->GetOrderBy()});
       })) {
     return Status();
   }
-  TraceTime(trap, *context_, elapsed, "SQL Open");
+  TraceTime(trap, *Held(context_), elapsed, "SQL Open");
 
   bool empty = false;
-  trap([&] { empty = recordSet_->IsEmpty(); });
+  trap([&] { empty = Held(recordSet_)->IsEmpty(); });
   recordCount_ = 0;
   if (empty) return 0;
   const std::int16_t status = LoadRows(trap);
   if (status != 0) return status;
   recordCount_ = rows_->RowCount();
   trap([&] {
-    context_->TraceTable([&](std::string& out) { Append(out, "<p>Record Count: ", recordCount_, "</p>", kCrLf); });
+    Held(context_)->TraceTable(
+        [&](std::string& out) { Append(out, "<p>Record Count: ", recordCount_, "</p>", kCrLf); });
   });
   return 0;
+}
+
+// What the last connection gave does not outlive it.
+void KalvodbDataSrc::Reconnect(std::unique_ptr<Connection> connection) {
+  rows_ = nullptr;
+  recordSet_ = nullptr;
+  connection_ = std::move(connection);
 }
 
 std::int16_t KalvodbDataSrc::LoadRows(Trap& trap) {
   const Elapsed elapsed(platform_);
   rows_ = nullptr;
   if (const std::int16_t status = LoadFieldNames(trap); status != 0) return status;
-  const Rows* rows = nullptr;
-  if (Fails(trap, *context_, "Get rows from record set.", [&] { rows = &recordSet_->GetRows(); })) return Status();
-  TraceTime(trap, *context_, elapsed, "Build dictionary and GetRows");
-  std::int32_t loaded = 0;
-  if (Fails(trap, *context_, "Test GetRows result.", [&] { loaded = rows->FieldCount(); })) return Status();
-  if (loaded != fields_.Count()) {
-    trap([&] { context_->FailureMessage("Inconsistent GetRows dictionary.", false); });
-    return 1;
+  if (Fails(trap, *Held(context_), "Get rows from record set.", [&] { rows_ = RowsOf(Held(recordSet_)); })) {
+    return Status();
   }
-  rows_ = rows;
-  texts_.resize(static_cast<std::size_t>(loaded));
-  return 0;
+  TraceTime(trap, *Held(context_), elapsed, "Build dictionary and GetRows");
+  std::int32_t loaded = 0;
+  if (Fails(trap, *Held(context_), "Test GetRows result.", [&] { loaded = Held(rows_)->FieldCount(); })) {
+    rows_ = nullptr;
+    return Status();
+  }
+  if (loaded == fields_.Count()) return 0;
+  rows_ = nullptr;
+  trap([&] { Held(context_)->FailureMessage("Inconsistent GetRows dictionary.", false); });
+  return 1;
 }
 
 std::int16_t KalvodbDataSrc::LoadFieldNames(Trap& trap) {
   fields_.Clear();
   std::int32_t count = 0;
-  trap([&] { count = recordSet_->FieldCount(); });
+  trap([&] { count = Held(recordSet_)->FieldCount(); });
   for (std::int32_t i = 0; i < count; ++i) {
     std::string name;
-    if (Fails(trap, *context_, "Get record set field name.", [&] { name = recordSet_->FieldName(i); })) {
+    if (Fails(trap, *Held(context_), "Get record set field name.", [&] { name = Held(recordSet_)->FieldName(i); })) {
       return Status();
     }
-    if (Fails(trap, *context_, "Save record set field name.", [&] { fields_.Add(name); })) return Status();
+    if (Fails(trap, *Held(context_), "Save record set field name.", [&] { fields_.Add(name); })) return Status();
     trap([&] {
-      context_->Trace("Dictionary",
-                      [&](std::string& out) { Append(out, "<p>Set: Field ", i, ": ", name, "</p>", kCrLf); });
+      Held(context_)->Trace("Dictionary",
+                            [&](std::string& out) { Append(out, "<p>Set: Field ", i, ": ", name, "</p>", kCrLf); });
     });
   }
   return 0;
@@ -157,24 +173,20 @@ std::int16_t KalvodbDataSrc::MoveFirst() {
 }
 
 std::int16_t KalvodbDataSrc::MoveNext() {
-  ++rowIndex_;
+  rowIndex_ = NextRow(rowIndex_);
   return 0;
 }
 
 std::int16_t KalvodbDataSrc::MoveTotals() {
   Trap trap;
-  if (Fails(trap, *context_, "KalvodbDataSrc.MoveTotals", [&] {
-        if (!recordSet_) throw ObjectNotSet();
-        auto next = recordSet_->NextRecordset();
-        rows_ = nullptr;  // of the record set that is replaced
-        recordSet_ = std::move(next);
-      })) {
+  if (Fails(trap, *Held(context_), "KalvodbDataSrc.MoveTotals",
+            [&] { recordSet_ = Held(recordSet_)->NextRecordset(); })) {
     return Status();
   }
   bool empty = false;
-  trap([&] { empty = recordSet_->IsEmpty(); });
+  trap([&] { empty = Held(recordSet_)->IsEmpty(); });
   if (empty) {
-    trap([&] { context_->FailureMessage("Totals query not implemented for this table.", false); });
+    trap([&] { Held(context_)->FailureMessage("Totals query not implemented for this table.", false); });
     return 1;
   }
   rowIndex_ = 1;
@@ -191,39 +203,41 @@ std::optional<std::int32_t> KalvodbDataSrc::FieldNumber(Trap& trap, std::string_
   const auto field = fields_.Find(szFieldName);
   if (field) return field;
   trap([&] {
-    context_->FailureMessage(
+    Held(context_)->FailureMessage(
         Built([&](std::string& out) { Append(out, "GetField: Unknown field \"", szFieldName, '"'); }), false);
   });
   return std::nullopt;
 }
 
 std::string_view KalvodbDataSrc::GetField(std::string_view szFieldName) {
+  const auto context = Held(context_);
   Trap trap;
   const auto field = FieldNumber(trap, szFieldName);
-  std::string_view text;
+  std::string text = answer_.Take();
   if (field && RowIsLoaded()) {
-    trap([&] { text = rows_->Text(*field, rowIndex_ - 1, texts_[static_cast<std::size_t>(*field)]); });
+    if (!trap([&] { text = rows_->Text(*field, rowIndex_ - 1, text); })) text.clear();
   }
-  TraceField(trap, field.value_or(0), szFieldName, text);
-  return text;
+  TraceField(trap, *context, field.value_or(0), szFieldName, text);
+  return answer_.Keep(std::move(text));
 }
 
 std::optional<std::string_view> KalvodbDataSrc::GetIdentifier(std::string_view szFieldName) {
+  const auto context = Held(context_);
   Trap trap;
   const auto field = FieldNumber(trap, szFieldName);
-  identifier_.clear();
+  std::string text = answer_.Take();
   bool isNull = false;
   if (field && RowIsLoaded()) {
     const std::string step = Built([&](std::string& out) { Append(out, "KalvodbDataSrc.GetGUIField ", szFieldName); });
-    Fails(trap, *context_, step, [&] {
+    Fails(trap, *context, step, [&] {
       const auto bytes = rows_->Binary(*field, rowIndex_ - 1);
       isNull = !bytes;
-      if (bytes) AppendHexadecimal(identifier_, *bytes);
+      if (bytes) AppendHexadecimal(text, *bytes);
     });
   }
-  TraceField(trap, field.value_or(0), szFieldName, identifier_);
+  TraceField(trap, *context, field.value_or(0), szFieldName, text);
   if (isNull) return std::nullopt;
-  return identifier_;
+  return answer_.Keep(std::move(text));
 }
 
 Value KalvodbDataSrc::GetField(std::string_view szFieldName, bool bGUID) {
@@ -233,9 +247,10 @@ Value KalvodbDataSrc::GetField(std::string_view szFieldName, bool bGUID) {
   return std::string(*identifier);
 }
 
-void KalvodbDataSrc::TraceField(Trap& trap, std::int32_t field, std::string_view name, std::string_view value) const {
+void KalvodbDataSrc::TraceField(Trap& trap, const Context& context, std::int32_t field, std::string_view name,
+                                std::string_view value) {
   trap([&] {
-    context_->Trace("Dictionary", [&](std::string& out) {
+    context.Trace("Dictionary", [&](std::string& out) {
       Append(out, "<p>Get: Field ", field, ": ", name, "; Value: \"", value, "\"</p>", kCrLf);
     });
   });
@@ -247,13 +262,10 @@ std::int32_t KalvodbDataSrc::CloseDS() {
   Trap trap;
   fields_.Clear();
   rows_ = nullptr;
-  if (Fails(trap, *context_, "KalvodbDataSrc.CloseDS: rs.Close", [&] {
-        if (!recordSet_) throw ObjectNotSet();
-        recordSet_->Close();
-      })) {
+  if (Fails(trap, *Held(context_), "KalvodbDataSrc.CloseDS: rs.Close", [&] { Held(recordSet_)->Close(); })) {
     return CurrentError().number;
   }
-  if (Fails(trap, *context_, "KalvodbDataSrc.CloseDS: conn.Close", [&] { connection_->Close(); })) {
+  if (Fails(trap, *Held(context_), "KalvodbDataSrc.CloseDS: conn.Close", [&] { connection_->Close(); })) {
     return CurrentError().number;
   }
   return 0;

@@ -2,6 +2,7 @@
 
 #include "context/fails.h"
 #include "datasrc/live_tables.h"
+#include "datasrc/row_number.h"
 #include "kalvo/context.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
@@ -13,13 +14,18 @@
 
 namespace kalvo {
 
+// What an open is asked for, taken once: a script that serves as the browsing object may change the page's scope.
+struct LiveScope {
+  std::string server, mailbox, container, publicFolderId, containerId;
+};
+
 namespace {
 
 constexpr std::int16_t kFailed = -1;
 
 std::string Query(Trap& trap, const Context& context, std::string_view name) {
   std::string value;
-  trap([&] { value = context.PageRequest().QueryText(name); });
+  trap([&] { value = context.GetRequest()->QueryText(name); });
   return value;
 }
 
@@ -42,12 +48,13 @@ std::int16_t MapiDataSrc::OpenDS() {
   if (!table_) throw ObjectNotSet();
   Trap trap;
   std::int32_t messageIds = 0;
-  trap([&] { messageIds = context_->PageRequest().QueryCount("MessageId"); });
+  trap([&] { messageIds = Held(context_)->GetRequest()->QueryCount("MessageId"); });
   return messageIds != 0 ? OpenMessageDS() : OpenFolderDS();
 }
 
 bool MapiDataSrc::TakeLiveContainer(Trap& trap) {
-  return !Fails(trap, *context_, "Get the live container object.", [&] { live_ = context_->LiveDriller(); });
+  return !Fails(trap, *Held(context_), "Get the live container object.",
+                [&] { live_ = Held(context_)->LiveDriller(); });
 }
 
 LiveTableRow MapiDataSrc::TableRow(Trap& trap, LiveOpen opens) {
@@ -55,7 +62,7 @@ LiveTableRow MapiDataSrc::TableRow(Trap& trap, LiveOpen opens) {
     if (row.table == table_->GetId() && row.opens == opens) return row;
   }
   // Kept: the open goes on as for the messages of a mailbox.
-  trap([&] { context_->FailureMessage("Invalid table identifier for MAPI table.", false); });
+  trap([&] { Held(context_)->FailureMessage("Invalid table identifier for MAPI table.", false); });
   return {table_->GetId(), opens, LiveStore::Mailbox, LiveItems::Messages};
 }
 
@@ -66,14 +73,17 @@ std::int16_t MapiDataSrc::OpenFolderDS() {
   const bool isPublic = row.store == LiveStore::PublicFolders;
   recordCount_ = 0;
   totals_ = false;
-  if (context_->GetName().empty() || (context_->GetMailbox().empty() && !isPublic)) return kFailed;
+  const LiveScope scope{context_->GetName(), context_->GetMailbox(), context_->GetContainer(),
+                        Query(trap, *Held(context_), "PublicFolderId"), Query(trap, *Held(context_), "ContainerId")};
+  if (scope.server.empty() || (scope.mailbox.empty() && !isPublic)) return kFailed;
   if (!TakeLiveContainer(trap)) return kFailed;
-  if (!(isPublic ? MayListPublicFolders(trap) : MayListMailbox(trap))) return kFailed;
-  if (!(isPublic ? GoToPublicFolder(trap) : GoToMailboxFolder(trap))) return kFailed;
+  if (!(isPublic ? MayListPublicFolders(trap) : MayListMailbox(trap, scope))) return kFailed;
+  if (!(isPublic ? GoToPublicFolder(trap, scope) : GoToMailboxFolder(trap, scope))) return kFailed;
   // Two steps and one report: a listing that could not be taken fails the open even when its count can be told.
-  trap([&] { listing_ = row.items == LiveItems::Folders ? live_->Folders() : live_->Messages(); });
-  if (Fails(trap, *context_, "Getting messages or folders.",
-            [&] { recordCount_ = row.items == LiveItems::Folders ? live_->FolderCount() : live_->MessageCount(); })) {
+  trap([&] { listing_ = row.items == LiveItems::Folders ? Held(live_)->Folders() : Held(live_)->Messages(); });
+  if (Fails(trap, *Held(context_), "Getting messages or folders.", [&] {
+        recordCount_ = row.items == LiveItems::Folders ? Held(live_)->FolderCount() : Held(live_)->MessageCount();
+      })) {
     return kFailed;
   }
   return SortRows(trap);
@@ -87,39 +97,36 @@ std::int16_t MapiDataSrc::OpenMessageDS() {
   totals_ = false;
   const std::string server = context_->GetName();
   const std::string mailbox = context_->GetMailbox();
-  const std::string messageId = Query(trap, *context_, "MessageId");
+  const std::string messageId = Query(trap, *Held(context_), "MessageId");
   if (!TakeLiveContainer(trap)) return kFailed;
   // Kept: the drill-down permission here, ownership for folders.
-  if (!context_->DrillDownPermission(server, mailbox)) {
-    trap([&] { context_->FailureMessage("Mailbox does not exist, or you are not the owner.", false); });
+  if (!Held(context_)->DrillDownPermission(server, mailbox)) {
+    trap([&] { Held(context_)->FailureMessage("Mailbox does not exist, or you are not the owner.", false); });
     return kFailed;
   }
-  if (context_->EncapsulateGotoMsgAttachmentFailure(*live_, server, mailbox, messageId, row.store == LiveStore::Mailbox,
-                                                    "Open message.")) {
+  if (Held(context_)->EncapsulateGotoMsgAttachmentFailure(*Held(live_), server, mailbox, messageId,
+                                                          row.store == LiveStore::Mailbox, "Open message.")) {
     return kFailed;
   }
-  trap([&] { listing_ = live_->Attachments(); });
-  trap([&] {
-    if (!listing_) throw ObjectNotSet();
-    recordCount_ = listing_->Count();
-  });
+  trap([&] { listing_ = Held(live_)->Attachments(); });
+  trap([&] { recordCount_ = Held(listing_)->Count(); });
   return SortRows(trap);
 }
 
 // ---- permission -----------------------------------------------------------------------------------------
 
 bool MapiDataSrc::Refuse(Trap& trap) {
-  trap([&] { context_->FailureMessage("Mailbox or folder does not exist, or you are not the owner.", false); });
+  trap([&] { Held(context_)->FailureMessage("Mailbox or folder does not exist, or you are not the owner.", false); });
   return false;
 }
 
-bool MapiDataSrc::MayListMailbox(Trap& trap) {
-  const auto ownership = context_->OwnsMailbox(trap, *live_, context_->GetName(), context_->GetMailbox());
+bool MapiDataSrc::MayListMailbox(Trap& trap, const LiveScope& scope) {
+  const auto ownership = Held(context_)->OwnsMailbox(trap, *Held(live_), scope.server, scope.mailbox);
   bool administrator = false;
-  trap([&] { administrator = context_->KalvoAdministrator(); });
+  trap([&] { administrator = Held(context_)->KalvoAdministrator(); });
   if (ownership.owns || administrator) return true;
   trap([&] {
-    context_->TraceTable([&](std::string& out) {
+    Held(context_)->TraceTable([&](std::string& out) {
       Append(out, "<p>User: ", ownership.user, "<br>Owner: ", ownership.owner,
              "<br>KalvoAdministrator: ", Flag(administrator), "</p>", kCrLf);
     });
@@ -129,10 +136,10 @@ bool MapiDataSrc::MayListMailbox(Trap& trap) {
 
 bool MapiDataSrc::MayListPublicFolders(Trap& trap) {
   bool administrator = false;
-  trap([&] { administrator = context_->KalvoAdministrator(); });
+  trap([&] { administrator = Held(context_)->KalvoAdministrator(); });
   if (administrator) return true;
   trap([&] {
-    context_->TraceTable(
+    Held(context_)->TraceTable(
         [&](std::string& out) { Append(out, "<p>KalvoAdministrator: ", Flag(administrator), "</p>", kCrLf); });
   });
   return Refuse(trap);
@@ -140,86 +147,91 @@ bool MapiDataSrc::MayListPublicFolders(Trap& trap) {
 
 // ---- positioning ----------------------------------------------------------------------------------------
 
-bool MapiDataSrc::GoToMailboxFolder(Trap& trap) {
-  const std::string& server = context_->GetName();
-  const std::string& mailbox = context_->GetMailbox();
-  const std::string folderId = Query(trap, *context_, "ContainerId");
-  if (folderId.empty()) {
-    return !context_->EncapsulateGotoContainerFailure(*live_, server, mailbox, context_->GetContainer(), 0,
-                                                      live::kByPath, "Open mailbox container.");
+bool MapiDataSrc::GoToMailboxFolder(Trap& trap, const LiveScope& scope) {
+  if (scope.containerId.empty()) {
+    return !Held(context_)->EncapsulateGotoContainerFailure(*Held(live_), scope.server, scope.mailbox, scope.container,
+                                                            0, live::kByPath, "Open mailbox container.");
   }
   constexpr std::string_view kStep = "Open mailbox folder by identifier.";
-  if (context_->EncapsulateGotoContainerFailure(*live_, server, mailbox, "", 0, live::kByPath, kStep)) return false;
-  return !Fails(trap, *context_, kStep, [&] { live_->GotoContainerById(server, folderId, live::kByPath); });
-}
-
-bool MapiDataSrc::GoToPublicFolder(Trap& trap) {
-  const std::string id = Query(trap, *context_, "PublicFolderId");
-  return id.empty() ? GoToPublicFolderByPath(trap) : GoToPublicFolderById(trap, id);
-}
-
-bool MapiDataSrc::GoToPublicFolderByPath(Trap& trap) {
-  const std::string& server = context_->GetName();
-  const std::string& path = context_->GetMailbox();
-  const std::string productMailbox = context_->KalvoCreatedMailboxName(server);
-  trap([&] {
-    context_->TraceTable([&](std::string& out) {
-      Append(out, "<p>Loading public folder mailbox \"", context_->ServerHTMLEncode(productMailbox), "\" container \"",
-             context_->ServerHTMLEncode(path), "\"</p>", kCrLf);
-    });
-  });
-  return !context_->EncapsulateGotoContainerFailure(
-      *live_, server, productMailbox, path, 0, live::kPublicFolders | live::kByPath, "Loading public folder.", true);
-}
-
-bool MapiDataSrc::GoToPublicFolderById(Trap& trap, const std::string& id) {
-  const std::string& server = context_->GetName();
-  const std::string productMailbox = context_->KalvoCreatedMailboxName(server);
-  trap([&] {
-    context_->TraceTable([&](std::string& out) {
-      Append(out, "<p>Load by identifier \"", context_->ServerHTMLEncode(id), "\"</p>", kCrLf);
-    });
-  });
-  if (context_->EncapsulateGotoContainerFailure(*live_, server, productMailbox, "", 0, live::kPublicFolders,
-                                                "Open well-known mailbox.")) {
+  if (Held(context_)->EncapsulateGotoContainerFailure(*Held(live_), scope.server, scope.mailbox, "", 0, live::kByPath,
+                                                      kStep)) {
     return false;
   }
-  if (Fails(trap, *context_, "Open public folder by identifier.",
-            [&] { live_->GotoContainerById(server, id, live::kPublicFolders); })) {
-    return false;
-  }
+  return !Fails(trap, *Held(context_), kStep,
+                [&] { Held(live_)->GotoContainerById(scope.server, scope.containerId, live::kByPath); });
+}
+
+bool MapiDataSrc::GoToPublicFolder(Trap& trap, const LiveScope& scope) {
+  return scope.publicFolderId.empty() ? GoToPublicFolderByPath(trap, scope) : GoToPublicFolderById(trap, scope);
+}
+
+bool MapiDataSrc::GoToPublicFolderByPath(Trap& trap, const LiveScope& scope) {
+  const std::string& path = scope.mailbox;
+  const std::string productMailbox = context_->KalvoCreatedMailboxName(scope.server);
+  const auto context = Held(context_);
   trap([&] {
-    context_->TraceTable([&](std::string& out) {
-      Append(out, "<p>Load by identifier \"", context_->ServerHTMLEncode(id), "\" produced mailbox \"",
-             context_->ServerHTMLEncode(live_->CurrentMailboxName()), "\" container \"",
-             context_->ServerHTMLEncode(live_->CurrentContainerName()), "\"</p>", kCrLf);
+    context->TraceTable([&](std::string& out) {
+      Append(out, "<p>Loading public folder mailbox \"", context->ServerHTMLEncode(productMailbox), "\" container \"",
+             context->ServerHTMLEncode(path), "\"</p>", kCrLf);
     });
   });
+  return !Held(context_)->EncapsulateGotoContainerFailure(*Held(live_), scope.server, productMailbox, path, 0,
+                                                          live::kPublicFolders | live::kByPath,
+                                                          "Loading public folder.", true);
+}
+
+bool MapiDataSrc::GoToPublicFolderById(Trap& trap, const LiveScope& scope) {
+  const std::string& id = scope.publicFolderId;
+  const std::string productMailbox = context_->KalvoCreatedMailboxName(scope.server);
+  const auto context = Held(context_);
+  trap([&] {
+    context->TraceTable([&](std::string& out) {
+      Append(out, "<p>Load by identifier \"", context->ServerHTMLEncode(id), "\"</p>", kCrLf);
+    });
+  });
+  if (Held(context_)->EncapsulateGotoContainerFailure(*Held(live_), scope.server, productMailbox, "", 0,
+                                                      live::kPublicFolders, "Open well-known mailbox.")) {
+    return false;
+  }
+  if (Fails(trap, *Held(context_), "Open public folder by identifier.",
+            [&] { Held(live_)->GotoContainerById(scope.server, id, live::kPublicFolders); })) {
+    return false;
+  }
+  TracePosition(trap, id);
   return true;
+}
+
+// Where the browsing object stands now.
+void MapiDataSrc::TracePosition(Trap& trap, std::string_view id) {
+  const auto context = Held(context_);
+  trap([&] {
+    context->TraceTable([&](std::string& out) {
+      Append(out, "<p>Load by identifier \"", context->ServerHTMLEncode(id), "\" produced mailbox \"",
+             context->ServerHTMLEncode(Held(live_)->CurrentMailboxName()), "\" container \"",
+             context->ServerHTMLEncode(Held(live_)->CurrentContainerName()), "\"</p>", kCrLf);
+    });
+  });
 }
 
 // ---- sorting --------------------------------------------------------------------------------------------
 
 std::int16_t MapiDataSrc::SortRows(Trap& trap) {
   std::string field, order;
-  trap([&] { field = context_->TableSortFieldInformation(); });
+  trap([&] { field = Held(context_)->TableSortFieldInformation(); });
   if (field.empty()) field = table_->GetOrderBy();
-  const auto trace = [&](auto&& maker) { trap([&] { context_->TraceTable(maker); }); };
+  const auto trace = [&](auto&& maker) { trap([&] { Held(context_)->TraceTable(maker); }); };
   if (field.empty()) {
     trace([](std::string& out) { Append(out, "<p>No supplied or default sort Information.</p>", kCrLf); });
     return 0;
   }
-  trap([&] { order = context_->TableSortOrderInformation(); });
+  trap([&] { order = Held(context_)->TableSortOrderInformation(); });
   if (order.empty()) order = table_->GetDefaultSortOrder();
   const std::int32_t descending = EqualsIgnoringCase(order, TableConstants().gszAscendingSort()) ? 0 : 1;
   trace([&](std::string& out) { Append(out, "<p>Sort Information: \"", field, "\" \"", order, "\"</p>", kCrLf); });
-  const auto listing = [&]() -> Listing& {
-    if (!listing_) throw ObjectNotSet();
-    return *listing_;
-  };
-  const bool failed = Fails(trap, *context_, "Clear sort fields.", [&] { listing().ClearSortFields(); }) ||
-                      Fails(trap, *context_, "Add sort field.", [&] { listing().AddSortField(field, descending); }) ||
-                      Fails(trap, *context_, "Sort results.", [&] { listing().Sort(); });
+  const bool failed =
+      Fails(trap, *Held(context_), "Clear sort fields.", [&] { Held(listing_)->ClearSortFields(); }) ||
+      Fails(trap, *Held(context_), "Add sort field.", [&] { Held(listing_)->AddSortField(field, descending); }) ||
+      Fails(trap, *Held(context_), "Sort results.", [&] { Held(listing_)->Sort(); });
   return failed ? kFailed : std::int16_t{0};
 }
 
@@ -227,33 +239,24 @@ std::int16_t MapiDataSrc::SortRows(Trap& trap) {
 
 std::int16_t MapiDataSrc::MoveFirst() {
   Trap trap;
-  texts_.Forget();
   if (recordCount_ == 0) return 0;
-  trap([&] {
-    if (!listing_) throw ObjectNotSet();
-    listing_->MoveFirst();
-  });
+  trap([&] { Held(listing_)->MoveFirst(); });
   rowIndex_ = 1;
   return 0;
 }
 
 std::int16_t MapiDataSrc::MoveNext() {
   Trap trap;
-  texts_.Forget();
   if (rowIndex_ > recordCount_) return 0;
-  if (Fails(trap, *context_, "Move next.", [&] {
-        if (!listing_) throw ObjectNotSet();
-        listing_->MoveNext();
-      })) {
+  if (Fails(trap, *Held(context_), "Move next.", [&] { Held(listing_)->MoveNext(); })) {
     recordCount_ = 0;
   } else {
-    ++rowIndex_;
+    trap([&] { rowIndex_ = NextRow(rowIndex_); });
   }
   return 0;
 }
 
 std::int16_t MapiDataSrc::MoveTotals() {
-  texts_.Forget();
   totals_ = true;
   return 0;
 }
@@ -262,12 +265,12 @@ std::int16_t MapiDataSrc::GetRowIndex() { return ToInt16(static_cast<double>(row
 
 std::string_view MapiDataSrc::GetField(std::string_view szFieldName) {
   Trap trap;
-  std::string& text = texts_.Of(szFieldName);
+  std::string text = answer_.Take();
   trap([&] {
-    if (!listing_) throw ObjectNotSet();
-    AppendText(text, totals_ ? listing_->Total(szFieldName) : listing_->Field(szFieldName), locale_);
+    const auto listing = Held(listing_);
+    AppendText(text, totals_ ? listing->Total(szFieldName) : listing->Field(szFieldName), locale_);
   });
-  return text;
+  return answer_.Keep(std::move(text));
 }
 
 }  // namespace kalvo

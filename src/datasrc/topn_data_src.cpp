@@ -1,6 +1,7 @@
 #include "kalvo/topn_data_src.h"
 
 #include "context/fails.h"
+#include "datasrc/row_number.h"
 #include "kalvo/context.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
@@ -93,10 +94,12 @@ void TopnDataSrc::Initialize(Table& KalvoTable, std::string_view ResourceName, C
 std::int16_t TopnDataSrc::OpenDS() {
   if (!table_) throw ObjectNotSet();
   Trap trap;
-  if (Fails(trap, *context_, "TopnDataSrc.OpenDS", [&] { results_ = platform_.topN.NewResults(); })) return kFailed;
+  if (Fails(trap, *Held(context_), "TopnDataSrc.OpenDS", [&] { results_ = platform_.topN.NewResults(); }))
+    return kFailed;
   recordCount_ = 0;
   if (!Load(trap)) return kFailed;
-  if (Fails(trap, *context_, "TopnDataSrc.OpenDS: RecordCount failed", [&] { recordCount_ = results_->Count(); })) {
+  if (Fails(trap, *Held(context_), "TopnDataSrc.OpenDS: RecordCount failed",
+            [&] { recordCount_ = Held(results_)->Count(); })) {
     return kFailed;
   }
   return SortResults(trap);
@@ -105,17 +108,17 @@ std::int16_t TopnDataSrc::OpenDS() {
 bool TopnDataSrc::Load(Trap& trap) {
   const std::int16_t object = table_->GetTopNObject();
   const auto refuse = [&](std::string_view text) {
-    trap([&] { context_->FailureMessage(text, false); });
+    trap([&] { Held(context_)->FailureMessage(text, false); });
     return false;
   };
   std::shared_ptr<TopNLoader> loader;
   if (object == TOPNOBJECT_SERVER) {
-    if (Fails(trap, *context_, "TopnDataSrc.OpenDS: Case TOPNOBJECT_SERVER",
+    if (Fails(trap, *Held(context_), "TopnDataSrc.OpenDS: Case TOPNOBJECT_SERVER",
               [&] { loader = platform_.topN.NewServerLoader(); })) {
       return false;
     }
   } else if (object == TOPNOBJECT_MAILBOXGROUP) {
-    if (Fails(trap, *context_, "TopnDataSrc.OpenDS: Case TOPNOBJECT_MAILBOXGROUP",
+    if (Fails(trap, *Held(context_), "TopnDataSrc.OpenDS: Case TOPNOBJECT_MAILBOXGROUP",
               [&] { loader = platform_.topN.NewMailboxGroupLoader(); })) {
       return false;
     }
@@ -125,16 +128,17 @@ bool TopnDataSrc::Load(Trap& trap) {
   const LoadRow* load = FindLoad(object, table_->GetTopNLoadType());
   if (!load) return refuse("Internal error: No TopN Load type specified.");
   const std::int16_t kind = KindOf(table_->GetId());
-  return !Fails(trap, *context_, "TopnDataSrc.OpenDS: LoadFailed",
-                [&] { ((*loader).*load->call)(kind, ((*context_).*load->scope)(), *results_); });
+  const std::string scope = ((*context_).*load->scope)();
+  return !Fails(trap, *Held(context_), "TopnDataSrc.OpenDS: LoadFailed",
+                [&] { ((*loader).*load->call)(kind, scope, *Held(results_)); });
 }
 
 // Sort fields of these tables are column numbers; a request's other text is passed over.
 std::int16_t TopnDataSrc::SortResults(Trap& trap) {
   std::string field;
-  trap([&] { field = context_->TableSortFieldInformation(); });
+  trap([&] { field = Held(context_)->TableSortFieldInformation(); });
   if (!ParseNumber(field)) field = table_->GetOrderBy();
-  const auto trace = [&](auto&& maker) { trap([&] { context_->TraceTable(maker); }); };
+  const auto trace = [&](auto&& maker) { trap([&] { Held(context_)->TraceTable(maker); }); };
   if (recordCount_ == 0) {
     trace([](std::string& out) { Append(out, "<p>No records returned and no sort attempt.</p>", kCrLf); });
     return 0;
@@ -144,7 +148,7 @@ std::int16_t TopnDataSrc::SortResults(Trap& trap) {
     return 0;
   }
   std::string order;
-  trap([&] { order = context_->TableSortOrderInformation(); });
+  trap([&] { order = Held(context_)->TableSortOrderInformation(); });
   if (order.empty()) order = table_->GetDefaultSortOrder();
   std::int16_t column = 0;
   trap([&] { column = ToInt16(std::string_view(field)); });
@@ -153,7 +157,7 @@ std::int16_t TopnDataSrc::SortResults(Trap& trap) {
     Append(out, "<p>Sort Information: \"", field, "\" (", column, ") \"", order, "\" (", ascending, ")</p>", kCrLf);
   });
   const bool failed =
-      Fails(trap, *context_, "TopnDataSrc.OpenDS: Sort failed", [&] { results_->Sort(column, ascending); });
+      Fails(trap, *Held(context_), "TopnDataSrc.OpenDS: Sort failed", [&] { Held(results_)->Sort(column, ascending); });
   return failed ? kFailed : std::int16_t{0};
 }
 
@@ -161,9 +165,8 @@ std::int16_t TopnDataSrc::SortResults(Trap& trap) {
 
 std::int16_t TopnDataSrc::MoveFirst() {
   Trap trap;
-  texts_.Forget();
   if (recordCount_ == 0) return 0;
-  if (Fails(trap, *context_, "Move first.", [&] { results_->MoveFirst(); })) {
+  if (Fails(trap, *Held(context_), "Move first.", [&] { Held(results_)->MoveFirst(); })) {
     recordCount_ = 0;
   } else {
     rowIndex_ = 1;
@@ -173,44 +176,37 @@ std::int16_t TopnDataSrc::MoveFirst() {
 
 std::int16_t TopnDataSrc::MoveNext() {
   Trap trap;
-  texts_.Forget();
   if (rowIndex_ > recordCount_) return 0;
-  if (Fails(trap, *context_, "Move next.", [&] { results_->MoveNext(); })) {
+  if (Fails(trap, *Held(context_), "Move next.", [&] { Held(results_)->MoveNext(); })) {
     recordCount_ = 0;
   } else {
-    ++rowIndex_;
+    trap([&] { rowIndex_ = NextRow(rowIndex_); });
   }
   return 0;
 }
 
 std::int16_t TopnDataSrc::MoveTotals() {
   Trap trap;
-  texts_.Forget();
-  const bool failed = Fails(trap, *context_, "Move Totals.", [&] {
-    if (!results_) throw ObjectNotSet();
-    results_->MoveTotals();
-  });
+  const bool failed = Fails(trap, *Held(context_), "Move Totals.", [&] { Held(results_)->MoveTotals(); });
   return failed ? kFailed : std::int16_t{0};
 }
 
 std::int16_t TopnDataSrc::GetRowIndex() { return ToInt16(static_cast<double>(rowIndex_)); }
 
 std::string_view TopnDataSrc::GetField(std::string_view szFieldName) {
+  const auto context = Held(context_);
   Trap trap;
-  std::string& text = texts_.Of(szFieldName);
-  trap([&] {
-    if (!results_) throw ObjectNotSet();
-    AppendText(text, results_->Value(ToInt16(szFieldName)), platform_.locale);
-  });
+  std::string text = answer_.Take();
+  trap([&] { AppendText(text, Held(results_)->Value(ToInt16(szFieldName)), platform_.locale); });
   const std::int32_t number = CurrentError().number;
   trap([&] {
-    context_->Trace("TopN", [&](std::string& out) {
+    context->Trace("TopN", [&](std::string& out) {
       Append(out, "<p>Get: Field: ", szFieldName, "; Value: \"", text, '"');
       if (number != 0) Append(out, "; Err.Number: ", number);
       Append(out, "</p>", kCrLf);
     });
   });
-  return text;
+  return answer_.Keep(std::move(text));
 }
 
 }  // namespace kalvo

@@ -5,6 +5,7 @@
 #include "platform/append.h"
 #include "platform/conversion.h"
 #include "platform/error.h"
+#include "platform/owned.h"
 #include "platform/page_host.h"
 
 namespace kalvo {
@@ -52,7 +53,7 @@ std::string Display::AddInputField(const Value& szInputField, const Value& szVal
 
 void Display::AppendInputField(std::string& out, std::string_view name, std::string_view value) const {
   Append(out, ' ', name, "=\"");
-  PageServer().HTMLEncode(out, value);
+  Held(server_)->HTMLEncode(out, value);
   out += '"';
 }
 

@@ -1,7 +1,6 @@
 #include "kalvo/display.h"
 
 #include "display/images.h"
-#include "platform/error.h"
 #include "platform/page_host.h"
 
 namespace kalvo {
@@ -26,11 +25,6 @@ void Display::OnEndPage() {
   request_.reset();
   session_.reset();
   server_.reset();
-}
-
-Server& Display::PageServer() const {
-  if (!server_) throw ObjectNotSet();
-  return *server_;
 }
 
 }  // namespace kalvo

@@ -9,6 +9,7 @@
 #include "platform/append.h"
 #include "platform/conversion.h"
 #include "platform/error.h"
+#include "platform/owned.h"
 #include "platform/page_host.h"
 
 namespace kalvo {
@@ -236,7 +237,7 @@ void Display::AppendParamToURL(std::string& url, std::string_view szName, std::s
   if (szName.empty()) return;
   const char separator = url.find('?') == std::string::npos ? '?' : '&';
   Append(url, separator, szName, '=');
-  PageServer().URLEncode(url, szValue);
+  Held(server_)->URLEncode(url, szValue);
 }
 
 }  // namespace kalvo

@@ -4,6 +4,7 @@
 #include "kalvo/display.h"
 #include "platform/append.h"
 #include "platform/conversion.h"
+#include "platform/owned.h"
 #include "platform/page_host.h"
 
 namespace kalvo {
@@ -35,7 +36,7 @@ void Display::AppendAnchorStart(std::string& out, std::string_view szLink, std::
   } else {
     std::string link(szLink);
     link += '#';
-    PageServer().URLEncode(link, szBookmark);
+    Held(server_)->URLEncode(link, szBookmark);
     AppendInputField(out, "href", link);
   }
   AppendInputFieldIfNotNull(out, "target", szTarget);

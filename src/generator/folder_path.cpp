@@ -47,7 +47,7 @@ void AppendFolderCell(std::string& out, const Context& context, std::string_view
 }  // namespace
 
 void KalvoforExchangeTableGenerator::Write(Trap& trap, std::string_view text) {
-  trap([&] { PageResponse().Write(text); });
+  trap([&] { PageResponse()->Write(text); });
 }
 
 // ---- public folders -------------------------------------------------------------------------------------
@@ -56,13 +56,13 @@ std::string KalvoforExchangeTableGenerator::PublicFolderDisplayPath() {
   Context& context = PageContext();
   Trap trap;
   std::string id, server;
-  trap([&] { id = context.PageRequest().QueryText("PublicFolderId"); });
+  trap([&] { id = context.GetRequest()->QueryText("PublicFolderId"); });
   if (id.empty()) return {};
   // Kept: a failure is told from a request without a public folder.
   const std::string failed(kFailedPath);
   std::shared_ptr<LiveContainer> live;
   if (Fails(trap, context, "Get the live container object.", [&] { live = context.LiveDriller(); })) return failed;
-  trap([&] { server = context.PageRequest().QueryText("Server"); });
+  trap([&] { server = context.GetRequest()->QueryText("Server"); });
   if (context.EncapsulateGotoContainerFailure(*live, server, context.KalvoCreatedMailboxName(server), "", 0,
                                               live::kPublicFolders, "Public folder by identifier.")) {
     return failed;
@@ -94,7 +94,7 @@ bool KalvoforExchangeTableGenerator::DisplayFolderPath(std::string_view szServer
     const std::string path = PublicFolderDisplayPath();
     if (path == kFailedPath) return false;
     if (!path.empty()) {
-      trap([&] { PageResponse().Write(Built([&](std::string& out) { AppendFolderCell(out, context, path); })); });
+      trap([&] { PageResponse()->Write(Built([&](std::string& out) { AppendFolderCell(out, context, path); })); });
     }
   } else {
     WriteMailboxLink(trap, szServer, szMailbox);
@@ -111,7 +111,7 @@ bool KalvoforExchangeTableGenerator::DisplayFolderPath(std::string_view szServer
 void KalvoforExchangeTableGenerator::WriteMailboxLink(Trap& trap, std::string_view szServer,
                                                       std::string_view szMailbox) {
   trap([&] {
-    PageResponse().Write(Built([&](std::string& out) {
+    PageResponse()->Write(Built([&](std::string& out) {
       out += "<td>Mailbox:</td>";
       AppendLinkCell(out, PageContext(), szServer, szMailbox, "", szMailbox);
     }));
@@ -131,7 +131,7 @@ bool KalvoforExchangeTableGenerator::WriteFolderById(Trap& trap, LiveContainer& 
   }
   trap([&] {
     const std::string path = live.CurrentContainerName();
-    PageResponse().Write(Built([&](std::string& out) { AppendFolderCell(out, context, path); }));
+    PageResponse()->Write(Built([&](std::string& out) { AppendFolderCell(out, context, path); }));
   });
   return true;
 }
@@ -148,7 +148,7 @@ void KalvoforExchangeTableGenerator::WriteContainerLinks(Trap& trap, std::string
     if (piece.empty()) continue;
     Append(path, path.empty() ? "" : "\\", piece);
     trap([&] {
-      PageResponse().Write(Built([&](std::string& out) {
+      PageResponse()->Write(Built([&](std::string& out) {
         out += "<td>\\</td>";
         AppendLinkCell(out, PageContext(), szServer, szMailbox, path, piece);
       }));
@@ -167,7 +167,7 @@ bool KalvoforExchangeTableGenerator::ResolveMailbox(Trap& trap, LiveContainer& l
   }
   // Every sort and paging link carries the page size: without one this is the first visit.
   std::string pageSize;
-  trap([&] { pageSize = context.PageRequest().QueryText("PageSize"); });
+  trap([&] { pageSize = context.GetRequest()->QueryText("PageSize"); });
   if (pageSize.empty()) trap([&] { live.ResetNameResolution(); });
 
   std::shared_ptr<Listing> candidates;

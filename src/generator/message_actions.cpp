@@ -1,5 +1,7 @@
 // The details of one message, who may see a mailbox, and the deletion of a message.
 
+#include <cmath>
+
 #include "context/fails.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
@@ -13,6 +15,12 @@ namespace kalvo {
 
 namespace {
 
+// A size as it was told; what is told and is no number fails.
+Value SizeOf(Value told) {
+  if (!IsNull(told) && !std::isfinite(ToDouble(told))) throw Overflow();
+  return told;
+}
+
 // What the details table shows of a message. What cannot be read is "", a size 0.
 struct MessageDetails {
   std::string subject, sender;
@@ -23,7 +31,7 @@ struct MessageDetails {
   MessageDetails(Trap& trap, LiveContainer& live, const Locale& locale) {
     trap([&] { subject = ToText(live.MessageSubject(), locale); });
     trap([&] { sender = ToText(live.MessageSender(), locale); });
-    trap([&] { size = live.MessageSize(); });
+    trap([&] { size = SizeOf(live.MessageSize()); });
     trap([&] { created = live.MessageCreationDate(); });
     trap([&] { modified = live.MessageModificationDate(); });
   }
@@ -49,9 +57,8 @@ void KalvoforExchangeTableGenerator::DisplayMessageInformation(std::string_view 
   Trap trap;
   std::string folderId, continueUrl;
   trap([&] {
-    Request& request = context.PageRequest();
     const std::string_view idName = bMailboxMessage ? "ContainerId" : "PublicFolderId";
-    folderId = request.Item(idName);
+    folderId = context.GetRequest()->Item(idName);
     continueUrl = bMailboxMessage ? "../Resources/MailboxSummary.asp" : "../Resources/PublicFolderSummary.asp";
     display.AppendParamToURL(continueUrl, "Server", szServerName);
     display.AppendParamToURL(continueUrl, "Mailbox", szMailboxName);
@@ -69,7 +76,7 @@ void KalvoforExchangeTableGenerator::DisplayMessageInformation(std::string_view 
       display.DeleteMessageForm(szServerName, szMailboxName, folderId, szMessageId, flags, continueUrl);
   const MessageDetails details(trap, *live, platform_.locale);
 
-  const auto write = [&](auto&& maker) { trap([&] { PageResponse().Write(Built(maker)); }); };
+  const auto write = [&](auto&& maker) { trap([&] { PageResponse()->Write(Built(maker)); }); };
   Write(trap, "<table border=\"0\">\r\n");
   write([&](std::string& out) {
     AppendHeading(out, "Subject");
@@ -110,12 +117,12 @@ bool KalvoforExchangeTableGenerator::DeleteMessage(std::string& szErrorString) {
   ClearError();
   szErrorString = "Unknown Error";
   Context& context = PageContext();
-  Request& request = context.PageRequest();
-  const std::string server = request.QueryText("ServerName");
-  const std::string mailbox = request.QueryText("MailboxName");
-  const std::string folderId = request.QueryText("FolderId");
-  const std::string messageId = request.QueryText("MessageId");
-  const auto number = ParseNumber(request.QueryText("Flags"));
+  const std::shared_ptr<Request> request = context.GetRequest();
+  const std::string server = request->QueryText("ServerName");
+  const std::string mailbox = request->QueryText("MailboxName");
+  const std::string folderId = request->QueryText("FolderId");
+  const std::string messageId = request->QueryText("MessageId");
+  const auto number = ParseNumber(request->QueryText("Flags"));
   const std::int16_t flags = number ? ToInt16(*number) : std::int16_t{0};
 
   szErrorString = "Delete message not allowed";

@@ -7,6 +7,7 @@
 #include "kalvo/table_constants.h"
 #include "kalvo/table_database.h"
 #include "platform/error.h"
+#include "platform/owned.h"
 #include "platform/page_host.h"
 
 namespace kalvo {
@@ -37,15 +38,7 @@ Display& KalvoforExchangeTableGenerator::PageDisplay() { return MadeOnce(display
 KalvoTableDatabase& KalvoforExchangeTableGenerator::Tables() { return MadeOnce(tables_, platform_); }
 KalvoColumnDatabase& KalvoforExchangeTableGenerator::Columns() { return MadeOnce(columns_); }
 
-Response& KalvoforExchangeTableGenerator::PageResponse() const {
-  if (!response_) throw ObjectNotSet();
-  return *response_;
-}
-
-Request& KalvoforExchangeTableGenerator::PageRequest() const {
-  if (!request_) throw ObjectNotSet();
-  return *request_;
-}
+std::shared_ptr<Response> KalvoforExchangeTableGenerator::PageResponse() const { return Held(response_); }
 
 void KalvoforExchangeTableGenerator::OnStartPage(ScriptingContext& ASPScriptingContext) {
   response_ = ASPScriptingContext.GetResponse();
@@ -83,7 +76,7 @@ void KalvoforExchangeTableGenerator::BuildTable(KalvoTableConstants tableId, std
   context.SetTopN(TopNType);
   const std::shared_ptr<Table> table = Tables().GetTable(tableId);
   if (!table) {
-    PageResponse().Write("<p>The table requested is invalid.</p>");
+    PageResponse()->Write("<p>The table requested is invalid.</p>");
     return;
   }
   const std::shared_ptr<Response> response = response_ ? response_ : std::make_shared<NoResponse>();

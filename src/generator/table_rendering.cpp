@@ -8,6 +8,7 @@
 #include "kalvo/context.h"
 #include "kalvo/display.h"
 #include "platform/append.h"
+#include "platform/owned.h"
 #include "platform/page_host.h"
 
 namespace kalvo {
@@ -24,11 +25,6 @@ constexpr std::string_view TypeLabel(KalvoTableType type) {
 }
 
 constexpr CellLayout kHeading{.header = true, .align = "left"};
-
-RowSource& Present(const std::shared_ptr<RowSource>& source) {
-  if (!source) throw ObjectNotSet();
-  return *source;
-}
 
 }  // namespace
 
@@ -52,7 +48,7 @@ void TableRendering::Render(std::string_view emptyMessage, std::string_view tabl
   WriteMade([&](std::string& out) { Append(out, kCrLf, "<a name=\"", table_.bookmark_, "\"></a>", kCrLf); });
   if (!tableName.empty()) WriteTitle(tableName);
 
-  trap_([&] { page_.records = Present(source_).RecordCount(); });
+  trap_([&] { page_.records = Held(source_)->RecordCount(); });
   if (page_.records == 0) {
     // Kept: the source of an empty table is not closed; it goes with the rendering.
     WriteMade([&](std::string& out) { Append(out, "<p><em>", emptyMessage, "</em></p>", kCrLf); });
@@ -74,7 +70,7 @@ void TableRendering::Render(std::string_view emptyMessage, std::string_view tabl
   trap_([&] { context_.Trace("Time", [&](std::string& out) { out += elapsed.Report("Table render"); }); });
   if (page_.IsPaged()) Write(navigationRow_);
   WriteMade([&](std::string& out) { display_.AppendDetailTableEnd(out); });
-  trap_([&] { Present(source_).CloseDS(); });
+  trap_([&] { Held(source_)->CloseDS(); });
 }
 
 void TableRendering::StartTable() {
@@ -90,7 +86,7 @@ void TableRendering::StartTable() {
 bool TableRendering::Open() {
   std::int16_t status = 0;
   trap_([&] { source_ = table_.GetDataSrc(context_); });
-  trap_([&] { status = Present(source_).OpenDS(); });
+  trap_([&] { status = Held(source_)->OpenDS(); });
   if (status == 0) return true;
   trap_([&] { context_.FailureMessage("Failure retrieving the table information.", false); });
   return false;
@@ -205,8 +201,9 @@ void TableRendering::AppendPagingLinks(std::string& left, std::string& right) {
 }
 
 void TableRendering::AppendPagingLink(std::string& out, std::string_view image, std::int32_t first, std::int32_t size) {
-  const std::string link = context_.TableURL(context_.TableSortFieldInformation(), context_.TableSortOrderInformation(),
-                                             std::to_string(first), std::to_string(size));
+  const std::string field = context_.TableSortFieldInformation();
+  const std::string order = context_.TableSortOrderInformation();
+  const std::string link = context_.TableURL(field, order, std::to_string(first), std::to_string(size));
   const std::string content = Built([&](std::string& text) {
     Append(text, "<img src=\"../Images/Controls/", image, ".gif\" height=\"31\" width=\"40\" border=\"0\">");
   });
@@ -216,9 +213,9 @@ void TableRendering::AppendPagingLink(std::string& out, std::string_view image, 
 // ---- rows -----------------------------------------------------------------------------------------------
 
 void TableRendering::MoveToFirstRow() {
-  trap_([&] { Present(source_).MoveFirst(); });
+  trap_([&] { Held(source_)->MoveFirst(); });
   for (std::int32_t row = 1; row < page_.first; ++row) {
-    trap_([&] { Present(source_).MoveNext(); });
+    trap_([&] { Held(source_)->MoveNext(); });
   }
 }
 
@@ -234,14 +231,16 @@ void TableRendering::WriteRows() {
 }
 
 void TableRendering::WriteRow(Phase phase, bool& firstCell) {
-  for (const std::int16_t id : table_.columns_) {
+  // A copy: a script that is asked for a cell may initialise the table anew.
+  rowColumns_ = table_.columns_;
+  for (const std::int16_t id : rowColumns_) {
     trap_([&] { column_ = columns_.Column(id); });
     WriteMade([&](std::string& out) {
-      if (!column_) throw ObjectNotSet();
+      TableColumn& column = *Held(column_);
       switch (phase) {
-        case Phase::Header: column_->AppendHeader(out, context_, display_); break;
-        case Phase::Data: column_->AppendData(out, context_, display_, Present(source_)); break;
-        case Phase::Totals: column_->AppendTotal(out, context_, display_, Present(source_), firstCell); break;
+        case Phase::Header: column.AppendHeader(out, context_, display_); break;
+        case Phase::Data: column.AppendData(out, context_, display_, *Held(source_)); break;
+        case Phase::Totals: column.AppendTotal(out, context_, display_, *Held(source_), firstCell); break;
         case Phase::Done: break;
       }
     });
@@ -253,7 +252,7 @@ TableRendering::Phase TableRendering::NextPhase(Phase phase, std::int32_t& row) 
   switch (phase) {
     case Phase::Header: return Phase::Data;
     case Phase::Data:
-      trap_([&] { Present(source_).MoveNext(); });
+      trap_([&] { Held(source_)->MoveNext(); });
       ++row;
       return row > page_.last ? AfterData() : Phase::Data;
     case Phase::Totals:
@@ -266,7 +265,7 @@ TableRendering::Phase TableRendering::AfterData() {
   if (table_.totalsState_ != table_ShowTotals) return Phase::Done;
   // A source that cannot be asked has no totals either.
   std::int16_t status = -1;
-  trap_([&] { status = Present(source_).MoveTotals(); });
+  trap_([&] { status = Held(source_)->MoveTotals(); });
   return status == 0 ? Phase::Totals : Phase::Done;
 }
 

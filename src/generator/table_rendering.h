@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "generator/paging.h"
 #include "kalvo/table.h"
@@ -57,8 +58,9 @@ class TableRendering {
   ColumnCatalogue& columns_;
   Trap trap_;
   std::shared_ptr<RowSource> source_;
-  TableColumn* column_ = nullptr;  // of the cell under way; the one before it where the catalogue failed
-  std::string cell_;               // the piece of HTML under way
+  std::vector<std::int16_t> rowColumns_;  // of the row under way, as the table had them when it began
+  std::shared_ptr<TableColumn> column_;   // of the cell under way; the one before it where the catalogue failed
+  std::string cell_;                      // the piece of HTML under way
   Paging page_;
   std::string navigationRow_;
 };

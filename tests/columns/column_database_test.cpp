@@ -58,7 +58,7 @@ TEST_F(ColumnDatabase, AnIdOutsideOfTheSlotsFails) {
 
 TEST_F(ColumnDatabase, AnswersTheSameColumnEveryTime) {
   EXPECT_EQ(database_.GetColumn(16), database_.GetColumn(16));
-  EXPECT_EQ(database_.Column(16), database_.GetColumn(16).get());
+  EXPECT_EQ(database_.Column(16), database_.GetColumn(16));
 }
 
 TEST_F(ColumnDatabase, EveryColumnHoldsItsOwnId) {

@@ -208,16 +208,6 @@ TEST(DbDataSrc, FieldsAreFoundWhateverTheirCase) {
   EXPECT_EQ(page.source->GetRowIndex(), 2);
 }
 
-TEST(DbDataSrc, TextsOfTheRowStayWhereTheyAre) {
-  SourceFixture page;
-  page.source->OpenDS();
-  page.source->MoveFirst();
-  const std::string_view id = page.source->GetField("Id");
-  const std::string_view name = page.source->GetField("Name");
-  EXPECT_EQ(id, "1");
-  EXPECT_EQ(name, "Ann");
-}
-
 TEST(DbDataSrc, OutsideOfTheRowsEveryFieldIsEmpty) {
   SourceFixture page;
   page.source->OpenDS();

@@ -48,9 +48,9 @@ class FakeColumns : public ColumnCatalogue {
   void Add(std::int16_t id, std::string name) { columns_[id] = std::make_shared<FakeColumn>(std::move(name), steps); }
   void Add(std::int16_t id, std::shared_ptr<TableColumn> column) { columns_[id] = std::move(column); }
 
-  TableColumn* Column(std::int16_t id) override {
+  std::shared_ptr<TableColumn> Column(std::int16_t id) override {
     steps.Do("Column", id);
-    return columns_[id].get();
+    return columns_[id];
   }
 
  private:

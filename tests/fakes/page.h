@@ -13,20 +13,22 @@
 
 namespace kalvo::fakes {
 
-// Collects what is written.
+// Collects what is written. Steps: Write, Flush.
 class FakeResponse : public Response {
  public:
   std::string text;
   int flushes = 0;
   std::string refused;  // a write that holds this text fails; "" is none
+  Steps steps;
 
   void Write(std::string_view written) override {
+    steps.Do("Write");
     if (!refused.empty() && written.find(refused) != std::string_view::npos) {
       throw Error(codes::kFailed, "Write refused.");
     }
     text += written;
   }
-  void Flush() override { ++flushes; }
+  void Flush() override { steps.Do("Flush"), ++flushes; }
 };
 
 // A request made of a query string, a form and server variables, decoded as a browser's is.

@@ -20,8 +20,8 @@ class FakeRankedResults : public RankedResults {
       : rows_(rows), totals_(totals), steps_(steps) {}
 
   std::int32_t Count() override { return steps_.Do("Count"), static_cast<std::int32_t>(rows_.size()); }
-  void MoveFirst() override { steps_.Do("MoveFirst"), at_ = 0; }
-  void MoveNext() override { steps_.Do("MoveNext"), ++at_; }
+  void MoveFirst() override { steps_.Do("MoveFirst"), at_ = 0, onTotals_ = false; }
+  void MoveNext() override { steps_.Do("MoveNext"), ++at_, onTotals_ = false; }
   void MoveTotals() override { steps_.Do("MoveTotals"), onTotals_ = true; }
   kalvo::Value Value(std::int16_t column) override {
     steps_.Do("Value", column);

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/append.h"
@@ -24,6 +26,18 @@ class Steps {
     refused_.insert_or_assign(std::string(step), Refusal{Error(number, std::string(description)), call});
   }
 
+  // From now on the action runs whenever that step is asked for, as a script that serves would: before the step fails
+  // or answers, and not while it is running already.
+  void When(std::string_view step, std::function<void()> action) {
+    actions_.insert_or_assign(std::string(step), std::move(action));
+  }
+
+  // From now on nothing fails and no action runs.
+  void Recover() {
+    refused_.clear();
+    actions_.clear();
+  }
+
   template <typename... Arguments>
   void Do(std::string_view step, const Arguments&... arguments) {
     std::string line(step);
@@ -33,6 +47,7 @@ class Steps {
     line += ')';
     done.push_back(line);
     const std::size_t calls = ++calls_[std::string(step)];
+    RunAction(step);
     const auto refusal = refused_.find(std::string(step));
     if (refusal != refused_.end() && calls >= refusal->second.call) throw refusal->second.error;
   }
@@ -44,12 +59,23 @@ class Steps {
   }
 
  private:
+  void RunAction(std::string_view step) {
+    const auto found = actions_.find(std::string(step));
+    if (acting_ || found == actions_.end()) return;
+    acting_ = true;
+    const auto action = found->second;
+    action();
+    acting_ = false;
+  }
+
   struct Refusal {
     Error error;
     std::size_t call;
   };
   std::map<std::string, Refusal> refused_;
   std::map<std::string, std::size_t> calls_;
+  std::map<std::string, std::function<void()>> actions_;
+  bool acting_ = false;
 };
 
 }  // namespace kalvo::fakes

@@ -93,18 +93,14 @@ class ScriptColumnCatalogue : public ColumnCatalogue, public LateBound {
  public:
   using LateBound::LateBound;
 
-  TableColumn* Column(std::int16_t id) override {
+  std::shared_ptr<TableColumn> Column(std::int16_t id) override {
     std::shared_ptr<TableColumn> column;
     Reach([&](Engine& engine) {
       PushAnswer(engine, "GetColumn", id);
       if (duk_is_object(engine.Context(), -1)) column = InterfaceAt<TableColumn>(engine, -1);
     });
-    current_ = std::move(column);
-    return current_.get();
+    return column;
   }
-
- private:
-  std::shared_ptr<TableColumn> current_;
 };
 
 }  // namespace
