@@ -159,13 +159,13 @@ TEST_F(Adapters, AnswerColumns) {
   const auto catalogue = Make<ColumnCatalogue>(
       "({GetColumn: function (id) { if (id > 3) throw {number: 9, description: 'd'};"
       "return id === 1 ? {ConstructHTMLHeader: function () { return 'h'; }} : id === 2 ? null : undefined; }})");
-  TableColumn* column = catalogue->Column(1);
+  const std::shared_ptr<TableColumn> column = catalogue->Column(1);
   ASSERT_NE(column, nullptr);
   EXPECT_EQ(NumberOf([&] { catalogue->Column(4); }), 9);
   auto context = std::make_shared<Context>();
   auto display = std::make_shared<Display>();
   std::string out;
-  column->AppendHeader(out, *context, *display);  // a call that fails leaves the answer before it
+  column->AppendHeader(out, *context, *display);
   EXPECT_EQ(out, "h");
   EXPECT_EQ(catalogue->Column(2), nullptr);
   EXPECT_EQ(catalogue->Column(3), nullptr);
