@@ -2,6 +2,7 @@
 # make build   leave the optimised program at build/kalvo
 # make test    build and run every test; PRESET=asan or tsan runs them under a sanitizer
 # make test-long  the same with the long form of those that have one: more rounds, larger stores
+# make attack  the attacks among the tests alone, and a report of what became of each
 # make tidy    clang-tidy over src/ and host/
 # make fuzz    every parser of outside text under libFuzzer, SECONDS=60 each
 # make bench   the measurements of bench/
@@ -16,7 +17,7 @@ JOBS ?= $(shell nproc)
 FOLDERS ?= src include
 MUTANTS ?= 300
 
-.PHONY: run build test test-long tidy format fuzz bench mutate packages clean
+.PHONY: run build test test-long attack tidy format fuzz bench mutate packages clean
 
 run: build build/sample/kalvo.db build/sample/users
 	@echo "Sign in as administrator, alice (who may open the own mailbox) or visitor; password: kalvo-sample"
@@ -51,6 +52,12 @@ test-long:
 	@cmake --preset $(PRESET)
 	@cmake --build --preset $(PRESET) --parallel $(JOBS)
 	@tools/run-tests --long build/$(PRESET)
+
+attack:
+	@tools/install-packages
+	@cmake --preset $(PRESET)
+	@cmake --build --preset $(PRESET) --parallel $(JOBS)
+	@tests/attack/report.py build/$(PRESET)
 
 tidy:
 	@tools/install-packages
