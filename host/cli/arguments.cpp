@@ -97,6 +97,7 @@ void AddPasswd(CLI::App& app, PasswdArguments& passwd) {
   app.add_flag("--administrator", passwd.administrator, "may do and see everything");
   app.add_flag("--drill-down", passwd.drillDown, "may open the own mailbox");
   CLI::Option* remove = app.add_flag("--delete", passwd.remove, "removes the user");
+  app.add_flag("--no-password", passwd.noPassword, "the user comes in by a proxy that knows her")->excludes(remove);
   app.add_flag("--end-sessions", passwd.endSessions, "signs the user out everywhere; everybody where no NAME is given")
       ->needs(config)
       ->excludes(remove);

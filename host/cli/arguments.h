@@ -55,6 +55,7 @@ struct PasswdArguments {
   bool drillDown = false;
   bool remove = false;
   bool endSessions = false;
+  bool noPassword = false;
 };
 
 using Arguments = std::variant<PageArguments, ServeArguments, SampleArguments, CheckArguments, PasswdArguments>;

@@ -100,7 +100,9 @@ int RunPasswd(const PasswdArguments& arguments) {
     std::cout << "removed " << *account << '\n';
     return kDone;
   }
-  users.Put({*account, arguments.administrator, arguments.drillDown, web::login::HashPassword(ReadPassword(*account))});
+  const std::string hash =
+      arguments.noPassword ? std::string(web::login::kNoPassword) : web::login::HashPassword(ReadPassword(*account));
+  users.Put({*account, arguments.administrator, arguments.drillDown, hash});
   std::cout << "wrote " << *account << '\n';
   return kDone;
 }

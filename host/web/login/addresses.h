@@ -8,6 +8,7 @@ namespace kalvo::web::login {
 inline constexpr std::string_view kConsole = "/KalvoforExchange/";
 inline constexpr std::string_view kStartPage = "/KalvoforExchange/Default.asp";
 inline constexpr std::string_view kSignInPage = "/KalvoforExchange/SignIn.asp";
+inline constexpr std::string_view kPasswordPage = "/KalvoforExchange/Configuration/Password.asp";
 inline constexpr std::string_view kSignOutPage = "/KalvoforExchange/SignOut.asp";
 
 // Whether the address is one of this console that a browser may be sent on to: a path below the console's root,

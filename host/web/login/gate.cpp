@@ -1,12 +1,14 @@
 #include "host/web/login/gate.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "host/parts/memory_session.h"
 #include "host/script/request.h"
 #include "host/web/log.h"
 #include "host/web/login/addresses.h"
 #include "host/web/login/password.h"
+#include "host/web/login/password_change.h"
 #include "platform/append.h"
 #include "platform/conversion.h"
 
@@ -23,6 +25,8 @@ constexpr int kDeviceSeconds = 4 * 7 * 24 * 60 * 60;
 constexpr std::size_t kMostCookies = 8;              // of that name that are looked at
 constexpr std::string_view kSignIn = "/SignIn.asp";  // below the site's root
 constexpr std::string_view kSignOut = "/SignOut.asp";
+constexpr std::string_view kProxyUser = "KALVO_PROXY_USER";  // set by nginx for who comes by the proxy's socket
+constexpr std::string_view kPassword = "/Configuration/Password.asp";
 
 std::string_view VariableOf(const host::PageRequest& request, std::string_view name) {
   for (const auto& [key, value] : request.serverVariables) {
@@ -136,6 +140,25 @@ bool CameFromElsewhere(const host::PageRequest& request) {
 
 std::string Field(std::string_view form, std::string_view name) { return host::FirstValue(form, name).value_or(""); }
 
+// Whom the proxy names, taken out of the request; "" where there is no proxy, or it names nobody.
+std::string TakeProxyUser(host::PageRequest& request) {
+  std::string named;
+  std::erase_if(request.serverVariables, [&](auto& variable) {
+    if (variable.first != kProxyUser) return false;
+    named = std::move(variable.second);
+    return true;
+  });
+  return named;
+}
+
+Admission AdmissionOf(std::unique_ptr<FileSession> session, std::string_view type) {
+  Admission admission;
+  admission.logon = session->Account();
+  admission.variables = {{"AUTH_TYPE", std::string(type)}};
+  admission.session = std::move(session);
+  return admission;
+}
+
 }  // namespace
 
 Gate::Gate(const GateSettings& settings, const host::LiveDrillerMaker& makeDriller, const Log& log)
@@ -149,6 +172,7 @@ Gate::Gate(const GateSettings& settings, const host::LiveDrillerMaker& makeDrill
 }
 
 std::variant<Admission, Answer> Gate::Admit(std::string_view page, host::PageRequest& request) {
+  if (const std::string named = TakeProxyUser(request); !named.empty()) return AdmitProxied(named, page, request);
   const std::vector<std::string> ids = SessionIdsOf(request);
   const std::string device = DeviceOf(request);
   HideSession(request);
@@ -168,11 +192,64 @@ std::variant<Admission, Answer> Gate::Admit(std::string_view page, host::PageReq
     // What was posted is lost; the page is not.
     return GoTo(302, "Found", SignInAddress(request.url, request.queryString));
   }
-  Admission admission;
-  admission.logon = session->Account();
-  admission.variables = {{"AUTH_TYPE", "Form"}};
-  admission.session = std::move(session);
-  return admission;
+  if (page == kPassword && request.method == "POST") return OwnPassword(request, std::move(session), ids, device);
+  return AdmissionOf(std::move(session), "Form");
+}
+
+// The proxy has asked for the password, and sees to signing out. Rights are the users file's.
+std::variant<Admission, Answer> Gate::AdmitProxied(std::string_view named, std::string_view page,
+                                                   host::PageRequest& request) {
+  HideSession(request);
+  if (page == kSignIn || page == kSignOut) return SeeOther(std::string(kConsole));
+  const std::optional<std::string> account = AccountNamed(named);
+  const std::optional<User> user = account ? users_.Find(*account) : std::nullopt;
+  if (!user) {
+    log_.Write("the proxy names somebody who is no user here: " + InLog(named));
+    return Refusal(403, "Forbidden");
+  }
+  try {
+    return AdmissionOf(sessions_.OpenProxied(*user, settings_.patience), "Proxy");
+  } catch (const NotKept& error) {
+    log_.Write(std::string("nobody new can be let in: ") + error.what());
+    return Refusal(503, "Service Unavailable");
+  }
+}
+
+// The page is shown as if it had been asked for, and sees no password.
+std::variant<Admission, Answer> Gate::OwnPassword(host::PageRequest& request, std::unique_ptr<FileSession> session,
+                                                  const std::vector<std::string>& ids, const std::string& device) {
+  if (CameFromElsewhere(request)) return Refusal(403, "Forbidden");
+  if (request.form.size() > kLargestSignIn) return Refusal(413, "Content Too Large");
+  const Changer who{session->Account(), std::string(VariableOf(request, "REMOTE_ADDR")), device};
+  const std::string form = std::exchange(request.form, "");
+  request.method = "GET";
+  const std::string outcome = ChangePassword(users_, throttle_, log_, who, form);
+  if (outcome != "changed") {
+    Admission admission = AdmissionOf(std::move(session), "Form");
+    admission.variables.emplace_back("KALVO_PASSWORD", outcome);
+    return admission;
+  }
+  session.reset();  // the new one takes its place
+  return AfterChange(request, who.account, ids);
+}
+
+// Every session that the old password began is over; this browser has a new one, which says so once.
+Answer Gate::AfterChange(const host::PageRequest& request, const std::string& account,
+                         const std::vector<std::string>& ids) {
+  try {
+    if (const std::optional<User> user = users_.Find(account)) {
+      const std::string id = sessions_.Create(*user, ids);
+      if (auto session = sessions_.Open(id, settings_.patience)) {
+        session->Set("KalvoPasswordChanged", Value(std::string("Yes")));
+      }
+      Answer answer = SeeOther(std::string(kPasswordPage));
+      answer.head.headers.emplace_back("Set-Cookie", SessionCookie(request, id));
+      return answer;
+    }
+  } catch (const NotKept& error) {
+    log_.Write(std::string("nobody can sign in: ") + error.what());
+  }
+  return SeeOther(std::string(kSignInPage));
 }
 
 std::variant<Admission, Answer> Gate::SignIn(host::PageRequest& request, const std::vector<std::string>& oldSessions,
@@ -228,7 +305,7 @@ Admission Gate::SignInPage(std::string why) const {
 std::optional<User> Gate::Checked(const std::optional<std::string>& account, std::string_view password) const {
   if (password.size() > kLongestPassword) return std::nullopt;
   const std::optional<User> user = account ? users_.Find(*account) : std::nullopt;
-  if (!user) {
+  if (!user || user->hash == kNoPassword) {
     PretendToCheck(password);
     return std::nullopt;
   }

@@ -42,9 +42,13 @@ struct Answer {
 // Stands before every page: knows by a cookie who asks, lets nobody but the signed-in pass to any page but the
 // sign-in page, and does the signing in and out itself.
 //
+// Who comes by the proxy's socket is whom the proxy names in "KALVO_PROXY_USER", with the rights of the users file:
+// nobody signs in there, and "AUTH_TYPE" is "Proxy". nginx gives that variable for that socket alone.
+//
 // The cookie is the gate's own business: pages do not see it. To the sign-in page the variable "KALVO_SIGN_IN" says
 // why it is shown again: "wrong", "wait N" with a number of seconds, or "full" when no session can be kept. "AUTH_TYPE"
-// is "Form" on every page.
+// is "Form" on every page. The form of the password page is taken here too, and "KALVO_PASSWORD" tells that page what
+// came of it, in the words of `ChangePassword`.
 class Gate {
  public:
   // The maker and the log outlive the gate. Fails with SettingError.
@@ -59,6 +63,11 @@ class Gate {
                                          std::string_view device);
   Answer Welcome(const User& user, const host::PageRequest& request, const std::string& back,
                  const std::vector<std::string>& oldSessions);
+  std::variant<Admission, Answer> AdmitProxied(std::string_view named, std::string_view page,
+                                               host::PageRequest& request);
+  std::variant<Admission, Answer> OwnPassword(host::PageRequest& request, std::unique_ptr<FileSession> session,
+                                              const std::vector<std::string>& ids, const std::string& device);
+  Answer AfterChange(const host::PageRequest& request, const std::string& account, const std::vector<std::string>& ids);
   Admission SignInPage(std::string why) const;
   std::optional<User> Checked(const std::optional<std::string>& account, std::string_view password) const;
   std::unique_ptr<FileSession> SessionOf(const std::vector<std::string>& ids);

@@ -30,6 +30,7 @@ constexpr std::string_view kMagic = "kalvo session 1\n";
 constexpr std::size_t kLargestFile = kLargestSession + 4096;
 constexpr const char* kFileEnd = ".session";
 constexpr std::chrono::milliseconds kBeat{10};
+constexpr int kMostTries = 3;  // to begin a session that others begin at the same moment
 
 // Names of the values by which pages know rights.
 struct RightValue {
@@ -216,22 +217,24 @@ std::string SessionStore::Create(const User& user, const std::vector<std::string
   const fs::path path = PathOf(id);
   const int file = open(path.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
   if (file < 0) throw NotKept(path.string() + ": " + std::strerror(errno));
-  {
-    FileSession session(file, path, makeDriller_, log_);
-    session.account_ = user.account;
-    session.stamp_ = user.Stamp();
-    session.created_ = Now();
-    for (const RightValue& right : kRightValues) {
-      if (user.*right.flag) session.values_.Set(right.name, Value(std::string("Yes")));
-    }
-    if (!WriteWhole(file, session.Content())) {
-      session.Abandon();
-      throw NotKept(path.string() + ": " + std::strerror(errno));
-    }
-  }
+  WriteFresh(file, path, user);
   for (const std::string& old : replaced) EndOne(old);
   EndOldest(user.account, path);
   return id;
+}
+
+// A session that begins, with the rights that the user has now. The file is closed.
+void SessionStore::WriteFresh(int file, const fs::path& path, const User& user) const {
+  FileSession session(file, path, makeDriller_, log_);
+  session.account_ = user.account;
+  session.stamp_ = user.Stamp();
+  session.created_ = Now();
+  for (const RightValue& right : kRightValues) {
+    if (user.*right.flag) session.values_.Set(right.name, Value(std::string("Yes")));
+  }
+  if (WriteWhole(file, session.Content())) return;
+  session.Abandon();
+  throw NotKept(path.string() + ": " + std::strerror(errno));
 }
 
 // The one that has just begun stays, however many begin in the same second.
@@ -266,8 +269,28 @@ void SessionStore::AwaitLock(int file, const fs::path& path, Clock::time_point u
 }
 
 std::unique_ptr<FileSession> SessionStore::Open(std::string_view id, std::chrono::milliseconds patience) {
-  if (!IsToken(id)) return nullptr;
-  const fs::path path = PathOf(id);
+  return IsToken(id) ? OpenAt(PathOf(id), patience) : nullptr;
+}
+
+// Its name has a part that no identifier's has. It is written aside, so that whoever else comes finds a whole one.
+std::unique_ptr<FileSession> SessionStore::OpenProxied(const User& user, std::chrono::milliseconds patience) {
+  const fs::path path = folder_ / ("proxied-" + Fingerprint(ToLower(user.account)) + kFileEnd);
+  for (int tries = 0; tries < kMostTries; ++tries) {
+    if (auto session = OpenAt(path, patience)) {
+      if (session->BelongsTo(user)) return session;
+      session->Abandon();
+    }
+    RemoveOlderThan(folder_, lifetimes_.idle);
+    const fs::path fresh = folder_ / (NewToken() + ".new");
+    const int file = open(fresh.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
+    if (file < 0) throw NotKept(fresh.string() + ": " + std::strerror(errno));
+    WriteFresh(file, fresh, user);
+    if (rename(fresh.c_str(), path.c_str()) != 0) throw NotKept(path.string() + ": " + std::strerror(errno));
+  }
+  throw SessionBusy();
+}
+
+std::unique_ptr<FileSession> SessionStore::OpenAt(const fs::path& path, std::chrono::milliseconds patience) {
   const auto until = Clock::now() + patience;
   std::unique_ptr<WaitingRoom::Seat> seat;
   for (;;) {

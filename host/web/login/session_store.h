@@ -91,6 +91,10 @@ class SessionStore {
   // The session, held; null when there is none or it has expired. Any text may be asked for. Throws SessionBusy.
   std::unique_ptr<FileSession> Open(std::string_view id, std::chrono::milliseconds patience);
 
+  // The one session of a user whom a proxy names, held; begun where there is none, or it has expired, or was begun
+  // with other rights. No identifier leads to it. Throws SessionBusy and NotKept.
+  std::unique_ptr<FileSession> OpenProxied(const User& user, std::chrono::milliseconds patience);
+
   // Ends a session at once, also one that a page holds: what that page changes in it is not kept.
   void EndOne(std::string_view id) const;
 
@@ -102,6 +106,8 @@ class SessionStore {
   using Clock = std::chrono::steady_clock;
 
   std::filesystem::path PathOf(std::string_view id) const;
+  std::unique_ptr<FileSession> OpenAt(const std::filesystem::path& path, std::chrono::milliseconds patience);
+  void WriteFresh(int file, const std::filesystem::path& path, const User& user) const;
   void AwaitLock(int file, const std::filesystem::path& path, Clock::time_point until,
                  std::unique_ptr<WaitingRoom::Seat>& seat) const;
   bool HasExpired(const FileSession& session) const;

@@ -8,12 +8,15 @@
 
 namespace kalvo::web::login {
 
+// What stands in the place of a hash where there is no password.
+inline constexpr std::string_view kNoPassword = "-";
+
 // Somebody who may sign in.
 struct User {
   std::string account;  // "KALVO\alice", as pages and the mailboxes' owners name her
   bool administrator = false;
   bool drillDown = false;  // may open her own mailbox
-  std::string hash;        // of her password
+  std::string hash;        // of her password; `kNoPassword` for who comes in by the proxy alone
 
   // Changes when anything about the user does. It tells nothing of the password.
   std::string Stamp() const;
@@ -25,7 +28,7 @@ struct User {
 std::optional<std::string> AccountNamed(std::string_view name);
 
 // The users file: a line for each user, her account, her rights ("administrator,drill-down", or "-") and the hash
-// of her password, with blanks between them; "#" begins a comment line. Whoever edits it with an editor edits
+// of her password (or "-"), with blanks between them; "#" begins a comment line. Whoever edits it with an editor edits
 // between two sign-ins: it is read anew for each.
 //
 // A file that others than its owner may write makes anybody an administrator: every operation fails with SettingError

@@ -292,5 +292,125 @@ TEST_F(Gates, BindTheCookieToTheHostBehindEncryption) {
   EXPECT_EQ(request.cookies, "");
 }
 
+class OwnPasswords : public Gates {
+ protected:
+  Decision Change(const std::string& cookie, const std::string& form,
+                  const std::string& origin = "http://console:8080") {
+    host::PageRequest request = Asked("/Configuration/Password.asp", cookie);
+    request.method = "POST";
+    request.form = form;
+    request.serverVariables.emplace_back("HTTP_ORIGIN", origin);
+    Decision decision = gate_.Admit("/Configuration/Password.asp", request);
+    EXPECT_EQ(std::holds_alternative<Admission>(decision) ? request.form : "", "") << "the page sees no password";
+    return decision;
+  }
+};
+
+TEST_F(OwnPasswords, ChangeByTheOldOneAndEndEveryOtherSession) {
+  const std::string cookie = CookieOfBob(), elsewhere = CookieOfBob();
+  const Decision decision = Change(cookie, "Old=correct+horse&New=battery+staple&Again=battery+staple");
+  ASSERT_TRUE(std::holds_alternative<Answer>(decision));
+  EXPECT_EQ(std::get<Answer>(decision).head.status, 303);
+  EXPECT_EQ(HeaderOf(decision, "Location"), "/KalvoforExchange/Configuration/Password.asp");
+  const std::string fresh = CookieOf(decision);
+  EXPECT_NE(fresh, cookie);
+  EXPECT_NE(Sent("/Tasks/TopN.asp", cookie), "");
+  EXPECT_NE(Sent("/Tasks/TopN.asp", elsewhere), "");
+  host::PageRequest request = Asked("/Configuration/Password.asp", fresh);
+  Decision page = gate_.Admit("/Configuration/Password.asp", request);
+  ASSERT_TRUE(std::holds_alternative<Admission>(page));
+  EXPECT_EQ(std::get<Admission>(page).session->Get("KalvoPasswordChanged"), Value(std::string("Yes")));
+  EXPECT_TRUE(std::holds_alternative<Admission>(SignIn("bob", "correct+horse")))
+      << "the old one is no password any more";
+  EXPECT_TRUE(std::holds_alternative<Answer>(SignIn("bob", "battery+staple")));
+}
+
+TEST_F(OwnPasswords, TellThePageWhyTheyDidNotChange) {
+  const std::string cookie = CookieOfBob();
+  const Decision decision = Change(cookie, "Old=wrong&New=battery+staple&Again=battery+staple");
+  ASSERT_TRUE(std::holds_alternative<Admission>(decision));
+  EXPECT_EQ(Variable(std::get<Admission>(decision), "KALVO_PASSWORD"), "wrong");
+  EXPECT_EQ(std::get<Admission>(decision).logon, "KALVO\\bob");
+}
+
+TEST_F(OwnPasswords, DoNotChangeForAnotherSiteOrWithoutASession) {
+  const std::string cookie = CookieOfBob(), form = "Old=correct+horse&New=battery+staple&Again=battery+staple";
+  EXPECT_EQ(std::get<Answer>(Change(cookie, form, "http://example.org")).head.status, 403);
+  EXPECT_EQ(std::get<Answer>(Change(cookie, form + std::string(8200, 'x'))).head.status, 413);
+  EXPECT_EQ(std::get<Answer>(Change("", form)).head.status, 302);
+  EXPECT_EQ(Sent("/Tasks/TopN.asp", cookie), "") << "and the session goes on";
+}
+
+class Proxied : public Gates {
+ protected:
+  Decision By(const std::string& named, const std::string& page = "/Tasks/TopN.asp", const std::string& cookie = "") {
+    host::PageRequest request = Asked(page, cookie);
+    request.serverVariables.emplace_back("KALVO_PROXY_USER", named);
+    Decision decision = gate_.Admit(page, request);
+    for (const auto& [name, value] : request.serverVariables) EXPECT_NE(name, "KALVO_PROXY_USER");
+    return decision;
+  }
+};
+
+TEST_F(Proxied, UsersAreWhomTheProxyNamesWithTheirRights) {
+  users_.Put({"KALVO\\carol", false, true, "-"});
+  for (const char* named : {"carol", "KALVO\\carol", "CAROL"}) {
+    const Decision decision = By(named);
+    ASSERT_TRUE(std::holds_alternative<Admission>(decision)) << named;
+    const auto& admission = std::get<Admission>(decision);
+    EXPECT_EQ(admission.logon, "KALVO\\carol");
+    EXPECT_EQ(Variable(admission, "AUTH_TYPE"), "Proxy");
+    EXPECT_EQ(admission.session->Get("KalvoDrillDownAuth"), Value(std::string("Yes")));
+    EXPECT_EQ(admission.session->Get("KalvoAdministrator"), Value());
+  }
+}
+
+TEST_F(Proxied, UsersKeepTheirSessionUntilTheirRightsChange) {
+  std::get<Admission>(By("bob")).session->Set("Visits", std::int32_t{1});
+  EXPECT_EQ(std::get<Admission>(By("bob")).session->Get("Visits"), Value(std::int32_t{1}));
+  EXPECT_EQ(std::get<Admission>(By("alice")).session->Get("Visits"), Value()) << "it is nobody else's";
+  users_.Put({"KALVO\\bob", true, false, hash_});
+  const Decision decision = By("bob");
+  EXPECT_EQ(std::get<Admission>(decision).session->Get("Visits"), Value());
+  EXPECT_EQ(std::get<Admission>(decision).session->Get("KalvoAdministrator"), Value(std::string("Yes")));
+}
+
+TEST_F(Proxied, StrangersAreRefused) {
+  for (const std::string& named : {std::string("mallory"), std::string("bob, alice"), std::string("bob\n"),
+                                   std::string("-"), std::string("' or 1"), std::string(70'000, 'a')}) {
+    const Decision decision = By(named);
+    ASSERT_TRUE(std::holds_alternative<Answer>(decision)) << named.substr(0, 20);
+    EXPECT_EQ(std::get<Answer>(decision).head.status, 403);
+  }
+  EXPECT_LT(test::ReadFile(folder_.Path() / "log").size(), 4000u) << "a line of the log has an end";
+}
+
+TEST_F(Proxied, UsersNeitherSignInNorOut) {
+  for (const char* page : {"/SignIn.asp", "/SignOut.asp"}) {
+    EXPECT_EQ(HeaderOf(By("bob", page), "Location"), "/KalvoforExchange/") << page;
+  }
+}
+
+TEST_F(Proxied, NameOverridesACookie) {
+  EXPECT_EQ(std::get<Admission>(By("alice", "/Tasks/TopN.asp", CookieOfBob())).logon, "KALVO\\alice");
+}
+
+TEST_F(Proxied, SessionsAreReachedByNoCookie) {
+  std::get<Admission>(By("bob")).session->Set("Visits", std::int32_t{1});
+  for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "sessions")) {
+    const std::string name = entry.path().stem().string();
+    for (const std::string& id : {name, name.substr(name.find('-') + 1), Fingerprint("kalvo\\bob")}) {
+      EXPECT_NE(Sent("/Tasks/TopN.asp", "KalvoSession=" + id), "") << id;
+    }
+  }
+}
+
+TEST_F(Proxied, UsersWithoutAPasswordDoNotSignInByTheForm) {
+  users_.Put({"KALVO\\carol", false, true, "-"});
+  for (const char* password : {"", "-", "correct+horse"}) {
+    EXPECT_EQ(Variable(std::get<Admission>(SignIn("carol", password)), "KALVO_SIGN_IN"), "wrong") << password;
+  }
+}
+
 }  // namespace
 }  // namespace kalvo::web::login

@@ -32,13 +32,16 @@ def passwd(users, *words, password=PASSWORD):
 class SignIn(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        with open(os.path.join(CONSOLE, "SignIn.asp"), encoding="utf-8") as file:
-            sign_in = file.read()
-        cls.server = Serving(KALVO, {"SignIn.asp": sign_in, "Who.asp": WHO, "Count.asp": COUNT, "Default.asp": "home",
+        own = {}
+        for name in ("SignIn.asp", "Configuration/Password.asp", "Include/Header.inc", "Include/Navigation.inc",
+                     "Include/Footer.inc"):
+            with open(os.path.join(CONSOLE, name), encoding="utf-8") as file:
+                own[name] = file.read()
+        cls.server = Serving(KALVO, {**own, "Who.asp": WHO, "Count.asp": COUNT, "Default.asp": "home",
                                      "style.css": "x", "Big.asp": '<% Session.Value("x", Array(70000).join("x")); %>'},
                              'workers = 3\nusers = "users"')
         users = os.path.join(cls.server.folder, "users")
-        for words in (["alice", "--administrator", "--drill-down"], ["bob", "--drill-down"], ["carol"]):
+        for words in (["alice", "--administrator", "--drill-down"], ["bob", "--drill-down"], ["carol"], ["dave"]):
             assert passwd(users, *words).returncode == 0
         cls.server.start()
 
@@ -140,6 +143,32 @@ class SignIn(unittest.TestCase):
         self.assertEqual(end().returncode, 0)
         self.assertEqual(shown(alice), 302)
         self.assertEqual(end("--delete").returncode, 2)
+
+    def test_users_change_their_own_password(self):
+        page = "/KalvoforExchange/Configuration/Password.asp"
+
+        def change(cookie, old, chosen, again):
+            return self.server.request(page, "POST", urllib.parse.urlencode({"Old": old, "New": chosen, "Again": again}),
+                                       {"Content-Type": "application/x-www-form-urlencoded", "Cookie": cookie})
+
+        cookie = self.cookie("dave")
+        self.assertIn('action="Password.asp"', self.server.request(page, headers={"Cookie": cookie}).text)
+        for old, chosen, again, says in (("wrong", "battery staple", "battery staple", "The old password is another one."),
+                                         (PASSWORD, "battery staple", "battery stable", "typed in two ways"),
+                                         (PASSWORD, "short", "short", "Not taken: a password has at least 12 characters"),
+                                         (PASSWORD, "dave1234567890", "dave1234567890", "guessed first")):
+            answer = change(cookie, old, chosen, again)
+            self.assertEqual(answer.status, 200)
+            self.assertIn(says, answer.text)
+            self.assertNotIn(chosen, answer.text)
+        answer = change(cookie, PASSWORD, "battery staple", "battery staple")
+        self.assertEqual((answer.status, answer.headers["Location"]), (303, page))
+        fresh = answer.headers["Set-Cookie"].split(";")[0]
+        self.assertIn("Your password was changed", self.server.request(page, headers={"Cookie": fresh}).text)
+        self.assertIn('action="Password.asp"', self.server.request(page, headers={"Cookie": fresh}).text)
+        self.assertEqual(self.server.request(page, headers={"Cookie": cookie}).status, 302)
+        self.assertEqual(self.sign_in("dave").status, 200)
+        self.assertEqual(self.sign_in("dave", "battery staple").status, 303)
 
     def test_a_user_has_five_sessions(self):
         cookies = [self.cookie("carol") for _ in range(7)]
