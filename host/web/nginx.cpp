@@ -49,6 +49,7 @@ Nginx::Nginx(std::string program, const RunFolder& run, const Log& log)
 
 void Nginx::Fork() {
   fs::remove(run_.NginxPid());
+  if (std::error_code none; !socket_.empty() && fs::is_socket(socket_, none)) fs::remove(socket_, none);
   const std::string folder = run_.Path().string(), config = run_.NginxConfig().string(), log = run_.NginxLog().string();
   const pid_t parent = getpid();
   process_ = fork();

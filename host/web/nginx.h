@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 
 namespace kalvo::web {
@@ -21,6 +22,10 @@ class Nginx {
 
   // Starts it again when it has died, though not at once twice.
   void Keep();
+
+  // Another socket that its configuration names, or "" for none: one that a killed nginx left there would keep the
+  // next one from starting.
+  void Owns(std::filesystem::path socket) { socket_ = std::move(socket); }
 
   // It reads its configuration anew; connections that are open stay.
   void Reload();
@@ -44,6 +49,7 @@ class Nginx {
   std::string program_;
   const RunFolder& run_;
   const Log& log_;
+  std::filesystem::path socket_;
   pid_t process_ = 0;
   bool quitting_ = false;
   std::int64_t nextStart_ = 0;

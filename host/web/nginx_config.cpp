@@ -96,7 +96,17 @@ void AppendErrors(std::string& out, const Parts& parts) {
 }
 
 // Whether a proxy's word for who asks, and how, is taken by an nginx of our own.
-bool TakesWord(const Settings& settings) { return !settings.External() && !settings.trustedProxy.empty(); }
+bool TakesWord(const Settings& settings) {
+  return !settings.External() && (!settings.trustedProxy.empty() || !settings.proxySocket.empty());
+}
+
+// "X-Remote-User" as nginx and workers know it: "http_x_remote_user".
+std::string VariableOf(std::string_view header) {
+  std::string variable = "http_";
+  for (const char c : header)
+    variable += c == '-' ? '_' : static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return variable;
+}
 
 // Whether nobody but the proxy may come, because nothing is encrypted between here and there.
 bool IsBehindProxy(const Settings& settings) {
@@ -105,8 +115,9 @@ bool IsBehindProxy(const Settings& settings) {
 
 // A visitor's address is what the last proxy that is trusted says it is; from anybody else such a word is ignored.
 void AppendProxies(std::string& out, const Settings& settings) {
-  if (settings.trustedProxy.empty()) return;
+  if (settings.trustedProxy.empty() && settings.proxySocket.empty()) return;
   for (const std::string& proxy : settings.trustedProxy) Append(out, "set_real_ip_from ", proxy, ";\n");
+  if (!settings.proxySocket.empty()) out += "set_real_ip_from unix:;\n";
   Append(out, "real_ip_header X-Forwarded-For;\nreal_ip_recursive on;\n");
 }
 
@@ -140,6 +151,14 @@ std::string SignInLimits() {
   return Built([](std::string& out) { Append(out, "  client_max_body_size ", login::kLargestSignIn, ";\n"); });
 }
 
+// Whom the proxy names. The header itself reaches no page, from whomever it came.
+void AppendProxyUser(std::string& out, const Settings& settings) {
+  if (settings.proxyUserHeader.empty()) return;
+  std::string variable = VariableOf(settings.proxyUserHeader);
+  std::transform(variable.begin(), variable.end(), variable.begin(), [](unsigned char c) { return std::toupper(c); });
+  Append(out, "fastcgi_param KALVO_PROXY_USER $kalvo_proxy_user if_not_empty;\nfastcgi_param ", variable, " \"\";\n");
+}
+
 // A location of pages; `limits` are directives of its own.
 void AppendPage(std::string& out, std::string_view address, std::string_view page, std::string_view url,
                 const Parts& parts, std::string_view limits = "") {
@@ -148,7 +167,9 @@ void AppendPage(std::string& out, std::string_view address, std::string_view pag
   AppendHeaders(out, Answers::Pages, parts.settings.Encrypts(), "  ");
   // A location with a parameter of its own inherits none.
   Append(out, kParameters.substr(1), "fastcgi_param HTTPS ", TakesWord(parts.settings) ? "$kalvo_https" : "$https",
-         " if_not_empty;\n  fastcgi_pass \"unix:", parts.run.Socket().string(), "\";\n}\n");
+         " if_not_empty;\n");
+  AppendProxyUser(out, parts.settings);
+  Append(out, "  fastcgi_pass \"unix:", parts.run.Socket().string(), "\";\n}\n");
 }
 
 void AppendAddresses(std::string& out, const Parts& parts) {
@@ -203,19 +224,37 @@ void AppendZones(std::string& out, const Settings& settings) {
          "  \"~^POST:", login::kSignInPage, ":(?!.*KalvoDevice=)\" $binary_remote_addr;\n}\n");
   Append(out, "limit_req_zone $kalvo_sign_in zone=kalvo_sign_ins:10m rate=10r/s;\n");
   if (!TakesWord(settings)) return;
-  Append(out, "geo $realip_remote_addr $kalvo_from_proxy {\n  default 0;\n");
+  // Who comes by the proxy's socket has no address.
+  Append(out, "geo $realip_remote_addr $kalvo_from_address {\n  default 0;\n");
   for (const std::string& proxy : settings.trustedProxy) Append(out, "  ", proxy, " 1;\n");
-  Append(out, "}\nmap \"$kalvo_from_proxy:$http_x_forwarded_proto\" $kalvo_https {\n  default $https;\n",
+  Append(out, "}\nmap $realip_remote_addr $kalvo_from_proxy {\n  default $kalvo_from_address;\n",
+         settings.proxySocket.empty() ? "" : "  \"unix:\" 1;\n",
+         "}\nmap \"$kalvo_from_proxy:$http_x_forwarded_proto\" $kalvo_https {\n  default $https;\n",
          "  \"1:https\" on;\n}\n");
 }
 
+void AppendProxyUsers(std::string& out, const Settings& settings) {
+  if (settings.proxyUserHeader.empty()) return;
+  Append(out, "map $realip_remote_addr $kalvo_proxy_user {\n  default \"\";\n  \"unix:\" $",
+         VariableOf(settings.proxyUserHeader), ";\n}\n");
+}
+
 void AppendEncryption(std::string& out, const Settings& settings) {
-  if (!settings.Encrypts()) return;
   Append(out, "ssl_certificate ", Quoted(settings.certificate), ";\nssl_certificate_key ",
          Quoted(settings.certificateKey), ";\n");
   Append(out, "ssl_protocols TLSv1.2 TLSv1.3;\nssl_ciphers ECDHE+AESGCM:ECDHE+CHACHA20;\n",
          "ssl_prefer_server_ciphers off;\nssl_session_cache shared:kalvo:10m;\nssl_session_timeout 1h;\n",
          "ssl_session_tickets off;\n");
+}
+
+// The site at an address, or at a socket, where nothing needs encryption.
+void AppendServer(std::string& out, const std::string& where, const Parts& parts) {
+  const bool encrypts = parts.settings.Encrypts() && where[0] != '"';
+  Append(out, "server {\nlisten ", where, " default_server backlog=4096", encrypts ? " ssl" : "",
+         ";\nserver_name _;\n");
+  if (encrypts) AppendEncryption(out, parts.settings);
+  Append(out, kShares.substr(1), "limit_conn kalvo_addresses ", parts.settings.addressConnections, ";\ninclude ",
+         Quoted(parts.run.NginxSite()), ";\n}\n");
 }
 
 }  // namespace
@@ -242,6 +281,7 @@ std::string NginxSite(const Settings& settings, const RunFolder& run) {
 std::string NginxConfig(const Settings& settings, const RunFolder& run) {
   const Address address = *ParseAddress(settings.listen);
   const Connections most = MostConnections();
+  const Parts parts{settings, run};
   std::string out;
   if (geteuid() == 0) Append(out, "user root root;\n");
   // What a flood brings about is no news: only what stops nginx itself is written.
@@ -253,11 +293,10 @@ std::string NginxConfig(const Settings& settings, const RunFolder& run) {
     Append(out, kind, "_temp_path ", Quoted(run.Path() / kind), ";\n");
   }
   AppendZones(out, settings);
-  Append(out, "server {\nlisten ", address.host, ':', address.port, " default_server backlog=4096",
-         settings.Encrypts() ? " ssl" : "", ";\nserver_name _;\n");
-  AppendEncryption(out, settings);
-  Append(out, kShares.substr(1), "limit_conn kalvo_addresses ", settings.addressConnections, ";\ninclude ",
-         Quoted(run.NginxSite()), ";\n}\n}\n");
+  AppendProxyUsers(out, settings);
+  AppendServer(out, address.host + ':' + std::to_string(address.port), parts);
+  if (!settings.proxySocket.empty()) AppendServer(out, Quoted("unix:" + settings.proxySocket.string()), parts);
+  out += "}\n";
   return out;
 }
 

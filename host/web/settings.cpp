@@ -1,5 +1,7 @@
 #include "host/web/settings.h"
 
+#include <sys/stat.h>
+#include <sys/un.h>
 #include <toml++/toml.h>
 #include <unistd.h>
 
@@ -27,6 +29,11 @@ bool IsDatabase(std::string_view word) { return word == "odbc" || (word.starts_w
 bool IsMail(std::string_view word) {
   return word.empty() || (word.starts_with("maildir:") && word.size() > 8) || word.starts_with("imap://") ||
          word.starts_with("imaps://");
+}
+bool IsHeader(std::string_view word) {
+  return word.size() <= 64 && std::all_of(word.begin(), word.end(), [](char c) {
+           return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-';
+         });
 }
 bool IsListen(std::string_view word) { return ParseAddress(word).has_value(); }
 
@@ -66,6 +73,8 @@ const Rule kRules[] = {
   {"hosts",        List{&Settings::hosts, IsHost},           "a list of names without ports, such as [\"mail.example\"]"},
   {"certificate",  Path{&Settings::certificate},             "a file with the certificate and its chain, as PEM"},
   {"certificate_key", Path{&Settings::certificateKey},       "a file with the certificate's key, as PEM"},
+  {"proxy_socket", Path{&Settings::proxySocket},             "a socket in a folder that only the web server in front enters"},
+  {"proxy_user_header", Word{&Settings::proxyUserHeader, IsHeader}, "the name of a header, such as \"X-Remote-User\", or \"\" for none"},
   {"trusted_proxy", List{&Settings::trustedProxy, IsNetwork}, "a list of addresses and networks, such as [\"10.0.0.1\", \"10.1.0.0/16\"]"},
   {"address_connections", Whole{&Settings::addressConnections, 1, 16384}, "a whole number from 1 to 16384"},
   {"site",         Path{&Settings::site},                    "the folder of the pages"},
@@ -252,6 +261,30 @@ void CompleteReach(Settings& settings, const Address& address) {
   if (settings.hosts.empty()) settings.hosts = {"localhost", "127.0.0.1", "[::1]", address.host};
 }
 
+// Whoever reaches the socket says who the visitor is.
+void CheckProxy(const Settings& settings) {
+  const fs::path& socket = settings.proxySocket;
+  if (socket.empty()) {
+    if (settings.proxyUserHeader.empty()) return;
+    throw SettingError("proxy_user_header: it is believed on proxy_socket alone, which is missing");
+  }
+  if (settings.External()) throw SettingError("proxy_socket: with web = \"external\" that nginx is the proxy");
+  if (!settings.proxyUserHeader.empty() && settings.users.empty()) {
+    throw SettingError("proxy_user_header: the rights of those whom it names are those of users, which is missing");
+  }
+  struct stat folder {};
+  if (stat(socket.parent_path().c_str(), &folder) != 0 || !S_ISDIR(folder.st_mode)) {
+    throw SettingError("proxy_socket: there is no folder " + socket.parent_path().string());
+  }
+  if ((folder.st_mode & S_IRWXO) != 0) {
+    throw SettingError("proxy_socket: everybody enters " + socket.parent_path().string() +
+                       " and could name a user; chmod o-rwx, and let the web server in by the folder's group");
+  }
+  if (socket.native().size() >= sizeof(sockaddr_un::sun_path)) {
+    throw SettingError("proxy_socket: " + socket.string() + " is too long for a socket; a shorter path is needed");
+  }
+}
+
 }  // namespace
 
 Settings ReadSettings(const fs::path& file) {
@@ -281,6 +314,7 @@ void Complete(Settings& settings) {
   CompleteFolders(settings);
   CompleteLogin(settings);
   CompleteReach(settings, *address);
+  CheckProxy(settings);
   if (!settings.errorPages.empty() && !fs::is_directory(settings.errorPages)) {
     throw SettingError("error_pages: " + settings.errorPages.string() + " is no folder");
   }
@@ -289,6 +323,7 @@ void Complete(Settings& settings) {
 void CompleteFolders(Settings& settings) {
   if (settings.run.empty()) settings.run = OwnRunFolder(settings.listen);
   settings.run = fs::absolute(settings.run).lexically_normal();
+  if (!settings.proxySocket.empty()) settings.proxySocket = fs::absolute(settings.proxySocket).lexically_normal();
   if (settings.sessions.empty()) settings.sessions = settings.run / "sessions";
   settings.sessions = fs::absolute(settings.sessions).lexically_normal();
   if (!settings.users.empty()) settings.users = fs::absolute(settings.users).lexically_normal();

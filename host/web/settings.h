@@ -16,6 +16,8 @@ struct Settings {
   std::filesystem::path certificate;      // with the chain, as PEM; with it everything is encrypted
   std::filesystem::path certificateKey;
   std::vector<std::string> trustedProxy;  // whose word for a visitor's address and encryption is taken
+  std::filesystem::path proxySocket;      // where a web server in front comes in, and nobody else
+  std::string proxyUserHeader;            // the header by which it names its user there
   int addressConnections = 128;           // at a time, from one address
   std::filesystem::path site;             // the pages; default: the console of this program
   int workers = 4;                        // pages that run at a time

@@ -90,6 +90,7 @@ void Supervisor::Start(std::ostream& out) {
     return;
   }
   nginx_ = std::make_unique<Nginx>(settings_.nginx, run_, log_);
+  nginx_->Owns(settings_.proxySocket);
   nginx_->Start();
   const Address address = *ParseAddress(settings_.listen);
   const std::string& host = IsEveryAddress(address) ? settings_.hosts.front() : address.host;
@@ -146,7 +147,10 @@ void Supervisor::Reload() {
     settings_ = fresh;
     ChangeQueue(socket_, settings_.queue);
     pool_->Use(generation);
-    if (nginx_) nginx_->Reload();
+    if (nginx_) {
+      nginx_->Owns(settings_.proxySocket);
+      nginx_->Reload();
+    }
     log_.Write("reloaded");
   } catch (const std::exception& error) {
     log_.Write(std::string("not reloaded: ") + error.what());
