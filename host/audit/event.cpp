@@ -18,6 +18,7 @@ constexpr EventRow kEvents[] = {
   {Event::ServerStopped,     "server-stopped",    {}},
   {Event::SettingsReloaded,  "settings-reloaded", {}},
   {Event::UsersChanged,      "users-changed",     {}},
+  {Event::PasswordChanged,   "password-changed",  {}},
   {Event::SignedIn,          "signed-in",         {}},
   {Event::SignInRefused,     "sign-in-refused",   {}},
   {Event::SignedOut,         "signed-out",        {}},

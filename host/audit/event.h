@@ -11,6 +11,7 @@ enum class Event {
   ServerStopped,
   SettingsReloaded,
   UsersChanged,
+  PasswordChanged,
   SignedIn,
   SignInRefused,
   SignedOut,

@@ -66,6 +66,18 @@ class PageSession {
   // The session's live mailbox browsing object, made when a page first asks for it; null when mailboxes are
   // not configured. It serves as `StaticObjects("gLiveDriller")`.
   virtual std::shared_ptr<LiveContainer> LiveDriller() = 0;
+
+  // A token for a form that acts: good once, for this session and this purpose. "" where nothing takes tokens.
+  virtual std::string NewToken(std::string_view) { return ""; }
+
+  // Takes the token of a posted form. False, and nothing may be done, when it is none for this purpose.
+  virtual bool TakeToken(std::string_view, std::string_view) { return false; }
+
+  // Writes down that the visitor was refused something.
+  virtual void NoteRefusal(std::string_view) {}
+
+  // A further static object of the session, of the host's own making; null where there is none of that name.
+  virtual std::shared_ptr<Object> HostObject(std::string_view) { return nullptr; }
 };
 
 struct PageLimits {

@@ -69,6 +69,9 @@ void SessionObject::PushStatic(Engine& engine, std::string_view name) {
     drillerAsked_ = true;
     if (driller_ != nullptr) return PushObject(engine, driller_);
   }
+  const auto [known, isNew] = hostObjects_.try_emplace(key);
+  if (isNew) known->second = session_.HostObject(name);
+  if (known->second != nullptr) return PushObject(engine, known->second);
   duk_push_undefined(context);
 }
 

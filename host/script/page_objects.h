@@ -50,6 +50,11 @@ class SessionObject : public Session {
   Value Static(std::string_view name);
   void Abandon() { session_.Abandon(); }
 
+  // Tokens of forms that act; `PageSession` has them.
+  std::string NewToken(std::string_view purpose) { return session_.NewToken(purpose); }
+  bool TakeToken(std::string_view purpose, std::string_view token) { return session_.TakeToken(purpose, token); }
+  void NoteRefusal(std::string_view what) { session_.NoteRefusal(what); }
+
  private:
   // Leaves the static object of a name on the stack, undefined when there is none.
   void PushStatic(Engine& engine, std::string_view name);
@@ -59,6 +64,7 @@ class SessionObject : public Session {
   std::map<std::string, std::unique_ptr<ScriptReference>> statics_;  // made so far, by the name in lower case
   std::shared_ptr<LiveContainer> driller_;
   bool drillerAsked_ = false;
+  std::map<std::string, std::shared_ptr<Object>> hostObjects_;  // asked for so far, by the name in lower case
 };
 
 // The page's `ScriptingContext`.

@@ -1,6 +1,7 @@
 #include "host/web/generation.h"
 
 #include <strings.h>
+#include <sys/stat.h>
 
 #include "host/parts/database_proof.h"
 #include "host/parts/setting_error.h"
@@ -50,13 +51,25 @@ host::PartsSettings Proved(host::PartsSettings parts, const Log& log) {
   return parts;
 }
 
+// Sessions and tokens lie in one private folder, whoever makes it first.
+fs::path TokensFolderOf(const Settings& settings) {
+  std::error_code failed;
+  fs::create_directories(settings.sessions.parent_path(), failed);
+  mkdir(settings.sessions.c_str(), 0700);
+  return settings.sessions / "tokens";
+}
+
 }  // namespace
 
-Generation::Generation(Settings chosen, const Log& log)
+Generation::Generation(Settings chosen, const Log& log, audit::Trail& whereActsAreRecorded)
     : settings(std::move(chosen)),
       parts(Proved(settings.Parts(), log), [this] { return visitor.IsThere(); }),
-      site(settings.site, parts.GetPlatform()) {
-  if (!settings.users.empty()) gate.emplace(GateSettingsOf(settings, visitor), parts.GetLiveDrillerMaker(), log);
+      site(settings.site, parts.GetPlatform()),
+      trail(whereActsAreRecorded) {
+  if (!settings.users.empty()) {
+    gate.emplace(GateSettingsOf(settings, visitor), parts.GetLiveDrillerMaker(), log, trail);
+  }
+  tokens.emplace(TokensFolderOf(settings));
   PrepareAll(site, settings.site, log);
 }
 

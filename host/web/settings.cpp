@@ -92,6 +92,7 @@ const Rule kRules[] = {
   {"web",          Word{&Settings::web, IsWeb},              "\"embedded\" or \"external\""},
   {"nginx",        Word{&Settings::nginx},                   "the nginx program"},
   {"log",          LogPath{},                                "a file, or \"-\" for standard error"},
+  {"audit",        Path{&Settings::audit},                   "a folder for the audit log"},
   {"users",        Path{&Settings::users},                   "the users file that `kalvo passwd` makes, or \"\" for none"},
   {"sessions",     Path{&Settings::sessions},                "a folder for the sessions of those who signed in"},
   {"session_minutes", Whole{&Settings::sessionMinutes, 1, 1440}, "a whole number of minutes from 1 to 1440"},
@@ -326,6 +327,8 @@ void CompleteFolders(Settings& settings) {
   if (!settings.proxySocket.empty()) settings.proxySocket = fs::absolute(settings.proxySocket).lexically_normal();
   if (settings.sessions.empty()) settings.sessions = settings.run / "sessions";
   settings.sessions = fs::absolute(settings.sessions).lexically_normal();
+  if (settings.audit.empty()) settings.audit = settings.run / "audit";
+  settings.audit = fs::absolute(settings.audit).lexically_normal();
   if (!settings.users.empty()) settings.users = fs::absolute(settings.users).lexically_normal();
 }
 

@@ -36,6 +36,7 @@ struct Settings {
   std::string log = "-";                // a file, or "-" for standard error
   std::filesystem::path errorPages;     // a folder with 404.html, 500.html, 503.html ...; default: plain ones
   std::filesystem::path users;          // the users file; with it, everybody signs in
+  std::filesystem::path audit;          // a private folder for the audit log; default: "audit" below `run`
   std::filesystem::path sessions;       // a private folder; default: "sessions" below `run`
   int sessionMinutes = 30;              // without a request, after which one signs in again
   int sessionsPerUser = 5;              // one more sign-in ends the user's oldest

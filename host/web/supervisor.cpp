@@ -49,6 +49,7 @@ Supervisor::Supervisor(Load load)
       settings_(load_()),
       log_(settings_.log),
       run_(settings_.run),
+      trail_(settings_.audit, [this](std::string_view line) { log_.Write(line); }),
       hasTerminal_(HasTerminal()) {}
 
 Supervisor::~Supervisor() {
@@ -75,7 +76,7 @@ void Supervisor::Run(std::ostream& out) {
 void Supervisor::Start(std::ostream& out) {
   if (!settings_.External()) CheckAddressIsFree(settings_.listen);
   if (geteuid() == 0) log_.Write("running as root; a user of its own is safer");
-  const auto generation = std::make_shared<Generation>(settings_, log_);
+  const auto generation = std::make_shared<Generation>(settings_, log_, trail_);
   signals_ = OpenSignals();
   WriteConfiguration(settings_);
   socket_ = ListenForNginx(run_.Socket(), settings_.queue);
@@ -84,6 +85,7 @@ void Supervisor::Start(std::ostream& out) {
   };
   pool_ = std::make_unique<WorkerPool>(live, log_);
   pool_->Use(generation);
+  trail_.Note(audit::Event::ServerStarted, {}, {{"site", settings_.site.string()}});
   if (settings_.External()) {
     out << "Serving " << settings_.site.string() << "; include " << run_.NginxSite().string()
         << " in a server block of nginx" << std::endl;
@@ -138,11 +140,12 @@ Supervisor::Wish Supervisor::Attend(int milliseconds) {
 void Supervisor::Reload() {
   try {
     Settings fresh = load_();
-    if (fresh.run != settings_.run || fresh.web != settings_.web || fresh.log != settings_.log) {
-      throw host::SettingError("run, web and log change only with a restart");
+    if (fresh.run != settings_.run || fresh.web != settings_.web || fresh.log != settings_.log ||
+        fresh.audit != settings_.audit) {
+      throw host::SettingError("run, web, log and audit change only with a restart");
     }
     if (!fresh.External() && fresh.listen != settings_.listen) CheckAddressIsFree(fresh.listen);
-    const auto generation = std::make_shared<Generation>(fresh, log_);
+    const auto generation = std::make_shared<Generation>(fresh, log_, trail_);
     WriteConfiguration(fresh);
     settings_ = fresh;
     ChangeQueue(socket_, settings_.queue);
@@ -152,6 +155,7 @@ void Supervisor::Reload() {
       nginx_->Reload();
     }
     log_.Write("reloaded");
+    trail_.Note(audit::Event::SettingsReloaded, {}, {});
   } catch (const std::exception& error) {
     log_.Write(std::string("not reloaded: ") + error.what());
   }
@@ -183,6 +187,7 @@ void Supervisor::Stop() {
   pool_->KillAll();
   while (!pool_->Empty() || (nginx_ && nginx_->Running())) Attend(kBeatMilliseconds);
   unlink(run_.Socket().c_str());
+  trail_.Note(audit::Event::ServerStopped, {}, {});
 }
 
 }  // namespace kalvo::web

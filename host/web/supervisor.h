@@ -4,6 +4,7 @@
 #include <iosfwd>
 #include <memory>
 
+#include "host/audit/trail.h"
 #include "host/web/log.h"
 #include "host/web/run_folder.h"
 #include "host/web/settings.h"
@@ -42,6 +43,7 @@ class Supervisor {
   Settings settings_;
   Log log_;
   RunFolder run_;
+  audit::Trail trail_;
   bool hasTerminal_;
   int signals_ = -1;
   int socket_ = -1;

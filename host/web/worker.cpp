@@ -12,6 +12,8 @@
 #include "host/edge/limits.h"
 #include "host/parts/memory_session.h"
 #include "host/parts/setting_error.h"
+#include "host/web/acting/acting_session.h"
+#include "host/web/acting/sender.h"
 #include "host/web/error_pages.h"
 #include "host/web/fastcgi.h"
 #include "host/web/generation.h"
@@ -107,6 +109,10 @@ void Worker::RunPage(FCGX_Request& request) {
   if (const auto reason = edge::BeyondLimits(asked.request)) return SendError(request, 400, *reason);
 
   host::PageRequest page = asked.request;
+  if (page.method == "POST" && SenderOf(page) == Sender::Elsewhere) {
+    NotePostFromElsewhere(page, asked.page);
+    return SendError(request, 403);
+  }
   std::optional<login::Admission> admission = Admit(request, asked.page, page);
   if (!admission) return;
   page.logonName = admission->logon;
@@ -116,13 +122,23 @@ void Worker::RunPage(FCGX_Request& request) {
   options.limits = {settings.timeLimit, static_cast<std::size_t>(settings.memoryLimit)};
   options.isWanted = [this] { return generation_.visitor.IsThere(); };
   FastCgiSink sink(request, generation_.site.Directive(asked.page));
-  const host::PageResult result = generation_.site.Run(asked.page, page, *admission->session, sink, options);
+  ActingSession session(
+      *admission->session, *generation_.tokens, generation_.trail,
+      {admission->mark, {admission->logon, std::string(VariableOf(page, "REMOTE_ADDR"))}, page.method == "POST"});
+  const host::PageResult result = generation_.site.Run(asked.page, page, session, sink, options);
   if (!result.failure) return FCGX_Finish_r(&request);
 
   const int status = StatusOf(*result.failure);
   if (status != 404) log_.Write("page " + Describe(*result.failure));
   if (!result.headSent) return SendError(request, status);
   // Half a page was sent. Its end is not, so that nobody takes it for the whole.
+}
+
+void Worker::NotePostFromElsewhere(const host::PageRequest& asked, std::string_view page) {
+  generation_.trail.Refused(audit::Event::RequestRefused, {"", std::string(VariableOf(asked, "REMOTE_ADDR"))},
+                            {{"request", "posted from another site"},
+                             {"page", std::string(page)},
+                             {"origin", std::string(VariableOf(asked, "HTTP_ORIGIN"))}});
 }
 
 std::optional<login::Admission> Worker::Admit(FCGX_Request& request, std::string_view page, host::PageRequest& asked) {

@@ -30,6 +30,7 @@ class Worker {
  private:
   void Serve(FCGX_Request& request);
   void RunPage(FCGX_Request& request);
+  void NotePostFromElsewhere(const host::PageRequest& asked, std::string_view page);
   // Who may see the page, and as whom; nothing when the answer has been sent already.
   std::optional<login::Admission> Admit(FCGX_Request& request, std::string_view page, host::PageRequest& asked);
   // `why` is a sentence for the visitor that the error page does not have.

@@ -306,7 +306,7 @@ class Mailbox(Case):
         row = self.open_message(lambda element: True)
         gone = browser.driver.current_url.removeprefix(browser.address)
         self.assertEqual(self.detail("Subject"), row["Message Subject"])
-        browser.leaves(lambda: self.confirmed(browser.button("Delete")))
+        self.confirm(browser.button("Delete"))
         self.assertEqual(browser.page(), MAILBOX)
         self.messages().go("All")
         rows.remove(list(row.values()))
@@ -320,13 +320,15 @@ class Mailbox(Case):
     def test_deletes_a_message_from_the_list(self):
         self.enter("alice", INBOX)
         before = self.files()
-        browser.leaves(lambda: self.confirmed(self.messages().row_elements()[0].find_element(By.NAME, "Delete")))
+        self.confirm(self.messages().row_elements()[0].find_element(By.NAME, "Delete"))
         self.assertEqual((browser.page(), len(before - self.files())), (MAILBOX, 1))
         self.assertEqual(self.messages().counts()["Number of Entries:"], str(len(before) - 1))
 
-    def confirmed(self, button):
-        button.click()
-        browser.answer(yes=True)
+    def confirm(self, button):
+        """Deletes: yes to the question of the list, and once more on the page that shows the message."""
+        browser.leaves(lambda: (button.click(), browser.answer(yes=True)))
+        self.assertEqual((browser.page(), browser.heading()), ("Configuration/Process.asp", "Delete a Message?"))
+        browser.press("Delete this message")
 
     def test_of_somebody_else_is_refused(self):
         self.enter("alice", f"{MAILBOX}?Server={SERVER}&Mailbox=adam.abbott")

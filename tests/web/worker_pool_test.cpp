@@ -29,9 +29,10 @@ class Pools : public testing::Test {
     pool_ = std::make_unique<WorkerPool>(std::move(life), log_);
     Settings settings;
     settings.site = folder_.Path() / "site";
+    settings.sessions = folder_.Path() / "sessions";
     settings.workers = workers;
     std::filesystem::create_directories(settings.site);
-    pool_->Use(std::make_shared<Generation>(settings, log_));
+    pool_->Use(std::make_shared<Generation>(settings, log_, trail_));
   }
 
   // How many children ended since the last call.
@@ -56,6 +57,7 @@ class Pools : public testing::Test {
 
   test::TemporaryFolder folder_;
   Log log_{(folder_.Path() / "log").string()};
+  audit::Trail trail_{folder_.Path() / "audit", [this](std::string_view line) { log_.Write(line); }};
   std::unique_ptr<WorkerPool> pool_;
 };
 

@@ -56,6 +56,9 @@ constexpr Member kSession[] = {
   Method<&SessionObject::Access>("Value", {{"name"}, {"value"}}),
   Method<&SessionObject::Static>("StaticObjects", {{"name"}}),
   Method<&SessionObject::Abandon>("Abandon"),
+  Method<&SessionObject::NewToken>("NewToken", {{"purpose"}}),
+  Method<&SessionObject::TakeToken>("TakeToken", {{"purpose"}, {"token"}}),
+  Method<&SessionObject::NoteRefusal>("NoteRefusal", {{"what"}}),
 };
 
 constexpr Member kScriptingContext[] = {

@@ -5,6 +5,7 @@
 
 #include "host/parts/memory_session.h"
 #include "host/script/request.h"
+#include "host/web/acting/sender.h"
 #include "host/web/log.h"
 #include "host/web/login/addresses.h"
 #include "host/web/login/password.h"
@@ -27,13 +28,6 @@ constexpr std::string_view kSignIn = "/SignIn.asp";  // below the site's root
 constexpr std::string_view kSignOut = "/SignOut.asp";
 constexpr std::string_view kProxyUser = "KALVO_PROXY_USER";  // set by nginx for who comes by the proxy's socket
 constexpr std::string_view kPassword = "/Configuration/Password.asp";
-
-std::string_view VariableOf(const host::PageRequest& request, std::string_view name) {
-  for (const auto& [key, value] : request.serverVariables) {
-    if (key == name) return value;
-  }
-  return "";
-}
 
 bool IsEncrypted(const host::PageRequest& request) {
   return EqualsIgnoringAsciiCase(VariableOf(request, "HTTPS"), "on");
@@ -127,17 +121,6 @@ Answer Refusal(int status, std::string_view reason) {
 
 Answer SeeOther(std::string address) { return GoTo(303, "See Other", std::move(address)); }
 
-// A form that a page of another site sent, with names of its own in it, signs nobody in.
-bool CameFromElsewhere(const host::PageRequest& request) {
-  const std::string_view site = VariableOf(request, "HTTP_SEC_FETCH_SITE");
-  if (!site.empty() && site != "same-origin" && site != "none") return true;
-  const std::string_view origin = VariableOf(request, "HTTP_ORIGIN");
-  if (origin.empty()) return false;
-  const std::size_t host = origin.find("://");
-  return host == std::string_view::npos ||
-         !EqualsIgnoringAsciiCase(origin.substr(host + 3), VariableOf(request, "HTTP_HOST"));
-}
-
 std::string Field(std::string_view form, std::string_view name) { return host::FirstValue(form, name).value_or(""); }
 
 // Whom the proxy names, taken out of the request; "" where there is no proxy, or it names nobody.
@@ -155,15 +138,17 @@ Admission AdmissionOf(std::unique_ptr<FileSession> session, std::string_view typ
   Admission admission;
   admission.logon = session->Account();
   admission.variables = {{"AUTH_TYPE", std::string(type)}};
+  admission.mark = session->Mark();
   admission.session = std::move(session);
   return admission;
 }
 
 }  // namespace
 
-Gate::Gate(const GateSettings& settings, const host::LiveDrillerMaker& makeDriller, const Log& log)
+Gate::Gate(const GateSettings& settings, const host::LiveDrillerMaker& makeDriller, const Log& log, audit::Trail& trail)
     : settings_(settings),
       log_(log),
+      trail_(trail),
       users_(settings.users),
       sessions_(settings.sessions, settings.lifetimes, makeDriller, log, settings.waiting),
       throttle_(settings.sessions / "attempts") {
@@ -182,10 +167,7 @@ std::variant<Admission, Answer> Gate::Admit(std::string_view page, host::PageReq
   }
   if (page == kSignOut) {
     if (request.method != "POST") return SeeOther(std::string(kConsole));
-    for (const std::string& id : ids) sessions_.EndOne(id);
-    Answer answer = SeeOther(std::string(kSignInPage));
-    answer.head.headers.emplace_back("Set-Cookie", SessionCookie(request, ""));
-    return answer;
+    return SignOut(request, ids);
   }
   auto session = SessionOf(ids);
   if (!session) {
@@ -218,7 +200,7 @@ std::variant<Admission, Answer> Gate::AdmitProxied(std::string_view named, std::
 // The page is shown as if it had been asked for, and sees no password.
 std::variant<Admission, Answer> Gate::OwnPassword(host::PageRequest& request, std::unique_ptr<FileSession> session,
                                                   const std::vector<std::string>& ids, const std::string& device) {
-  if (CameFromElsewhere(request)) return Refusal(403, "Forbidden");
+  if (SenderOf(request) == Sender::Elsewhere) return Refusal(403, "Forbidden");
   if (request.form.size() > kLargestSignIn) return Refusal(413, "Content Too Large");
   const Changer who{session->Account(), std::string(VariableOf(request, "REMOTE_ADDR")), device};
   const std::string form = std::exchange(request.form, "");
@@ -229,6 +211,7 @@ std::variant<Admission, Answer> Gate::OwnPassword(host::PageRequest& request, st
     admission.variables.emplace_back("KALVO_PASSWORD", outcome);
     return admission;
   }
+  trail_.Note(audit::Event::PasswordChanged, {who.account, who.address}, {});
   session.reset();  // the new one takes its place
   return AfterChange(request, who.account, ids);
 }
@@ -252,9 +235,22 @@ Answer Gate::AfterChange(const host::PageRequest& request, const std::string& ac
   return SeeOther(std::string(kSignInPage));
 }
 
+// A page of another site must not end anybody's session. Every browser says where a posted form came from.
+Answer Gate::SignOut(const host::PageRequest& request, const std::vector<std::string>& ids) {
+  if (SenderOf(request) != Sender::ThisSite) return Refusal(403, "Forbidden");
+  for (const std::string& id : ids) {
+    const std::string account = sessions_.EndOne(id);
+    if (account.empty()) continue;
+    trail_.Note(audit::Event::SignedOut, {account, std::string(VariableOf(request, "REMOTE_ADDR"))}, {});
+  }
+  Answer answer = SeeOther(std::string(kSignInPage));
+  answer.head.headers.emplace_back("Set-Cookie", SessionCookie(request, ""));
+  return answer;
+}
+
 std::variant<Admission, Answer> Gate::SignIn(host::PageRequest& request, const std::vector<std::string>& oldSessions,
                                              std::string_view device) {
-  if (CameFromElsewhere(request)) return Refusal(403, "Forbidden");
+  if (SenderOf(request) == Sender::Elsewhere) return Refusal(403, "Forbidden");
   if (request.form.size() > kLargestSignIn) return Refusal(413, "Content Too Large");
   const std::string name = Field(request.form, "Name"), password = Field(request.form, "Password"),
                     back = Field(request.form, "Return");
@@ -273,11 +269,13 @@ std::variant<Admission, Answer> Gate::SignIn(host::PageRequest& request, const s
     }
     const std::optional<User> user = Checked(account, password);
     if (!user) {
-      log_.Write("sign-in refused: " + InLog(counted) + " from " + address);
+      trail_.Refused(audit::Event::SignInRefused, {"", address}, {{"name", counted}});
       return SignInPage("wrong");
     }
     throttle_.Succeeded(counted, address, device);
-    return Welcome(*user, request, back, oldSessions);
+    Answer answer = Welcome(*user, request, back, oldSessions);
+    trail_.Note(audit::Event::SignedIn, {user->account, address}, {});
+    return answer;
   } catch (const NotKept& error) {
     log_.Write(std::string("nobody can sign in: ") + error.what());
     return SignInPage("full");

@@ -9,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "host/audit/trail.h"
 #include "host/script/page.h"
 #include "host/web/login/session_store.h"
 #include "host/web/login/throttle.h"
@@ -32,6 +33,7 @@ struct Admission {
   std::unique_ptr<host::PageSession> session;
   std::string logon;
   host::NamedTexts variables;
+  std::string mark = {};  // a name for the session that is no secret; "" where there is none
 };
 
 // No page runs; this is the answer.
@@ -51,8 +53,8 @@ struct Answer {
 // came of it, in the words of `ChangePassword`.
 class Gate {
  public:
-  // The maker and the log outlive the gate. Fails with SettingError.
-  Gate(const GateSettings& settings, const host::LiveDrillerMaker& makeDriller, const Log& log);
+  // The maker, the log and the trail outlive the gate. Fails with SettingError.
+  Gate(const GateSettings& settings, const host::LiveDrillerMaker& makeDriller, const Log& log, audit::Trail& trail);
 
   // `page` is the page's path below the site's root. What the page is not meant to see is taken out of the request.
   // Fails with SettingError when users or sessions cannot be read; throws SessionBusy.
@@ -68,12 +70,14 @@ class Gate {
   std::variant<Admission, Answer> OwnPassword(host::PageRequest& request, std::unique_ptr<FileSession> session,
                                               const std::vector<std::string>& ids, const std::string& device);
   Answer AfterChange(const host::PageRequest& request, const std::string& account, const std::vector<std::string>& ids);
+  Answer SignOut(const host::PageRequest& request, const std::vector<std::string>& ids);
   Admission SignInPage(std::string why) const;
   std::optional<User> Checked(const std::optional<std::string>& account, std::string_view password) const;
   std::unique_ptr<FileSession> SessionOf(const std::vector<std::string>& ids);
 
   GateSettings settings_;
   const Log& log_;
+  audit::Trail& trail_;
   UsersFile users_;
   SessionStore sessions_;
   Throttle throttle_;

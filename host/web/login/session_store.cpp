@@ -305,10 +305,12 @@ std::unique_ptr<FileSession> SessionStore::OpenAt(const fs::path& path, std::chr
   }
 }
 
-void SessionStore::EndOne(std::string_view id) const {
-  if (!IsToken(id)) return;
+std::string SessionStore::EndOne(std::string_view id) const {
+  if (!IsToken(id)) return "";
   const FolderLock lock(folder_);
-  unlink(PathOf(id).c_str());
+  const fs::path path = PathOf(id);
+  const auto holder = HolderOf(path);
+  return unlink(path.c_str()) == 0 && holder ? holder->account : "";
 }
 
 bool SessionStore::HasExpired(const FileSession& session) const {

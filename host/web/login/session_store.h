@@ -43,6 +43,9 @@ class FileSession : public host::PageSession {
 
   const std::string& Account() const { return account_; }
 
+  // A name for the session from which its identifier cannot be found out.
+  std::string Mark() const { return path_.stem().string(); }
+
   // Whether the user is still the one who signed in, with the rights she had.
   bool BelongsTo(const User& user) const;
 
@@ -95,8 +98,9 @@ class SessionStore {
   // with other rights. No identifier leads to it. Throws SessionBusy and NotKept.
   std::unique_ptr<FileSession> OpenProxied(const User& user, std::chrono::milliseconds patience);
 
-  // Ends a session at once, also one that a page holds: what that page changes in it is not kept.
-  void EndOne(std::string_view id) const;
+  // Ends a session at once, also one that a page holds: what that page changes in it is not kept. Answers whose it was;
+  // "" where there was none.
+  std::string EndOne(std::string_view id) const;
 
   // Ends the sessions of one account, or all for "", and answers how many there were. A page that runs comes to its
   // end; its session does not come back.

@@ -27,15 +27,20 @@ class ConsoleMail : public testing::Test {
     return site_->Run(kConsole, page, query, logon, rights).body;
   }
 
-  // The answer to the delete form of a message.
+  // The answer to the delete form of a message and to the question that follows; the question's page where it does
+  // not ask.
   SampleSite::Answer Delete(const std::string& mailbox, const std::string& message, const std::string& flags,
                             const std::string& logon, const std::vector<std::string>& rights,
                             const std::string& next = "../Resources/MailboxSummary.asp?Server=SEA%2DEX01") {
-    return site_->Run(kConsole, kProcess,
-                      "ProcessType=DeleteMessage&ServerName=SEA-EX01&MailboxName=" + Encoded(mailbox) +
-                          "&FolderId=&MessageId=" + message + "&Flags=" + flags + "&Continue=" + Encoded(next) +
-                          "&Delete=Delete",
-                      logon, rights);
+    const std::string query = "ProcessType=DeleteMessage&ServerName=SEA-EX01&MailboxName=" + Encoded(mailbox) +
+                              "&FolderId=&MessageId=" + message + "&Flags=" + flags + "&Continue=" + Encoded(next) +
+                              "&Delete=Delete";
+    const SampleSite::Answer question = site_->Run(kConsole, kProcess, query, logon, rights);
+    const std::string field = "name=\"Token\" value=\"";
+    const std::size_t token = question.body.find(field);
+    if (token == std::string::npos) return question;
+    const std::size_t start = token + field.size(), end = question.body.find('"', start);
+    return site_->Run(kConsole, kProcess, query, logon, rights, "Token=" + question.body.substr(start, end - start));
   }
 
   static std::string LocationOf(const SampleSite::Answer& answer) {

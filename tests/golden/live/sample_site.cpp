@@ -4,6 +4,7 @@
 #include <ctime>
 
 #include "database/sample_mail/sample_mail.h"
+#include "host/web/acting/acting_session.h"
 #include "platform/conversion.h"
 #include "platform/live_mailbox.h"
 
@@ -40,7 +41,8 @@ SampleSite::SampleSite() {
 }
 
 SampleSite::Answer SampleSite::Run(const std::filesystem::path& root, const std::string& page, const std::string& query,
-                                   const std::string& logon, const std::vector<std::string>& rights) {
+                                   const std::string& logon, const std::vector<std::string>& rights,
+                                   const std::string& form) {
   host::NamedTexts values;
   for (const std::string& right : rights) values.emplace_back(right, "Yes");
   host::MemorySession session(values, parts_->GetLiveDrillerMaker());
@@ -48,9 +50,12 @@ SampleSite::Answer SampleSite::Run(const std::filesystem::path& root, const std:
   request.url = "/KalvoforExchange/" + page;
   request.queryString = query;
   request.logonName = logon;
+  request.form = form;
+  if (!form.empty()) request.method = "POST";
+  web::ActingSession acting(session, tokens_, trail_, {logon, {logon, ""}, !form.empty()});
   Answer answer;
   KeepingSink sink(answer);
-  const host::PageResult result = host::Site(root, parts_->GetPlatform()).Run(page, request, session, sink);
+  const host::PageResult result = host::Site(root, parts_->GetPlatform()).Run(page, request, acting, sink);
   if (result.failure) answer.body += "PAGE FAILED: " + host::Describe(*result.failure);
   return answer;
 }

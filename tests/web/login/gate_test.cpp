@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "host/audit/reading.h"
 #include "host/parts/setting_error.h"
 #include "host/web/log.h"
 #include "host/web/login/addresses.h"
@@ -78,7 +79,12 @@ class Gates : public testing::Test {
   UsersFile users_{WithUsers(folder_.Path() / "users")};
   Log log_{(folder_.Path() / "log").string()};
   host::LiveDrillerMaker nobody_;
-  Gate gate_{{folder_.Path() / "users", folder_.Path() / "sessions", {}, std::chrono::milliseconds(50)}, nobody_, log_};
+  std::vector<std::string> told_;  // what the trail told the server's log
+  audit::Trail trail_{folder_.Path() / "audit", [this](std::string_view line) { told_.emplace_back(line); }};
+  Gate gate_{{folder_.Path() / "users", folder_.Path() / "sessions", {}, std::chrono::milliseconds(50)},
+             nobody_,
+             log_,
+             trail_};
 };
 
 std::string Gates::hash_;
@@ -214,6 +220,12 @@ TEST_F(Gates, SignOut) {
   EXPECT_EQ(Sent("/Tasks/TopN.asp", cookie), "");
   host::PageRequest request = Asked("/SignOut.asp", cookie);
   request.method = "POST";
+  EXPECT_EQ(std::get<Answer>(gate_.Admit("/SignOut.asp", request)).head.status, 403)
+      << "nothing says where it came from";
+  EXPECT_EQ(Sent("/Tasks/TopN.asp", cookie), "");
+  request = Asked("/SignOut.asp", cookie);
+  request.method = "POST";
+  request.serverVariables.emplace_back("HTTP_ORIGIN", "http://console:8080");
   const Decision decision = gate_.Admit("/SignOut.asp", request);
   EXPECT_EQ(HeaderOf(decision, "Location"), "/KalvoforExchange/SignIn.asp");
   EXPECT_NE(HeaderOf(decision, "Set-Cookie")
@@ -234,6 +246,23 @@ TEST_F(Gates, EndTheSessionOfWhomTheUsersFileNoLongerKnowsSo) {
   EXPECT_NE(Sent("/Tasks/TopN.asp", again), "") << "no user any more";
 }
 
+TEST_F(Gates, WriteDownWhoComesAndGoes) {
+  const std::string cookie = CookieOfBob();
+  SignIn("mallory", "guess");
+  host::PageRequest request = Asked("/SignOut.asp", cookie);
+  request.method = "POST";
+  request.serverVariables.emplace_back("HTTP_SEC_FETCH_SITE", "same-origin");
+  gate_.Admit("/SignOut.asp", request);
+  const auto records = audit::Newest(folder_.Path() / "audit", {}, 10);
+  ASSERT_EQ(records.size(), 2u);
+  EXPECT_EQ(records[1].event, audit::Event::SignedIn);
+  EXPECT_EQ(records[1].visitor.user, "KALVO\\bob");
+  EXPECT_EQ(records[1].visitor.address, "10.0.0.1");
+  EXPECT_EQ(records[0].event, audit::Event::SignedOut);
+  ASSERT_EQ(told_.size(), 3u);
+  EXPECT_EQ(told_[1], "security: sign-in-refused from 10.0.0.1 name=\"KALVO\\mallory\"");
+}
+
 TEST_F(Gates, KeepTheCookieFromPages) {
   const std::string cookie = CookieOfBob();
   host::PageRequest request = Asked("/Tasks/TopN.asp", "a=1; " + cookie + "; b=2");
@@ -248,6 +277,7 @@ TEST_F(Gates, FindTheSessionBehindANeighboursCookie) {
   EXPECT_EQ(Sent("/Tasks/TopN.asp", cookie + "; " + foreign), "");
   host::PageRequest request = Asked("/SignOut.asp", foreign + "; " + cookie);
   request.method = "POST";
+  request.serverVariables.emplace_back("HTTP_SEC_FETCH_SITE", "same-origin");
   gate_.Admit("/SignOut.asp", request);
   EXPECT_NE(Sent("/Tasks/TopN.asp", cookie), "") << "who signs out is out, whatever stands before";
 }
@@ -260,12 +290,13 @@ TEST_F(Gates, LookAtFewCookies) {
 
 TEST_F(Gates, AreNotMadeForAUsersFileThatOthersWrite) {
   chmod((folder_.Path() / "users").c_str(), 0666);
-  EXPECT_THROW(Gate({folder_.Path() / "users", folder_.Path() / "other", {}, {}}, nobody_, log_), host::SettingError);
+  EXPECT_THROW(Gate({folder_.Path() / "users", folder_.Path() / "other", {}, {}}, nobody_, log_, trail_),
+               host::SettingError);
 }
 
 TEST_F(Gates, WarnOfAUsersFileThatEverybodyReads) {
   chmod((folder_.Path() / "users").c_str(), 0644);
-  const Gate gate({folder_.Path() / "users", folder_.Path() / "other", {}, {}}, nobody_, log_);
+  const Gate gate({folder_.Path() / "users", folder_.Path() / "other", {}, {}}, nobody_, log_, trail_);
   EXPECT_NE(test::ReadFile(folder_.Path() / "log").find("may be read by everybody"), std::string::npos);
 }
 

@@ -100,7 +100,7 @@ class SignIn(unittest.TestCase):
 
     def test_signing_out_ends_the_session(self):
         cookie = self.cookie("bob")
-        answer = self.server.request("/KalvoforExchange/SignOut.asp", "POST", "", {"Cookie": cookie})
+        answer = self.server.request("/KalvoforExchange/SignOut.asp", "POST", "", {"Cookie": cookie, "Sec-Fetch-Site": "same-origin"})
         self.assertEqual((answer.status, answer.headers["Location"]), (303, "/KalvoforExchange/SignIn.asp"))
         self.assertEqual(self.server.get("Who.asp", headers={"Cookie": cookie}).status, 302)
 

@@ -1,0 +1,351 @@
+"""deleting_test.py KALVO: what deletes a message of the console over the wire, and what does not."""
+
+import concurrent.futures
+import html
+import json
+import os
+import re
+import sys
+import unittest
+import urllib.parse
+
+import cases
+from sample_console import PASSWORD, SampleConsole
+from serving import Serving
+
+KALVO = sys.argv.pop()
+SERVER = "SEA-EX01"
+HERE = {"Sec-Fetch-Site": "same-origin"}
+PROCESS = "Configuration/Process.asp"
+FORM = "application/x-www-form-urlencoded"
+
+
+def setUpModule():
+    global console
+    console = SampleConsole(KALVO)
+    unittest.addModuleCleanup(lambda: console.__exit__(None))
+    console.start()
+
+
+class Case(unittest.TestCase):
+    cookies = {}
+
+    def cookie(self, name):
+        if name not in self.cookies:
+            self.cookies[name] = self.sign_in(name)
+        return self.cookies[name]
+
+    def sign_in(self, name, back=""):
+        form = urllib.parse.urlencode({"Name": name, "Password": PASSWORD, "Return": back})
+        answer = console.request("/KalvoforExchange/SignIn.asp", "POST", form, {"Content-Type": FORM})
+        self.assertEqual(answer.status, 303)
+        self.location = answer.headers["Location"]
+        return answer.headers["Set-Cookie"].split(";")[0]
+
+    def ask(self, page, name="alice", method="GET", form=None, headers=None, cookie=None):
+        headers = {"Cookie": cookie or self.cookie(name), **(headers or {})}
+        if form is not None:
+            headers["Content-Type"] = FORM
+            form = urllib.parse.urlencode(form)
+        return console.request("/KalvoforExchange/" + page, method, form, headers)
+
+    def messages(self, mailbox="alice", name="alice", folder="Archive"):
+        """The identifiers of a folder's messages."""
+        page = self.ask(f"Resources/MailboxSummary.asp?Server={SERVER}&Mailbox={mailbox}&Container={folder}", name)
+        return re.findall('name="MessageId" value="([^"]+)"', page.text)
+
+    def message(self):
+        return self.messages()[0]
+
+    def address(self, message, mailbox="alice", server=SERVER, flags="0", back=""):
+        return PROCESS + "?" + urllib.parse.urlencode({
+            "ProcessType": "DeleteMessage", "ServerName": server, "MailboxName": mailbox, "FolderId": "",
+            "MessageId": message, "Flags": flags, "Continue": back})
+
+    def question(self, address, name="alice", cookie=None):
+        """Where the answer of a question is posted to, and its token; none where nothing was asked."""
+        page = self.ask(address, name, cookie=cookie).text
+        found = re.search(r'<form[^>]* method="post" action="(Process\.asp[^"]*)">\s*<input type="hidden" name="Token" '
+                          r'value="([0-9a-f]+)">', page)
+        return ("Configuration/" + html.unescape(found.group(1)), found.group(2)) if found else (None, page)
+
+    def delete(self, message, name="alice", **more):
+        action, token = self.question(self.address(message, **more), name)
+        self.assertIsNotNone(action, token)
+        return self.ask(action, name, "POST", {"Token": token}, HERE)
+
+    def files(self):
+        """Every message that a listing of the mailboxes of these tests would show."""
+        store, found = os.path.join(console.folder, "sample", "mail", SERVER), set()
+        for mailbox in ("alice", "admin"):
+            for folder, _, names in os.walk(os.path.join(store, mailbox)):
+                if os.path.basename(folder) in ("cur", "new"):
+                    found |= {os.path.join(folder, each.split(":")[0]) for each in names}
+        return found
+
+    def nothing_goes(self):
+        case, before = self, self.files()
+
+        class Nothing:
+            def __enter__(self):
+                return self
+
+            def __exit__(self, *error):
+                if error[0] is None:
+                    case.assertEqual(before - case.files(), set(), "a message was deleted")
+        return Nothing()
+
+    @staticmethod
+    def audit():
+        with open(os.path.join(console.folder, "run", "audit", "audit.jsonl"), encoding="utf-8") as file:
+            return [json.loads(line) for line in file]
+
+
+class Links(Case):
+    """Nothing that a page of any site can have a browser fetch deletes anything."""
+
+    def test_ask_and_do_nothing(self):
+        with self.nothing_goes():
+            for headers in ({}, HERE, {"Sec-Fetch-Site": "same-site", "Sec-Fetch-Dest": "image"},
+                            {"Sec-Fetch-Site": "cross-site", "Sec-Fetch-Dest": "iframe"},
+                            {"Sec-Purpose": "prefetch", "Sec-Fetch-Dest": "empty"}):
+                with self.subTest(headers):
+                    answer = self.ask(self.address(self.message()), headers=headers)
+                    self.assertEqual(answer.status, 200)
+                    self.assertIn("Delete this message", answer.text)
+
+    def test_may_be_looked_at_by_head(self):
+        with self.nothing_goes():
+            answer = self.ask(self.address(self.message()), method="HEAD")
+            self.assertEqual((answer.status, answer.body), (200, b""))
+
+    def test_with_a_token_in_their_address_do_nothing(self):
+        message = self.message()
+        action, token = self.question(self.address(message))
+        with self.nothing_goes():
+            self.assertIn("Delete this message", self.ask(f"{action}&Token={token}", headers=HERE).text)
+            self.ask(f"{action}&Token={token}", method="HEAD", headers=HERE)
+
+    def test_through_the_sign_in_ask(self):
+        address = self.address(self.message())
+        with self.nothing_goes():
+            cookie = self.sign_in("alice", "/KalvoforExchange/" + address)
+            page = console.request(self.location, headers={"Cookie": cookie, **HERE})
+            self.assertIn("Delete this message", page.text)
+
+    def test_of_one_delete_to_the_next_ask(self):
+        first, second = self.messages()[:2]
+        chained = "../" + self.address(second)
+        answer = self.delete(first, back=chained)
+        self.assertEqual((answer.status, answer.headers["Location"]), (302, chained))
+        with self.nothing_goes():
+            self.assertIn("Delete this message", self.ask(self.address(second), headers=HERE).text)
+
+
+class Posts(Case):
+    def test_of_the_question_delete_one_message_once(self):
+        before, message = self.files(), self.message()
+        action, token = self.question(self.address(message, back=f"../Resources/MailboxSummary.asp?Server={SERVER}"))
+        answer = self.ask(action, form={"Token": token}, method="POST", headers=HERE)
+        self.assertEqual((answer.status, answer.headers["Location"]), (302, f"../Resources/MailboxSummary.asp?Server={SERVER}"))
+        self.assertEqual(len(before - self.files()), 1)
+        self.assertNotIn(message, self.messages())
+        with self.nothing_goes():
+            again = self.ask(action, form={"Token": token}, method="POST", headers=HERE)
+            self.assertIn("was given already", again.text)
+            self.assertIn("does not exist any more", self.question(self.address(message))[1])
+
+    def test_from_anywhere_else_are_refused(self):
+        for headers in ({"Sec-Fetch-Site": "same-site"}, {"Sec-Fetch-Site": "cross-site"},
+                        {"Origin": "http://127.0.0.1:1"}, {"Origin": "null"}, {"Origin": "http://localhost"}):
+            with self.subTest(headers), self.nothing_goes():
+                action, token = self.question(self.address(self.message()))
+                self.assertEqual(self.ask(action, method="POST", form={"Token": token}, headers=headers).status, 403)
+
+    def test_without_the_token_of_their_question_are_refused(self):
+        first, second = self.messages()[:2]
+        action, token = self.question(self.address(first))
+        other, _ = self.question(self.address(second))
+        theirs = self.question(self.address(first), "administrator")[1]
+        with self.nothing_goes():
+            for why, address, form in (("none", action, {}), ("empty", action, {"Token": ""}),
+                                       ("of another message", other, {"Token": token}),
+                                       ("of another session", action, {"Token": theirs}),
+                                       ("cut", action, {"Token": token[:-1]}), ("made up", action, {"Token": "0" * len(token)}),
+                                       ("in the address", f"{action}&Token={token}", {})):
+                with self.subTest(why):
+                    answer = self.ask(address, method="POST", form=form, headers=HERE)
+                    self.assertIn("Nothing was deleted.", answer.text)
+        fresh = self.sign_in("alice")
+        with self.nothing_goes():
+            answer = self.ask(action, method="POST", form={"Token": token}, headers=HERE, cookie=fresh)
+            self.assertIn("Nothing was deleted.", answer.text, "the token of another session of the same user")
+        self.assertEqual(self.ask(action, method="POST", form={"Token": token}, headers=HERE).status, 302)
+
+    def test_of_two_tabs_both_count(self):
+        first, second = self.messages()[:2]
+        questions = [self.question(self.address(message)) for message in (first, second, first)]
+        for action, token in questions[:2]:
+            self.assertEqual(self.ask(action, method="POST", form={"Token": token}, headers=HERE).status, 302)
+        answer = self.ask(questions[2][0], method="POST", form={"Token": questions[2][1]}, headers=HERE)
+        self.assertIn("does not exist any more", answer.text)
+
+    def test_of_several_at_once_delete_each_message_once(self):
+        before, messages = self.files(), self.messages()[:6]
+        cookies = [self.sign_in("alice") for _ in range(3)]
+        self.cookies["alice"] = cookies[0]
+        questions = [(cookie, *self.question(self.address(message), cookie=cookie))
+                     for message in messages for cookie in cookies]
+        with concurrent.futures.ThreadPoolExecutor(6) as workers:
+            answers = list(workers.map(lambda each: self.ask(each[1], method="POST", form={"Token": each[2]}, headers=HERE,
+                                                             cookie=each[0]), questions))
+        self.assertEqual(sum(answer.status == 302 for answer in answers), len(messages))
+        self.assertEqual(len(before - self.files()), len(messages))
+        self.assertEqual(set(messages) & set(self.messages()), set())
+
+
+class Refusals(Case):
+    def refused(self, address, name="alice", said="Delete message not allowed"):
+        """Neither asked nor done, whatever is posted."""
+        with self.nothing_goes():
+            action, page = self.question(address, name)
+            self.assertIsNone(action, page)
+            self.assertIn(said, page)
+            own_action, token = self.question(self.address(self.message()))
+            self.assertIsNotNone(own_action, token)
+            answer = self.ask(address, name, "POST", {"Token": token}, HERE)
+            self.assertEqual(answer.status, 200)
+
+    def test_of_who_may_not(self):
+        message = self.message()
+        self.refused(self.address(message), "visitor")
+        for mailbox, server in (("admin", SERVER), ("", SERVER), ("alice", ""), ("alice", "NO-SUCH"), ("nobody", SERVER)):
+            with self.subTest(f"{mailbox} on {server}"):
+                self.refused(self.address(message, mailbox, server))
+
+    def test_of_an_identifier_of_another_mailbox(self):
+        foreign = self.messages("admin", "administrator", "Inbox")[0]
+        self.refused(self.address(foreign), said="was not issued for this mailbox")
+        self.refused(self.address(foreign, "admin"))
+
+    def test_of_a_form_that_does_not_say_where(self):
+        message = self.message()
+        for flags in (" 0", "4.0", "", "-1", "8"):
+            with self.subTest(flags):
+                self.refused(self.address(message, flags=flags), said="does not say where the message is")
+        self.refused(self.address(message, flags="4"))
+
+    def test_of_identifiers_that_were_never_issued(self):
+        message = self.message()
+        for made_up in ("../x", "a\0b", "a\nb", "' or 1=1 --", "\"><script>", "a" * 5000, message[:-1], message + "=",
+                        message[:-1] + ("A" if message[-1] != "A" else "B"), ""):
+            with self.subTest(made_up[:20]), self.nothing_goes():
+                action, page = self.question(self.address(made_up))
+                self.assertIsNone(action, page)
+                self.assertNotIn("<script>", page)
+
+    def test_of_ways_back_that_leave_the_console(self):
+        for back in ("javascript:alert(1)", "//evil.example/x.asp", "https://evil.example/", "..\\", "../a/b.asp?\\", "../../x.asp",
+                     "/x.asp", "../a/b.asp?\n", ""):
+            with self.subTest(back):
+                action, token = self.question(self.address(self.message(), back=back))
+                answer = self.ask(action, method="POST", form={"Token": token}, headers=HERE)
+                self.assertEqual((answer.status, answer.headers["Location"]), (302, "../Default.asp"))
+
+
+class Written(Case):
+    def test_is_every_delete_before_and_after(self):
+        message = self.message()
+        self.delete(message)
+        intent, outcome = self.audit()[-2:]
+        self.assertEqual((intent["event"], intent["user"], intent["address"]), ("delete-intended", "KALVO\\alice", "127.0.0.1"))
+        self.assertEqual({name: intent["details"][name] for name in ("server", "mailbox", "folder", "public", "message")},
+                         {"server": SERVER, "mailbox": "alice", "folder": "Archive", "public": "no", "message": message})
+        self.assertTrue(intent["details"]["subject"])
+        self.assertEqual((outcome["event"], outcome["details"]), ("deleted", {"intent": str(intent["number"])}))
+        self.assertEqual(outcome["previous"], intent["hash"])
+        self.assertIn(f"audit {intent['number']} delete-intended {intent['hash']}", console.log())
+
+    def test_is_a_delete_that_failed(self):
+        message = self.message()
+        questions = [self.question(self.address(message)) for _ in range(2)]
+        for action, token in questions:
+            self.ask(action, method="POST", form={"Token": token}, headers=HERE)
+        failed = self.audit()[-1]
+        self.assertEqual(failed["event"], "delete-failed")
+        self.assertIn("does not exist any more", failed["details"]["reason"])
+
+    def test_is_every_sign_in_and_what_was_refused(self):
+        cookie = self.sign_in("visitor")
+        self.question(self.address("x"), "visitor", cookie)
+        self.ask("SignOut.asp", method="POST", form={}, headers=HERE, cookie=cookie)
+        events = [(line["event"], line["user"]) for line in self.audit()]
+        for event in ("signed-in", "right-refused", "signed-out"):
+            self.assertIn((event, "KALVO\\visitor"), events)
+        self.assertEqual(events[0][0], "server-started")
+
+    def test_is_a_post_from_another_site_in_the_server_log(self):
+        action, token = self.question(self.address(self.message()))
+        self.ask(action, method="POST", form={"Token": token}, headers={"Origin": "http://evil.example"})
+        self.assertRegex(console.log(), r'security: request-refused from 127.0.0.1 .*origin="http://evil.example"')
+
+
+class WithoutAudit(Case):
+    """Without the line nothing is deleted. The last class by name: it takes the log away for a while."""
+
+    def test_nothing_is_deleted(self):
+        log = os.path.join(console.folder, "run", "audit", "audit.jsonl")
+        action, token = self.question(self.address(self.message()))
+        os.rename(log, log + ".away")
+        os.mkdir(log)
+        try:
+            with self.nothing_goes():
+                answer = self.ask(action, method="POST", form={"Token": token}, headers=HERE)
+                self.assertIn("It could not be written down, so nothing was deleted", answer.text)
+        finally:
+            os.rmdir(log)
+            os.rename(log + ".away", log)
+        self.assertEqual(self.delete(self.message()).status, 302)
+
+
+class OwnPages(unittest.TestCase):
+    """A page of the site's own, in a server where nobody signs in."""
+
+    PAGE = """<%
+        var g = Server.CreateObject("KalvoTables.KalvoforExchangeTableGenerator"), step = {value: ""},
+          id = String(Request.QueryString("MessageId")), live = Session.StaticObjects("gLiveDriller");
+        try {
+          if (id === "") {
+            live.GotoContainer("SEA-EX01", "alice", "Archive", 0, 1);
+            Response.Write(live.Messages().Field("ExchangeId"));
+          } else {
+            if (String(Request.Form("Token")) !== "") { Session.TakeToken("DeleteMessage " + id, String(Request.Form("Token"))); }
+            if (String(Request.QueryString("How")) === "direct") { live.RemoveMessage("SEA-EX01", "alice", "", id, 0); }
+            else { g.DeleteMessage(step); }
+            Response.Write("deleted");
+          }
+        } catch (e) { Response.Write(e.description + "|" + Session.NewToken("DeleteMessage " + id)); }
+      %>"""
+
+    def test_delete_by_a_posted_token_only(self):
+        store = os.path.join(console.folder, "sample")
+        settings = (f'workers = 2\ndatabase = "sqlite:{store}/kalvo.db"\nmail = "maildir:{store}/mail"\n'
+                    '[visitor]\nlogon = "KALVO\\\\alice"\n[visitor.session]\nKalvoDrillDownAuth = "Yes"')
+        with Serving(KALVO, {"Page.asp": self.PAGE}, settings) as server:
+            message = server.get("Page.asp").text
+            query = f"Page.asp?ServerName=SEA-EX01&MailboxName=alice&Flags=0&MessageId={message}"
+            refused = "A message is deleted by a posted form with a token for it"
+            for how in ("", "&How=direct"):
+                said, token = server.get(query + how).text.split("|")
+                self.assertIn(refused, said)
+                self.assertIn(refused, server.request("/KalvoforExchange/" + query + how, "POST", "x=1", {"Content-Type": FORM}).text)
+                self.assertIn(refused, server.get(query + how + "&Token=" + token).text)
+            answer = server.request("/KalvoforExchange/" + query, "POST", "Token=" + token,
+                                    {"Content-Type": FORM, "Sec-Fetch-Site": "same-site"})
+            self.assertEqual(answer.status, 403)
+            answer = server.request("/KalvoforExchange/" + query, "POST", "Token=" + token, {"Content-Type": FORM})
+            self.assertEqual(answer.text, "deleted")
+
+
+if __name__ == "__main__":
+    cases.main()
