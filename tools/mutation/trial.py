@@ -4,6 +4,7 @@ A mutated file stands in a folder that is searched before the tree's own, so the
 as they are, and the tree and its build are never written to.
 """
 
+import glob
 import hashlib
 import json
 import os
@@ -44,10 +45,10 @@ class Unit:
 
 
 class Program:
-    """A test program: how it is linked and how long it takes when nothing is wrong."""
+    """A test program: how it is linked, which of its cases are meant, and how long they take when nothing is wrong."""
 
-    def __init__(self, name, path, link):
-        self.name, self.path, self.link = name, path, link
+    def __init__(self, name, path, link, cases):
+        self.name, self.path, self.link, self.cases = name, path, link, cases
         self.seconds = 0.0
         self.noticed = {}  # folder of the source -> how many of its mutants failed here
 
@@ -81,7 +82,8 @@ class Build:
                 unit = units.get(line.split(":")[0])
         return list(units.values())
 
-    def _program(self, name):
+    def _program(self, words):
+        name, _, cases = words.partition(" ")
         target = f"{name}_test"
         listed = subprocess.run(["ninja", "-C", self.folder, "-t", "commands", target], stdout=subprocess.PIPE,
                                 text=True, check=True)
@@ -90,10 +92,19 @@ class Build:
         output = words.index("-o")
         path = os.path.join(self.folder, words[output + 1])
         del words[output:output + 2]
-        return Program(name, path, words)
+        return Program(name, path, words, cases or "*")
 
     def relative(self, path):
         return os.path.relpath(path, self.root)
+
+    def own_cases(self, path):
+        """A filter for the cases that stand in the file's own test file; "" where there is none."""
+        stem = os.path.splitext(os.path.basename(path))[0]
+        suites = set()
+        for found in glob.glob(os.path.join(self.root, "tests", "**", f"{stem}_test.cpp"), recursive=True):
+            with open(found, encoding="utf-8") as file:
+                suites.update(re.findall(r"^(?:TYPED_)?TEST(?:_F|_P)?\((\w+),", file.read(), re.MULTILINE))
+        return ":".join(f"{suite}.*:*/{suite}.*" for suite in sorted(suites))
 
     def units_of(self, path):
         """Which sources have to be compiled when this file changes."""
@@ -156,14 +167,14 @@ class Bench:
     def target(self, program):
         return os.path.join(self.folder, os.path.basename(program.path))
 
-    def run(self, executable, seconds):
+    def run(self, executable, cases, seconds):
         """How the program ended: "" when every case passed."""
         shutil.rmtree(self.home, ignore_errors=True)
         os.makedirs(self.home)
         if WHOM:
             os.chown(self.home, pwd.getpwnam("nobody").pw_uid, -1)
-        environment = {"PATH": os.environ["PATH"], "HOME": self.home, "TMPDIR": self.home, "GTEST_FAIL_FAST": "1",
-                       "LANG": "C.UTF-8"}
+        environment = {"PATH": os.environ["PATH"], "HOME": self.home, "TMPDIR": self.home, "LANG": "C.UTF-8",
+                       "GTEST_FAIL_FAST": "1", "GTEST_FILTER": cases}
         child = subprocess.Popen([executable], cwd=self.home, env=environment, stdin=subprocess.DEVNULL,
                                  stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True,
                                  preexec_fn=lambda: _limit(seconds * SLOWER + GRACE_BUSY), **WHOM)
@@ -179,7 +190,7 @@ class Bench:
 
     def measure(self, program):
         begun = time.monotonic()
-        ended = self.run(program.path, 60)
+        ended = self.run(program.path, program.cases, 60)
         program.seconds = time.monotonic() - begun
         return ended
 
