@@ -11,6 +11,9 @@
 #include "adapters/imap/deadline.h"
 #include "adapters/imap/fetched.h"
 #include "adapters/imap/limits.h"
+#include "adapters/imap/whole_message.h"
+#include "adapters/mail/held_message.h"
+#include "adapters/mail/identifiers.h"
 
 struct mailimap_fetch_type;
 struct mailimap_set;
@@ -49,6 +52,17 @@ struct ServerSort {
 };
 
 enum class Access { Read, Write };
+
+// How far a held copy is: marks that no server gives by itself. The flags of the original are in its record.
+inline constexpr std::string_view kUnfinished = "\\Draft", kRestoring = "\\Answered", kDeleted = "\\Deleted";
+
+// A message of the holding folder, by its record.
+struct HeldCopy {
+  std::uint32_t uid = 0;
+  bool isUnfinished = false;  // its original may still be there
+  bool isRestoring = false;   // it may be back in its folder already
+  mail::HeldMessage message;
+};
 
 // One connection to a mail server, logged in. Folder names are the server's own bytes. Every failure is an
 // `ImapError`; after one whose fault is not `Refused` the connection is of no more use.
@@ -95,8 +109,16 @@ class Connection {
   void FetchSummaries(std::uint32_t firstUid, std::uint32_t lastUid, std::vector<Summary>& summaries);
   std::vector<Fetched> Fetch(std::span<const std::uint32_t> uids);
   bool Exists(std::uint32_t uid);
-  void MarkDeleted(std::uint32_t uid, bool deleted);
+  void Mark(std::uint32_t uid, std::string_view flag, bool set);
   void Expunge(std::uint32_t uid);
+  // All of a message that is there. Fails where it is larger than any that is held.
+  WholeMessage FetchWhole(std::uint32_t uid);
+  // Those that have a record of ours.
+  std::vector<HeldCopy> HeldCopies(const mail::IdentifierKey& key);
+
+  // Writes a message into a folder, and answers its UID there; 0 where the server does not tell.
+  std::uint32_t Put(const std::string& folder, const WholeMessage& message);
+  void Create(const std::string& folder);
 
   std::size_t BytesRead() const;
 

@@ -45,13 +45,6 @@ std::vector<std::uint32_t> Numbers(const OwnedList& found) {
   return numbers;
 }
 
-Owned<mailimap_store_att_flags> DeletedFlag(bool set) {
-  auto* flags = mailimap_flag_list_new_empty();
-  mailimap_flag_list_add(flags, mailimap_flag_new_deleted());
-  return Owned<mailimap_store_att_flags>(set ? mailimap_store_att_flags_new_add_flags_silent(flags)
-                                             : mailimap_store_att_flags_new_remove_flags_silent(flags));
-}
-
 }  // namespace
 
 // Where the server refuses, the library has freed the list that it answers.
@@ -127,13 +120,6 @@ bool Connection::Exists(std::uint32_t uid) {
   found.ForEach<mailimap_msg_att>(
       [&](const mailimap_msg_att& answer) { exists = exists || ReadMessage(answer).uid == uid; });
   return exists;
-}
-
-void Connection::MarkDeleted(std::uint32_t uid, bool deleted) {
-  const Owned<mailimap_set> set(mailimap_set_new_single(uid));
-  const auto flag = DeletedFlag(deleted);
-  Command();
-  Check(mailimap_uid_store(session_->imap, set.get(), flag.get()), "STORE");
 }
 
 void Connection::Expunge(std::uint32_t uid) {

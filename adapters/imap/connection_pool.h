@@ -54,6 +54,15 @@ class ConnectionPool {
     return With(server, user, step);
   }
 
+  // The same, but never repeated: for a change that must not be made twice.
+  template <typename Step>
+  auto WithOwnOnce(const std::string& server, const std::string& user, Step&& step) {
+    const ServerAddress& address = settings_.AddressOf(server);
+    const Closing closing(*this, address, user);
+    RefuseWhileSilent(address);
+    return Try(address, user, Deadline(settings_.limits.operation), step);
+  }
+
   const Settings& Config() const { return settings_; }
   const Traffic& Cost() const { return cost_; }
   void CountFetched(std::size_t messages) { cost_.messagesFetched += messages; }

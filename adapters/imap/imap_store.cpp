@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
 
 #include "adapters/imap/imap_error.h"
 #include "adapters/imap/removal.h"
@@ -33,12 +34,6 @@ mail::IdentifierKey MakeKey(const Settings& settings) {
   const int code = gnutls_pbkdf2(GNUTLS_MAC_SHA256, &password, &salted, kKeyRounds, key.data(), key.size());
   if (code < 0) throw mail::StoreFailed(std::string("No identifier key can be made: ") + gnutls_strerror(code));
   return key;
-}
-
-void Replace(std::string& text, std::string_view what, std::string_view with) {
-  for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size())) {
-    text.replace(at, what.size(), with);
-  }
 }
 
 // The last name of a folder, as people write it.
@@ -87,11 +82,7 @@ std::shared_ptr<const mail::Directory> ImapStore::Mailboxes() {
 }
 
 std::string ImapStore::UserOf(const mail::Tree& tree) const {
-  const auto& settings = pool_->Config();
-  std::string user = tree.IsPublic() ? settings.publicTemplate : settings.loginTemplate;
-  Replace(user, "{admin}", settings.administrator);
-  if (!tree.IsPublic()) Replace(user, "{mailbox}", tree.mailbox->location);
-  return user;
+  return pool_->Config().LoginOf(tree.IsPublic() ? "" : tree.mailbox->location);
 }
 
 ImapStore::Root ImapStore::RootOf(const mail::Tree& tree, Connection& connection) {
@@ -118,10 +109,12 @@ std::vector<Folder> ImapStore::Below(const mail::Tree& tree, Connection& connect
   if (folder.empty() && !tree.IsPublic() && !prefix.empty()) {
     for (auto& inbox : connection.List("INBOX", "")) listed.push_back(std::move(inbox));
   }
+  const std::string user = UserOf(tree);
   const auto belongs = [&](const Folder& found) {
     const bool isInbox = EqualsIgnoringAsciiCase(found.name, "INBOX");
     std::string_view leaf = found.name;
     if (!isInbox || leaf.starts_with(prefix)) leaf.remove_prefix(prefix.size());
+    if (holding_.IsIt(connection, user, found.name)) return false;
     if (leaf.empty() || !CanBeSent(leaf) || (separator != 0 && leaf.find(separator) != leaf.npos)) return false;
     return std::none_of(root.excluded.begin(), root.excluded.end(), [&](const std::string& other) {
       if (other.empty()) return false;
@@ -238,22 +231,105 @@ mail::MessageDetails ImapStore::Message(const mail::Tree& tree, std::string_view
   });
 }
 
-// Nothing is held here: a message that was deleted is gone at once.
+// First the message is held, then it is removed, then it is held for good. A failure after which the message is
+// surely where it was leaves nothing held; any other is left to the holding folder, which looks where it is.
 std::string ImapStore::Remove(const mail::Tree& tree, std::string_view folder, std::string_view message,
-                              const mail::Deletion&) {
+                              const mail::Deletion& deletion) {
   const auto number = ReadMessageKey(message);
   if (!number) throw mail::NoSuchMessage();
+  mail::HeldMessage held = Described(tree, folder, message, deletion);
   Removal removal(std::string(folder), *number);
-  pool_->WithOwn(tree.server, UserOf(tree), [&](Connection& connection) { removal.Run(connection); });
-  return "";
+  const std::string user = UserOf(tree);
+  const WholeMessage whole =
+      pool_->WithOwn(tree.server, user, [&](Connection& connection) { return removal.Read(connection); });
+  held.flags = whole.flags;
+  holding_.Put(held, whole);
+  try {
+    pool_->WithOwn(tree.server, user, [&](Connection& connection) { removal.Run(connection); });
+  } catch (const ImapError&) {
+    throw;
+  } catch (const Error&) {
+    holding_.Drop(held);
+    throw;
+  }
+  try {
+    holding_.Finish(held);
+  } catch (const ImapError&) {
+    // The original is gone, so the copy is the message with or without its mark.
+  }
+  return held.id;
 }
 
-std::vector<mail::HeldMessage> ImapStore::Held(const mail::Tree&) { return {}; }
-
-mail::FolderPath ImapStore::Restore(const mail::Tree&, std::string_view, const std::optional<mail::FolderPath>&) {
-  throw mail::NotHeld();
+mail::HeldMessage ImapStore::Described(const mail::Tree& tree, std::string_view folder, std::string_view message,
+                                       const mail::Deletion& deletion) {
+  mail::MessageDetails details = Message(tree, folder, message);
+  mail::HeldMessage held;
+  held.id = mail::NewHeldId();
+  held.server = tree.server;
+  held.mailbox = tree.mailbox ? tree.mailbox->location : "";
+  held.folder = PathOf(tree, folder);
+  held.folderKey = folder;
+  held.name = message;
+  held.subject = std::move(details.subject);
+  held.sender = std::move(details.sender);
+  held.size = details.size;
+  held.sent = details.sent;
+  held.received = details.received;
+  held.deletion = deletion;
+  return held;
 }
 
-std::int32_t ImapStore::Sweep(std::int64_t) { return 0; }
+// One of the directory's servers for each address: several may be one and the same.
+std::vector<std::string> ImapStore::Servers() {
+  std::map<const ServerAddress*, std::string> servers;
+  for (const mail::MailServer& server : Mailboxes()->Servers()) {
+    servers.emplace(&pool_->Config().AddressOf(server.name), server.name);
+  }
+  std::vector<std::string> names;
+  for (const auto& [address, name] : servers) names.push_back(name);
+  return names;
+}
+
+std::vector<mail::HeldMessage> ImapStore::Held(const mail::Tree* tree) {
+  std::vector<mail::HeldMessage> all;
+  for (const std::string& server : tree ? std::vector<std::string>{tree->server} : Servers()) {
+    for (mail::HeldMessage& held : holding_.Held(server)) {
+      if (!tree || mail::CameFrom(held, *tree)) all.push_back(std::move(held));
+    }
+  }
+  mail::LastDeletedFirst(all);
+  return all;
+}
+
+mail::FolderPath ImapStore::Restore(const mail::Tree& tree, std::string_view id,
+                                    const std::optional<mail::FolderPath>& into) {
+  const auto all = Held(&tree);
+  const auto held = std::find_if(all.begin(), all.end(), [&](const mail::HeldMessage& each) { return each.id == id; });
+  if (held == all.end()) throw mail::NotHeld();
+  const std::string folder = into ? FindFolder(tree, *into) : held->folderKey;
+  mail::FolderPath path;
+  try {
+    path = PathOf(tree, folder);
+  } catch (const Error& error) {
+    if (error.Number() != codes::kNoSuchFolder || into) throw;
+    throw mail::FolderOfHeldIsGone(held->folder);
+  }
+  if (!holding_.Restore(*held, folder)) throw mail::NotHeld();
+  return path;
+}
+
+std::int32_t ImapStore::Sweep(std::int64_t before) {
+  std::int32_t swept = 0;
+  std::optional<ImapError> failure;  // of one server, which keeps the others waiting no longer than that
+  for (const std::string& server : Servers()) {
+    try {
+      swept += holding_.Sweep(server, before);
+    } catch (const ImapError& error) {
+      failure = error;
+    }
+  }
+  if (failure) throw *failure;
+  return swept;
+}
 
 }  // namespace kalvo::imap

@@ -8,6 +8,7 @@
 
 #include "adapters/imap/connection_pool.h"
 #include "adapters/imap/folder_cache.h"
+#include "adapters/imap/holding.h"
 #include "adapters/imap/message_source.h"
 #include "adapters/mail/directory.h"
 #include "adapters/mail/mail_store.h"
@@ -30,7 +31,7 @@ class ImapStore : public mail::MailStore {
   mail::MessageDetails Message(const mail::Tree& tree, std::string_view folder, std::string_view message) override;
   std::string Remove(const mail::Tree& tree, std::string_view folder, std::string_view message,
                      const mail::Deletion& deletion) override;
-  std::vector<mail::HeldMessage> Held(const mail::Tree& tree) override;
+  std::vector<mail::HeldMessage> Held(const mail::Tree* tree) override;
   mail::FolderPath Restore(const mail::Tree& tree, std::string_view id,
                            const std::optional<mail::FolderPath>& into) override;
   std::int32_t Sweep(std::int64_t before) override;
@@ -46,6 +47,9 @@ class ImapStore : public mail::MailStore {
   };
 
   std::string UserOf(const mail::Tree& tree) const;
+  std::vector<std::string> Servers();
+  mail::HeldMessage Described(const mail::Tree& tree, std::string_view folder, std::string_view message,
+                              const mail::Deletion& deletion);
   Root RootOf(const mail::Tree& tree, Connection& connection);
   std::vector<Folder> Below(const mail::Tree& tree, Connection& connection, std::string_view folder);
   mail::FolderInfo Describe(const Place& place, Connection& connection);
@@ -53,6 +57,7 @@ class ImapStore : public mail::MailStore {
   std::shared_ptr<ConnectionPool> pool_;
   FolderCache cache_;
   mail::IdentifierKey key_;
+  Holding holding_{*pool_, key_};
   std::shared_ptr<const mail::Directory> directory_;
   std::filesystem::file_time_type directoryWritten_;
 };

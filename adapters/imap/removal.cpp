@@ -21,19 +21,28 @@ std::optional<FolderState> OpenListed(Connection& connection, const std::string&
   }
 }
 
+bool Removal::IsThere(Connection& connection) const {
+  const auto state = OpenListed(connection, folder_, Access::Write);
+  return state && state->uidValidity == number_.uidValidity && connection.Exists(number_.uid);
+}
+
+WholeMessage Removal::Read(Connection& connection) const {
+  CheckAllowed(connection);
+  if (!IsThere(connection)) throw mail::NoSuchMessage();
+  return connection.FetchWhole(number_.uid);
+}
+
 void Removal::Run(Connection& connection) {
   CheckAllowed(connection);
-  const auto state = OpenListed(connection, folder_, Access::Write);
-  const bool there = state && state->uidValidity == number_.uidValidity && connection.Exists(number_.uid);
-  if (!there) {
+  if (!IsThere(connection)) {
     if (expunging_) return;
     throw mail::NoSuchMessage();
   }
-  connection.MarkDeleted(number_.uid, true);
+  connection.Mark(number_.uid, kDeleted, true);
   expunging_ = true;
   connection.Expunge(number_.uid);
   if (!connection.Exists(number_.uid)) return;
-  connection.MarkDeleted(number_.uid, false);
+  connection.Mark(number_.uid, kDeleted, false);
   throw mail::StoreFailed("The mail server did not delete the message.");
 }
 

@@ -12,6 +12,8 @@ namespace kalvo::imap {
 struct Released {
   void operator()(mailimap_set* set) const { mailimap_set_free(set); }
   void operator()(mailimap_fetch_type* type) const { mailimap_fetch_type_free(type); }
+  void operator()(mailimap_flag_list* list) const { mailimap_flag_list_free(list); }
+  void operator()(mailimap_date_time* date) const { mailimap_date_time_free(date); }
   void operator()(mailimap_search_key* key) const { mailimap_search_key_free(key); }
   void operator()(mailimap_sort_key* key) const { mailimap_sort_key_free(key); }
   void operator()(mailimap_store_att_flags* flags) const { mailimap_store_att_flags_free(flags); }

@@ -103,6 +103,7 @@ struct Reader {
     const std::pair<std::string_view, std::string*> texts[] = {
         {"directory", &settings.directoryFile},        {"password-file", &passwordFile},
         {"template", &settings.loginTemplate},         {"public-login", &settings.publicTemplate},
+        {"holding", &settings.holdingFolder},          {"holding-login", &settings.holdingTemplate},
         {"ca-file", &settings.server.certificateFile},
     };
     for (const auto& [known, text] : texts) {
@@ -155,6 +156,43 @@ const ServerAddress& Settings::AddressOf(std::string_view serverName) const {
   return found == servers.end() ? server : found->second;
 }
 
+namespace {
+
+void Replace(std::string& text, std::string_view what, std::string_view with) {
+  for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size())) {
+    text.replace(at, what.size(), with);
+  }
+}
+
+// Deleted messages are never held where the owner of a mailbox, or anybody's new mail, is.
+void CheckHolding(const Settings& settings) {
+  if (settings.holdingFolder.empty() || settings.holdingFolder.size() > 100 ||
+      Lower(settings.holdingFolder) == "inbox") {
+    Refuse("holding must be the name of a folder of its own, of up to 100 bytes, not \"", settings.holdingFolder,
+           "\".");
+  }
+  if (settings.HoldingLogin().find("{mailbox}") != std::string::npos) {
+    Refuse("holding-login must be the product's own account, without {mailbox}.");
+  }
+  CheckSendable("The holding folder", settings.holdingFolder);
+  CheckSendable("The holding login", settings.holdingTemplate);
+}
+
+}  // namespace
+
+std::string Settings::LoginOf(std::string_view mailbox) const {
+  std::string login = mailbox.empty() ? publicTemplate : loginTemplate;
+  Replace(login, "{admin}", administrator);
+  if (!mailbox.empty()) Replace(login, "{mailbox}", mailbox);
+  return login;
+}
+
+std::string Settings::HoldingLogin() const {
+  std::string login = holdingTemplate.empty() ? publicTemplate : holdingTemplate;
+  Replace(login, "{admin}", administrator);
+  return login;
+}
+
 Settings ReadSettings(std::string_view url) {
   Reader reader;
   auto& settings = reader.settings;
@@ -182,6 +220,7 @@ Settings ReadSettings(std::string_view url) {
   CheckSendable("The administrator", settings.administrator);
   CheckSendable("The password", settings.password);
   CheckSendable("The login template", settings.loginTemplate);
+  CheckHolding(settings);
   return settings;
 }
 

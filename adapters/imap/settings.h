@@ -30,11 +30,17 @@ struct Settings {
   std::string password;
   std::string loginTemplate = "{mailbox}*{admin}";  // {mailbox}: the mailbox's location in the directory
   std::string publicTemplate = "{admin}";           // who reads and deletes in public folders
+  std::string holdingTemplate;                      // the product's own account; "": the same as `publicTemplate`
+  std::string holdingFolder = "Kalvo held";         // of that account, where deleted messages are held
   std::string directoryFile;
   bool serverSort = true;  // use the server's own sorting where it has one
   Limits limits;
 
   const ServerAddress& AddressOf(std::string_view serverName) const;
+
+  // The login name for a mailbox, by its location; for "" that of the public folders.
+  std::string LoginOf(std::string_view mailbox) const;
+  std::string HoldingLogin() const;
 };
 
 // Reads the address of a mail store:
@@ -44,6 +50,9 @@ struct Settings {
 // Words are percent-encoded as in any address. Beside these two, which have to be there, it may say
 //   template=TEXT        the login name, default "{mailbox}*{admin}"
 //   public-login=TEXT    the login name for public folders, default "{admin}"
+//   holding=NAME         the folder in which deleted messages are held, default "Kalvo held"; it is made when it is
+//                        needed. A folder of the product's own account, never of a mailbox's owner
+//   holding-login=TEXT   the login name for it, default that for public folders
 //   tls=none|starttls|tls    default starttls ("imaps://" is tls, port 993)
 //   ca-file=FILE         the certificate authorities to trust, default the system's
 //   server=NAME=HOST:PORT    where the directory's server of that name is, when not at HOST:PORT; once for each

@@ -37,7 +37,7 @@ constexpr struct { std::string_view key; Moment field; } kMoments[] = {
 };
 // clang-format on
 
-bool IsPlain(char c) { return c > ' ' && c < 0x7F && c != '%' && c != '/'; }
+bool IsPlain(char c) { return c > ' ' && c < 0x7F && c != '%' && c != '/' && c != ';'; }
 
 void AppendEncoded(std::string& out, std::string_view text) {
   for (const char c : text) {

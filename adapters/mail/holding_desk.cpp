@@ -1,6 +1,8 @@
 #include "adapters/mail/holding_desk.h"
 
 #include <algorithm>
+#include <map>
+#include <utility>
 
 #include "adapters/mail/browser.h"
 #include "adapters/mail/directory.h"
@@ -9,34 +11,41 @@
 
 namespace kalvo::mail {
 
-namespace {
-
-void Add(MailStore& store, const Tree& tree, std::vector<HeldItem>& items) {
-  for (HeldMessage& message : store.Held(tree)) {
-    items.push_back(
-        {std::move(message), tree.mailbox ? tree.mailbox->Address() : "", tree.mailbox ? tree.mailbox->account : ""});
-  }
+bool CameFrom(const HeldMessage& held, const Tree& tree) {
+  return held.server == tree.server && held.mailbox == (tree.mailbox ? tree.mailbox->location : "");
 }
 
-}  // namespace
+void LastDeletedFirst(std::vector<HeldMessage>& held) {
+  std::stable_sort(held.begin(), held.end(),
+                   [](const HeldMessage& a, const HeldMessage& b) { return a.deletion.when > b.deletion.when; });
+}
 
 std::vector<HeldItem> HoldingDesk::Held(std::string_view server, std::string_view mailbox, std::int32_t flags) {
   const auto names = store_->Mailboxes();
+  const Tree tree = TreeNamed(*names, server, mailbox, flags);
   std::vector<HeldItem> items;
-  Add(*store_, TreeNamed(*names, server, mailbox, flags), items);
+  for (HeldMessage& message : store_->Held(&tree)) {
+    items.push_back(
+        {std::move(message), tree.mailbox ? tree.mailbox->Address() : "", tree.mailbox ? tree.mailbox->account : ""});
+  }
   return items;
 }
 
 std::vector<HeldItem> HoldingDesk::All() {
   const auto names = store_->Mailboxes();
+  std::map<std::pair<std::string, std::string>, const Mailbox*> mailboxes;  // by server and location
+  for (const Mailbox& mailbox : names->Mailboxes())
+    mailboxes.emplace(std::pair(mailbox.server, mailbox.location), &mailbox);
   std::vector<HeldItem> items;
-  for (const Mailbox& mailbox : names->Mailboxes()) Add(*store_, {mailbox.server, &mailbox}, items);
-  for (const MailServer& server : names->Servers()) {
-    if (!server.publicFolders.empty()) Add(*store_, {server.name, nullptr}, items);
+  for (HeldMessage& message : store_->Held(nullptr)) {
+    if (message.mailbox.empty()) {
+      items.push_back({std::move(message), "", ""});
+      continue;
+    }
+    const auto found = mailboxes.find(std::pair(message.server, message.mailbox));
+    if (found == mailboxes.end()) continue;
+    items.push_back({std::move(message), found->second->Address(), found->second->account});
   }
-  std::stable_sort(items.begin(), items.end(), [](const HeldItem& a, const HeldItem& b) {
-    return a.message.deletion.when > b.message.deletion.when;
-  });
   return items;
 }
 

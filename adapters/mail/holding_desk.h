@@ -28,7 +28,7 @@ class HoldingDesk {
   // as `LiveContainer::RemoveMessage` takes them, errors as it raises them. The last deleted first.
   std::vector<HeldItem> Held(std::string_view server, std::string_view mailbox, std::int32_t flags);
 
-  // What was deleted from every mailbox and public folder, the last deleted first.
+  // What was deleted from every mailbox of the directory and from public folders, the last deleted first.
   std::vector<HeldItem> All();
 
   // The item of that id, of any mailbox; nothing where it is not held.

@@ -3,6 +3,7 @@
 #include <bit>
 #include <cstddef>
 #include <optional>
+#include <tuple>
 
 #include "adapters/mail/errors.h"
 #include "platform/conversion.h"
@@ -12,7 +13,7 @@ namespace kalvo::mail {
 namespace {
 
 constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
-constexpr std::size_t kCheckBytes = 8;
+constexpr std::size_t kCheckBytes = std::tuple_size_v<CheckValue>;
 constexpr std::size_t kLongestIdentifier = 4096;
 constexpr char kFolderKind = 'f', kMessageKind = 'm';
 
@@ -79,7 +80,7 @@ std::optional<std::string> Decode(std::string_view text) {
   return bytes;
 }
 
-std::uint64_t Check(const Binding& binding, char kind, std::string_view payload) {
+CheckValue Check(const Binding& binding, char kind, std::string_view payload) {
   std::string bound(1, kind);
   AppendPart(bound, ToLower(binding.server));
   AppendPart(bound, binding.mailbox);
@@ -87,10 +88,16 @@ std::uint64_t Check(const Binding& binding, char kind, std::string_view payload)
   return KeyedHash(binding.key, bound);
 }
 
+// Takes the same time wherever the first difference is.
+bool IsSame(const CheckValue& check, std::string_view bytes) {
+  unsigned difference = 0;
+  for (std::size_t i = 0; i < kCheckBytes; ++i) difference |= check[i] ^ static_cast<std::uint8_t>(bytes[i]);
+  return difference == 0;
+}
+
 std::string Issue(const Binding& binding, char kind, std::string_view payload) {
-  const std::uint64_t check = Check(binding, kind, payload);
-  std::string bytes;
-  for (std::size_t i = 0; i < kCheckBytes; ++i) bytes += static_cast<char>((check >> (8 * i)) & 0xFF);
+  const CheckValue check = Check(binding, kind, payload);
+  std::string bytes(check.begin(), check.end());
   bytes += payload;
   return Encode(bytes);
 }
@@ -99,9 +106,8 @@ std::string Read(const Binding& binding, char kind, std::string_view identifier)
   if (identifier.size() <= kLongestIdentifier) {
     const auto bytes = Decode(identifier);
     if (bytes && bytes->size() >= kCheckBytes) {
-      const std::uint64_t check = Word(reinterpret_cast<const std::uint8_t*>(bytes->data()));
       std::string payload = bytes->substr(kCheckBytes);
-      if (check == Check(binding, kind, payload)) return payload;
+      if (IsSame(Check(binding, kind, payload), *bytes)) return payload;
     }
   }
   throw NoSuchFolder("The identifier was not issued for this mailbox.");
@@ -109,17 +115,23 @@ std::string Read(const Binding& binding, char kind, std::string_view identifier)
 
 }  // namespace
 
-std::uint64_t KeyedHash(const IdentifierKey& key, std::string_view bytes) {
+CheckValue KeyedHash(const IdentifierKey& key, std::string_view bytes) {
   const auto* at = reinterpret_cast<const std::uint8_t*>(bytes.data());
   const std::uint64_t first = Word(key.data()), second = Word(key.data() + 8);
-  SipState state{first ^ 0x736f6d6570736575, second ^ 0x646f72616e646f6d, first ^ 0x6c7967656e657261,
+  SipState state{first ^ 0x736f6d6570736575, second ^ 0x646f72616e646f6d ^ 0xEE, first ^ 0x6c7967656e657261,
                  second ^ 0x7465646279746573};
   std::size_t left = bytes.size();
   for (; left >= 8; left -= 8, at += 8) state.Take(Word(at));
   state.Take((std::uint64_t{bytes.size() & 0xFF} << 56) | Word(at, left));
-  state.c ^= 0xFF;
-  for (int i = 0; i < 4; ++i) state.Round();
-  return state.a ^ state.b ^ state.c ^ state.d;
+  CheckValue check{};
+  state.c ^= 0xEE;
+  for (std::size_t half = 0; half < kCheckBytes; half += 8) {
+    if (half > 0) state.b ^= 0xDD;
+    for (int i = 0; i < 4; ++i) state.Round();
+    const std::uint64_t word = state.a ^ state.b ^ state.c ^ state.d;
+    for (std::size_t i = 0; i < 8; ++i) check[half + i] = static_cast<std::uint8_t>(word >> (8 * i));
+  }
+  return check;
 }
 
 std::string FolderIdentifier(const Binding& binding, std::string_view folder) {

@@ -30,7 +30,8 @@ std::string MessageIdentifier(const Binding& binding, std::string_view folder, s
 std::string ReadFolderIdentifier(const Binding& binding, std::string_view identifier);
 MessageKeys ReadMessageIdentifier(const Binding& binding, std::string_view identifier);
 
-// A keyed check value of any bytes (SipHash-2-4).
-std::uint64_t KeyedHash(const IdentifierKey& key, std::string_view bytes);
+// A keyed check value of any bytes: SipHash-2-4 with its 128-bit result.
+using CheckValue = std::array<std::uint8_t, 16>;
+CheckValue KeyedHash(const IdentifierKey& key, std::string_view bytes);
 
 }  // namespace kalvo::mail

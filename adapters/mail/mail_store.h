@@ -122,8 +122,8 @@ class MailStore {
   virtual std::string Remove(const Tree& tree, std::string_view folder, std::string_view message,
                              const Deletion& deletion) = 0;
 
-  // The held messages that were deleted from a tree, the last deleted first.
-  virtual std::vector<HeldMessage> Held(const Tree& tree) = 0;
+  // The held messages that were deleted from a tree, or for null from any, the last deleted first.
+  virtual std::vector<HeldMessage> Held(const Tree* tree) = 0;
 
   // Puts a held message of that tree back, with its date and flags: into the folder that it was in, or into another
   // one of the tree. Answers the folder's path. Fails with `NoSuchMessage` where it is not held (any more), with
@@ -134,5 +134,11 @@ class MailStore {
   // how many.
   virtual std::int32_t Sweep(std::int64_t before) = 0;
 };
+
+// Whether a message was deleted from that tree.
+bool CameFrom(const HeldMessage& held, const Tree& tree);
+
+// In the order that held messages are answered in.
+void LastDeletedFirst(std::vector<HeldMessage>& held);
 
 }  // namespace kalvo::mail

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstring>
 #include <ctime>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -85,6 +86,18 @@ std::vector<mail::HeldMessage> Holding::Held(const std::string& tree) const {
     if (name.isFolder || !name.text.ends_with(kMail)) continue;
     auto held = ReadRecord(folder, std::string_view(name.text).substr(0, name.text.size() - kMail.size()));
     if (held) messages.push_back(std::move(*held));
+  }
+  return messages;
+}
+
+std::vector<mail::HeldMessage> Holding::All() const {
+  std::vector<mail::HeldMessage> messages;
+  const File all = OpenFolder(own_, kFolder);
+  if (!all) return messages;
+  for (const Name& tree : NamesIn(all)) {
+    if (!tree.isFolder) continue;
+    auto held = Held(tree.text);
+    std::move(held.begin(), held.end(), std::back_inserter(messages));
   }
   return messages;
 }

@@ -26,8 +26,9 @@ class Holding {
   // False where the message is gone. Fails where it cannot be held: it is then where it was.
   bool Take(const std::string& tree, Folder& from, std::string_view unique, mail::HeldMessage held);
 
-  // The messages held of a tree, in no order.
+  // The messages held of a tree, or of all of them; in no order.
   std::vector<mail::HeldMessage> Held(const std::string& tree) const;
+  std::vector<mail::HeldMessage> All() const;
 
   // The record of a message that is held; nothing where it is not.
   std::optional<mail::HeldMessage> Find(const std::string& tree, std::string_view id) const;

@@ -38,9 +38,11 @@ std::string ShownName(std::string_view raw, bool isInbox) {
 // The name of a folder's index: any bytes of location and key, made short.
 std::string IndexName(const mail::IdentifierKey& key, std::string_view identity) {
   constexpr std::string_view digits = "0123456789abcdef";
-  const std::uint64_t hash = mail::KeyedHash(key, identity);
   std::string name;
-  for (int shift = 60; shift >= 0; shift -= 4) name += digits[(hash >> shift) & 15];
+  for (const std::uint8_t byte : mail::KeyedHash(key, identity)) {
+    name += digits[byte >> 4];
+    name += digits[byte & 15];
+  }
   return name;
 }
 
@@ -162,19 +164,17 @@ class MaildirStore::Trees : public mail::MailStore {
     return held.id;
   }
 
-  std::vector<mail::HeldMessage> Held(const mail::Tree& tree) override {
-    auto held = holding_.Held(HoldingName(tree));
-    std::erase_if(held, [&](const mail::HeldMessage& message) { return !BelongsTo(message, tree); });
-    std::stable_sort(held.begin(), held.end(), [](const mail::HeldMessage& a, const mail::HeldMessage& b) {
-      return a.deletion.when > b.deletion.when;
-    });
+  std::vector<mail::HeldMessage> Held(const mail::Tree* tree) override {
+    auto held = tree ? holding_.Held(HoldingName(*tree)) : holding_.All();
+    std::erase_if(held, [&](const mail::HeldMessage& message) { return tree && !mail::CameFrom(message, *tree); });
+    mail::LastDeletedFirst(held);
     return held;
   }
 
   mail::FolderPath Restore(const mail::Tree& tree, std::string_view id,
                            const std::optional<mail::FolderPath>& into) override {
     const auto held = holding_.Find(HoldingName(tree), id);
-    if (!held || !BelongsTo(*held, tree)) throw mail::NotHeld();
+    if (!held || !mail::CameFrom(*held, tree)) throw mail::NotHeld();
     const std::string key = into ? FindFolder(tree, *into) : held->folderKey;
     if (!into && !KeysOf(tree).contains(key)) throw mail::FolderOfHeldIsGone(held->folder);
     if (key.empty()) throw mail::NoSuchFolder("A mailbox's top has no messages; name a folder.");
@@ -205,10 +205,6 @@ class MaildirStore::Trees : public mail::MailStore {
 
   // The folder of a tree's held messages: its location, made short.
   std::string HoldingName(const mail::Tree& tree) const { return IndexName(key_, Location(tree)); }
-
-  static bool BelongsTo(const mail::HeldMessage& held, const mail::Tree& tree) {
-    return held.server == tree.server && held.mailbox == (tree.mailbox ? tree.mailbox->location : "");
-  }
 
   std::string DirectoryPath() const { return path_ + "/" + kMailboxes; }
 

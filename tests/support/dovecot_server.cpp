@@ -207,7 +207,8 @@ std::vector<std::string> DovecotServer::AllMessages() const {
       const auto parent = entry.path().parent_path().filename();
       if (!entry.is_regular_file() || (parent != "cur" && parent != "new")) continue;
       std::ifstream file(entry.path(), std::ios::binary);
-      messages.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+      std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+      if (!text.starts_with("X-Kalvo-Held: ")) messages.push_back(std::move(text));
     }
   }
   std::sort(messages.begin(), messages.end());

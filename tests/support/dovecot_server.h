@@ -38,7 +38,7 @@ class DovecotServer {
   // the letters that kalvo gets.
   void MakePublicFolder(const std::vector<std::string>& names, std::string_view rights = "lrwstipekxa") const;
 
-  // The contents of all message files, sorted.
+  // The contents of all message files, sorted, but those of deleted messages that the product's own account holds.
   std::vector<std::string> AllMessages() const;
 
  private:

@@ -21,25 +21,13 @@ constexpr struct {
     {"LIST \"\" \"\"", "* LIST (\\Noselect) \"/\" \"\"\r\n"},
     {"LIST", "* LIST () \"/\" INBOX\r\n"},
     {"STATUS", "* STATUS INBOX (MESSAGES 3 UIDNEXT 4 UIDVALIDITY 7)\r\n"},
+    {"SELECT", "* 3 EXISTS\r\n* OK [UIDVALIDITY 7] ok\r\n* OK [UIDNEXT 4] ok\r\n"},
     {"EXAMINE", "* 3 EXISTS\r\n* OK [UIDVALIDITY 7] ok\r\n* OK [UIDNEXT 4] ok\r\n"},
     {"UID SEARCH", "* SEARCH 1 2 3\r\n"},
     {"LOGOUT", "* BYE\r\n"},
 };
 
-std::string FetchAnswer(bool whole) {
-  std::string answer;
-  for (const std::string number : {"1", "2", "3"}) {
-    answer += "* " + number + " FETCH (UID " + number + " RFC822.SIZE 10" + number + " INTERNALDATE \"0" + number +
-              "-Jan-1999 00:00:00 +0000\"";
-    if (whole) {
-      answer += " ENVELOPE (\"Fri, 01 Jan 1999 00:00:00 +0000\" \"Subject " + number +
-                "\" ((NIL NIL \"a\" \"b.example\")) NIL NIL NIL NIL NIL NIL NIL)"
-                " BODYSTRUCTURE (\"text\" \"plain\" NIL NIL NIL \"7bit\" 5 1)";
-    }
-    answer += ")\r\n";
-  }
-  return answer;
-}
+std::string Literal(const std::string& text) { return "{" + std::to_string(text.size()) + "}\r\n" + text; }
 
 }  // namespace
 
@@ -70,6 +58,20 @@ bool Talk::ReadLine(std::string& line) {
     read_.append(bytes, static_cast<std::size_t>(count));
   }
   return false;
+}
+
+bool Talk::ReadBytes(std::size_t count, std::string& bytes) {
+  while (!stop_ && read_.size() < count) {
+    pollfd waited{socket_, POLLIN, 0};
+    if (poll(&waited, 1, kTick) <= 0) continue;
+    char more[4096];
+    const auto got = recv(socket_, more, sizeof more, 0);
+    if (got <= 0) return false;
+    read_.append(more, static_cast<std::size_t>(got));
+  }
+  bytes = read_.substr(0, count);
+  read_.erase(0, bytes.size());
+  return bytes.size() == count;
 }
 
 void Talk::Hang() const {
@@ -105,6 +107,16 @@ void FakeMailServer::Misbehave(const std::string& command, Answer answer) {
   const std::lock_guard guard(lock_);
   misbehaving_ = command;
   answer_ = std::move(answer);
+}
+
+void FakeMailServer::Remove(const std::string& uid) {
+  const std::lock_guard guard(lock_);
+  gone_.insert(uid);
+}
+
+std::string FakeMailServer::Held() const {
+  const std::lock_guard guard(lock_);
+  return held_;
 }
 
 std::vector<std::string> FakeMailServer::Commands() const {
@@ -152,15 +164,64 @@ void FakeMailServer::ServeOne(int socket) {
   }
 }
 
-void FakeMailServer::AnswerWell(Talk& talk, const std::string& tag, const std::string& command) const {
+void FakeMailServer::AnswerWell(Talk& talk, const std::string& tag, const std::string& command) {
+  if (command.starts_with("APPEND")) return Append(talk, tag, command);
   std::string answer;
   for (const auto& each : kAnswers) {
     if (!command.starts_with(each.command)) continue;
     answer = each.answer;
     break;
   }
-  if (command.starts_with("UID FETCH")) answer = FetchAnswer(command.find("ENVELOPE") != std::string::npos);
+  const std::lock_guard guard(lock_);
+  if (command.starts_with("SELECT") || command.starts_with("EXAMINE")) {
+    inHolding_ = command.find("held") != std::string::npos;
+  }
+  if (command.starts_with("LIST") && command.find("held") != std::string::npos) {
+    answer = held_.empty() ? "" : "* LIST () \"/\" \"Kalvo held\"\r\n";
+  }
+  if (command.starts_with("UID FETCH")) answer = FetchAnswer(command);
+  if (command.starts_with("UID EXPUNGE")) {
+    if (inHolding_) {
+      held_.clear();
+    } else {
+      gone_.insert(command.substr(12));
+    }
+  }
   talk.Send(answer + tag + " OK done\r\n");
+}
+
+void FakeMailServer::Append(Talk& talk, const std::string& tag, const std::string& command) {
+  const std::size_t size = std::stoul(command.substr(command.rfind('{') + 1));
+  std::string text, end;
+  if (!talk.Send("+ go on\r\n") || !talk.ReadBytes(size, text) || !talk.ReadLine(end)) return;
+  {
+    const std::lock_guard guard(lock_);
+    held_ = text;
+  }
+  talk.Send(tag + " OK [APPENDUID 7 1] done\r\n");
+}
+
+std::string FakeMailServer::FetchAnswer(const std::string& command) const {
+  const auto asks = [&](std::string_view word) { return command.find(word) != std::string::npos; };
+  std::string answer;
+  for (const std::string number : {"1", "2", "3"}) {
+    if (inHolding_ ? (number != "1" || held_.empty()) : gone_.contains(number)) continue;
+    const std::string text = inHolding_ ? held_ : "Subject: " + number + "\r\n\r\nx\r\n";
+    answer += "* " + number + " FETCH (UID " + number + " RFC822.SIZE 10" + number + " INTERNALDATE \"0" + number +
+              "-Jan-1999 00:00:00 +0000\"";
+    if (asks("FLAGS")) answer += inHolding_ ? " FLAGS (\\Draft)" : " FLAGS (\\Seen)";
+    if (asks("BODY.PEEK[]")) answer += " BODY[]<0> " + Literal(text);
+    if (asks("HEADER.FIELDS")) {
+      answer += " BODY[HEADER.FIELDS (X-Kalvo-Held)] " + Literal(text.substr(0, text.find("Subject:")));
+    }
+    if (asks("ENVELOPE")) {
+      answer += " ENVELOPE (\"Fri, 01 Jan 1999 00:00:00 +0000\" \"Subject " + number +
+                "\" ((NIL NIL \"a\" \"b.example\")) NIL NIL NIL NIL NIL NIL NIL)"
+                " BODYSTRUCTURE (\"text\" \"plain\" NIL NIL NIL \"7bit\" 5 1)";
+    }
+    answer += ")\r\n";
+  }
+  return answer;
 }
 
 }  // namespace kalvo::tests

@@ -248,33 +248,79 @@ TEST_F(HostileServer, WithoutUidplusNothingIsDeleted) {
   }
 }
 
+TEST_F(HostileServer, ADeletedMessageIsHeld) {
+  const auto live = Browse(store_);
+  live->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath);
+  live->RemoveMessage("EX01", "alice", "", ToText(live->Messages()->Field("ExchangeId")), 0);
+  EXPECT_TRUE(server_.Held().starts_with("X-Kalvo-Held: ")) << server_.Held();
+  EXPECT_TRUE(server_.Held().ends_with("\r\nSubject: 3\r\n\r\nx\r\n")) << server_.Held();
+}
+
 TEST_F(HostileServer, ADeleteWhoseAnswerIsLostIsNotDoneTwice) {
   const auto live = Browse(store_);
   live->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath);
   const auto id = ToText(live->Messages()->Field("ExchangeId"));
-  const auto select = "* 3 EXISTS\r\n* OK [UIDVALIDITY 7] ok\r\n* OK [UIDNEXT 4] ok\r\n";
-  bool expunged = false;
-  server_.Misbehave("", [&](Talk& talk, const std::string& tag) {
-    const auto command = server_.Commands().empty() ? "" : server_.Commands().back();
-    if (tag.empty()) {
-      talk.Send("* OK ready\r\n");
-    } else if (command.starts_with("UID EXPUNGE")) {
-      expunged = true;
-      talk.Close();
-    } else if (command.starts_with("CAPABILITY")) {
-      talk.Send("* CAPABILITY IMAP4rev1 UIDPLUS\r\n" + tag + " OK done\r\n");
-    } else if (command.starts_with("SELECT")) {
-      talk.Send(select + tag + " OK done\r\n");
-    } else if (command.starts_with("UID FETCH") && !expunged) {
-      talk.Send("* 3 FETCH (UID 3)\r\n" + tag + " OK done\r\n");
-    } else {
-      talk.Send(tag + " OK done\r\n");
-    }
+  server_.Misbehave("UID EXPUNGE", [&](Talk& talk, const std::string&) {
+    server_.Remove("3");
+    talk.Close();
   });
   live->RemoveMessage("EX01", "alice", "", id, 0);
   int expunges = 0;
   for (const auto& command : server_.Commands()) expunges += command.starts_with("UID EXPUNGE 3") ? 1 : 0;
   EXPECT_EQ(expunges, 1);
+  EXPECT_NE(server_.Held(), "");
+}
+
+TEST_F(HostileServer, WhatIsNotKeptAsItWasSentIsNotDeleted) {
+  const struct {
+    const char *why, *command, *answer;
+  } kCases[] = {
+      {"it refuses to keep it", "APPEND", "NO [OVERQUOTA] <b>"},
+      {"it refuses the folder", "CREATE", "NO no"},
+      {"it refuses to show it", "SELECT \"Kalvo held\"", "NO no"},
+      {"it hangs up", "APPEND", ""},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    SetUp();
+    server_.Behave();
+    const auto live = Browse(store_);
+    live->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath);
+    const auto id = ToText(live->Messages()->Field("ExchangeId"));
+    const std::size_t before = server_.Commands().size();
+    server_.Misbehave(c.command, [&](Talk& talk, const std::string& tag) {
+      if (*c.answer == '\0') return talk.Close();
+      talk.Send(tag + " " + c.answer + "\r\n");
+    });
+    try {
+      live->RemoveMessage("EX01", "alice", "", id, 0);
+      ADD_FAILURE() << "deleted";
+    } catch (const Error& error) {
+      EXPECT_TRUE(error.Description().starts_with("The message was not deleted, because it cannot be held."))
+          << error.Description();
+      EXPECT_EQ(error.Description().find('<'), std::string::npos);
+    }
+    const auto commands = server_.Commands();
+    for (std::size_t i = before; i < commands.size(); ++i) {
+      EXPECT_FALSE(commands[i].starts_with("UID STORE 3") || commands[i].starts_with("UID EXPUNGE 3")) << commands[i];
+    }
+  }
+}
+
+TEST_F(HostileServer, ACopyThatDiffersIsNone) {
+  const auto live = Browse(store_);
+  live->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath);
+  const auto id = ToText(live->Messages()->Field("ExchangeId"));
+  server_.Misbehave("UID FETCH 1 ", Say("* 1 FETCH (UID 1 FLAGS () BODY[]<0> {3}\r\nbad)\r\n"));
+  try {
+    live->RemoveMessage("EX01", "alice", "", id, 0);
+    ADD_FAILURE() << "deleted";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.Description(),
+              "The message was not deleted, because it cannot be held. What the holding folder keeps differs from the "
+              "message.");
+  }
+  EXPECT_EQ(server_.Held(), "") << "and is not left behind";
 }
 
 // The mail library loses pieces of answers that break off; our own leaks are looked for everywhere else.
@@ -335,13 +381,14 @@ TEST_F(HostileServer, AMessageThatIsStillThereWasNotDeleted) {
   const auto live = Browse(store_);
   live->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath);
   const auto id = ToText(live->Messages()->Field("ExchangeId"));
-  server_.Misbehave("SELECT", Say("* 3 EXISTS\r\n* OK [UIDVALIDITY 7] ok\r\n* OK [UIDNEXT 4] ok\r\n"));
+  server_.Misbehave("UID EXPUNGE 3", Say(""));
   try {
     live->RemoveMessage("EX01", "alice", "", id, 0);
     ADD_FAILURE() << "deleted";
   } catch (const Error& error) {
     EXPECT_EQ(error.Description(), "The mail server did not delete the message.");
   }
+  EXPECT_EQ(server_.Held(), "");
 }
 
 }  // namespace

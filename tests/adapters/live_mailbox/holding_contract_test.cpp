@@ -192,7 +192,7 @@ TEST_F(HoldingContract, WhatIsPastItsTimeIsSweptAndNothingElse) {
   const std::string old = remove(1000), older = remove(999), young = remove(1001);
   EXPECT_EQ(mail_->Sweep(999), 0);
   EXPECT_EQ(mail_->Sweep(1001), 2);
-  const auto held = mail_->Held(alice);
+  const auto held = mail_->Held(&alice);
   ASSERT_EQ(held.size(), 1u);
   EXPECT_EQ(held[0].id, young);
   EXPECT_EQ(store_->AllMessages().size(), 7u) << "of ten, three were deleted";
@@ -208,7 +208,7 @@ TEST_F(HoldingContract, TheLastDeletedComesFirst) {
     const std::int32_t first[] = {0};
     ids.push_back(mail_->Remove(alice, inbox, std::string(messages->Row(first).key), {"", when}));
   }
-  const auto held = mail_->Held(alice);
+  const auto held = mail_->Held(&alice);
   ASSERT_EQ(held.size(), 3u);
   EXPECT_EQ(held[0].id, ids[1]);
   EXPECT_EQ(held[1].id, ids[2]);

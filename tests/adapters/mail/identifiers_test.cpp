@@ -58,10 +58,19 @@ TEST(Identifiers, TheRefusalIsThatThereIsNoSuchFolder) {
 }
 
 TEST(Identifiers, TheCheckIsThePublishedOne) {
+  const CheckValue example = {0x54, 0x93, 0xE9, 0x99, 0x33, 0xB0, 0xA8, 0x11,
+                              0x7E, 0x08, 0xEC, 0x0F, 0x97, 0xCF, 0xC3, 0xD9};
+  const CheckValue nothing = {0xA3, 0x81, 0x7F, 0x04, 0xBA, 0x25, 0xA8, 0xE6,
+                              0x6D, 0xF6, 0x72, 0x14, 0xC7, 0x55, 0x02, 0x93};
   std::string bytes;
   for (char c = 0; c < 15; ++c) bytes += c;
-  EXPECT_EQ(KeyedHash(kKey, bytes), 0xa129ca6149be45e5u) << "the example of its authors";
-  EXPECT_EQ(KeyedHash(kKey, ""), 0x726fdb47dd0e0e31u);
+  EXPECT_EQ(KeyedHash(kKey, bytes), example) << "the example of its authors";
+  EXPECT_EQ(KeyedHash(kKey, ""), nothing);
+}
+
+TEST(Identifiers, CarryTheWholeCheck) {
+  EXPECT_EQ(FolderIdentifier(kAlice, "").size(), 22u) << "16 bytes";
+  EXPECT_EQ(FolderIdentifier(kAlice, "INBOX").size(), 28u);
 }
 
 }  // namespace

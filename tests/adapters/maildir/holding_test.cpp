@@ -45,7 +45,8 @@ class MaildirHolding : public ::testing::Test {
   }
   std::vector<mail::HeldMessage> Held() {
     const auto store = Store();
-    return store->Held(Ken(*store));
+    const mail::Tree ken = Ken(*store);
+    return store->Held(&ken);
   }
 
   // The files of the mailbox, "cur/name".
@@ -175,6 +176,7 @@ TEST_F(MaildirHolding, ARecordNeverLeadsOutOfItsFolder) {
 
 TEST_F(MaildirHolding, ADeleteKilledAtAnyMomentLeavesTheMessageInOnePlace) {
   const int kills = test::KillAtEveryMoment(
+      test::Calls::All,
       [&] {
         fs::remove_all(folder_.Path() / ".kalvo");
         fs::remove_all(tree_);
@@ -200,6 +202,7 @@ TEST_F(MaildirHolding, ADeleteKilledAtAnyMomentLeavesTheMessageInOnePlace) {
 TEST_F(MaildirHolding, ARestoreKilledAtAnyMomentLeavesTheMessageInOnePlace) {
   std::string id;
   const int kills = test::KillAtEveryMoment(
+      test::Calls::All,
       [&] {
         fs::remove_all(folder_.Path() / ".kalvo");
         fs::remove_all(tree_);

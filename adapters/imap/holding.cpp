@@ -1,0 +1,184 @@
+#include "adapters/imap/holding.h"
+
+#include <algorithm>
+#include <ctime>
+#include <set>
+#include <tuple>
+#include <utility>
+
+#include "adapters/imap/held_copy.h"
+#include "adapters/imap/imap_error.h"
+#include "adapters/imap/message_source.h"
+#include "adapters/mail/errors.h"
+#include "adapters/mail/text.h"
+#include "platform/append.h"
+
+namespace kalvo::imap {
+
+namespace {
+
+// A delete that takes longer is none that still runs.
+constexpr std::int64_t kStoppedAfter = 3600;  // seconds
+
+bool IsSameOrigin(const mail::HeldMessage& a, const mail::HeldMessage& b) {
+  const auto origin = [](const mail::HeldMessage& held) {
+    return std::tie(held.server, held.mailbox, held.folderKey, held.name);
+  };
+  return origin(a) == origin(b);
+}
+
+void Remove(Connection& connection, std::uint32_t uid) {
+  connection.Mark(uid, kDeleted, true);
+  connection.Expunge(uid);
+}
+
+}  // namespace
+
+std::string Holding::FolderName(Connection& connection) const {
+  return connection.PersonalPrefix() + mail::ToModifiedUtf7(pool_.Config().holdingFolder);
+}
+
+bool Holding::IsIt(Connection& connection, const std::string& user, std::string_view folder) const {
+  return user == pool_.Config().HoldingLogin() && folder == FolderName(connection);
+}
+
+// Runs a step with the folder open, on a connection of its own; nothing where there is no folder yet. It is not
+// repeated when the connection is lost: it changes things.
+template <typename Step>
+auto Holding::InFolder(const std::string& server, Step&& step) {
+  return pool_.WithOwnOnce(server, pool_.Config().HoldingLogin(), [&](Connection& connection) {
+    const std::string folder = FolderName(connection);
+    using Result = decltype(step(connection, folder));
+    if (connection.List(folder, folder).empty()) return Result();
+    connection.Open(folder, Access::Write);
+    return step(connection, folder);
+  });
+}
+
+void Holding::Put(const mail::HeldMessage& held, const WholeMessage& message) {
+  WholeMessage copy{HeldLines(held, key_) + message.text, std::string(kUnfinished), message.received};
+  try {
+    pool_.WithOwnOnce(held.server, pool_.Config().HoldingLogin(), [&](Connection& connection) {
+      const std::string folder = FolderName(connection);
+      if (connection.List(folder, folder).empty()) connection.Create(folder);
+      const std::uint32_t uid = connection.Put(folder, copy);
+      connection.Open(folder, Access::Write);
+      if (uid != 0 && connection.FetchWhole(uid).text == copy.text) return;
+      if (uid != 0) Remove(connection, uid);
+      throw mail::StoreFailed("What the holding folder keeps differs from the message.");
+    });
+  } catch (const Error& error) {
+    throw mail::StoreFailed("The message was not deleted, because it cannot be held. " + error.Description());
+  }
+}
+
+void Holding::Finish(const mail::HeldMessage& held) {
+  InFolder(held.server, [&](Connection& connection, const std::string&) {
+    for (const HeldCopy& copy : connection.HeldCopies(key_)) {
+      if (copy.message.id == held.id) connection.Mark(copy.uid, kUnfinished, false);
+    }
+    return true;
+  });
+}
+
+void Holding::Drop(const mail::HeldMessage& held) {
+  InFolder(held.server, [&](Connection& connection, const std::string&) {
+    for (const HeldCopy& copy : connection.HeldCopies(key_)) {
+      if (copy.message.id == held.id || IsSameOrigin(copy.message, held)) Remove(connection, copy.uid);
+    }
+    return true;
+  });
+}
+
+std::vector<mail::HeldMessage> Holding::Held(const std::string& server) {
+  auto copies =
+      InFolder(server, [&](Connection& connection, const std::string&) { return connection.HeldCopies(key_); });
+  std::vector<mail::HeldMessage> held;
+  for (HeldCopy& copy : copies) {
+    const bool isKnown = std::any_of(held.begin(), held.end(),
+                                     [&](const mail::HeldMessage& other) { return IsSameOrigin(other, copy.message); });
+    if (isKnown || (copy.isUnfinished && HasOriginal(copy.message))) continue;
+    held.push_back(std::move(copy.message));
+  }
+  return held;
+}
+
+bool Holding::HasOriginal(const mail::HeldMessage& held) {
+  const auto number = ReadMessageKey(held.name);
+  if (!number) return false;
+  return pool_.With(held.server, pool_.Config().LoginOf(held.mailbox), [&](Connection& connection) {
+    try {
+      return connection.Open(held.folderKey, Access::Read).uidValidity == number->uidValidity &&
+             connection.Exists(number->uid);
+    } catch (const ImapError& error) {
+      if (error.What() != Fault::Refused) throw;
+      return false;  // the folder is gone, and all that was in it
+    }
+  });
+}
+
+bool Holding::Restore(const mail::HeldMessage& held, const std::string& folder) {
+  WholeMessage message;
+  bool wasBegun = false;
+  const bool found = InFolder(held.server, [&](Connection& connection, const std::string&) {
+    for (const HeldCopy& copy : connection.HeldCopies(key_)) {
+      if (copy.message.id != held.id) continue;
+      message = connection.FetchWhole(copy.uid);
+      wasBegun = copy.isRestoring;
+      if (!wasBegun) connection.Mark(copy.uid, kRestoring, true);
+      return true;
+    }
+    return false;
+  });
+  if (!found) return false;
+  message.text.erase(0, HeldLinesLength(message.text));
+  message.flags = held.flags;
+  message.received = held.received;
+  if (!wasBegun || !IsThereAlready(held, folder, message)) {
+    pool_.WithOwnOnce(held.server, pool_.Config().LoginOf(held.mailbox),
+                      [&](Connection& connection) { connection.Put(folder, message); });
+  }
+  Drop(held);
+  return true;
+}
+
+// Whether a folder has a message of the same bytes and the same time of arrival.
+bool Holding::IsThereAlready(const mail::HeldMessage& held, const std::string& folder, const WholeMessage& message) {
+  return pool_.With(held.server, pool_.Config().LoginOf(held.mailbox), [&](Connection& connection) {
+    connection.Open(folder, Access::Read);
+    const auto uids = connection.AllUids();
+    if (uids.empty()) return false;
+    const auto [first, last] = std::minmax_element(uids.begin(), uids.end());
+    std::vector<Summary> summaries;
+    connection.FetchSummaries(*first, *last, summaries);
+    return std::any_of(summaries.begin(), summaries.end(), [&](const Summary& summary) {
+      return summary.size == static_cast<std::int64_t>(message.text.size()) && summary.received == message.received &&
+             connection.FetchWhole(summary.uid).text == message.text;
+    });
+  });
+}
+
+std::int32_t Holding::Sweep(const std::string& server, std::int64_t before) {
+  const std::int64_t stoppedBefore = std::time(nullptr) - kStoppedAfter;
+  auto copies =
+      InFolder(server, [&](Connection& connection, const std::string&) { return connection.HeldCopies(key_); });
+  std::set<std::string> past;
+  std::int32_t swept = 0;
+  for (const HeldCopy& copy : copies) {
+    const bool isPast = copy.message.deletion.when < before;
+    const bool mayBeStopped = copy.isUnfinished && copy.message.deletion.when < stoppedBefore;
+    const bool hasOriginal = copy.isUnfinished && (isPast || mayBeStopped) && HasOriginal(copy.message);
+    if (isPast || (mayBeStopped && hasOriginal)) past.insert(copy.message.id);
+    if (isPast && !hasOriginal) ++swept;
+  }
+  if (past.empty()) return 0;
+  InFolder(server, [&](Connection& connection, const std::string&) {
+    for (const HeldCopy& copy : connection.HeldCopies(key_)) {
+      if (past.contains(copy.message.id)) Remove(connection, copy.uid);
+    }
+    return true;
+  });
+  return swept;
+}
+
+}  // namespace kalvo::imap
