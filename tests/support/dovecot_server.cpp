@@ -165,7 +165,7 @@ void DovecotServer::Start() {
     execlp("dovecot", "dovecot", "-F", "-c", file.c_str(), nullptr);
     _exit(127);
   }
-  for (int i = 0; i < 500; ++i) {
+  for (int i = 0; i < 1500; ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     const int made = Connected(port_);
     if (made < 0) continue;

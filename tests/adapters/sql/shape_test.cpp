@@ -151,6 +151,7 @@ TEST(Shape, Patterns) {
       {"a sort text with a name around it", "select 1 order by T.%SORT%, Id", "select 1 order by T.a DESC, Id", true},
       {"a placeholder in a string", "select '%SORT%!' as L order by %SORT%", "select 'a DESC!' as L order by a DESC",
        true},
+      {"an empty sort text in a string", "select '%SORT%' order by %SORT%", "select '' order by ", true},
       {"a string changed before its placeholder", "select '!%SORT%' order by %SORT%",
        "select '?a DESC' order by a DESC", false},
       {"a string cut to its placeholder's end", "select 'aba%NAME%aba'", "select 'aba'", false},

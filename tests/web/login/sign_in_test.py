@@ -7,13 +7,13 @@ import stat
 import subprocess
 import sys
 import tempfile
+import termios
 import threading
-import time
 import unittest
 import urllib.parse
 
 import cases
-from serving import Serving
+from serving import Serving, wait_until
 
 KALVO = sys.argv.pop()
 PASSWORD = "correct horse"
@@ -231,7 +231,7 @@ class Passwd(unittest.TestCase):
         for question in (b"Password: ", b"Again: "):
             while question not in shown:
                 shown += os.read(typed, 1000)
-            time.sleep(0.1)
+            wait_until("the terminal shows nothing", lambda: not termios.tcgetattr(typed)[3] & termios.ECHO)
             os.write(typed, PASSWORD.encode() + b"\n")
         try:
             while piece := os.read(typed, 1000):
