@@ -34,6 +34,7 @@ class OpenFile {
  public:
   OpenFile(const fs::path& path, int flags) : file_(open(path.c_str(), flags | O_CLOEXEC | O_NOFOLLOW, 0600)) {
     if (file_ < 0) Fail(path, "cannot be opened");
+    if ((flags & O_CREAT) != 0 && geteuid() == 0) GiveToFolder(path.parent_path());
   }
   ~OpenFile() { close(file_); }
   OpenFile(const OpenFile&) = delete;
@@ -46,6 +47,14 @@ class OpenFile {
   }
 
  private:
+  // What root makes is written by workers of another user too, where the folder is theirs.
+  void GiveToFolder(const fs::path& folder) const {
+    struct stat owner {
+    }, own{};
+    if (stat(folder.c_str(), &owner) != 0 || fstat(file_, &own) != 0 || own.st_nlink != 1) return;
+    if (own.st_uid != owner.st_uid && fchown(file_, owner.st_uid, owner.st_gid) != 0) Fail(folder, "cannot be shared");
+  }
+
   int file_;
 };
 

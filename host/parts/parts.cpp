@@ -7,6 +7,7 @@
 #include "host/parts/proving_database.h"
 #include "host/parts/ranking_part.h"
 #include "host/parts/setting_error.h"
+#include "host/parts/telling_database.h"
 #include "platform/append.h"
 #include "platform/database.h"
 #include "platform/live_mailbox.h"
@@ -28,17 +29,20 @@ LiveDrillerMaker MakerOf(const std::shared_ptr<mail::MailStore>& store) {
 }
 
 std::unique_ptr<Database> MadeDatabase(const PartsSettings& settings, const Locale& locale,
-                                       std::function<bool()> isWanted) {
-  auto database = MakeDatabase(settings, settings.timeLimit, locale, std::move(isWanted));
-  if (!settings.proveDatabase) return database;
-  return std::make_unique<ProvingDatabase>(std::move(database), [settings] { return ProveDatabase(settings); });
+                                       const PartsWatcher& watcher) {
+  auto database = MakeDatabase(settings, settings.timeLimit, locale, watcher.isWanted);
+  if (settings.proveDatabase) {
+    database = std::make_unique<ProvingDatabase>(std::move(database), [settings] { return ProveDatabase(settings); });
+  }
+  if (watcher.tell) database = std::make_unique<TellingDatabase>(std::move(database), watcher.tell);
+  return database;
 }
 
 }  // namespace
 
-Parts::Parts(const PartsSettings& settings, std::function<bool()> isWanted)
+Parts::Parts(const PartsSettings& settings, const PartsWatcher& watcher)
     : locale_(LocaleNamed(settings.locale)),
-      database_(MadeDatabase(settings, locale_, std::move(isWanted))),
+      database_(MadeDatabase(settings, locale_, watcher)),
       ranking_(MakeRanking(*database_, {settings.topNRows, settings.topNOldDays, locale_})),
       platform_{*database_, *ranking_, clock_, locale_},
       mail_(OpenMail(settings.mail)),

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "adapters/ranking/ranking.h"
 #include "host/parts/memory_session.h"
@@ -27,13 +28,20 @@ struct PartsSettings {
   bool proveDatabase = false;           // whether the database is proved to read only when it first opens
 };
 
+// What the parts ask and tell of whoever runs them; each may be empty.
+struct PartsWatcher {
+  // Asked several times a second while a statement runs, on whatever thread; false ends the statement.
+  std::function<bool()> isWanted{};
+  // Told why the database cannot be opened.
+  std::function<void(std::string_view)> tell{};
+};
+
 // The outside of one process. Made once by the command that runs, it owns the parts and hands them down by
 // reference; nothing is connected before a page asks for it.
 class Parts {
  public:
-  // `isWanted` is asked several times a second while a statement runs, on whatever thread; false ends the statement.
-  // Empty: every statement runs to its end. Fails with SettingError.
-  explicit Parts(const PartsSettings& settings, std::function<bool()> isWanted = {});
+  // Fails with SettingError.
+  explicit Parts(const PartsSettings& settings, const PartsWatcher& watcher = {});
   ~Parts();
   Parts(const Parts&) = delete;
   Parts& operator=(const Parts&) = delete;

@@ -2,6 +2,7 @@
 
 #include <strings.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "host/parts/database_proof.h"
 #include "host/parts/setting_error.h"
@@ -59,17 +60,33 @@ fs::path TokensFolderOf(const Settings& settings) {
   return settings.sessions / "tokens";
 }
 
+host::PartsWatcher WatcherOf(Visitor& visitor, const Log& log) {
+  return {[&visitor] { return visitor.IsThere(); }, [&log](std::string_view why) { log.Write(why); }};
+}
+
+// Who serves must be able to read who may sign in, and to write who has and what is done.
+void HandOverFiles(const Settings& settings, const Identity& identity) {
+  if (!settings.users.empty() && !MayRead(settings.users, identity)) {
+    throw host::SettingError("users: " + identity.name + ", who serves, cannot read " + settings.users.string());
+  }
+  if (geteuid() != 0) return;
+  HandOver(settings.sessions, identity);
+  HandOver(settings.audit, identity);
+}
+
 }  // namespace
 
 Generation::Generation(Settings chosen, const Log& log, audit::Trail& whereActsAreRecorded)
     : settings(std::move(chosen)),
-      parts(Proved(settings.Parts(), log), [this] { return visitor.IsThere(); }),
+      identity(IdentityNamed(settings.user)),
+      parts(Proved(settings.Parts(), log), WatcherOf(visitor, log)),
       site(settings.site, parts.GetPlatform()),
       trail(whereActsAreRecorded) {
   if (!settings.users.empty()) {
     gate.emplace(GateSettingsOf(settings, visitor), parts.GetLiveDrillerMaker(), log, trail);
   }
   tokens.emplace(TokensFolderOf(settings));
+  if (identity) HandOverFiles(settings, *identity);
   PrepareAll(site, settings.site, log);
 }
 

@@ -8,6 +8,7 @@
 #include "host/script/page.h"
 #include "host/web/acting/tokens.h"
 #include "host/web/login/gate.h"
+#include "host/web/privileges.h"
 #include "host/web/settings.h"
 #include "host/web/visitor.h"
 
@@ -23,7 +24,8 @@ struct Generation {
   Generation(Settings chosen, const Log& log, audit::Trail& whereActsAreRecorded);
 
   Settings settings;
-  Visitor visitor;  // of the page that a worker runs; each worker has its own
+  std::optional<Identity> identity;  // whom workers serve as, where the settings name somebody
+  Visitor visitor;                   // of the page that a worker runs; each worker has its own
   host::Parts parts;
   host::Site site;
   audit::Trail& trail;

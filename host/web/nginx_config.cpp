@@ -12,6 +12,7 @@
 #include "host/web/headers.h"
 #include "host/web/login/addresses.h"
 #include "host/web/login/gate.h"
+#include "host/web/privileges.h"
 #include "host/web/run_folder.h"
 #include "host/web/settings.h"
 #include "platform/append.h"
@@ -283,7 +284,10 @@ std::string NginxConfig(const Settings& settings, const RunFolder& run) {
   const Connections most = MostConnections();
   const Parts parts{settings, run};
   std::string out;
-  if (geteuid() == 0) Append(out, "user root root;\n");
+  if (geteuid() == 0) {
+    const auto identity = IdentityNamed(settings.user);
+    Append(out, "user ", identity ? identity->name : "root", ' ', identity ? identity->groupName : "root", ";\n");
+  }
   // What a flood brings about is no news: only what stops nginx itself is written.
   Append(out, "daemon off;\nworker_processes auto;\nworker_rlimit_nofile ", most.files, ";\npid ",
          Quoted(run.NginxPid()), ";\nerror_log ", Quoted(run.NginxLog()), " crit;\n");

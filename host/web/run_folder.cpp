@@ -12,6 +12,7 @@
 #include <system_error>
 
 #include "host/parts/setting_error.h"
+#include "host/web/privileges.h"
 
 namespace kalvo::web {
 namespace {
@@ -48,6 +49,12 @@ RunFolder::RunFolder(fs::path path) : path_(std::move(path)) {
 }
 
 RunFolder::~RunFolder() { close(lock_); }
+
+void RunFolder::Show(const Identity& identity) const {
+  const bool shown = chmod(path_.c_str(), 0711) == 0 && chmod(Errors().c_str(), 0755) == 0 &&
+                     lchown(Socket().c_str(), identity.user, identity.group) == 0;
+  if (!shown) throw SettingError("run: " + path_.string() + " cannot be shown to " + identity.name);
+}
 
 void WriteFile(const fs::path& file, std::string_view content) {
   const fs::path fresh = file.string() + ".new";

@@ -4,6 +4,8 @@
 
 namespace kalvo::web {
 
+struct Identity;
+
 // The private folder that one running server keeps its socket, its nginx and its error pages in. Held by one
 // process at a time.
 class RunFolder {
@@ -14,6 +16,10 @@ class RunFolder {
   ~RunFolder();
   RunFolder(const RunFolder&) = delete;
   RunFolder& operator=(const RunFolder&) = delete;
+
+  // Lets nginx and the workers of another user reach what they need in it: the socket and the error pages. The folder
+  // itself stays ours to write.
+  void Show(const Identity& identity) const;
 
   const std::filesystem::path& Path() const { return path_; }
   std::filesystem::path Socket() const { return path_ / "worker.sock"; }

@@ -82,6 +82,8 @@ const Rule kRules[] = {
   {"queue",        Whole{&Settings::queue, 1, 4096},         "a whole number from 1 to 4096"},
   {"time_limit",   Seconds{&Settings::timeLimit, 0.1, 3600}, "a number of seconds from 0.1 to 3600"},
   {"memory_limit", Whole{&Settings::memoryLimit, 1, 65536},  "a whole number of MiB from 1 to 65536"},
+  {"worker_memory", Whole{&Settings::workerMemory, 0, 1 << 20}, "a whole number of MiB from 0 to 1048576; 0 is what memory_limit needs"},
+  {"user",         Word{&Settings::user},                    "a user of the system, or \"\" for the one who starts"},
   {"database",     Word{&Settings::database, IsDatabase},    "\"odbc\" or \"sqlite:FILE\""},
   {"unknown_engine", Flag{&Settings::unknownEngine},         "true or false"},
   {"mail",         Word{&Settings::mail, IsMail},            "\"maildir:DIR\", \"imap://HOST:PORT\", \"imaps://HOST:PORT\", or \"\" for none"},
@@ -221,6 +223,18 @@ fs::path OwnRunFolder(std::string_view listen) {
   return (runtime && *runtime ? fs::path(runtime) : fs::temp_directory_path()) / name;
 }
 
+// Script and the largest result have to fit, beside everything else.
+void CompleteMemory(Settings& settings) {
+  constexpr int kLargestResult = 512, kEverythingElse = 256;
+  const int needed = settings.memoryLimit + kEverythingElse;
+  if (settings.workerMemory == 0) settings.workerMemory = needed + kLargestResult;
+  if (settings.workerMemory < needed) {
+    throw SettingError("worker_memory: " + std::to_string(settings.workerMemory) +
+                       " MiB is too little for a script of " + std::to_string(settings.memoryLimit) + " MiB; " +
+                       std::to_string(needed) + " is the least");
+  }
+}
+
 // Either everybody signs in, or everybody is the same visitor.
 void CompleteLogin(Settings& settings) {
   if (settings.users.empty()) return;
@@ -313,6 +327,7 @@ void Complete(Settings& settings) {
   if (!fs::is_directory(settings.site)) throw SettingError("the site " + settings.site.string() + " is no folder");
   settings.site = fs::canonical(settings.site);
   CompleteFolders(settings);
+  CompleteMemory(settings);
   CompleteLogin(settings);
   CompleteReach(settings, *address);
   CheckProxy(settings);

@@ -24,6 +24,8 @@ struct Settings {
   int queue = 64;                         // requests that may wait for a worker; one more is answered 503
   double timeLimit = 30;                  // seconds a page may take
   int memoryLimit = 256;                  // MiB the script of a page may take
+  int workerMemory = 0;                   // MiB of addresses a worker may take; 0: what `memoryLimit` needs
+  std::string user;                       // whom workers serve as, where root starts them
   std::string database = "odbc";          // where the data source "KalvoDB" points
   bool unknownEngine = false;             // takes a database that nothing here keeps from being written
   std::string mail;                       // the mailboxes; "" for none

@@ -75,11 +75,14 @@ void Supervisor::Run(std::ostream& out) {
 
 void Supervisor::Start(std::ostream& out) {
   if (!settings_.External()) CheckAddressIsFree(settings_.listen);
-  if (geteuid() == 0) log_.Write("running as root; a user of its own is safer");
+  if (geteuid() == 0 && settings_.user.empty()) {
+    log_.Write("running as root: workers keep its id and lose every capability; user = \"NAME\" is safer");
+  }
   const auto generation = std::make_shared<Generation>(settings_, log_, trail_);
   signals_ = OpenSignals();
   WriteConfiguration(settings_);
   socket_ = ListenForNginx(run_.Socket(), settings_.queue);
+  if (geteuid() == 0 && generation->identity) run_.Show(*generation->identity);
   const auto live = [this](Generation& current, WorkerSlot& slot, pid_t parent) {
     return Worker(current, run_.Errors(), log_, slot).Run(socket_, parent);
   };
@@ -141,8 +144,8 @@ void Supervisor::Reload() {
   try {
     Settings fresh = load_();
     if (fresh.run != settings_.run || fresh.web != settings_.web || fresh.log != settings_.log ||
-        fresh.audit != settings_.audit) {
-      throw host::SettingError("run, web, log and audit change only with a restart");
+        fresh.audit != settings_.audit || fresh.user != settings_.user) {
+      throw host::SettingError("run, web, log, audit and user change only with a restart");
     }
     if (!fresh.External() && fresh.listen != settings_.listen) CheckAddressIsFree(fresh.listen);
     const auto generation = std::make_shared<Generation>(fresh, log_, trail_);

@@ -18,6 +18,7 @@
 #include "host/web/fastcgi.h"
 #include "host/web/generation.h"
 #include "host/web/log.h"
+#include "host/web/privileges.h"
 #include "host/web/worker_slots.h"
 
 namespace kalvo::web {
@@ -70,10 +71,13 @@ Worker::Worker(Generation& generation, std::filesystem::path errors, const Log& 
     : generation_(generation), errors_(std::move(errors)), log_(log), slot_(slot) {}
 
 int Worker::Run(int socket, pid_t parent) {
+  VolunteerForTheOutOfMemoryKiller();
+  GiveUpRights(generation_.identity);
+  LimitAddressSpace(generation_.settings.workerMemory);
+  // Forgotten by the system when a process changes its user.
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (getppid() != parent) return 0;
   const sigset_t waiting = PrepareSignals();
-  VolunteerForTheOutOfMemoryKiller();
   FCGX_Request request;
   if (FCGX_Init() != 0 || FCGX_InitRequest(&request, socket, 0) != 0) return 1;
   while (AwaitRequest(socket, waiting)) {

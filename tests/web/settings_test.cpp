@@ -182,6 +182,16 @@ TEST(Settings, AreCompletedAndChecked) {
   Complete(settings);
   EXPECT_TRUE(settings.run.is_absolute());
 
+  EXPECT_EQ(settings.workerMemory, 1024) << "256 for the script, 512 for a result, 256 beside";
+
+  Settings narrow;
+  narrow.site = folder.Path();
+  narrow.workerMemory = 500;
+  EXPECT_THROW(Complete(narrow), host::SettingError);
+  narrow.workerMemory = 512;
+  Complete(narrow);
+  EXPECT_EQ(narrow.workerMemory, 512);
+
   Settings elsewhere;
   elsewhere.site = folder.Path() / "missing";
   EXPECT_THROW(Complete(elsewhere), host::SettingError);
