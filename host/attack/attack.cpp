@@ -13,11 +13,11 @@ namespace {
 
 constexpr int kMostSilences = 3;  // one after another, then the system is left alone
 
-// An answer's words on a terminal: no control characters, and not without end.
+// An answer's words on a terminal: printable ASCII, and not without end.
 std::string Shown(std::string text) {
   constexpr std::size_t kLongest = 300;
   std::replace_if(
-      text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7f; }, ' ');
+      text.begin(), text.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
   return text.size() > kLongest ? text.substr(0, kLongest) + "..." : text;
 }
 

@@ -15,6 +15,7 @@ namespace {
 constexpr std::chrono::milliseconds kBetween{100};
 constexpr long kSeconds = 15;  // for one answer
 constexpr std::size_t kLargestBody = 4 << 20;
+constexpr std::size_t kMostHeaders = 1000;
 constexpr std::string_view kConsole = "/KalvoforExchange/";
 
 struct FreeList {
@@ -53,6 +54,8 @@ extern "C" size_t KalvoTakeHeader(char* bytes, size_t size, size_t count, void* 
   const auto colon = line.find(':');
   if (line.starts_with("HTTP/")) {
     headers.clear();  // an answer before the answer
+  } else if (headers.size() == kMostHeaders) {
+    return 0;  // ends the request
   } else if (colon != line.npos) {
     headers.emplace_back(ToLower(line.substr(0, colon)), Trimmed(line.substr(colon + 1)));
   }

@@ -186,7 +186,8 @@ std::variant<Admission, Answer> Gate::AdmitProxied(std::string_view named, std::
   const std::optional<std::string> account = AccountNamed(named);
   const std::optional<User> user = account ? users_.Find(*account) : std::nullopt;
   if (!user) {
-    log_.Write("the proxy names somebody who is no user here: " + InLog(named));
+    const std::string address(VariableOf(request, "REMOTE_ADDR"));
+    trail_.Refused(audit::Event::SignInRefused, {"", address}, {{"name", std::string(named)}, {"by", "proxy"}});
     return Refusal(403, "Forbidden");
   }
   try {

@@ -83,14 +83,27 @@ bool IsOf(const std::string& line, std::string_view account) {
 class EditLock {
  public:
   explicit EditLock(const fs::path& file)
-      : lock_(open((file.string() + ".lock").c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600)) {
-    if (lock_ < 0 || flock(lock_, LOCK_EX) != 0) throw SettingError(file.string() + " cannot be locked");
+      : lock_(open((file.string() + ".lock").c_str(), O_CREAT | O_RDWR | O_CLOEXEC | O_NOFOLLOW, 0600)) {
+    if (lock_ < 0 || flock(lock_, LOCK_EX) != 0) {
+      throw SettingError(file.string() + " cannot be locked: " + std::strerror(errno));
+    }
+    GiveToOwnerOf(file);
   }
   ~EditLock() { close(lock_); }
   EditLock(const EditLock&) = delete;
   EditLock& operator=(const EditLock&) = delete;
 
  private:
+  // Root edits, and the service that the file belongs to goes on editing.
+  void GiveToOwnerOf(const fs::path& file) const {
+    struct stat lock {
+    }, owned{};
+    if (geteuid() != 0 || fstat(lock_, &lock) != 0 || lock.st_uid != 0 || lock.st_nlink != 1) return;
+    if (stat(file.c_str(), &owned) != 0 || owned.st_uid == 0) return;
+    if (fchown(lock_, owned.st_uid, owned.st_gid) != 0) { /* it has to be deleted by hand then */
+    }
+  }
+
   int lock_;
 };
 
@@ -182,9 +195,13 @@ void RefuseIfOthersWrite(const struct stat& file, const fs::path& name) {
     throw SettingError("the users file " + name.string() + " may be written by others than its owner (mode " +
                        Octal(file.st_mode) + "); chmod go-w mends that");
   }
-  const fs::path folder = fs::absolute(name).parent_path();
-  struct stat around {};
-  if (stat(folder.c_str(), &around) == 0 && (around.st_mode & S_IWOTH) != 0 && (around.st_mode & S_ISVTX) == 0) {
+  // The folder of a link, and the one that it leads to.
+  std::error_code failed;
+  for (const fs::path& place : {fs::absolute(name), fs::canonical(name, failed)}) {
+    const fs::path folder = place.parent_path();
+    struct stat around {};
+    if (stat(folder.c_str(), &around) != 0 || (around.st_mode & S_IWOTH) == 0 || (around.st_mode & S_ISVTX) != 0)
+      continue;
     throw SettingError("the users file " + name.string() + " lies in a folder where everybody may replace it (mode " +
                        Octal(around.st_mode) + "); chmod o-w " + folder.string() + " mends that");
   }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <functional>
@@ -149,6 +150,30 @@ TEST_F(Users, AreNotReadFromAFileThatOthersWrite) {
       EXPECT_EQ(wrong.empty(), std::string(c.wrong).empty()) << wrong;
       EXPECT_NE(wrong.find(c.wrong), std::string::npos) << wrong;
     }
+  }
+}
+
+TEST_F(Users, AreNotReadThroughALinkIntoAFolderOfEverybody) {
+  users_.Put({"KALVO\\alice", false, false, kHash});
+  std::filesystem::create_directory(folder_.Path() / "open");
+  std::filesystem::rename(file_, folder_.Path() / "open/users");
+  std::filesystem::create_symlink(folder_.Path() / "open/users", file_);
+  EXPECT_TRUE(users_.Find("KALVO\\alice"));
+  chmod((folder_.Path() / "open").c_str(), 0777);
+  EXPECT_THROW(users_.Find("KALVO\\alice"), host::SettingError);
+}
+
+TEST_F(Users, StayEditableByTheirOwnerAfterRootEdited) {
+  if (geteuid() != 0) return;  // only root gives files away
+  constexpr uid_t kNobody = 65534;
+  users_.Put({"KALVO\\alice", false, false, kHash});
+  std::filesystem::remove(file_.string() + ".lock");
+  ASSERT_EQ(chown(file_.c_str(), kNobody, kNobody), 0);
+  users_.Put({"KALVO\\bob", false, false, kHash});
+  for (const std::string& name : {file_.string(), file_.string() + ".lock"}) {
+    struct stat state {};
+    ASSERT_EQ(stat(name.c_str(), &state), 0);
+    EXPECT_EQ(state.st_uid, kNobody) << name;
   }
 }
 
