@@ -188,6 +188,68 @@ TEST_F(SqliteFileTest, OfTheHeapThereAre256Mebibytes) {
   EXPECT_EQ(Text(*connection, "select count(*) as N from T"), "3") << "the connection is usable";
 }
 
+TEST_F(SqliteFileTest, WhatAStatementTookOfTheHeapIsGivenBack) {
+  sqlite::Options options;
+  options.heapLimit = 8 << 20;
+  sqlite::SqliteDatabase database(File(), options);
+  const auto connection = database.Connect("KalvoDB");
+  const auto grown = [](int pieces) {  // a text that grows piece by piece, a thousand bytes each
+    return "with recursive n(i) as (select 1 union all select i + 1 from n where i < " + std::to_string(pieces) +
+           ") select length(group_concat(hex(zeroblob(500)), '')) as L from n";
+  };
+  for (int i = 0; i < 12; ++i) {
+    ASSERT_EQ(Text(*connection, "select length(hex(zeroblob(1000000))) as L"), "2000000") << i;
+    ASSERT_EQ(Text(*connection, grown(2000)), "2000000") << i;
+  }
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(ErrorOf(*connection, grown(20'000)).Description(), "[HY001] out of memory");
+  EXPECT_EQ(Text(*connection, grown(2000)), "2000000") << "what was refused took nothing";
+  sqlite::PrepareLibrary();
+}
+
+TEST_F(SqliteFileTest, AValueOfMoreThan64MebibytesIsRefused) {
+  sqlite::SqliteDatabase database(File());
+  const auto connection = database.Connect("KalvoDB");
+  EXPECT_EQ(ErrorOf(*connection, "select zeroblob(67108865) as B").Description(), "[54000] string or blob too big");
+  EXPECT_EQ(Text(*connection, "select length(zeroblob(67108864)) as L"), "67108864");
+}
+
+TEST_F(SqliteFileTest, ALibraryIsNotLoaded) {
+  sqlite::SqliteDatabase database(File());
+  const auto connection = database.Connect("KalvoDB");
+  EXPECT_EQ(ErrorOf(*connection, "select load_extension('libm.so.6')").Description().substr(0, 7), "[42501]");
+  EXPECT_EQ(ErrorOf(*connection, "select LOAD_EXTENSION('libm.so.6')").Description().substr(0, 7), "[42501]");
+  EXPECT_EQ(ErrorOf(*connection, "delete from T").Description().substr(0, 7), "[42501]");
+}
+
+TEST_F(SqliteFileTest, AClosedConnectionOrResultIsAnError) {
+  sqlite::SqliteDatabase database(File());
+  const auto connection = database.Connect("KalvoDB");
+  const auto records = connection->Execute({"select Id from T", "select Id from T", ""});
+  EXPECT_THROW(records->FieldName(-1), Error);
+  EXPECT_THROW(records->FieldName(1), Error);
+  EXPECT_EQ(records->FieldName(0), "Id");
+  connection->Close();
+  EXPECT_EQ(ErrorOf(*connection, "select 1").Description(), "[08003] The connection is closed.");
+  EXPECT_EQ(records->GetRows().RowCount(), 3) << "who still reads keeps it open";
+  records->Close();
+  EXPECT_THROW(records->GetRows(), Error);
+  EXPECT_THROW(records->FieldCount(), Error);
+  EXPECT_THROW(records->NextRecordset(), Error);
+  EXPECT_THROW(records->Close(), Error);
+}
+
+TEST_F(SqliteFileTest, ATimestampIsADateToo) {
+  sqlite::PrepareLibrary();
+  sqlite3* connection = nullptr;
+  sqlite3_open(File().c_str(), &connection);
+  sqlite3_set_authorizer(connection, nullptr, nullptr);
+  sqlite3_exec(connection, "create table S (At TIMESTAMP); insert into S values ('2024-02-03')", nullptr, nullptr,
+               nullptr);
+  sqlite3_close(connection);
+  sqlite::SqliteDatabase database(File());
+  EXPECT_EQ(Text(*database.Connect("KalvoDB"), "select At from S"), "2/3/2024");
+}
+
 TEST_F(SqliteFileTest, TheHeapIsLimited) {
   sqlite::Options options;
   options.heapLimit = 8 << 20;
