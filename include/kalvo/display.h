@@ -136,11 +136,12 @@ class Display : public Object {
   std::string Kalvo_FormatNumericValue(const Value& nNumber, const Value& nScale, const Value& szUnits,
                                        const Value& szDefault) const;
 
-  // A date text in the general date format; the default for what is no date, and for years up to 1950.
-  // Clears the pending error. Never raises.
+  // A date text in the general date format; the default for what is no date, and for years up to 1950; "" for a
+  // default that is needed and no text. Clears the pending error. Never raises.
   std::string Kalvo_FormatDateTime(const Value& nDate, const Value& szDefault) const;
 
-  // A date or its serial number in the general date format; "" for what is neither. Never raises.
+  // A date or its serial number in the general date format; "" for what is neither, and the error of reading it is
+  // then the pending one; no older one is. Never raises.
   std::string Kalvo_FormatDateTimeFloat(const Value& nDate) const;
 
   // Without the blanks and tabs at both ends. Other white space is content.
@@ -177,7 +178,7 @@ class Display : public Object {
   void AppendNumber(std::string& out, std::string_view number, bool decimal) const;
   void AppendNumericValue(std::string& out, double number, double scale, std::string_view units) const;
   void AppendNumericValue(std::string& out, std::string_view number, double scale, std::string_view units) const;
-  void AppendDateTime(std::string& out, std::string_view date, std::string_view defaultText) const;
+  void AppendDateTime(std::string& out, std::string_view date, std::string_view defaultText) const;  // clears errors
   void AppendDateTimeFloat(std::string& out, std::string_view date) const;
 
   // Extends a URL in place by one parameter.
@@ -186,7 +187,7 @@ class Display : public Object {
   const Locale& PageLocale() const { return locale_; }
 
  private:
-  void AppendSortLinkRow(std::string& out, std::string_view up, std::string_view down, bool vertical) const;
+  void AppendSortLinkRow(std::string& out, std::string_view up, std::string_view down) const;
   void AppendSortLink(std::string& out, std::string_view link, const ImageView& image, std::string_view alt) const;
   void AppendInputFieldIfNotNull(std::string& out, std::string_view name, std::string_view value) const;
 

@@ -29,8 +29,6 @@ std::string Query(Trap& trap, const Context& context, std::string_view name) {
   return value;
 }
 
-std::string_view Flag(bool flag) { return flag ? "True" : "False"; }
-
 }  // namespace
 
 MapiDataSrc::MapiDataSrc(const Locale& locale) : locale_(locale) {}
@@ -120,6 +118,7 @@ bool MapiDataSrc::Refuse(Trap& trap) {
   return false;
 }
 
+// Only who is no administrator is refused, and told so.
 bool MapiDataSrc::MayListMailbox(Trap& trap, const LiveScope& scope) {
   const auto ownership = Held(context_)->OwnsMailbox(trap, *Held(live_), scope.server, scope.mailbox);
   bool administrator = false;
@@ -127,8 +126,8 @@ bool MapiDataSrc::MayListMailbox(Trap& trap, const LiveScope& scope) {
   if (ownership.owns || administrator) return true;
   trap([&] {
     Held(context_)->TraceTable([&](std::string& out) {
-      Append(out, "<p>User: ", ownership.user, "<br>Owner: ", ownership.owner,
-             "<br>KalvoAdministrator: ", Flag(administrator), "</p>", kCrLf);
+      Append(out, "<p>User: ", ownership.user, "<br>Owner: ", ownership.owner, "<br>KalvoAdministrator: False</p>",
+             kCrLf);
     });
   });
   return Refuse(trap);
@@ -139,8 +138,7 @@ bool MapiDataSrc::MayListPublicFolders(Trap& trap) {
   trap([&] { administrator = Held(context_)->KalvoAdministrator(); });
   if (administrator) return true;
   trap([&] {
-    Held(context_)->TraceTable(
-        [&](std::string& out) { Append(out, "<p>KalvoAdministrator: ", Flag(administrator), "</p>", kCrLf); });
+    Held(context_)->TraceTable([](std::string& out) { Append(out, "<p>KalvoAdministrator: False</p>", kCrLf); });
   });
   return Refuse(trap);
 }

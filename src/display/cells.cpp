@@ -138,24 +138,22 @@ void Display::AppendTableHeaderCell(std::string& out, std::string_view szHeaderT
          "<tr>");
   AppendCell(out, szHeaderText, layout);
   AppendTableRowEnd(out);
-  AppendSortLinkRow(out, szUpSortLink, szDownSortLink, false);
+  AppendSortLinkRow(out, szUpSortLink, szDownSortLink);
   Append(out, "</table></center></div>", kCrLf);
   AppendCellEnd(out, layout);
 }
 
-void Display::AppendSortLinkRow(std::string& out, std::string_view up, std::string_view down, bool vertical) const {
-  const CellLayout layout{.align = "center", .noWrap = true};
-  out += "<tr>";
-  AppendCellStart(out, layout);
+void Display::AppendSortLinkRow(std::string& out, std::string_view up, std::string_view down) const {
+  std::string arrows;
   // Kept: the down link alone decides whether there are arrows.
   if (down.empty()) {
-    AppendGraphicInput(out, vertical ? images::kBlankSortVertical : images::kBlankSort, "");
+    AppendGraphicInput(arrows, images::kBlankSort, "");
   } else {
-    AppendSortLink(out, up, vertical ? images::kVerticalUp : images::kUp, "Sort Ascending");
-    if (vertical) out += "<br>";
-    AppendSortLink(out, down, vertical ? images::kVerticalDown : images::kDown, "Sort Descending");
+    AppendSortLink(arrows, up, images::kUp, "Sort Ascending");
+    AppendSortLink(arrows, down, images::kDown, "Sort Descending");
   }
-  AppendCellEnd(out, layout);
+  out += "<tr>";
+  AppendCell(out, arrows, {.align = "center", .noWrap = true});
   AppendTableRowEnd(out);
 }
 

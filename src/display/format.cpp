@@ -25,7 +25,7 @@ struct Decimal {
   char digits[kSignificantDigits + 1];  // one spare for a carry out of the first digit
   int count = kSignificantDigits;
   int point = 0;
-  bool zero = false;
+  bool zero = false;  // rounded away
 };
 
 Decimal DecimalOf(double number) {
@@ -69,7 +69,7 @@ void AppendGroupSeparator(std::string& out, const Locale& locale) {
 }
 
 void AppendDecimal(std::string& out, const Decimal& decimal, int decimals, const Locale& locale) {
-  const auto digit = [&](int i) { return !decimal.zero && i >= 0 && i < decimal.count ? decimal.digits[i] : '0'; };
+  const auto digit = [&](int i) { return i >= 0 && i < decimal.count ? decimal.digits[i] : '0'; };
   const int whole = decimal.zero ? 0 : decimal.point;
   if (whole <= 0) out += '0';
   for (int i = 0; i < whole; ++i) {
@@ -138,8 +138,7 @@ void Display::AppendNumber(std::string& out, double number, bool decimal) const 
   }
   const int decimals = decimal ? kDecimals : 0;
   Decimal digits = DecimalOf(size);
-  digits.zero = number == 0;
-  if (!digits.zero) Round(digits, decimals);
+  Round(digits, decimals);
   if (number < 0 && !digits.zero) out += '-';
   AppendDecimal(out, digits, decimals, locale_);
 }
@@ -171,45 +170,49 @@ void Display::AppendNumericValue(std::string& out, double number, double scale, 
 
 // ---- dates ----------------------------------------------------------------------------------------------
 
+namespace {
+
+// Years up to 1950 are no dates of the product's: the default stands for them.
+std::optional<Date> ShownDate(std::string_view text, const Locale& locale) {
+  const auto read = ParseDate(text, locale);
+  return read && YearOf(*read) >= kFirstShownYear ? read : std::nullopt;
+}
+
+}  // namespace
+
 std::string Display::Kalvo_FormatDateTime(const Value& nDate, const Value& szDefault) const {
-  std::string date;
+  std::optional<Date> date;
   std::string shown;
   Trap trap;
-  trap([&] { date = ToText(nDate, locale_); });
-  trap([&] { AppendDateTime(shown, date, ToText(szDefault, locale_)); });
+  trap([&] { date = ShownDate(ToText(nDate, locale_), locale_); });
+  trap([&] { date ? AppendDate(shown, *date, locale_) : AppendText(shown, szDefault, locale_); });
   ClearError();
   return shown;
 }
 
 void Display::AppendDateTime(std::string& out, std::string_view date, std::string_view defaultText) const {
-  const auto read = ParseDate(date, locale_);
-  if (read && YearOf(*read) >= kFirstShownYear) {
-    AppendDate(out, *read, locale_);
-  } else {
-    out += defaultText;
-  }
+  const auto shown = ShownDate(date, locale_);
+  shown ? AppendDate(out, *shown, locale_) : Append(out, defaultText);
+  ClearError();
 }
 
 std::string Display::Kalvo_FormatDateTimeFloat(const Value& nDate) const {
-  if (IsNull(nDate)) return {};
-  std::string shown;
   Trap trap;
-  const bool done = trap([&] {
-    if (const auto* text = std::get_if<std::string>(&nDate)) {
-      AppendDateTimeFloat(shown, *text);
-    } else {
-      AppendDate(shown, Date{ToDouble(nDate)}, locale_);
-    }
+  return Built([&](std::string& out) {
+    if (IsNull(nDate)) return;
+    if (const auto* text = std::get_if<std::string>(&nDate)) return AppendDateTimeFloat(out, *text);
+    trap([&] { AppendDate(out, Date{ToDouble(nDate)}, locale_); });
   });
-  return done ? shown : std::string();
 }
 
 void Display::AppendDateTimeFloat(std::string& out, std::string_view date) const {
-  if (const auto serial = ParseNumber(date)) {
-    if (IsCalendarDate(Date{*serial})) AppendDate(out, Date{*serial}, locale_);
-  } else if (const auto read = ParseDate(date, locale_)) {
+  Trap trap;
+  trap([&] {
+    const auto serial = ParseNumber(date);
+    const auto read = serial ? Date{*serial} : ParseDate(date, locale_);
+    if (!read) throw TypeMismatch();
     AppendDate(out, *read, locale_);
-  }
+  });
 }
 
 // ---- trimming -------------------------------------------------------------------------------------------

@@ -2,21 +2,14 @@
 
 #include "kalvo/display.h"
 
-// The images of the console.
+// The images of the console that the library shows. Its pages bring more of their own.
 namespace kalvo::images {
 
 // clang-format off
 //                                       path                                             width height
-inline constexpr ImageView kBlankSortVertical   {"../Images/Controls/BlankSort.gif",         16, 34};
 inline constexpr ImageView kBlankSort           {"../Images/Controls/BlankSort.gif",         17, 16};
 inline constexpr ImageView kUp                  {"../Images/Controls/Up.gif",                20, 16};
 inline constexpr ImageView kDown                {"../Images/Controls/Down.gif",              20, 16};
-inline constexpr ImageView kGraph               {"../Images/Controls/Graph.gif",             34, 24};
-inline constexpr ImageView kHistoryGraph        {"../Images/Controls/HistoryGraph.gif",      34, 24};
-inline constexpr ImageView kBlankGraph          {"../Images/Controls/BlankGraph.gif",        34, 24};
-inline constexpr ImageView kVerticalUp          {"../Images/Controls/VerticalUp.gif",        16, 17};
-inline constexpr ImageView kVerticalDown        {"../Images/Controls/VerticalDown.gif",      16, 17};
-inline constexpr ImageView kBlankGraphSpacing   {"../Images/Controls/BlankGraphSpacing.gif",  4, 19};
 inline constexpr ImageView kCheck               {"../Images/Controls/Check.gif",             16, 16};
 inline constexpr ImageView kEmptyCheck          {"../Images/Controls/EmptyCheck.gif",        16, 16};
 inline constexpr ImageView kMessage             {"../Images/Message.gif",                    16, 16};

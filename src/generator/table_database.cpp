@@ -50,8 +50,8 @@ void KalvoTableDatabase::InitializeConfigurationTables() { MakeGroup(tables::Gro
 void KalvoTableDatabase::InitializeTopNTables() { MakeGroup(tables::Group::TopN); }
 void KalvoTableDatabase::InitializeMAPITables() { MakeGroup(tables::Group::LiveMailbox); }
 
-// Kept: true for every id. What is no slot fails where the slot is looked up.
-bool KalvoTableDatabase::ValidTable(std::int32_t tableId) const { return tableId < TABLE_TOTALTABLES || tableId > 0; }
+// Kept: true for every id, so that nobody need ask. What is no slot fails where the slot is looked up.
+bool KalvoTableDatabase::ValidTable(std::int32_t /*tableId*/) const { return true; }
 
 const std::shared_ptr<Table>& KalvoTableDatabase::Slot(std::int32_t id) const {
   if (id < 1 || id > TABLE_TOTALTABLES) throw SubscriptOutOfRange();
@@ -60,8 +60,6 @@ const std::shared_ptr<Table>& KalvoTableDatabase::Slot(std::int32_t id) const {
 
 bool KalvoTableDatabase::IsTableNull(std::int32_t nTableId) const { return !Slot(nTableId); }
 
-std::shared_ptr<Table> KalvoTableDatabase::GetTable(std::int32_t tableId) const {
-  return ValidTable(tableId) ? Slot(tableId) : nullptr;
-}
+std::shared_ptr<Table> KalvoTableDatabase::GetTable(std::int32_t tableId) const { return Slot(tableId); }
 
 }  // namespace kalvo

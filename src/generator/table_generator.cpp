@@ -63,10 +63,6 @@ void KalvoforExchangeTableGenerator::BuildTable(KalvoTableConstants tableId, std
                                                 std::string_view szMailbox, std::string_view szContainer,
                                                 KalvoTableTopN TopNType, std::string_view szEmptyMessage,
                                                 std::string_view szTableName) {
-  if (!Tables().ValidTable(tableId)) {
-    PageContext().FailureMessage("Invald table identifier specified.", false);
-    return;
-  }
   Context& context = PageContext();
   context.SetName(szName);
   context.SetOrg(szOrganization);

@@ -181,7 +181,7 @@ void TableRendering::AppendPagingLinks(std::string& left, std::string& right) {
     part(left, [&](std::string& out) {
       AppendPagingLink(out, "First", 1, context_.TablePageSizeInformation());
       out += ' ';
-      AppendPagingLink(out, "Previous", std::max(page_.first - page_.size, std::int32_t{1}),
+      AppendPagingLink(out, "Previous", std::max(page_.first - page_.size, std::int64_t{1}),
                        context_.TablePageSizeInformation());
     });
   }
@@ -200,7 +200,7 @@ void TableRendering::AppendPagingLinks(std::string& left, std::string& right) {
   }
 }
 
-void TableRendering::AppendPagingLink(std::string& out, std::string_view image, std::int32_t first, std::int32_t size) {
+void TableRendering::AppendPagingLink(std::string& out, std::string_view image, std::int64_t first, std::int64_t size) {
   const std::string field = context_.TableSortFieldInformation();
   const std::string order = context_.TableSortOrderInformation();
   const std::string link = context_.TableURL(field, order, std::to_string(first), std::to_string(size));
@@ -214,13 +214,13 @@ void TableRendering::AppendPagingLink(std::string& out, std::string_view image, 
 
 void TableRendering::MoveToFirstRow() {
   trap_([&] { Held(source_)->MoveFirst(); });
-  for (std::int32_t row = 1; row < page_.first; ++row) {
+  for (std::int64_t row = 1; row < page_.first; ++row) {
     trap_([&] { Held(source_)->MoveNext(); });
   }
 }
 
 void TableRendering::WriteRows() {
-  std::int32_t row = std::max(page_.first, std::int32_t{1});
+  std::int64_t row = std::max(page_.first, std::int64_t{1});
   for (Phase phase = Phase::Header; phase != Phase::Done;) {
     bool firstCell = true;
     WriteMade([&](std::string& out) { display_.AppendTableRowStart(out); });
@@ -248,7 +248,7 @@ void TableRendering::WriteRow(Phase phase, bool& firstCell) {
 }
 
 // The rows end by their count alone; no source is asked whether it has reached its end.
-TableRendering::Phase TableRendering::NextPhase(Phase phase, std::int32_t& row) {
+TableRendering::Phase TableRendering::NextPhase(Phase phase, std::int64_t& row) {
   switch (phase) {
     case Phase::Header: return Phase::Data;
     case Phase::Data:

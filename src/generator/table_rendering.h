@@ -40,11 +40,11 @@ class TableRendering {
   void MoveToFirstRow();
   void WriteRows();
   void WriteRow(Phase phase, bool& firstCell);
-  Phase NextPhase(Phase phase, std::int32_t& row);
+  Phase NextPhase(Phase phase, std::int64_t& row);
   Phase AfterData();
 
   void AppendNavigationRow(std::string& out);
-  void AppendPagingLink(std::string& out, std::string_view image, std::int32_t first, std::int32_t size);
+  void AppendPagingLink(std::string& out, std::string_view image, std::int64_t first, std::int64_t size);
   void AppendPagingLinks(std::string& left, std::string& right);
   void AppendWideRow(std::string& out, std::string_view content, std::string_view align);
   void Write(std::string_view text);

@@ -232,5 +232,105 @@ TEST(ColumnData, ADeleteFormKnowsItsMessageAndWhereToGoOn) {
                                             "PublicFolderId=p1"));
 }
 
+// ---- a row that turns back ------------------------------------------------------------------------------
+
+// Answers every question in the same buffer, and counts its answers.
+class OneBuffer : public fakes::FakeRowSource {
+ public:
+  std::string_view GetField(std::string_view name) override {
+    answer_ = "answer " + std::to_string(++answers_) + " to ";
+    answer_ += name;
+    return answer_;
+  }
+
+ private:
+  std::string answer_;
+  int answers_ = 0;
+};
+
+TEST(ColumnData, AValueIsItsFirstAnswer) {
+  ColumnFixture page;
+  page.column.databaseField = "15";
+  page.column.hyperLinkType = HYPERLINK_PUBLICFOLDER;
+  OneBuffer row;
+  EXPECT_EQ(KalvoColumn(page.column).ConstructHTMLData(*page.context, *page.display, row),
+            "<td><a href=\"../Resources/PublicFolderSummary.asp?Server=answer+2+to+15&amp;Mailbox=answer+1+to+15&amp;"
+            "PublicFolderId=answer+3+to+3&amp;Sort=&amp;Sort=ModifiedDate&amp;SortOrder=&amp;SortOrder=ASC\" "
+            "target=\"_top\">answer 1 to 15</a></td>");
+}
+
+TEST(ColumnData, InitialisedAnewWhileItsCellIsMadeAColumnGoesOnAsItIsThen) {
+  ColumnFixture page;
+  page.column.align = "right";
+  page.row.fields = {{"Value", "1536"}};
+  const auto column = std::make_shared<KalvoColumn>(page.column);
+  page.row.steps.When("GetField", [&] {
+    column->Initialize(COL_CURRENTALERTS_ALERT, "", "", HYPERLINK_SERVER, "", "", column_KeepTotal, false,
+                       FORMATTYPE_NUMERICVALUE, 1024, "KB", 1, 2, "center", false, "");
+  });
+  EXPECT_EQ(column->ConstructHTMLData(*page.context, *page.display, page.row),
+            "<td colspan=\"2\" align=\"center\">1536</td>")
+      << "the value and where it leads were chosen before";
+}
+
+TEST(ColumnData, ALinkIsMadeBeforeItsCell) {
+  ColumnFixture page;
+  page.column.hyperLinkType = HYPERLINK_SERVERGROUP;
+  page.column.align = "right";
+  page.row.fields = {{"Value", "v"}};
+  page.page->server->steps.done.clear();
+  page.Data();
+  EXPECT_EQ(page.page->server->steps.done,
+            (std::vector<std::string>{"HTMLEncode(v)", "URLEncode(v)",
+                                      "HTMLEncode(../Resources/SingleServerGroupReports.asp?GroupName=v)",
+                                      "HTMLEncode(_top)", "HTMLEncode(right)"}));
+}
+
+TEST(ColumnData, AShownDateClearsThePendingErrorAndASerialLeavesItsOwn) {
+  const struct {
+    const char* why;
+    KalvoTableFormatType format;
+    const char* value;
+    std::int32_t pending;
+  } kCases[] = {
+      {"text shows no date", FORMATTYPE_NOFORMATING, "x", 6},
+      {"a date", FORMATTYPE_DATETIME, "1/2/1999", 0},
+      {"what is no date", FORMATTYPE_DATETIME, "never", 0},
+      {"no date", FORMATTYPE_DATETIME, "", 6},
+      {"a backup's date", FORMATTYPE_BackupDateTime, "1/2/1999", 0},
+      {"no backup", FORMATTYPE_BackupDateTime, "", 6},
+      {"a serial", FORMATTYPE_DATETIMEFLOAT, "36162.5", 0},
+      {"what is no serial", FORMATTYPE_DATETIMEFLOAT, "never", 13},
+      {"no serial", FORMATTYPE_DATETIMEFLOAT, "", 6},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    ColumnFixture page;
+    page.column.formatType = c.format;
+    page.row.fields = {{"Value", c.value}, {"LastQuickScan", "x"}};
+    LeaveError(Overflow());
+    page.Data();
+    EXPECT_EQ(CurrentError().number, c.pending);
+  }
+}
+
+// A script that serves as the row may change the scope that a form is made of.
+TEST(ColumnData, ADeleteFormHasTheScopeFromBeforeItsMessageWasRead) {
+  ColumnFixture page("ContainerId=c1");
+  page.column.id = COL_MAPI_DeleteMailboxMessage;
+  page.column.formatType = FORMATTYPE_IMAGE;
+  page.context->SetName("a server whose name is too long for a buffer of its own");
+  page.context->SetMailbox("Ken");
+  page.row.fields = {{"ExchangeId", "m1"}};
+  page.row.steps.When("GetField", [&] {
+    page.context->SetName("another server, whose name is also too long for a buffer of its own");
+    page.context->SetMailbox("Bob");
+  });
+  const std::string cell = page.Data();
+  EXPECT_NE(cell.find("name=\"ServerName\" value=\"a server whose name is too long for a buffer of its own\""),
+            std::string::npos);
+  EXPECT_NE(cell.find("name=\"MailboxName\" value=\"Ken\""), std::string::npos);
+}
+
 }  // namespace
 }  // namespace kalvo

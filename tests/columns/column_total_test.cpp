@@ -85,5 +85,20 @@ TEST(ColumnTotal, ASumThatIsNoNumberFails) {
   EXPECT_EQ(fakes::ErrorOf([&] { page.Total(); }), 13);
 }
 
+TEST(ColumnTotal, ASumIsReadBeforeItsCellIsMade) {
+  ColumnFixture page;
+  page.column.formatType = FORMATTYPE_NUMBER;
+  page.column.align = "right";
+  page.row.fields = {{"Value", "5"}};
+  const auto column = std::make_shared<KalvoColumn>(page.column);
+  page.row.steps.When("GetField", [&] {
+    column->Initialize(COL_CURRENTALERTS_ALERT, "", "", HYPERLINK_NONE, "", "", column_KeepTotal, false,
+                       FORMATTYPE_NUMBER, 0, "", 1, 2, "center", false, "");
+  });
+  bool first = false;
+  EXPECT_EQ(column->ConstructHTMLTotal(*page.context, *page.display, page.row, first),
+            "<td colspan=\"2\" align=\"center\"><strong>5</strong></td>");
+}
+
 }  // namespace
 }  // namespace kalvo

@@ -91,6 +91,34 @@ TEST_F(ControlColumn, RowsThatFollowOneAnotherWithOneRecipientShareABox) {
   EXPECT_EQ(row_.steps.done[1], "GetField(RecipientName)");
 }
 
+TEST_F(ControlColumn, ABoxIsMadeOnlyWhereItIsShown) {
+  page_.Administrator();
+  Define(FORMATTYPE_QVCHECKBOX);
+  Row("1", "Ann");
+  page_.page->server->steps.done.clear();
+  Row("2", "Ann");
+  EXPECT_EQ(page_.page->server->steps.done, (std::vector<std::string>{"HTMLEncode(center)"}));
+}
+
+TEST_F(ControlColumn, ABoxThatFailsIsNobodys) {
+  page_.Administrator();
+  Define(FORMATTYPE_QVCHECKBOX);
+  page_.page->server->fails = true;
+  EXPECT_EQ(fakes::ErrorOf([&] { Row("1", "Ann"); }), codes::kFailed);
+  page_.page->server->fails = false;
+  EXPECT_EQ(Row("2", "Ann"), Box("2"));
+}
+
+// A script that serves as the row may initialise the column that is asking it.
+TEST_F(ControlColumn, InitialisedAnewWhileItsCellIsMadeItGoesOnAsItIsThen) {
+  page_.Administrator();
+  Define(FORMATTYPE_CHECKBOX);
+  row_.steps.When("GetIdentifier", [&] {
+    column_.Initialize(COL_CURRENTALERTS_DELETE, "Select", "", "Other", true, "", true, FORMATTYPE_CHECKBOX);
+  });
+  EXPECT_EQ(Row("7", ""), "<td align=\"center\"><input type=\"checkbox\" name=\"Select\" value=\"7\" Checked></td>");
+}
+
 TEST_F(ControlColumn, ARecipientWhoComesBackGetsABoxAgain) {
   page_.Administrator();
   Define(FORMATTYPE_QVCHECKBOX);

@@ -193,6 +193,25 @@ TEST(DbDataSrc, AfterAFailedOpenItCanOnlyBeClosed) {
             Report("KalvodbDataSrc.CloseDS: rs.Close", "5B", "Object variable or With block variable not set"));
 }
 
+TEST(DbDataSrc, AResultThatCannotTellWhetherItIsEmptyIsRead) {
+  SourceFixture page;
+  page.database.steps.Fail("IsEmpty");
+  const std::string failure = Report("Get record set field name.", "80004005", "Refused.");
+  EXPECT_EQ(page.source->OpenDS(), 0x4005);
+  EXPECT_EQ(page.Taken(), failure) << "what failed is told at the first step of the reading";
+  EXPECT_EQ(page.source->MoveTotals(), 0x4005);
+  EXPECT_EQ(page.Taken(), failure);
+}
+
+TEST(DbDataSrc, InitialisedAnewItKnowsNoFields) {
+  SourceFixture page;
+  page.source->OpenDS();
+  page.source->MoveFirst();
+  page.Use("select 2");
+  EXPECT_EQ(page.source->GetField("Id"), "");
+  EXPECT_EQ(page.Taken(), Message("GetField: Unknown field \"Id\""));
+}
+
 // ---- moving and reading ---------------------------------------------------------------------------------
 
 TEST(DbDataSrc, FieldsAreFoundWhateverTheirCase) {
@@ -217,6 +236,26 @@ TEST(DbDataSrc, OutsideOfTheRowsEveryFieldIsEmpty) {
   EXPECT_EQ(page.source->MoveNext(), 0);
   EXPECT_EQ(page.source->GetField("Id"), "");
   EXPECT_EQ(page.source->GetRowIndex(), 3);
+  EXPECT_EQ(page.Text(), "");
+}
+
+TEST(DbDataSrc, OutsideOfTheRowsNothingIdentifiesThem) {
+  SourceFixture page;
+  page.source->OpenDS();
+  EXPECT_EQ(page.source->GetField("Id", true), Value(""s)) << "before the first row";
+  page.source->MoveFirst();
+  for (int i = 0; i < 2; ++i) page.source->MoveNext();
+  EXPECT_EQ(page.source->GetField("Id", true), Value(""s)) << "behind the last row";
+  EXPECT_EQ(page.database.steps.Count("Binary"), 0u);
+  EXPECT_EQ(page.Text(), "");
+}
+
+TEST(DbDataSrc, AFieldThatCannotBeReadIsEmpty) {
+  SourceFixture page;
+  page.source->OpenDS();
+  page.source->MoveFirst();
+  page.database.steps.Fail("Text");
+  EXPECT_EQ(page.source->GetField("Name"), "");
   EXPECT_EQ(page.Text(), "");
 }
 
@@ -294,8 +333,14 @@ TEST(DbDataSrc, AnEmptySecondResultIsNoTotalsRow) {
   SourceFixture page;
   page.database.results[1].rows.clear();
   page.source->OpenDS();
+  page.source->MoveFirst();
+  page.source->MoveNext();
   EXPECT_EQ(page.source->MoveTotals(), 1);
-  EXPECT_EQ(page.Text(), Message("Totals query not implemented for this table."));
+  EXPECT_EQ(page.Taken(), Message("Totals query not implemented for this table."));
+  EXPECT_EQ(page.source->GetRowIndex(), 2) << "nothing was loaded: names and rows are still the first result's";
+  EXPECT_EQ(page.source->GetField("Id"), "2");
+  EXPECT_EQ(page.source->CloseDS(), 0);
+  EXPECT_EQ(page.Text(), "");
 }
 
 TEST(DbDataSrc, TotalsThatCannotBeLoadedFail) {

@@ -39,5 +39,14 @@ TEST(FieldMap, HoldsManyNamesAndForgetsThem) {
   }
 }
 
+// A search for a name that is not there ends at a free place, so there has to be one.
+TEST(FieldMap, AlwaysHasAFreePlace) {
+  FieldMap map;
+  for (int i = 0; i < 300; ++i) {
+    map.Add("Field" + std::to_string(i));
+    EXPECT_FALSE(map.Find("Nothing")) << "with " << i + 1 << " names";
+  }
+}
+
 }  // namespace
 }  // namespace kalvo

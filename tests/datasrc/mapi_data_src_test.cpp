@@ -394,5 +394,49 @@ TEST(MapiDataSrc, AFailingFirstMoveSaysNothing) {
   EXPECT_EQ(page.Text(), "");
 }
 
+// ---- what is asked for once -----------------------------------------------------------------------------
+
+TEST(MapiDataSrc, TheScopeIsTakenBeforeAnybodyIsAsked) {
+  const struct {
+    const char* why;
+    KalvoTableConstants table;
+    const char* query;
+    const char* step;  // that changes the page's scope
+    Steps positions;
+  } kCases[] = {
+      {"a mailbox folder by its path",
+       TABLE_MAPI_FOLDERS,
+       "",
+       "MailboxOwner",
+       {"GotoContainer(EXCH01, Ken, \\Inbox, 0, 1)"}},
+      {"a mailbox folder by its id",
+       TABLE_MAPI_MESSAGES,
+       "ContainerId=C",
+       "GotoContainer",
+       {"GotoContainer(EXCH01, Ken, , 0, 1)", "GotoContainerById(EXCH01, C, 1)"}},
+      {"a public folder by its id",
+       TABLE_MAPI_PUBLICFOLDER_FOLDERS,
+       "PublicFolderId=P",
+       "GotoContainer",
+       {"GotoContainer(EXCH01, Kalvo EXCH01, , 0, 4)", "GotoContainerById(EXCH01, P, 4)"}},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    SourceFixture page(c.table, c.query);
+    page.Administrator();
+    page.live->steps.When(c.step, [&] {
+      page.context->SetName("OTHER");
+      page.context->SetMailbox("Bob");
+      page.context->SetContainer("Out");
+    });
+    EXPECT_EQ(page.source->OpenDS(), 0);
+    Steps positions;
+    for (const std::string& step : page.live->steps.done) {
+      if (step.starts_with("Goto")) positions.push_back(step);
+    }
+    EXPECT_EQ(positions, c.positions);
+  }
+}
+
 }  // namespace
 }  // namespace kalvo

@@ -149,6 +149,8 @@ TEST(TopnDataSrc, SortsByColumnNumbersAlone) {
       {"a name falls back to the table's column", "Sort=Name&SortOrder=ASC", "7", "DESC", "Sort(7, 1)",
        "<p>Sort Information: \"7\" (7) \"ASC\" (1)</p>\r\n"},
       {"a rounded number", "Sort=2.5", "", "", "Sort(2, 0)", "<p>Sort Information: \"2.5\" (2) \"\" (0)</p>\r\n"},
+      {"the largest number of 16 bits", "Sort=32767", "", "", "Sort(32767, 0)",
+       "<p>Sort Information: \"32767\" (32767) \"\" (0)</p>\r\n"},
       {"a name and no column", "Sort=Name", "", "", "", "<p>No supplied or default sort Information.</p>\r\n"},
       {"nothing", "", "", "", "", "<p>No supplied or default sort Information.</p>\r\n"},
   };
@@ -159,6 +161,18 @@ TEST(TopnDataSrc, SortsByColumnNumbersAlone) {
     EXPECT_EQ(page.source->OpenDS(), 0);
     EXPECT_EQ(page.Text(), c.traced);
     EXPECT_EQ(page.ranking.steps.done.back(), *c.sort ? c.sort : "Count()");
+  }
+}
+
+TEST(TopnDataSrc, AColumnNumberBeyond16BitsFailsTheOpen) {
+  for (const char* query : {"Sort=32768", "Sort=99999", "Sort=-32769"}) {
+    SCOPED_TRACE(query);
+    SourceFixture page(query);
+    EXPECT_EQ(page.source->OpenDS(), -1);
+    EXPECT_EQ(page.Text(),
+              "<p>Error Generating Table: &nbsp;TopnDataSrc.OpenDS: Sort failed<br>Error number: 0x6; &nbsp; "
+              "Description: Overflow</p>\r\n");
+    EXPECT_EQ(page.ranking.steps.done.back(), "Sort(0, 0)") << "it is sorted all the same, by no column";
   }
 }
 
@@ -238,6 +252,13 @@ TEST(TopnDataSrc, ItsTwoNumbersMayBeSet) {
   page.source->SetgRowIndex(32768);
   EXPECT_EQ(page.source->gRowIndex(), 32768);
   EXPECT_EQ(ErrorOf([&] { page.source->GetRowIndex(); }), 6);
+}
+
+TEST(TopnDataSrc, AFieldIdentifiesItsRowAsItReads) {
+  SourceFixture page;
+  page.source->OpenDS();
+  page.source->MoveFirst();
+  EXPECT_EQ(page.source->GetIdentifier("2"), "Ann");
 }
 
 }  // namespace

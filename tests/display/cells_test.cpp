@@ -131,5 +131,41 @@ TEST_F(Cells, TheDownLinkAloneDecidesAboutTheArrows) {
             std::string::npos);
 }
 
+TEST_F(Cells, TheArrowsAreMadeBeforeTheirCell) {
+  display_.DetailTableStart("bm");
+  page_.page->server->steps.done.clear();
+  display_.TableHeaderCell("T", "up", "down", "", "");
+  EXPECT_EQ(page_.page->server->steps.done,
+            (std::vector<std::string>{"HTMLEncode(center)", "HTMLEncode(bottom)", "HTMLEncode(center)",
+                                      "HTMLEncode(bottom)", "URLEncode(bm)", "HTMLEncode(up#bm)", "URLEncode(bm)",
+                                      "HTMLEncode(down#bm)", "HTMLEncode(center)"}));
+}
+
+TEST_F(Cells, NoWrapIsExactlyTrueOrMinusOne) {
+  const struct {
+    const char* why;
+    Value noWrap;
+    bool wraps;
+  } kCases[] = {
+      {"true", true, false},
+      {"false", false, true},
+      {"-1", std::int32_t{-1}, false},
+      {"-1 of 64 bits", std::int64_t{-1}, false},
+      {"-1 with a point", -1.0, false},
+      {"1", std::int32_t{1}, true},
+      {"1 of 64 bits", std::int64_t{1}, true},
+      {"1 with a point", 1.0, true},
+      {"-1 as text", "-1"s, true},
+      {"null", Null{}, true},
+      {"empty", Empty{}, true},
+      {"a date", Date{-1}, true},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    EXPECT_EQ(display_.MultipleRowData("x", false, 1, 1, ""s, ""s, c.noWrap, ""s),
+              c.wraps ? "<td>x</td>" : "<td nowrap>x</td>");
+  }
+}
+
 }  // namespace
 }  // namespace kalvo

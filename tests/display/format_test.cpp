@@ -123,6 +123,7 @@ TEST_F(Format, DatesUpTo1950ShowTheDefault) {
   } kCases[] = {
       {"the first of 1950", "1/1/1950"s, "default"},
       {"the last of 1950", "12/31/1950 11:59:59 PM"s, "default"},
+      {"the first second of 1951", "1/1/1951 12:00:01 AM"s, "1/1/1951 12:00:01 AM"},
       {"the first of 1951", "1/1/1951"s, "1/1/1951"},
       {"the second of 1951", "1951-01-02"s, "1/2/1951"},
       {"a date", Date{36162.5}, "1/2/1999 12:00:00 PM"},
@@ -141,10 +142,57 @@ TEST_F(Format, DatesUpTo1950ShowTheDefault) {
   }
 }
 
+TEST_F(Format, TheLastSecondOf1950IsADateAllTheSame) {
+  EXPECT_EQ(display_.Kalvo_FormatDateTimeFloat("12/31/1950 11:59:59 PM"s), "12/31/1950 11:59:59 PM");
+}
+
 TEST_F(Format, AFormattedDateLeavesNoErrorBehind) {
-  LeaveError(Overflow());
-  display_.Kalvo_FormatDateTime(std::shared_ptr<Object>(std::make_shared<Thing>()), "x"s);
+  const Value dates[] = {"1/2/1999"s, "never"s, std::shared_ptr<Object>(std::make_shared<Thing>())};
+  for (const Value& date : dates) {
+    LeaveError(Overflow());
+    display_.Kalvo_FormatDateTime(date, "x"s);
+    EXPECT_EQ(CurrentError().number, 0);
+  }
+}
+
+TEST_F(Format, ADefaultThatIsNoTextIsNeededForWhatIsNoDateAlone) {
+  const Value thing = std::shared_ptr<Object>(std::make_shared<Thing>());
+  EXPECT_EQ(display_.Kalvo_FormatDateTime("1/2/1999"s, thing), "1/2/1999");
+  EXPECT_EQ(display_.Kalvo_FormatDateTime("never"s, thing), "");
   EXPECT_EQ(CurrentError().number, 0);
+}
+
+TEST_F(Format, ADateBySerialLeavesItsOwnErrorAndNoOlder) {
+  const struct {
+    const char* why;
+    Value date;
+    std::int32_t error;
+  } kCases[] = {
+      {"null", Null{}, 0},
+      {"a serial", 36162.5, 0},
+      {"a serial as text", "36162.5"s, 0},
+      {"a date", "1/2/1999"s, 0},
+      {"text that is none", "abc"s, 13},
+      {"no text", ""s, 13},
+      {"a number that is none", 1e9, 13},
+      {"a number that is none as text", "1e9"s, 13},
+      {"an object", std::shared_ptr<Object>(std::make_shared<Thing>()), 438},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    LeaveError(Overflow());
+    display_.Kalvo_FormatDateTimeFloat(c.date);
+    EXPECT_EQ(CurrentError().number, c.error);
+  }
+}
+
+TEST_F(Format, OneIsNotZero) {
+  EXPECT_EQ(display_.Kalvo_FormatNumericValue(std::int32_t{1}, 1, ""s, ""s), "1.00");
+  EXPECT_EQ(display_.Kalvo_FormatNumericValue(std::int32_t{1}, 2, ""s, ""s), "0.50");
+  EXPECT_EQ(display_.Kalvo_FormatNumericValue("0"s, 0, ""s, ""s), "0.00");
+  std::string out;
+  display_.AppendNumericValue(out, "0", 0, "KB");
+  EXPECT_EQ(out, "0.00KB");
 }
 
 TEST_F(Format, DatesBySerialHaveNoCutOff) {

@@ -70,13 +70,16 @@ std::vector<std::string> FakeRequest::QueryKeys() {
 }
 
 std::int32_t FakeRequest::QueryCount(std::string_view key) {
+  steps.Do("QueryCount", key);
   const Parameter* parameter = Find(query_, key);
   return parameter ? static_cast<std::int32_t>(parameter->values.size()) : 0;
 }
 
 std::string FakeRequest::QueryItem(std::string_view key, std::int32_t i) {
-  if (i < 1 || i > QueryCount(key)) throw SubscriptOutOfRange();
-  return Find(query_, key)->values[static_cast<std::size_t>(i - 1)];
+  steps.Do("QueryItem", key, i);
+  const Parameter* parameter = Find(query_, key);
+  if (!parameter || i < 1 || i > static_cast<std::int32_t>(parameter->values.size())) throw SubscriptOutOfRange();
+  return parameter->values[static_cast<std::size_t>(i - 1)];
 }
 
 std::string FakeRequest::ServerVariable(std::string_view name) {
@@ -85,12 +88,14 @@ std::string FakeRequest::ServerVariable(std::string_view name) {
 }
 
 std::string FakeRequest::Item(std::string_view name) {
+  steps.Do("Item", name);
   if (Find(query_, name)) return Joined(query_, name);
   if (Find(form_, name)) return Joined(form_, name);
   return ServerVariable(name);
 }
 
 void FakeServer::HTMLEncode(std::string& out, std::string_view text) {
+  steps.Do("HTMLEncode", text);
   if (fails) throw Error(codes::kFailed, "Encoder refused.");
   for (const char c : text) {
     switch (c) {
@@ -104,6 +109,7 @@ void FakeServer::HTMLEncode(std::string& out, std::string_view text) {
 }
 
 void FakeServer::URLEncode(std::string& out, std::string_view text) {
+  steps.Do("URLEncode", text);
   if (fails) throw Error(codes::kFailed, "Encoder refused.");
   constexpr std::string_view kDigits = "0123456789ABCDEF";
   for (const char c : text) {

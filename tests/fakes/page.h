@@ -31,18 +31,20 @@ class FakeResponse : public Response {
   void Flush() override { steps.Do("Flush"), ++flushes; }
 };
 
-// A request made of a query string, a form and server variables, decoded as a browser's is.
+// A request made of a query string, a form and server variables, decoded as a browser's is. Steps: QueryCount,
+// QueryItem, QueryText, Item.
 class FakeRequest : public Request {
  public:
   explicit FakeRequest(std::string_view query, std::string_view form = "")
       : query_(Parsed(query)), form_(Parsed(form)) {}
 
+  Steps steps;
   std::map<std::string, std::string> variables = {{"URL", "/KalvoforExchange/Tasks/Page.asp"}};
 
   std::vector<std::string> QueryKeys() override;
   std::int32_t QueryCount(std::string_view key) override;
   std::string QueryItem(std::string_view key, std::int32_t i) override;
-  std::string QueryText(std::string_view key) override { return Joined(query_, key); }
+  std::string QueryText(std::string_view key) override { return steps.Do("QueryText", key), Joined(query_, key); }
   std::string ServerVariable(std::string_view name) override;
   std::string Item(std::string_view name) override;
 
@@ -59,10 +61,11 @@ class FakeRequest : public Request {
   Parameters query_, form_;
 };
 
-// Encodes as the page host does.
+// Encodes as the page host does. Steps: HTMLEncode, URLEncode.
 class FakeServer : public Server {
  public:
   bool fails = false;
+  Steps steps;
 
   void HTMLEncode(std::string& out, std::string_view text) override;
   void URLEncode(std::string& out, std::string_view text) override;

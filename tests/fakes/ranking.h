@@ -2,6 +2,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,10 +17,11 @@ using RankedRow = std::map<std::int16_t, Value>;
 // Rows of numbered fields and a totals row. Steps: Count, MoveFirst, MoveNext, MoveTotals, Value, Sort.
 class FakeRankedResults : public RankedResults {
  public:
-  FakeRankedResults(const std::vector<RankedRow>& rows, const RankedRow& totals, Steps& steps)
-      : rows_(rows), totals_(totals), steps_(steps) {}
+  FakeRankedResults(const std::vector<RankedRow>& rows, const RankedRow& totals,
+                    const std::optional<std::int32_t>& count, Steps& steps)
+      : rows_(rows), totals_(totals), count_(count), steps_(steps) {}
 
-  std::int32_t Count() override { return steps_.Do("Count"), static_cast<std::int32_t>(rows_.size()); }
+  std::int32_t Count() override { return steps_.Do("Count"), count_.value_or(static_cast<std::int32_t>(rows_.size())); }
   void MoveFirst() override { steps_.Do("MoveFirst"), at_ = 0, onTotals_ = false; }
   void MoveNext() override { steps_.Do("MoveNext"), ++at_, onTotals_ = false; }
   void MoveTotals() override { steps_.Do("MoveTotals"), onTotals_ = true; }
@@ -35,6 +37,7 @@ class FakeRankedResults : public RankedResults {
  private:
   const std::vector<RankedRow>& rows_;
   const RankedRow& totals_;
+  const std::optional<std::int32_t>& count_;
   Steps& steps_;
   std::size_t at_ = 0;
   bool onTotals_ = false;
@@ -64,11 +67,12 @@ class FakeRanking : public TopNFactory {
  public:
   std::vector<RankedRow> rows;
   RankedRow totals;
+  std::optional<std::int32_t> count;  // what the results say that they have, where it is not the rows there are
   Steps steps;
 
   std::shared_ptr<RankedResults> NewResults() override {
     steps.Do("NewResults");
-    return std::make_shared<FakeRankedResults>(rows, totals, steps);
+    return std::make_shared<FakeRankedResults>(rows, totals, count, steps);
   }
   std::shared_ptr<TopNLoader> NewServerLoader() override {
     steps.Do("NewServerLoader");

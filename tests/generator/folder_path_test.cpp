@@ -261,5 +261,26 @@ TEST(FolderPath, APublicFoldersPathIsToldFromNoneAndFromAFailure) {
   EXPECT_EQ(page.generator->PublicFolderDisplayPath(), "-1");
 }
 
+TEST(FolderPath, OfAPublicFolderTheIdentifierComesBeforeTheContainer) {
+  const struct {
+    const char* why;
+    const char *container, *folderId, *shown;
+  } kCases[] = {
+      {"neither", "", "", ""},
+      {"an identifier", "", "f1", "<td>Folder:</td><td>\\Inbox</td>"},
+      {"both", "A", "f1", "<td>Folder:</td><td>\\Inbox</td>"},
+      {"a container", "A", "",
+       "<td>Path:</td><td>\\</td><td><a target=\"_top\" "
+       "href=\"MailboxSummary.asp?Server=EXCH01&Mailbox=Ken&Container=A\">"
+       "A</a></td>"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    PathFixture page;
+    EXPECT_TRUE(page.Show(TABLE_MAPI_PUBLICFOLDER_FOLDERS, c.container, c.folderId));
+    EXPECT_EQ(page.Text(), std::string("<table border=\"0\"><tr>") + c.shown + "</tr></table>");
+  }
+}
+
 }  // namespace
 }  // namespace kalvo

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "fakes/error_of.h"
 #include "fakes/page_fixture.h"
 #include "kalvo/table_generator.h"
@@ -79,6 +81,35 @@ TEST(MessageInformation, WhatCannotBeReadIsEmpty) {
   EXPECT_NE(html.find(Heading("Size") + "<td>0.00KB</td>"), std::string::npos);
   EXPECT_NE(html.find(Heading("Creation Date") + "<td></td>"), std::string::npos);
   EXPECT_NE(html.find(Heading("Modification Date") + "<td></td>"), std::string::npos);
+}
+
+TEST(MessageInformation, SizesAreShownInKilobytes) {
+  const struct {
+    const char* why;
+    Value size;
+    const char* shown;
+  } kCases[] = {
+      {"nothing", std::int32_t{0}, "0.00KB"},
+      {"just under a kilobyte", std::int32_t{1023}, "1.00KB"},
+      {"a kilobyte", std::int32_t{1024}, "1.00KB"},
+      {"just over a kilobyte", std::int32_t{1025}, "1.00KB"},
+      {"half a kilobyte", std::int32_t{512}, "0.50KB"},
+      {"1023 kilobytes", std::int32_t{1047552}, "1,023.00KB"},
+      {"a megabyte", std::int32_t{1048576}, "1,024.00KB"},
+      {"more than 32 bits", std::int64_t{4294967296}, "4,194,304.00KB"},
+      {"numeric text", "2048"s, "2.00KB"},
+      {"no text", ""s, "0.00KB"},
+      {"text that is no number", "abc"s, "0.00KB"},
+      {"a number without end", std::numeric_limits<double>::infinity(), "0.00KB"},
+      {"empty", Empty{}, "0.00KB"},
+      {"null", Null{}, ""},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    MessageFixture page;
+    page.live->size = c.size;
+    EXPECT_NE(page.Show().find(Heading("Size") + "<td>" + c.shown + "</td></tr>"), std::string::npos);
+  }
 }
 
 TEST(MessageInformation, AMessageThatCannotBeOpenedIsReportedAndNothingElseWritten) {

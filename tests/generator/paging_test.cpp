@@ -2,16 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 namespace kalvo {
 namespace {
 
 TEST(Paging, ChoosesTheRowsOfAPage) {
   const struct {
     const char* why;
-    std::int32_t records, size, first;
-    std::int32_t shownFirst, shownLast, shownSize;
+    std::int64_t records, size, first;
+    std::int64_t shownFirst, shownLast, shownSize;
     bool paged;
   } kCases[] = {
       {"fifty rows without a request", 120, 0, 0, 1, 50, 50, true},
@@ -32,7 +30,12 @@ TEST(Paging, ChoosesTheRowsOfAPage) {
       {"beyond the end", 10, 50, 40, 40, 10, 50, true},
       {"in the middle", 120, 20, 41, 41, 60, 20, true},
       {"one row a page", 3, 1, 2, 2, 2, 1, true},
-      {"the largest count of records", std::numeric_limits<std::int32_t>::max(), 50, 1, 1, 50, 50, true},
+      {"the largest count of records", 2147483647, 50, 1, 1, 50, 50, true},
+      {"its last page", 2147483647, 50, -1, 2147483598, 2147483647, 50, true},
+      {"fewer than no records", -2147483647 - 1, 32767, -1, -2147516414, -2147483648, 32767, true},
+      {"the largest page is as long as any other", 5000, 1000, 1, 1, 1000, 1000, true},
+      {"a remainder of exactly a quarter is a page", 125, 100, 1, 1, 100, 100, true},
+      {"one row less is none", 124, 100, 1, 1, 124, 100, false},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.why);

@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <limits>
 #include <stdexcept>
 
 #include "fakes/columns.h"
 #include "fakes/error_of.h"
 #include "fakes/page_fixture.h"
+#include "kalvo/column_database.h"
 #include "kalvo/table.h"
 
 namespace kalvo {
@@ -434,6 +437,74 @@ TEST(TableRendering, AFailedMoveShowsTheSameRowToTheEnd) {
             std::string::npos);
 }
 
+TEST(TableRendering, ATableThatIsInitialisedAnewShowsItsNewColumnsFromTheNextRowOn) {
+  RenderingFixture page;
+  page.ids = {kId, kName, kId};
+  page.Define();
+  page.columns.steps.When("Id.Data", [&] {
+    page.ids = {kName};
+    page.Define();
+  });
+  EXPECT_NE(page.Render().find(Row("[Id][Name][Id]") + Row("[Id=1][Name=N][Id=1]") + Row("[Name=N]") + kEnd),
+            std::string::npos);
+}
+
+TEST(TableRendering, AColumnThatIsMadeAnewFinishesItsCell) {
+  RenderingFixture plain, anew;
+  std::string rendered[2];
+  for (RenderingFixture* page : {&plain, &anew}) {
+    const auto catalogue = std::make_shared<KalvoColumnDatabase>();
+    page->Administrator();
+    page->context->SetName("EXCH01");
+    page->context->SetMailbox("Ken");
+    page->live->folders->items = {{{"Name", "Sub"s}, {"ExchangeId", "f1"s}, {"FolderSize", std::int32_t{1048576}}}};
+    page->live->folders->totals = {{"FolderSize", std::int32_t{2097152}}};
+    page->type = TABLETYPE_MAPI;
+    page->table->Initialize(TABLETYPE_MAPI, TABLE_MAPI_FOLDERS, "", table_ShowTotals, false, false, false, false,
+                            std::vector<std::int16_t>{COL_MAPI_FOLDERNAME, COL_MAPI_FOLDERSIZE}, "", "", "");
+    if (page == &anew) {
+      for (const char* step : {"Field", "Total"}) {
+        page->live->steps.When(step, [catalogue] { catalogue->Initialize_MAPI_Columns(); });
+      }
+    }
+    page->table->BuildHTML(*page->context, *page->page->response, *page->display, *catalogue, "", "");
+    rendered[page == &anew] = page->Taken();
+  }
+  EXPECT_NE(rendered[0].find("1.00MB"), std::string::npos);
+  EXPECT_NE(rendered[0].find("2.00MB"), std::string::npos);
+  EXPECT_EQ(rendered[1], rendered[0]);
+}
+
+TEST(TableRendering, APagingLinkAsksForTheSortFieldAndThenForItsOrder) {
+  RenderingFixture page("Sort=Name&SortOrder=DESC&PageSize=1");
+  page.page->request->steps.done.clear();
+  page.Render();
+  const std::vector<std::string>& asked = page.page->request->steps.done;
+  const auto size = std::find(asked.rbegin(), asked.rend(), "QueryItem(PageSize, 1)");
+  ASSERT_NE(size, asked.rend());
+  ASSERT_GE(size - asked.rbegin(), 2);
+  EXPECT_EQ(*(size - 1), "QueryItem(Sort, 1)");
+  EXPECT_EQ(*(size - 2), "QueryItem(SortOrder, 1)");
+}
+
+TEST(TableRendering, CountsBeyond32BitsArePagedWithoutOverflow) {
+  RenderingFixture page("First=-1&PageSize=32767", 0);
+  page.type = TABLETYPE_TOPN;
+  page.context->SetTopN(TOPN_SITE);
+  page.columns.Add(kId, "2");
+  page.Define();
+  page.ranking.count = std::numeric_limits<std::int32_t>::min();
+  EXPECT_NE(page.Render().find("-2147516414 - -2147483648"), std::string::npos);
+}
+
+TEST(TableRendering, AUserWhoCannotBeToldIsNoAdministrator) {
+  RenderingFixture page;
+  page.form = true;
+  page.Define();
+  page.page->session->values["KalvoAdministrator"] = std::shared_ptr<Object>(std::make_shared<Context>());
+  EXPECT_EQ(page.Render().find("WARNING"), std::string::npos);
+}
+
 // ---- debug lines ----------------------------------------------------------------------------------------
 
 TEST(TableRendering, ItsTypeAndNumberAreTraced) {
@@ -456,6 +527,33 @@ TEST(TableRendering, ItsTimeIsTracedWithoutALineBreak) {
                                "seconds)</p>"s +
                                kEnd),
             std::string::npos);
+}
+
+// ---- paging links that fail -----------------------------------------------------------------------------
+
+TEST(TableRendering, ALinkThatCannotBeMadeIsLeftOut) {
+  RenderingFixture page("First=3&PageSize=2", 9);
+  page.page->server->steps.Fail("URLEncode");
+  const std::string html = page.Render();
+  EXPECT_EQ(PagingLinks(html), "");
+  EXPECT_NE(html.find("<td nowrap align=\"left\">&nbsp;</td><td nowrap align=\"right\">&nbsp;</td>"),
+            std::string::npos);
+  EXPECT_NE(html.find(Row("[Id=3]") + Row("[Id=4]")), std::string::npos);
+}
+
+TEST(TableRendering, OfTwoLinksTheSecondTakesTheFirstWithIt) {
+  RenderingFixture page("PageSize=2", 9);
+  // "Next" names its bookmark and four values, then "Last" fails.
+  page.page->server->steps.Fail("URLEncode", codes::kFailed, "Refused.", 6);
+  EXPECT_EQ(PagingLinks(page.Render()), "");
+}
+
+TEST(TableRendering, ANavigationRowThatCannotBeMadeIsLeftOut) {
+  RenderingFixture page("PageSize=2", 9);
+  page.page->server->steps.Fail("HTMLEncode");
+  const std::string html = page.Render();
+  EXPECT_EQ(html.find("<table border=\"0\" width=\"100%\">"), std::string::npos);
+  EXPECT_NE(html.find(kStart + Row("[Id]") + Row("[Id=1]") + Row("[Id=2]") + kEnd), std::string::npos);
 }
 
 }  // namespace
