@@ -7,6 +7,7 @@
 
 #include "adapters/odbc/odbc_database.h"
 #include "adapters/sqlite/connection.h"
+#include "adapters/sqlite/guard.h"
 #include "platform/error.h"
 #include "support/odbc_data_source.h"
 #include "support/temporary_folder.h"
@@ -220,6 +221,27 @@ TEST_F(SqliteFileTest, ALibraryIsNotLoaded) {
   EXPECT_EQ(ErrorOf(*connection, "select LOAD_EXTENSION('libm.so.6')").Description().substr(0, 7), "[42501]");
   EXPECT_EQ(ErrorOf(*connection, "delete from T").Description().substr(0, 7), "[42501]");
 }
+
+// The guard of connections that drivers open, as a driver meets it: a plain connection of SQLite's library.
+TEST_F(SqliteFileTest, ADriverMayAskForItsOwnEndsAndNoMore) {
+  sqlite::GuardEveryConnection();
+  sqlite3* connection = nullptr;
+  ASSERT_EQ(sqlite3_open(File().c_str(), &connection), SQLITE_OK);
+  for (const char* sql :
+       {"begin; commit", "pragma count_changes", "pragma empty_result_callbacks", "pragma encoding",
+        "pragma foreign_key_list(T)", "pragma foreign_keys", "pragma full_column_names", "pragma index_info(x)",
+        "pragma index_list(T)", "pragma synchronous", "pragma short_column_names", "pragma table_info(T)",
+        "pragma table_xinfo(T)", "select upper('x')"}) {
+    EXPECT_EQ(sqlite3_exec(connection, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sql;
+  }
+  for (const char* sql : {"pragma journal_mode", "pragma query_only = 0", "pragma writable_schema = 1", "delete from T",
+                          "attach 'x.db' as x", "select load_extension('libm.so.6')"}) {
+    EXPECT_NE(sqlite3_exec(connection, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sql;
+  }
+  sqlite3_close(connection);
+}
+
+TEST_F(SqliteFileTest, TheLibraryDoesNotCountItsMemoryUnderItsLock) { EXPECT_EQ(sqlite3_memory_used(), 0); }
 
 TEST_F(SqliteFileTest, AClosedConnectionOrResultIsAnError) {
   sqlite::SqliteDatabase database(File());
