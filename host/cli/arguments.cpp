@@ -103,6 +103,14 @@ void AddPasswd(CLI::App& app, PasswdArguments& passwd) {
       ->excludes(remove);
 }
 
+void AddUndelete(CLI::App& app, UndeleteArguments& undelete) {
+  app.add_option("--config", undelete.config, "the settings' file")->type_name("FILE")->required();
+  CLI::Option* id = app.add_option("ID", undelete.id, "the message to restore; without it deleted messages are listed");
+  app.add_option("--into", undelete.into, "another folder than the one it was in: Inbox\\Projects")
+      ->type_name("PATH")
+      ->needs(id);
+}
+
 // The words after the program's name, the last one first, as the parser wants them. "--query=" becomes "--query" and
 // an empty word: the parser would take the next word for the value that is not there.
 std::vector<std::string> WordsReversed(int count, char** words) {
@@ -128,16 +136,19 @@ std::variant<Arguments, int> ParseArguments(int count, char** words) {
   SampleArguments sample;
   CheckArguments check;
   PasswdArguments passwd;
+  UndeleteArguments undelete;
   CLI::App* runPage = app.add_subcommand("page", "Run one page and print it");
   CLI::App* runServe = app.add_subcommand("serve", "Serve the console");
   CLI::App* runSample = app.add_subcommand("sample", "Make sample data");
   CLI::App* runCheck = app.add_subcommand("check", "Check the reporting database");
   CLI::App* runPasswd = app.add_subcommand("passwd", "Add a user, change her password and rights, or remove her");
+  CLI::App* runUndelete = app.add_subcommand("undelete", "List deleted messages that are held, or restore one");
   AddPage(*runPage, page);
   AddServe(*runServe, serve);
   AddSample(*runSample, sample);
   AddCheck(*runCheck, check);
   AddPasswd(*runPasswd, passwd);
+  AddUndelete(*runUndelete, undelete);
 
   try {
     app.parse(WordsReversed(count, words));
@@ -148,6 +159,7 @@ std::variant<Arguments, int> ParseArguments(int count, char** words) {
   if (runServe->parsed()) return Arguments(std::move(serve));
   if (runSample->parsed()) return Arguments(std::move(sample));
   if (runPasswd->parsed()) return Arguments(std::move(passwd));
+  if (runUndelete->parsed()) return Arguments(std::move(undelete));
   return Arguments(std::move(check));
 }
 

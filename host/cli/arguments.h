@@ -58,7 +58,14 @@ struct PasswdArguments {
   bool noPassword = false;
 };
 
-using Arguments = std::variant<PageArguments, ServeArguments, SampleArguments, CheckArguments, PasswdArguments>;
+struct UndeleteArguments {
+  std::string config;
+  std::string id;    // "": the deleted messages are listed
+  std::string into;  // a folder's path; "": where it was
+};
+
+using Arguments =
+    std::variant<PageArguments, ServeArguments, SampleArguments, CheckArguments, PasswdArguments, UndeleteArguments>;
 
 // Exit codes of every sub-command.
 inline constexpr int kDone = 0;

@@ -7,6 +7,7 @@ struct PageArguments;
 struct PasswdArguments;
 struct SampleArguments;
 struct ServeArguments;
+struct UndeleteArguments;
 
 // Each runs one sub-command to its end and answers the exit code. What is wrong goes to standard error.
 
@@ -22,5 +23,8 @@ int RunCheck(const CheckArguments& arguments);
 // Edits the users file. The password comes from the terminal, asked for twice, or is the first line of standard
 // input.
 int RunPasswd(const PasswdArguments& arguments);
+
+// Lists the deleted messages that are held, or restores one; the audit log has it.
+int RunUndelete(const UndeleteArguments& arguments);
 
 }  // namespace kalvo::host

@@ -14,6 +14,7 @@ struct Run {
   int operator()(const kalvo::host::SampleArguments& arguments) const { return kalvo::host::RunSample(arguments); }
   int operator()(const kalvo::host::CheckArguments& arguments) const { return kalvo::host::RunCheck(arguments); }
   int operator()(const kalvo::host::PasswdArguments& arguments) const { return kalvo::host::RunPasswd(arguments); }
+  int operator()(const kalvo::host::UndeleteArguments& arguments) const { return kalvo::host::RunUndelete(arguments); }
 };
 
 }  // namespace

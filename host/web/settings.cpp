@@ -87,6 +87,7 @@ const Rule kRules[] = {
   {"database",     Word{&Settings::database, IsDatabase},    "\"odbc\" or \"sqlite:FILE\""},
   {"unknown_engine", Flag{&Settings::unknownEngine},         "true or false"},
   {"mail",         Word{&Settings::mail, IsMail},            "\"maildir:DIR\", \"imap://HOST:PORT\", \"imaps://HOST:PORT\", or \"\" for none"},
+  {"holding_days", Whole{&Settings::holdingDays, 1, 3650},   "a whole number of days from 1 to 3650"},
   {"locale",       Word{&Settings::locale, IsLocale},        "one of en-US, en-GB, de-DE, fr-FR"},
   {"topn_rows",    Whole{&Settings::topNRows, 1, 10000},     "a whole number from 1 to 10000"},
   {"topn_old_days", Whole{&Settings::topNOldDays, 1, 3650},  "a whole number of days from 1 to 3650"},

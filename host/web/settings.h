@@ -29,6 +29,7 @@ struct Settings {
   std::string database = "odbc";          // where the data source "KalvoDB" points
   bool unknownEngine = false;             // takes a database that nothing here keeps from being written
   std::string mail;                       // the mailboxes; "" for none
+  int holdingDays = 14;                   // how long a deleted message is held
   std::string locale = "en-US";
   int topNRows = ranking::kRankedRows;  // how many rows a Top-N has
   int topNOldDays = ranking::kOldDays;  // from how many days on a message is old

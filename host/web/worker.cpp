@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <ctime>
 
 #include "host/edge/limits.h"
 #include "host/parts/memory_session.h"
@@ -17,12 +18,16 @@
 #include "host/web/error_pages.h"
 #include "host/web/fastcgi.h"
 #include "host/web/generation.h"
+#include "host/web/holding_sweep.h"
 #include "host/web/log.h"
 #include "host/web/privileges.h"
 #include "host/web/worker_slots.h"
 
 namespace kalvo::web {
 namespace {
+
+constexpr std::time_t kIdleSeconds = 5;
+constexpr std::int64_t kSweepMilliseconds = 600'000;  // a store that takes longer to sweep has stopped
 
 volatile std::sig_atomic_t stopAsked = 0;
 
@@ -52,12 +57,15 @@ void VolunteerForTheOutOfMemoryKiller() {
   close(file);
 }
 
-// False when the worker shall stop.
-bool AwaitRequest(int socket, const sigset_t& waiting) {
+// False when the worker shall stop. `idle` is called where nobody has asked for a while.
+template <typename Idle>
+bool AwaitRequest(int socket, const sigset_t& waiting, Idle&& idle) {
   while (!stopAsked) {
     pollfd listening{socket, POLLIN, 0};
-    const int ready = ppoll(&listening, 1, nullptr, &waiting);
+    const timespec patience{kIdleSeconds, 0};
+    const int ready = ppoll(&listening, 1, &patience, &waiting);
     if (ready > 0) return true;
+    if (ready == 0) idle();
     if (ready < 0 && errno != EINTR) return false;
   }
   return false;
@@ -80,7 +88,14 @@ int Worker::Run(int socket, pid_t parent) {
   const sigset_t waiting = PrepareSignals();
   FCGX_Request request;
   if (FCGX_Init() != 0 || FCGX_InitRequest(&request, socket, 0) != 0) return 1;
-  while (AwaitRequest(socket, waiting)) {
+  HoldingSweep sweep(generation_.settings.run, generation_.parts.GetMailStore().get(), generation_.settings.holdingDays,
+                     log_);
+  const auto whenIdle = [&] {
+    if (!sweep.IsDue()) return;
+    const RunningPage running(slot_, "(sweeping deleted messages)", kSweepMilliseconds);
+    sweep.Run();
+  };
+  while (AwaitRequest(socket, waiting, whenIdle)) {
     // Another worker may have been faster: the socket does not block.
     if (FCGX_Accept_r(&request) < 0) continue;
     Serve(request);

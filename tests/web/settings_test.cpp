@@ -60,6 +60,7 @@ mail = "maildir:/mail"
 locale = "de-DE"
 topn_rows = 20
 topn_old_days = 365
+holding_days = 30
 run = "../run"
 web = "external"
 nginx = "/opt/nginx"
@@ -82,6 +83,7 @@ Other = ""
   EXPECT_EQ(settings.locale, "de-DE");
   EXPECT_EQ(settings.topNRows, 20);
   EXPECT_EQ(settings.topNOldDays, 365);
+  EXPECT_EQ(settings.holdingDays, 30);
   EXPECT_EQ(settings.Parts().topNRows, 20);
   EXPECT_EQ(settings.Parts().topNOldDays, 365);
   EXPECT_EQ(settings.run, folder.Path().parent_path() / "run");
@@ -136,6 +138,7 @@ TEST(Settings, SayWhatIsWrongAndWhatWouldBeRight) {
       {"another locale", "locale = \"xx\"", ":1: locale takes one of en-US, en-GB, de-DE, fr-FR"},
       {"a Top-N of no rows", "topn_rows = 0", ":1: topn_rows takes a whole number from 1 to 10000"},
       {"too many rows", "topn_rows = 10001", ":1: topn_rows takes a whole number from 1 to 10000"},
+      {"no days of holding", "holding_days = 0", ":1: holding_days takes a whole number of days from 1 to 3650"},
       {"no days", "\ntopn_old_days = 0", ":2: topn_old_days takes a whole number of days from 1 to 3650"},
       {"text for days", "topn_old_days = \"90\"", ":1: topn_old_days takes a whole number of days from 1 to 3650"},
       {"another mail", "mail = \"pop3:x\"",
