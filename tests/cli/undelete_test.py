@@ -11,7 +11,7 @@ import unittest
 import cases
 import serving
 
-KALVO = sys.argv.pop()
+KALVO = os.path.abspath(sys.argv.pop())
 
 MAILBOXES = """[server EX01]
 public = public

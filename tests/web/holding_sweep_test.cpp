@@ -9,6 +9,7 @@
 #include "adapters/mail/mail_store.h"
 #include "host/parts/mail_part.h"
 #include "host/web/log.h"
+#include "platform/error.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::web {
@@ -64,7 +65,7 @@ TEST_F(HoldingSweepTest, HoldsThemForAsManyDaysAsTheSettingsSay) {
   Sweep(21).Run();
   EXPECT_EQ(Held(), 1u);
   Wait(3600);
-  Sweep(20).Run();
+  Sweep(19).Run();
   EXPECT_EQ(Held(), 0u);
 }
 
@@ -105,7 +106,7 @@ TEST_F(HoldingSweepTest, AStoreThatFailsIsToldOfAndTriedAnHourLater) {
     mail::FolderPath Restore(const mail::Tree&, std::string_view, const std::optional<mail::FolderPath>&) override {
       return {};
     }
-    std::int32_t Sweep(std::int64_t) override { throw Error(codes::kFailed, "The mail server is away."); }
+    std::int32_t Sweep(std::int64_t) override { throw kalvo::Error(kalvo::codes::kFailed, "The mail server is away."); }
 
    private:
     std::shared_ptr<mail::MailStore> store_;
