@@ -16,24 +16,37 @@ import sys
 # What is attacked, by whom of the test programs, and which of its cases are attacks.
 ATTACKS = (
     ("Sign-in and sessions", (
-        ("sign_in", "hostile|guess|refuse|writes_lets_nobody|sessions?$|ends_the_session|wrong_password"),
-        ("login", r"Gates\.(Let|Refuse|DoNot|Slow|SendBack|End|Keep|Find|LookAt)|OwnPasswords|Throttle|Sessions\.|Users\.Are"),
+        ("sign_in", "hostile|guess|refuse|writes_lets_nobody|sessions?$|ends_the_session|wrong_password|own_password"),
+        ("login", r"^(Gates\.(Let|Refuse|DoNot|Slow|SendBack|End|Keep|Find|LookAt)|OwnPasswords|PasswordChanges|Proxied"
+                  r"|Throttle|Sessions\.|Users\.Are)"),
+        ("proxy", "."),
     )),
-    ("Reports and SQL, every engine, without the edge", (
+    ("Text in pages", (
+        ("console", "write_nothing"),
+        ("live_pages", "Hostile|Markup"),
+    )),
+    ("Deleting", (("deleting", "."),)),
+    ("Reports and SQL on every engine, without the edge", (
         ("report_pages", "Hostile"),
-        ("database_contract", r"HostileText|RefusesToWrite|StopsAStatement"),
+        ("database_contract", "HostileText|RefusesToWrite|StopsAStatement"),
         ("database_proof", "AttributeCalls|UnknownEngine|Proof"),
-        ("sql", "Shape"),
+        ("sql", "^Shape"),
     )),
     ("Requests", (
         ("serve", "is_not|too_much|elsewhere|refused|control_characters|name_himself|ill_formed|no_http|limited"),
+        ("reach", "."),
         ("check_attack", "."),
     )),
     ("Waiting and floods", (("floods", "."),)),
-    ("Page scripts", (("serve", "never_ends|takes_all_memory|for_ever|killed|stands_still"), ("script", "Limits"))),
     ("Mail", (
-        ("maildir", "Hostile|Bound|Cost|Limits"),
-        ("imap", "Hostile|Guard"),
+        ("maildir", "Hostile"),
+        ("mail", "MailErrors|Identifiers|ANameThatIsNo"),
+        ("imap", "Hostile|ResponseGuard|ANameCannot|OnlyConfigured|Tls"),
+    )),
+    ("Page scripts and killed processes", (
+        ("serve", "never_ends|takes_all_memory|for_ever|killed|stands_still"),
+        ("script", "Limits"),
+        ("maildir", "Killed"),
     )),
 )
 
