@@ -42,6 +42,7 @@ void AddPage(CLI::App& app, PageArguments& page) {
   app.add_option("--locale", page.locale, "how numbers and dates are written")
       ->type_name("NAME")
       ->capture_default_str();
+  app.add_flag("--edge", page.edge, "apply the edge's rules to the request, as `kalvo serve` does");
   app.add_flag("--headers", page.headers, "print the status line and the headers before the body");
   app.add_option("--time-limit", page.timeLimit, "seconds the page may take")
       ->type_name("SECONDS")

@@ -23,6 +23,7 @@ struct PageArguments {
   std::string mail;
   std::string locale = "en-US";
   bool headers = false;
+  bool edge = false;
   double timeLimit = 30;            // seconds
   std::uint32_t memoryLimit = 256;  // MiB
 };

@@ -6,6 +6,7 @@
 
 #include "host/cli/arguments.h"
 #include "host/cli/commands.h"
+#include "host/edge/edge.h"
 #include "host/parts/memory_session.h"
 #include "host/parts/parts.h"
 #include "host/parts/setting_error.h"
@@ -88,6 +89,18 @@ PageOptions MakeOptions(const PageArguments& arguments) {
   return options;
 }
 
+// What `kalvo serve` does before a page runs. False when no page is to run.
+bool PassesTheEdge(PageRequest& request, const PagePlace& place, Site& site, const Platform& platform) {
+  edge::Verdict verdict = edge::Edge(platform).Apply(request, site.Directive(place.page));
+  if (verdict.refusal) {
+    std::cerr << "kalvo: " << *verdict.refusal << '\n';
+    return false;
+  }
+  for (auto& taken : edge::HideDebug(request).takenAway) verdict.takenAway.push_back(std::move(taken));
+  for (const edge::TakenAway& taken : verdict.takenAway) std::cerr << "kalvo: " << Describe(taken) << '\n';
+  return true;
+}
+
 }  // namespace
 
 int RunPage(const PageArguments& arguments) {
@@ -99,7 +112,9 @@ int RunPage(const PageArguments& arguments) {
   Site site(place.root, parts.GetPlatform());
   MemorySession session(arguments.session, parts.GetLiveDrillerMaker(), arguments.logon);
   OutputSink sink(arguments.headers);
-  const PageResult result = site.Run(place.page, MakeRequest(arguments, place), session, sink, options);
+  PageRequest request = MakeRequest(arguments, place);
+  if (arguments.edge && !PassesTheEdge(request, place, site, parts.GetPlatform())) return kFailed;
+  const PageResult result = site.Run(place.page, request, session, sink, options);
   if (!result.failure) return kDone;
   SendRest(result, sink);
   std::cerr << "kalvo: " << Describe(*result.failure) << '\n';

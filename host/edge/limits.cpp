@@ -5,6 +5,7 @@
 
 #include "host/script/page.h"
 #include "host/script/request.h"
+#include "host/script/url_parts.h"
 #include "platform/append.h"
 
 namespace kalvo::edge {
@@ -13,11 +14,7 @@ namespace {
 // The parameters of an encoded text; empty parts are none.
 std::size_t PartsOf(std::string_view text) {
   std::size_t parts = 0;
-  for (std::size_t from = 0; from < text.size();) {
-    const std::size_t to = std::min(text.find('&', from), text.size());
-    if (to > from) ++parts;
-    from = to + 1;
-  }
+  host::ForEachPart(text, '&', [&](std::string_view) { ++parts; });
   return parts;
 }
 

@@ -1,33 +1,17 @@
 #include "host/script/request.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "host/script/text.h"
+#include "host/script/url_parts.h"
 #include "platform/conversion.h"
 #include "platform/error.h"
 
 namespace kalvo::host {
 namespace {
 
-template <typename Part>
-void ForEachPart(std::string_view text, char separator, Part&& part) {
-  std::size_t from = 0;
-  while (from < text.size()) {
-    const std::size_t to = std::min(text.find(separator, from), text.size());
-    if (to > from) part(text.substr(from, to - from));
-    from = to + 1;
-  }
-}
-
-// What stands behind the "=" of a part; nothing where there is none.
-std::string_view ValueOf(std::string_view part) {
-  const std::size_t equals = part.find('=');
-  return equals == std::string_view::npos ? std::string_view() : part.substr(equals + 1);
-}
-
 void AddPart(NamedValues& names, std::string_view part) {
-  names.Add(UrlDecoded(part.substr(0, part.find('='))), UrlDecoded(ValueOf(part)));
+  names.Add(UrlDecoded(KeyOf(part)), UrlDecoded(ValueOf(part)));
 }
 
 NamedValues ServerVariablesOf(const PageRequest& request) {
@@ -89,7 +73,7 @@ const std::vector<std::string>& NamedValues::Of(std::string_view name) const {
 std::optional<std::string> FirstValue(std::string_view text, std::string_view name) {
   std::optional<std::string> found;
   ForEachPart(text, '&', [&](std::string_view part) {
-    const std::string_view key = part.substr(0, part.find('='));
+    const std::string_view key = KeyOf(part);
     if (found || key.size() > 3 * name.size()) return;  // every byte of a name is one byte, or three
     if (EqualsIgnoringCase(UrlDecoded(key), name)) found = UrlDecoded(ValueOf(part));
   });

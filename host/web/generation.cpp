@@ -81,6 +81,7 @@ Generation::Generation(Settings chosen, const Log& log, audit::Trail& whereActsA
       identity(IdentityNamed(settings.user)),
       parts(Proved(settings.Parts(), log), WatcherOf(visitor, log)),
       site(settings.site, parts.GetPlatform()),
+      edge(parts.GetPlatform()),
       trail(whereActsAreRecorded) {
   if (!settings.users.empty()) {
     gate.emplace(GateSettingsOf(settings, visitor), parts.GetLiveDrillerMaker(), log, trail);

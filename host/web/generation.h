@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "host/audit/trail.h"
+#include "host/edge/edge.h"
 #include "host/parts/parts.h"
 #include "host/script/page.h"
 #include "host/web/acting/tokens.h"
@@ -28,6 +29,7 @@ struct Generation {
   Visitor visitor;                   // of the page that a worker runs; each worker has its own
   host::Parts parts;
   host::Site site;
+  edge::Edge edge;
   audit::Trail& trail;
   std::optional<login::Gate> gate;  // where visitors sign in; nothing where nobody does
   std::optional<Tokens> tokens;     // of forms that act; always there

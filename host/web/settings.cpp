@@ -100,6 +100,7 @@ const Rule kRules[] = {
   {"sessions",     Path{&Settings::sessions},                "a folder for the sessions of those who signed in"},
   {"session_minutes", Whole{&Settings::sessionMinutes, 1, 1440}, "a whole number of minutes from 1 to 1440"},
   {"sessions_per_user", Whole{&Settings::sessionsPerUser, 1, 100}, "a whole number from 1 to 100"},
+  {"debug",        Flag{&Settings::debug},                   "true or false"},
   {"error_pages",  Path{&Settings::errorPages},              "a folder with 404.html, 500.html, 503.html"},
 };
 // clang-format on

@@ -43,6 +43,7 @@ struct Settings {
   std::filesystem::path sessions;       // a private folder; default: "sessions" below `run`
   int sessionMinutes = 30;              // without a request, after which one signs in again
   int sessionsPerUser = 5;              // one more sign-in ends the user's oldest
+  bool debug = false;                   // whether administrators may see a page's traces
   std::string logon;                    // without a users file: who every visitor is
   host::NamedTexts session;             // and the session values every visitor has
 

@@ -10,7 +10,7 @@
 #include <csignal>
 #include <ctime>
 
-#include "host/edge/limits.h"
+#include "host/edge/edge.h"
 #include "host/parts/memory_session.h"
 #include "host/parts/setting_error.h"
 #include "host/web/acting/acting_session.h"
@@ -22,6 +22,7 @@
 #include "host/web/log.h"
 #include "host/web/privileges.h"
 #include "host/web/worker_slots.h"
+#include "platform/conversion.h"
 
 namespace kalvo::web {
 namespace {
@@ -70,6 +71,8 @@ bool AwaitRequest(int socket, const sigset_t& waiting, Idle&& idle) {
   }
   return false;
 }
+
+bool IsAdministrator(host::PageSession& session) { return ToText(session.Get("KalvoAdministrator")) == "Yes"; }
 
 int StatusOf(const host::PageFailure& failure) { return failure.kind == host::FailureKind::NotFound ? 404 : 500; }
 
@@ -125,22 +128,30 @@ void Worker::RunPage(FCGX_Request& request) {
   if (!generation_.visitor.IsThere()) throw VisitorGone();
   if (!asked.complete) return SendError(request, 400);
 
-  if (const auto reason = edge::BeyondLimits(asked.request)) return SendError(request, 400, *reason);
-
   host::PageRequest page = asked.request;
   if (page.method == "POST" && SenderOf(page) == Sender::Elsewhere) {
     NotePostFromElsewhere(page, asked.page);
     return SendError(request, 403);
   }
+  const host::PageDirective directive = generation_.site.Directive(asked.page);
+  const edge::Verdict verdict = generation_.edge.Apply(page, directive);
+  if (verdict.refusal) {
+    NoteRefused(*verdict.refusal, asked);
+    return SendError(request, 400, *verdict.refusal);
+  }
   std::optional<login::Admission> admission = Admit(request, asked.page, page);
+  NoteTakenAway(verdict, admission ? admission->logon : "", asked);
   if (!admission) return;
+  if (!settings.debug || !IsAdministrator(*admission->session)) {
+    NoteTakenAway(edge::HideDebug(page), admission->logon, asked);
+  }
   page.logonName = admission->logon;
   page.serverVariables.emplace_back("AUTH_USER", admission->logon);
   for (auto& variable : admission->variables) page.serverVariables.push_back(std::move(variable));
   host::PageOptions options;
   options.limits = {settings.timeLimit, static_cast<std::size_t>(settings.memoryLimit)};
   options.isWanted = [this] { return generation_.visitor.IsThere(); };
-  FastCgiSink sink(request, generation_.site.Directive(asked.page));
+  FastCgiSink sink(request, directive);
   ActingSession session(
       *admission->session, *generation_.tokens, generation_.trail,
       {admission->mark, {admission->logon, std::string(VariableOf(page, "REMOTE_ADDR"))}, page.method == "POST"});
@@ -158,6 +169,23 @@ void Worker::NotePostFromElsewhere(const host::PageRequest& asked, std::string_v
                             {{"request", "posted from another site"},
                              {"page", std::string(page)},
                              {"origin", std::string(VariableOf(asked, "HTTP_ORIGIN"))}});
+}
+
+// One line a request, however much of it was not taken.
+void Worker::NoteTakenAway(const edge::Verdict& verdict, const std::string& user, const FastCgiRequest& asked) {
+  if (verdict.takenAway.empty()) return;
+  const edge::TakenAway& first = verdict.takenAway.front();
+  generation_.trail.Refused(audit::Event::ValueRefused, {user, std::string(VariableOf(asked.request, "REMOTE_ADDR"))},
+                            {{"page", asked.page},
+                             {"parameter", first.parameter},
+                             {"of", first.where},
+                             {"value", first.value},
+                             {"values", std::to_string(verdict.takenAway.size())}});
+}
+
+void Worker::NoteRefused(const std::string& why, const FastCgiRequest& asked) {
+  generation_.trail.Refused(audit::Event::RequestRefused, {"", std::string(VariableOf(asked.request, "REMOTE_ADDR"))},
+                            {{"request", why}, {"page", asked.page}});
 }
 
 std::optional<login::Admission> Worker::Admit(FCGX_Request& request, std::string_view page, host::PageRequest& asked) {

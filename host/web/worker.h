@@ -11,9 +11,14 @@
 
 struct FCGX_Request;
 
+namespace kalvo::edge {
+struct Verdict;
+}
+
 namespace kalvo::web {
 
 class Log;
+struct FastCgiRequest;
 struct Generation;
 struct WorkerSlot;
 
@@ -33,6 +38,9 @@ class Worker {
   void NotePostFromElsewhere(const host::PageRequest& asked, std::string_view page);
   // Who may see the page, and as whom; nothing when the answer has been sent already.
   std::optional<login::Admission> Admit(FCGX_Request& request, std::string_view page, host::PageRequest& asked);
+  // What the edge did not let in, of whom; "" for a stranger.
+  void NoteTakenAway(const edge::Verdict& verdict, const std::string& user, const FastCgiRequest& asked);
+  void NoteRefused(const std::string& why, const FastCgiRequest& asked);
   // `why` is a sentence for the visitor that the error page does not have.
   void SendError(FCGX_Request& request, int status, std::string_view why = "");
 

@@ -118,6 +118,7 @@ TEST(Settings, TheFileOfTheSourceFolderShowsTheDefaults) {
   EXPECT_EQ(shown.nginx, settings.nginx);
   EXPECT_EQ(shown.log, settings.log);
   EXPECT_EQ(shown.errorPages, settings.errorPages);
+  EXPECT_EQ(shown.debug, settings.debug);
 }
 
 TEST(Settings, SayWhatIsWrongAndWhatWouldBeRight) {
