@@ -5,7 +5,7 @@ import subprocess
 
 from serving import Serving
 
-CONSOLE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "console")
+CONSOLE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "console")
 PASSWORD = "kalvo-sample"
 USERS = {"administrator": ["--administrator", "--drill-down"], "alice": ["--drill-down"], "visitor": []}
 SETTINGS = 'workers = 2\ndatabase = "sqlite:sample/kalvo.db"\nmail = "maildir:sample/mail"\nusers = "users"'
