@@ -34,10 +34,12 @@ ATTACKS = (
     )),
     ("Requests", (
         ("serve", "is_not|too_much|elsewhere|refused|control_characters|name_himself|ill_formed|no_http|limited"),
+        ("raw_requests", "."),
         ("reach", "."),
         ("check_attack", "."),
     )),
     ("Waiting and floods", (("floods", "."),)),
+    ("Rights of workers", (("rights", "."),)),
     ("Mail", (
         ("maildir", "Hostile"),
         ("mail", "MailErrors|Identifiers|ANameThatIsNo"),
