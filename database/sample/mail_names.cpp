@@ -1,11 +1,21 @@
 #include "database/sample/mail_names.h"
 
+#include <random>
+
 #include "adapters/mail/text.h"
 #include "platform/append.h"
 
 namespace kalvo::sample {
 
+SampleKey RandomSampleKey() {
+  std::random_device random;  // the system's own
+  SampleKey key;
+  for (std::uint8_t& byte : key) byte = static_cast<std::uint8_t>(random() & 0xFF);
+  return key;
+}
+
 mail::IdentifierKey MailKey(const Organization& organization) {
+  if (organization.key) return *organization.key;
   Random random = organization.RandomFor("identifiers");
   mail::IdentifierKey key;
   for (std::uint8_t& byte : key) byte = static_cast<std::uint8_t>(random.Below(256));

@@ -10,7 +10,7 @@ namespace kalvo::sample {
 
 // What the sample's mail store and its reporting database call alike, so that links lead from one to the other.
 
-// The key of the store's identifiers; it follows from the seed.
+// The key of the store's identifiers: the organization's own, or one that follows from its seed.
 mail::IdentifierKey MailKey(const Organization& organization);
 
 // A folder's place in its Maildir++ tree, by its path: "Sales.Price lists". "INBOX" is the tree itself.

@@ -62,6 +62,7 @@ struct PublicFolder {
 struct Organization {
   SampleSize size = SampleSize::Small;
   std::uint64_t seed = 1;
+  std::optional<SampleKey> key;             // as in the options
   Moment now;                               // the moment of the last scan of all
   std::vector<ServerGroup> serverGroups;    // ids 1, 2, ...
   std::vector<MailboxGroup> mailboxGroups;  // ids go on from the server groups'

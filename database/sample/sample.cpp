@@ -55,7 +55,8 @@ void MakeSample(const SampleOptions& options, Progress& progress) {
                   Append(out, "The folder ", options.out.string(), " cannot be made: ", failed.message());
                 }));
   }
-  const Organization organization = MakeOrganization(options.size, options.seed, progress);
+  Organization organization = MakeOrganization(options.size, options.seed, progress);
+  organization.key = options.key;
   SqliteWriter writer(options.out / "kalvo.db");
   WriteSample(organization, writer, progress);
   progress.Step("indexes");

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,11 +22,18 @@ enum class SampleMail { All, Users, None };
 // "all", "users" or "none"; fails with a clear text for any other word.
 SampleMail SampleMailFromName(std::string_view name);
 
+// What the identifiers of a sample's folders and messages are checked with, in its mail store and in its database.
+using SampleKey = std::array<std::uint8_t, 16>;
+
+// A key that nobody can guess.
+SampleKey RandomSampleKey();
+
 struct SampleOptions {
   std::filesystem::path out;  // a folder, made when it is not there; receives kalvo.db
   SampleSize size = SampleSize::Small;
   std::uint64_t seed = 1;
   SampleMail mail = SampleMail::All;
+  std::optional<SampleKey> key;  // of the identifiers; nothing: it follows from the seed
 };
 
 // Told what is being made, for a user who waits.

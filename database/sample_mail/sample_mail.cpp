@@ -162,7 +162,10 @@ class MailWriter {
     const mail::IdentifierKey key = MailKey(organization_);
     fs::create_directory(store_ / ".kalvo");
     fs::permissions(store_ / ".kalvo", fs::perms::owner_all);
-    WriteFile(store_ / ".kalvo" / "key", std::string(key.begin(), key.end()));
+    const fs::path file = store_ / ".kalvo" / "key";
+    WriteFile(file, "");
+    fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);  // before the key is in it
+    WriteFile(file, std::string(key.begin(), key.end()));
   }
 
   const Organization& organization_;
@@ -183,7 +186,9 @@ bool IsSample(const fs::path& store) {
 
 void MakeSampleMail(const SampleOptions& options, Progress& progress) {
   if (options.mail == SampleMail::None) return;
-  MakeSampleMail(MakeOrganization(options.size, options.seed, progress), options.out, options.mail, progress);
+  Organization organization = MakeOrganization(options.size, options.seed, progress);
+  organization.key = options.key;
+  MakeSampleMail(organization, options.out, options.mail, progress);
 }
 
 void MakeSampleMail(const Organization& organization, const fs::path& out, SampleMail mail, Progress& progress) {

@@ -14,7 +14,7 @@ namespace kalvo::sample {
 //   KALVO\admin    admin@kalvo.example    an administrator
 //
 // A store of that name is replaced only when it is a sample too. The same options give the same files, times and
-// identifiers, on every machine: the key of the identifiers comes from the seed. Fails with kalvo::Error.
+// identifiers, on every machine. Fails with kalvo::Error.
 //
 // With `SampleMail::Users` the file names the same mailboxes, but those of the organization have no trees; what is
 // made is what `All` makes. With `None` nothing is made.

@@ -70,7 +70,9 @@ void AddSample(CLI::App& app, SampleArguments& sample) {
   app.add_option("--size", sample.size, "how large the organization is")
       ->check(CLI::IsMember({"small", "medium", "large"}))
       ->capture_default_str();
-  app.add_option("--seed", sample.seed, "the same number makes the same data")->type_name("N")->capture_default_str();
+  app.add_option("--seed", sample.seed,
+                 "the same number makes the same data and identifiers (default: the data of 1, identifiers of its own)")
+      ->type_name("N");
   app.add_option("--mail", sample.mail,
                  "whose mail is made: of alice, admin and the public folders alone, or of nobody")
       ->check(CLI::IsMember({"all", "users", "none"}))

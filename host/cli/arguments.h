@@ -38,7 +38,7 @@ struct ServeArguments {
 struct SampleArguments {
   std::string out;
   std::string size = "small";
-  std::uint64_t seed = 1;
+  std::optional<std::uint64_t> seed;
   std::string mail = "all";
 };
 
