@@ -56,6 +56,12 @@ std::optional<Event> EventNamed(std::string_view name) {
   return std::nullopt;
 }
 
+std::vector<std::string_view> EventNames() {
+  std::vector<std::string_view> names;
+  for (const EventRow& row : kEvents) names.push_back(row.name);
+  return names;
+}
+
 std::optional<Event> IntentOf(Event outcome) { return kEvents[static_cast<std::size_t>(outcome)].intent; }
 
 }  // namespace kalvo::audit

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace kalvo::audit {
 
@@ -32,6 +33,7 @@ enum class Event {
 // "signed-in": the event as lines and filters name it.
 std::string_view NameOf(Event event);
 std::optional<Event> EventNamed(std::string_view name);
+std::vector<std::string_view> EventNames();
 
 // For an outcome, the intent that was written before it; nothing for any other event.
 std::optional<Event> IntentOf(Event outcome);

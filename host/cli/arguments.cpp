@@ -114,6 +114,21 @@ void AddUndelete(CLI::App& app, UndeleteArguments& undelete) {
       ->needs(id);
 }
 
+void AddAudit(CLI::App& app, AuditArguments& audit) {
+  app.add_option("--config", audit.config, "the settings' file, which names the log's folder")->type_name("FILE");
+  app.add_option("--folder", audit.folder, "the log's folder, where no settings name it")->type_name("DIR");
+  CLI::Option* verify = app.add_flag("--verify", audit.verify, "tell whether any line was changed or taken out");
+  app.add_option("--contains", audit.hash, "with --verify: a hash from the server's log, whose line has to be there")
+      ->type_name("HASH")
+      ->needs(verify);
+  app.add_option("--event", audit.event, "only lines of this event")->type_name("NAME");
+  app.add_option("--user", audit.user, "only lines of this user: alice, or DOMAIN\\alice")->type_name("NAME");
+  app.add_option("--since", audit.since, "only lines from this moment on, UTC: 2026-11-21, or 2026-11-21T16:40")
+      ->type_name("TIME");
+  app.add_option("--until", audit.until, "only lines before this moment")->type_name("TIME");
+  app.add_option("--last", audit.last, "at most so many lines, the newest")->type_name("N")->capture_default_str();
+}
+
 // The words after the program's name, the last one first, as the parser wants them. "--query=" becomes "--query" and
 // an empty word: the parser would take the next word for the value that is not there.
 std::vector<std::string> WordsReversed(int count, char** words) {
@@ -140,6 +155,7 @@ std::variant<Arguments, int> ParseArguments(int count, char** words) {
   CheckArguments check;
   PasswdArguments passwd;
   UndeleteArguments undelete;
+  AuditArguments audit;
   CLI::App* runPage = app.add_subcommand("page", "Run one page and print it");
   CLI::App* runServe = app.add_subcommand("serve", "Serve the console");
   CLI::App* runSample = app.add_subcommand("sample", "Make sample data");
@@ -150,8 +166,10 @@ std::variant<Arguments, int> ParseArguments(int count, char** words) {
   AddServe(*runServe, serve);
   AddSample(*runSample, sample);
   AddCheck(*runCheck, check);
+  CLI::App* runAudit = app.add_subcommand("audit", "Show what was done on a server, and check that nothing is missing");
   AddPasswd(*runPasswd, passwd);
   AddUndelete(*runUndelete, undelete);
+  AddAudit(*runAudit, audit);
 
   try {
     app.parse(WordsReversed(count, words));
@@ -161,6 +179,7 @@ std::variant<Arguments, int> ParseArguments(int count, char** words) {
   if (runPage->parsed()) return Arguments(std::move(page));
   if (runServe->parsed()) return Arguments(std::move(serve));
   if (runSample->parsed()) return Arguments(std::move(sample));
+  if (runAudit->parsed()) return Arguments(std::move(audit));
   if (runPasswd->parsed()) return Arguments(std::move(passwd));
   if (runUndelete->parsed()) return Arguments(std::move(undelete));
   return Arguments(std::move(check));

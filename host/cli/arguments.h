@@ -65,8 +65,16 @@ struct UndeleteArguments {
   std::string into;  // a folder's path; "": where it was
 };
 
-using Arguments =
-    std::variant<PageArguments, ServeArguments, SampleArguments, CheckArguments, PasswdArguments, UndeleteArguments>;
+struct AuditArguments {
+  std::optional<std::string> config, folder;
+  bool verify = false;
+  std::string hash;  // one that the log has to have
+  std::string event, user, since, until;
+  std::size_t last = 1000;
+};
+
+using Arguments = std::variant<PageArguments, ServeArguments, SampleArguments, CheckArguments, PasswdArguments,
+                               UndeleteArguments, AuditArguments>;
 
 // Exit codes of every sub-command.
 inline constexpr int kDone = 0;

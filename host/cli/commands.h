@@ -2,6 +2,7 @@
 
 namespace kalvo::host {
 
+struct AuditArguments;
 struct CheckArguments;
 struct PageArguments;
 struct PasswdArguments;
@@ -26,5 +27,8 @@ int RunPasswd(const PasswdArguments& arguments);
 
 // Lists the deleted messages that are held, or restores one; the audit log has it.
 int RunUndelete(const UndeleteArguments& arguments);
+
+// Lists lines of the audit log, the newest last, or checks its chain: 1 when it is not whole.
+int RunAudit(const AuditArguments& arguments);
 
 }  // namespace kalvo::host

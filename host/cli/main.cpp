@@ -15,6 +15,7 @@ struct Run {
   int operator()(const kalvo::host::CheckArguments& arguments) const { return kalvo::host::RunCheck(arguments); }
   int operator()(const kalvo::host::PasswdArguments& arguments) const { return kalvo::host::RunPasswd(arguments); }
   int operator()(const kalvo::host::UndeleteArguments& arguments) const { return kalvo::host::RunUndelete(arguments); }
+  int operator()(const kalvo::host::AuditArguments& arguments) const { return kalvo::host::RunAudit(arguments); }
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "host/script/bindings/intrinsics.h"
 #include "host/script/bindings/members.h"
+#include "host/script/host_objects.h"
 #include "host/script/page_objects.h"
 #include "kalvo/column.h"
 #include "kalvo/column_database.h"
@@ -98,6 +99,8 @@ constexpr ClassBinding kClasses[] = {
   Inner<ScriptingContextObject>("ScriptingContext", ScriptingContextMembers, 0),
   Inner<LiveContainer>         ("LiveContainer",    LiveContainerMembers,    0),
   Inner<Listing>               ("Listing",          ListingMembers,          0),
+  Inner<AuditLog>              ("AuditLog",         AuditLogMembers,         0),
+  Inner<HeldMessages>          ("HeldMessages",     HeldMessagesMembers,     0),
 };
 // clang-format on
 

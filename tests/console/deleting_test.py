@@ -5,7 +5,9 @@ import html
 import json
 import os
 import re
+import subprocess
 import sys
+import tempfile
 import unittest
 import urllib.parse
 
@@ -306,6 +308,118 @@ class WithoutAudit(Case):
             os.rmdir(log)
             os.rename(log + ".away", log)
         self.assertEqual(self.delete(self.message()).status, 302)
+
+
+class Restoring(Case):
+    PAGE = f"Resources/DeletedMessages.asp?Server={SERVER}&Mailbox=alice"
+
+    def held(self, name="alice", page=PAGE):
+        """The forms that restore a message: its id and its token."""
+        return re.findall(r'<form method="post" action="DeletedMessages\.asp[^"]*"><input type="hidden" name="Id" '
+                          r'value="([0-9a-zA-Z]+)"><input type="hidden" name="Token" value="([0-9a-f]+)">',
+                          self.ask(page, name).text)
+
+    def restore(self, form, name="alice", **more):
+        return self.ask(self.PAGE, name, "POST", {"Id": form[0], "Token": form[1]}, more.get("headers", HERE))
+
+    def test_brings_a_message_back_as_it_was(self):
+        before, message, held = self.files(), self.message(), {form[0] for form in self.held()}
+        self.delete(message)
+        self.assertEqual(len(before - self.files()), 1)
+        answer = self.restore(*[form for form in self.held() if form[0] not in held])
+        self.assertIn("The message is back in the folder Archive.", answer.text)
+        self.assertEqual(self.files(), before)
+        self.assertIn(message, self.messages())
+        intent, outcome = self.audit()[-2:]
+        self.assertEqual((intent["event"], intent["user"], intent["details"]["folder"]), ("restore-intended", "KALVO\\alice", "Archive"))
+        self.assertEqual((outcome["event"], outcome["details"]), ("restored", {"intent": str(intent["number"])}))
+
+    def test_is_done_once_and_by_its_own_token(self):
+        for message in self.messages()[:2]:
+            self.delete(message)
+        first, second = self.held()[:2]
+        with self.held_stay():
+            for form in ((first[0], ""), (first[0], second[1]), (first[0], first[1][:-1])):
+                self.assertIn("Nothing was restored.", self.restore(form).text)
+            for headers in ({"Sec-Fetch-Site": "same-site"}, {"Origin": "http://evil.example"}):
+                self.assertEqual(self.restore(first, headers=headers).status, 403)
+            self.ask(f"{self.PAGE}&Id={first[0]}&Token={first[1]}")
+            self.ask(f"{self.PAGE}&Id={first[0]}&Token={first[1]}", method="HEAD")
+        self.assertIn("is back", self.restore(first).text)
+        self.assertIn("Nothing was restored.", self.restore(first).text)
+
+    def held_stay(self):
+        case, before = self, sorted(form[0] for form in self.held())
+
+        class Stay:
+            def __enter__(self):
+                return self
+
+            def __exit__(self, *error):
+                if error[0] is None:
+                    case.assertEqual(sorted(form[0] for form in case.held()), before)
+        return Stay()
+
+    def test_is_for_who_may_delete(self):
+        self.delete(self.message())
+        form = self.held()[0]
+        for page in (self.PAGE, f"Resources/DeletedMessages.asp?Server={SERVER}&Mailbox=admin",
+                     f"Resources/DeletedMessages.asp?Server={SERVER}&Public=Yes"):
+            with self.subTest(page):
+                self.assertEqual(self.held("visitor", page), [])
+                self.assertIn("not yours to restore", self.ask(page, "visitor").text)
+        with self.held_stay():
+            self.restore(form, "visitor")
+            self.assertIn("Nothing was restored", self.restore(form, "administrator").text, "the token of another session")
+        self.assertIn(form[0], [each[0] for each in self.held("administrator")])
+        self.assertIn("No deleted messages are held.", self.ask(f"Resources/DeletedMessages.asp?Server={SERVER}&Public=Yes",
+                                                                "administrator").text)
+
+
+class AuditLog(Case):
+    def run_audit(self, *words):
+        return subprocess.run([KALVO, "audit", "--config", console.config, *words], capture_output=True, text=True, check=False)
+
+    def test_is_shown_to_administrators_alone(self):
+        self.delete(self.message())
+        page = self.ask("Configuration/AuditLog.asp", "administrator").text
+        self.assertIn("<td>deleted</td><td>KALVO\\alice</td><td>127.0.0.1</td>", page)
+        self.assertEqual(self.ask("Configuration/AuditLog.asp?Event=deleted", "administrator").text.count("<td>signed-in</td>"), 0)
+        self.assertIn("There are no such lines.", self.ask("Configuration/AuditLog.asp?Skip=100000", "administrator").text)
+        for name in ("alice", "visitor"):
+            page = self.ask("Configuration/AuditLog.asp", name).text
+            self.assertIn("shown to administrators only", page)
+            self.assertNotIn("<td>deleted</td>", page)
+
+    def test_encodes_what_it_shows(self):
+        self.question(self.address("x", mailbox="<script>alert(1)</script>"), "visitor")
+        for query in ("", "?User=%3Cscript%3E&Event=%3Cscript%3E&Skip=%3Cscript%3E"):
+            self.assertNotIn("<script>", self.ask("Configuration/AuditLog.asp" + query, "administrator").text)
+
+    def test_is_listed_and_verified_by_the_command(self):
+        self.delete(self.message())
+        lines = [json.loads(line) for line in self.run_audit("--event", "deleted", "--user", "alice").stdout.splitlines()]
+        self.assertTrue(lines)
+        self.assertEqual({(line["event"], line["user"]) for line in lines}, {("deleted", "KALVO\\alice")})
+        self.assertEqual(self.run_audit("--until", "2000").stdout, "")
+        self.assertEqual(len(self.run_audit("--last", "2").stdout.splitlines()), 2)
+        done = self.run_audit("--verify", "--contains", lines[-1]["hash"])
+        self.assertEqual((done.returncode, done.stdout.splitlines()[-1]), (0, "the log is whole"))
+        done = self.run_audit("--verify", "--contains", "1" * 64)
+        self.assertEqual((done.returncode, done.stdout.splitlines()[-1]), (1, "the log is not whole"))
+        done = self.run_audit("--event", "nonsense")
+        self.assertEqual(done.returncode, 2)
+        self.assertIn("there is no event nonsense; there are server-started", done.stderr)
+
+    def test_that_was_changed_is_found(self):
+        with tempfile.TemporaryDirectory(prefix="kalvo-") as folder:
+            with open(os.path.join(console.folder, "run", "audit", "audit.jsonl"), encoding="utf-8") as file:
+                text = file.read()
+            with open(os.path.join(folder, "audit.jsonl"), "w", encoding="utf-8") as file:
+                file.write(text.replace('"signed-in"', '"signed-out"', 1))
+            done = subprocess.run([KALVO, "audit", "--folder", folder, "--verify"], capture_output=True, text=True, check=False)
+        self.assertEqual(done.returncode, 1)
+        self.assertRegex(done.stdout, r"broken: audit\.jsonl:\d+: this is no line of the audit log, or it was changed")
 
 
 class OwnPages(unittest.TestCase):

@@ -26,6 +26,10 @@ std::span<const Member> MapiDataSrcMembers();
 std::span<const Member> LiveContainerMembers();
 std::span<const Member> ListingMembers();
 
+// Objects of the host's own.
+std::span<const Member> AuditLogMembers();
+std::span<const Member> HeldMessagesMembers();
+
 // The page's intrinsic objects.
 std::span<const Member> RequestMembers();
 std::span<const Member> NameCollectionMembers();
