@@ -22,6 +22,7 @@ ATTACKS = (
         ("proxy", "."),
     )),
     ("Text in pages", (
+        ("html_attack", "."),
         ("console", "write_nothing"),
         ("live_pages", "Hostile|Markup"),
     )),
@@ -33,6 +34,8 @@ ATTACKS = (
         ("sql", "^Shape"),
     )),
     ("Requests", (
+        ("edge", "Judge|Limits|Refuses|Hides|IsFound|IsShort|TakesIdentifiers"),
+        ("served_edge", "refused|identifiers|fits|traces|one_line"),
         ("serve", "is_not|too_much|elsewhere|refused|control_characters|name_himself|ill_formed|no_http|limited"),
         ("raw_requests", "."),
         ("reach", "."),
