@@ -246,7 +246,8 @@ TEST_F(SqliteFileTest, TheLibraryDoesNotCountItsMemoryUnderItsLock) { EXPECT_EQ(
 TEST_F(SqliteFileTest, AClosedConnectionOrResultIsAnError) {
   sqlite::SqliteDatabase database(File());
   const auto connection = database.Connect("KalvoDB");
-  const auto records = connection->Execute({"select Id from T", "select Id from T", ""});
+  const std::string two = "select Id from T select 2";
+  const auto records = connection->Execute({two, two, ""});
   EXPECT_THROW(records->FieldName(-1), Error);
   EXPECT_THROW(records->FieldName(1), Error);
   EXPECT_EQ(records->FieldName(0), "Id");
