@@ -23,6 +23,7 @@ ATTACKS = (
     )),
     ("Text in pages", (
         ("html_attack", "."),
+        ("policy", "nothing|no_other"),
         ("console", "write_nothing"),
         ("live_pages", "Hostile|Markup"),
     )),
