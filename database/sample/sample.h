@@ -33,7 +33,7 @@ struct SampleOptions {
   SampleSize size = SampleSize::Small;
   std::uint64_t seed = 1;
   SampleMail mail = SampleMail::All;
-  std::optional<SampleKey> key;  // of the identifiers; nothing: it follows from the seed
+  std::optional<SampleKey> key{};  // of the identifiers; nothing: it follows from the seed
 };
 
 // Told what is being made, for a user who waits.

@@ -45,7 +45,9 @@ ATTACKS = (
     ("Waiting and floods", (("floods", "."),)),
     ("Rights of workers", (("rights", "."),)),
     ("Mail", (
-        ("maildir", "Hostile"),
+        ("mail_attack", "."),
+        ("maildir", "Hostile|MaildirHolding|MessageScan"),
+        ("imap_holding", "."),
         ("mail", "MailErrors|Identifiers|ANameThatIsNo"),
         ("imap", "Hostile|ResponseGuard|ANameCannot|OnlyConfigured|Tls"),
     )),
