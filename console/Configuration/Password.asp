@@ -26,9 +26,9 @@ function PasswordField(label, name, kind) {
 
 function WriteForm() {
   Response.Write('<form method="post" action="Password.asp">\r\n');
-  PasswordField("Old password", "Old", "current-password");
-  PasswordField("New password", "New", "new-password");
-  PasswordField("New password, again", "Again", "new-password");
+  PasswordField("Old password", "OldPassword", "current-password");
+  PasswordField("New password", "NewPassword", "new-password");
+  PasswordField("New password, again", "RepeatedPassword", "new-password");
   Response.Write('<p><input type="submit" value="Change password"></p>\r\n</form>\r\n');
   Note("At least 12 characters; several words make a good one. You are signed out everywhere else.");
 }

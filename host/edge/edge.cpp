@@ -98,6 +98,7 @@ class Cleaning {
 
 void CleanByRules(Cleaning& cleaning, const Source& source, const Surroundings& surroundings) {
   cleaning.Clean(source, [&](const std::string& name, const std::string& value) {
+    if (IsSecret(name) && &source != &kCookies) return true;
     const Rule* rule = FindRule(name);
     // In a query or a form it has been refused; a cookie may be somebody else's.
     if (HoldsPlaceholder(value)) return cleaning.TakeAway(source, rule ? rule->parameter : "a cookie", value);

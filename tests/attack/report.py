@@ -25,11 +25,11 @@ ATTACKS = (
         ("html_attack", "."),
         ("policy", "nothing|no_other"),
         ("console", "write_nothing"),
-        ("live_pages", "Hostile|Markup"),
     )),
     ("Deleting", (("deleting", "."),)),
-    ("Reports and SQL on every engine, without the edge", (
+    ("Reports and SQL on every engine", (
         ("report_pages", "Hostile"),
+        ("sql_attack", "refused|edge|values"),
         ("database_contract", "HostileText|RefusesToWrite|StopsAStatement"),
         ("database_proof", "AttributeCalls|UnknownEngine|Proof"),
         ("sql", "^Shape"),

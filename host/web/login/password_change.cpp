@@ -26,8 +26,8 @@ std::string WrongWithChoice(std::string_view old, std::string_view chosen, std::
 
 std::string ChangePassword(UsersFile& users, Throttle& throttle, const Log& log, const Changer& who,
                            std::string_view form) {
-  const std::string old = Field(form, "Old"), chosen = Field(form, "New");
-  std::string wrong = WrongWithChoice(old, chosen, Field(form, "Again"), who.account);
+  const std::string old = Field(form, "OldPassword"), chosen = Field(form, "NewPassword");
+  std::string wrong = WrongWithChoice(old, chosen, Field(form, "RepeatedPassword"), who.account);
   if (!wrong.empty()) return wrong;
   try {
     const std::int64_t wait = throttle.Begin(who.account, who.address, who.device);

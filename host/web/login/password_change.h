@@ -17,8 +17,8 @@ struct Changer {
   std::string account, address, device;
 };
 
-// Gives a user another password by the fields "Old", "New" and "Again" of her form, and answers what came of it as a
-// word for the page that shows it:
+// Gives a user another password by the fields "OldPassword", "NewPassword" and "RepeatedPassword" of her form, and
+// answers what came of it as a word for the page that shows it:
 //
 //   "changed"     all her sessions are over
 //   "differ"      the new one was typed in two ways

@@ -339,7 +339,8 @@ class OwnPasswords : public Gates {
 
 TEST_F(OwnPasswords, ChangeByTheOldOneAndEndEveryOtherSession) {
   const std::string cookie = CookieOfBob(), elsewhere = CookieOfBob();
-  const Decision decision = Change(cookie, "Old=correct+horse&New=battery+staple&Again=battery+staple");
+  const Decision decision =
+      Change(cookie, "OldPassword=correct+horse&NewPassword=battery+staple&RepeatedPassword=battery+staple");
   ASSERT_TRUE(std::holds_alternative<Answer>(decision));
   EXPECT_EQ(std::get<Answer>(decision).head.status, 303);
   EXPECT_EQ(HeaderOf(decision, "Location"), "/KalvoforExchange/Configuration/Password.asp");
@@ -358,14 +359,16 @@ TEST_F(OwnPasswords, ChangeByTheOldOneAndEndEveryOtherSession) {
 
 TEST_F(OwnPasswords, TellThePageWhyTheyDidNotChange) {
   const std::string cookie = CookieOfBob();
-  const Decision decision = Change(cookie, "Old=wrong&New=battery+staple&Again=battery+staple");
+  const Decision decision =
+      Change(cookie, "OldPassword=wrong&NewPassword=battery+staple&RepeatedPassword=battery+staple");
   ASSERT_TRUE(std::holds_alternative<Admission>(decision));
   EXPECT_EQ(Variable(std::get<Admission>(decision), "KALVO_PASSWORD"), "wrong");
   EXPECT_EQ(std::get<Admission>(decision).logon, "KALVO\\bob");
 }
 
 TEST_F(OwnPasswords, DoNotChangeForAnotherSiteOrWithoutASession) {
-  const std::string cookie = CookieOfBob(), form = "Old=correct+horse&New=battery+staple&Again=battery+staple";
+  const std::string cookie = CookieOfBob(),
+                    form = "OldPassword=correct+horse&NewPassword=battery+staple&RepeatedPassword=battery+staple";
   EXPECT_EQ(std::get<Answer>(Change(cookie, form, "http://example.org")).head.status, 403);
   EXPECT_EQ(std::get<Answer>(Change(cookie, form + std::string(8200, 'x'))).head.status, 413);
   EXPECT_EQ(std::get<Answer>(Change("", form)).head.status, 302);

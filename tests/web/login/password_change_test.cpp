@@ -23,7 +23,7 @@ class PasswordChanges : public testing::Test {
 
   std::string Change(const std::string& old, const std::string& chosen, const std::string& again) {
     return ChangePassword(users_, throttle_, log_, {"KALVO\\bob", "10.0.0.1", ""},
-                          "Old=" + old + "&New=" + chosen + "&Again=" + again);
+                          "OldPassword=" + old + "&NewPassword=" + chosen + "&RepeatedPassword=" + again);
   }
 
   bool Fits(const std::string& password) { return PasswordFits(users_.Find("KALVO\\bob")->hash, password); }

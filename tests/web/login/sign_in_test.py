@@ -148,7 +148,8 @@ class SignIn(unittest.TestCase):
         page = "/KalvoforExchange/Configuration/Password.asp"
 
         def change(cookie, old, chosen, again):
-            return self.server.request(page, "POST", urllib.parse.urlencode({"Old": old, "New": chosen, "Again": again}),
+            form = urllib.parse.urlencode({"OldPassword": old, "NewPassword": chosen, "RepeatedPassword": again})
+            return self.server.request(page, "POST", form,
                                        {"Content-Type": "application/x-www-form-urlencoded", "Cookie": cookie})
 
         cookie = self.cookie("dave")
@@ -161,14 +162,14 @@ class SignIn(unittest.TestCase):
             self.assertEqual(answer.status, 200)
             self.assertIn(says, answer.text)
             self.assertNotIn(chosen, answer.text)
-        answer = change(cookie, PASSWORD, "battery staple", "battery staple")
-        self.assertEqual((answer.status, answer.headers["Location"]), (303, page))
+        answer = change(cookie, PASSWORD, "battery %NAME% staple", "battery %NAME% staple")
+        self.assertEqual((answer.status, answer.headers["Location"]), (303, page), answer.text)
         fresh = answer.headers["Set-Cookie"].split(";")[0]
         self.assertIn("Your password was changed", self.server.request(page, headers={"Cookie": fresh}).text)
         self.assertIn('action="Password.asp"', self.server.request(page, headers={"Cookie": fresh}).text)
         self.assertEqual(self.server.request(page, headers={"Cookie": cookie}).status, 302)
         self.assertEqual(self.sign_in("dave").status, 200)
-        self.assertEqual(self.sign_in("dave", "battery staple").status, 303)
+        self.assertEqual(self.sign_in("dave", "battery %NAME% staple").status, 303)
 
     def test_a_user_has_five_sessions(self):
         cookies = [self.cookie("carol") for _ in range(7)]
