@@ -69,15 +69,16 @@ class Cleaning {
     if (changed) text = std::move(cleaned);
   }
 
-  // Empties without a word in the log. Answers false: the value does not stay.
-  bool Empty(std::string_view parameter) {
-    emptied_.emplace(parameter);
+  // Empties without a word in the log. Answers false: the value does not stay. What another site's cookie held is
+  // nothing that a page could tell its reader.
+  bool Empty(const Source& source, std::string_view parameter) {
+    if (&source != &kCookies) emptied_.emplace(parameter);
     return false;
   }
 
   bool TakeAway(const Source& source, std::string_view parameter, std::string_view value) {
     takenAway_.push_back({std::string(source.name), std::string(parameter), Shortened(std::string(value))});
-    return Empty(parameter);
+    return Empty(source, parameter);
   }
 
   // Tells the page which parameters it happened to.
@@ -100,15 +101,16 @@ void CleanByRules(Cleaning& cleaning, const Source& source, const Surroundings& 
   cleaning.Clean(source, [&](const std::string& name, const std::string& value) {
     if (IsSecret(name) && &source != &kCookies) return true;
     const Rule* rule = FindRule(name);
-    // In a query or a form it has been refused; a cookie may be somebody else's.
-    if (HoldsPlaceholder(value)) return cleaning.TakeAway(source, rule ? rule->parameter : "a cookie", value);
+    // In a query or a form it is refused; a cookie may be somebody else's.
+    if (&source == &kCookies && HoldsPlaceholder(value))
+      return cleaning.TakeAway(source, rule ? rule->parameter : "a cookie", value);
     if (rule == nullptr) return true;
     if (rule->sources == Sources::QueryOnly && &source != &kQuery) {
       return cleaning.TakeAway(source, rule->parameter, value);
     }
     switch (rule->judge(value, surroundings)) {
       case Judgement::Fits: return true;
-      case Judgement::TooLarge: return cleaning.Empty(rule->parameter);
+      case Judgement::TooLarge: return cleaning.Empty(source, rule->parameter);
       case Judgement::Unfit: break;
     }
     return cleaning.TakeAway(source, rule->parameter, value);

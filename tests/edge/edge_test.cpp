@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "fakes/page_fixture.h"
+#include "host/script/request.h"
 
 namespace kalvo::edge {
 namespace {
@@ -61,7 +62,7 @@ TEST_F(EdgeTest, TakesIdentifiersFromTheQueryOnly) {
   EXPECT_EQ(Query("ContainerId=abc"), "ContainerId=abc");
   EXPECT_EQ(request_.form, "ContainerId=&Server=S1&messageid=&Server=");
   EXPECT_EQ(request_.cookies, "a=1; ContainerId=;FolderId=; Mailbox=");
-  EXPECT_EQ(Variable("KALVO_EDGE"), "[ContainerId, FolderId, Mailbox, MessageId, Server]");
+  EXPECT_EQ(Variable("KALVO_EDGE"), "[ContainerId, MessageId, Server]") << "cookies may be somebody else's";
   EXPECT_EQ(verdict_.takenAway.size(), 6U);
 }
 
@@ -81,10 +82,20 @@ TEST_F(EdgeTest, RefusesWhatNoPageIsToSee) {
   EXPECT_EQ(Variable("KALVO_EDGE"), "") << "no page runs";
   request_.form = "NewPassword=%25NAME%25";
   EXPECT_EQ(Query("a=1"), "a=1") << "a password is nobody's business";
+  EXPECT_EQ(request_.form, "NewPassword=%25NAME%25");
+  EXPECT_TRUE(verdict_.takenAway.empty());
   request_.form.clear();
   request_.cookies = "b=%25NAME%25";
   EXPECT_EQ(Query("a=1"), "a=1") << "a neighbour's cookie locks nobody out";
   EXPECT_EQ(request_.cookies, "b=");
+}
+
+TEST_F(EdgeTest, KnowsAParameterByWhateverCaseThePageWould) {
+  const std::string name = "Conta\u0130ner\u0130d";  // whose small letters are ASCII
+  request_.form = request_.cookies = name + "=%22x";
+  Query("");
+  EXPECT_EQ(host::RequestObject(request_).Item("ContainerId"), "");
+  EXPECT_EQ(request_.form, name + "=");
 }
 
 TEST_F(EdgeTest, CutsWhatTheLogIsTold) {
