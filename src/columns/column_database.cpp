@@ -10,12 +10,7 @@ namespace kalvo {
 namespace {
 
 constexpr std::string_view AlignText(columns::Align align) {
-  switch (align) {
-    case columns::Left: return "left";
-    case columns::Right: return "right";
-    case columns::Center: return "center";
-  }
-  return "";
+  return align == columns::Left ? "left" : align == columns::Right ? "right" : "center";
 }
 
 std::shared_ptr<TableColumn> MakeColumn(const columns::ColumnRow& row) {

@@ -237,28 +237,20 @@ void TableRendering::WriteRow(Phase phase, bool& firstCell) {
     trap_([&] { column_ = columns_.Column(id); });
     WriteMade([&](std::string& out) {
       TableColumn& column = *Held(column_);
-      switch (phase) {
-        case Phase::Header: column.AppendHeader(out, context_, display_); break;
-        case Phase::Data: column.AppendData(out, context_, display_, *Held(source_)); break;
-        case Phase::Totals: column.AppendTotal(out, context_, display_, *Held(source_), firstCell); break;
-        case Phase::Done: break;
-      }
+      if (phase == Phase::Header) return column.AppendHeader(out, context_, display_);
+      if (phase == Phase::Data) return column.AppendData(out, context_, display_, *Held(source_));
+      column.AppendTotal(out, context_, display_, *Held(source_), firstCell);
     });
   }
 }
 
 // The rows end by their count alone; no source is asked whether it has reached its end.
 TableRendering::Phase TableRendering::NextPhase(Phase phase, std::int64_t& row) {
-  switch (phase) {
-    case Phase::Header: return Phase::Data;
-    case Phase::Data:
-      trap_([&] { Held(source_)->MoveNext(); });
-      ++row;
-      return row > page_.last ? AfterData() : Phase::Data;
-    case Phase::Totals:
-    case Phase::Done: break;
-  }
-  return Phase::Done;
+  if (phase == Phase::Header) return Phase::Data;
+  if (phase == Phase::Totals) return Phase::Done;
+  trap_([&] { Held(source_)->MoveNext(); });
+  ++row;
+  return row > page_.last ? AfterData() : Phase::Data;
 }
 
 TableRendering::Phase TableRendering::AfterData() {

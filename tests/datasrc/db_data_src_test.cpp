@@ -212,6 +212,20 @@ TEST(DbDataSrc, InitialisedAnewItKnowsNoFields) {
   EXPECT_EQ(page.Taken(), Message("GetField: Unknown field \"Id\""));
 }
 
+// The page that is told how long the reading took may be a script, and close what was read.
+TEST(DbDataSrc, RowsThatAreGoneWhenTheyAreLookedAtFailTheLoad) {
+  SourceFixture page("Debug=Time");
+  int written = 0;
+  page.page->response->steps.When("Write", [&] {
+    if (++written == 2) page.source->CloseDS();
+  });
+  EXPECT_EQ(page.source->OpenDS(), 91);
+  EXPECT_NE(page.Text().find(Report("Test GetRows result.", "5B", "Object variable or With block variable not set")),
+            std::string::npos);
+  page.source->MoveFirst();
+  EXPECT_EQ(page.source->RecordCount(), 0);
+}
+
 // ---- moving and reading ---------------------------------------------------------------------------------
 
 TEST(DbDataSrc, FieldsAreFoundWhateverTheirCase) {

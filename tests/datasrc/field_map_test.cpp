@@ -20,6 +20,15 @@ TEST(FieldMap, FindsNamesWhateverTheirCase) {
   EXPECT_EQ(map.Count(), 3);
 }
 
+TEST(FieldMap, FindsNamesOfEveryAlphabet) {
+  FieldMap map;
+  map.Add("Gr\u00F6\u00DFe");
+  map.Add("\u0416");
+  EXPECT_EQ(map.Find("GR\u00D6\u00DFE"), 0);
+  EXPECT_EQ(map.Find("\u0436"), 1);
+  EXPECT_FALSE(map.Find("Grosse"));
+}
+
 TEST(FieldMap, ANameThatIsThereAlreadyFails) {
   FieldMap map;
   map.Add("Name");

@@ -6,6 +6,7 @@
 #include "fakes/golden.h"
 #include "fakes/page_fixture.h"
 #include "fakes/row_source.h"
+#include "generator/table_rows.h"
 #include "kalvo/column.h"
 #include "kalvo/column_database.h"
 #include "kalvo/db_data_src.h"
@@ -170,6 +171,17 @@ TEST(ApprovedFacts, Tables) {
     if (!fixed.empty()) Append(out, "fixed: ", fixed, "\n");
   }
   fakes::ExpectGolden("catalogues/tables.txt", out);
+}
+
+// What no page shows of a table, as it stands in the list itself.
+TEST(ApprovedFacts, WhatNoPageShowsOfATable) {
+  std::string out;
+  for (const tables::TableRow& row : tables::kTables) {
+    Append(out, static_cast<std::int32_t>(row.id), " | ", row.title, " | charts ",
+           Spelled(row.charts == tables::ShowCharts), " | last scan ", Spelled(row.lastScan == tables::ShowScan),
+           " | entries ", Spelled(row.entries == tables::ShowEntries), "\n");
+  }
+  fakes::ExpectGolden("catalogues/unshown.txt", out);
 }
 
 // ---- names ----------------------------------------------------------------------------------------------

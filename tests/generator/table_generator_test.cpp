@@ -125,6 +125,15 @@ TEST(TableGenerator, WorksWithoutAPageAtAll) {
   EXPECT_EQ(ErrorOf([&] { generator.BuildTable(TABLE_CURRENTALERTS); }), 0);
 }
 
+TEST(TableGenerator, WithoutAPageATableThatOpensWritesNowhere) {
+  fakes::PageFixture page;
+  page.ranking.rows = {{{2, std::string("Ann")}}};
+  KalvoforExchangeTableGenerator generator(page.platform);
+  EXPECT_EQ(fakes::ErrorOf([&] { generator.BuildTable(TABLE_TOPN_MBCNT, "", "", "", "", "", TOPN_SITE); }), 0);
+  EXPECT_EQ(page.ranking.steps.Count("MoveFirst"), 1u);
+  EXPECT_EQ(page.Text(), "");
+}
+
 TEST(TableGenerator, TablesOutlastThePage) {
   GeneratorFixture page("PageSize=1");
   page.database.results = {{{"Name"}, {{"a"s}, {"b"s}}}};
