@@ -17,7 +17,7 @@ CHROMIUM = "/usr/bin/chromium"
 DRIVER = "/usr/bin/chromedriver"
 FLAGS = ("--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run", "--no-proxy-server",
          "--disable-background-networking", "--disable-component-update", "--disable-sync", "--disable-dev-shm-usage",
-         "--hide-scrollbars", "--force-device-scale-factor=1")
+         "--host-resolver-rules=MAP *.example 127.0.0.1", "--hide-scrollbars", "--force-device-scale-factor=1")
 SECONDS = 30
 
 

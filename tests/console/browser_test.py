@@ -1,8 +1,10 @@
 """browser_test.py KALVO: the console in Chromium, as its users see and click it, over the small sample."""
 
 import datetime
+import http.server
 import os
 import sys
+import threading
 import unittest
 
 from selenium.common.exceptions import NoSuchElementException
@@ -370,6 +372,156 @@ class PublicFolders(Case):
                 self.enter(name, f"{FOLDERS}?Server={SERVER}&Mailbox=Announcements")
                 self.assertIn("Public folders are shown to administrators only.", browser.text())
                 self.assertEqual(browser.reports(), [])
+
+
+class Walk(Case):
+    """What a user does in one sitting, with the content policy in force and nothing refused by it."""
+
+    def test_from_signing_in_to_signing_out(self):
+        browser.complaints()
+        self.enter("alice", INBOX)
+        messages = lambda: self.report(MESSAGE_TABLE)
+        messages().go("Next")
+        messages().go("First")
+        messages().sort("Sender", "Up")
+        messages().sort("Message Size", "Down")
+        before, shown = console.mailbox(SERVER, "alice"), messages().column("Message Subject")
+        browser.follow(messages().row_elements()[0].find_elements(By.TAG_NAME, "a")[-1])
+        subject = browser.driver.find_element(By.XPATH, "//tr[th='Subject']/td[2]").text
+        browser.leaves(lambda: (browser.button("Delete").click(), browser.answer(yes=True)))
+        self.assertIn(subject, browser.text())
+        browser.press("Delete this message")
+        self.assertEqual((browser.page(), len(before - console.mailbox(SERVER, "alice"))), (MAILBOX, 1))
+
+        browser.open(f"Resources/DeletedMessages.asp?Server={SERVER}&Mailbox=alice")
+        row = browser.driver.find_element(By.XPATH, f"//tr[td[1]='{subject}']")
+        browser.follow(row.find_element(By.CSS_SELECTOR, 'input[value="Restore"]'))
+        self.assertIn("The message is back in the folder Inbox.", browser.text())
+        self.assertEqual(console.mailbox(SERVER, "alice"), before)
+        browser.open(INBOX)
+        messages().sort("Sender", "Up")
+        messages().sort("Message Size", "Down")
+        self.assertEqual(messages().column("Message Subject"), shown)
+        browser.sign_out()
+        self.assertEqual(browser.page(), "SignIn.asp")
+        self.assertEqual(browser.complaints(), [])
+
+    def test_of_an_administrator_through_the_audit_log(self):
+        self.enter("administrator", "Configuration/AuditLog.asp?Event=signed-in")
+        self.assertIn("KALVO\\administrator", browser.text())
+        self.assertEqual(browser.complaints(), [])
+
+
+class Neighbour:
+    """A page on another port of the same host, as somebody else's server beside the console."""
+
+    def __init__(self, page):
+        class Handler(http.server.BaseHTTPRequestHandler):
+            def do_GET(self):
+                self.send_response(200)
+                self.send_header("Content-Type", "text/html")
+                self.end_headers()
+                self.wfile.write(page.encode())
+
+            def log_message(self, *words):
+                pass
+
+        self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+        self.port = self.server.server_address[1]
+
+    def __enter__(self):
+        threading.Thread(target=self.server.serve_forever, daemon=True).start()
+        return self
+
+    def __exit__(self, *error):
+        self.server.shutdown()
+        self.server.server_close()
+
+
+class Attacks(Case):
+    """What somebody else's page, link or name can have a signed-in user's browser do."""
+
+    def delete_address(self):
+        """The address of a message's delete form, with everything that the form sends."""
+        browser.open(INBOX)
+        form = browser.driver.find_element(By.CSS_SELECTOR, 'form[action$="Process.asp"]')
+        return browser.driver.execute_script(
+            "return arguments[0].action + '?' + new URLSearchParams(new FormData(arguments[0]))", form)
+
+    def setUp(self):
+        super().setUp()
+        self.enter("alice", INBOX)
+        self.address = self.delete_address()
+        self.before = console.mailbox(SERVER, "alice")
+
+    def tearDown(self):
+        browser.open("SignIn.asp")  # cookies are forgotten where one is
+        browser.complaints()
+        self.assertEqual(console.mailbox(SERVER, "alice"), self.before, "a message was deleted")
+
+    def attack(self, page, name, done):
+        with Neighbour(page) as neighbour:
+            browser.driver.get(f"http://{name}:{neighbour.port}/")
+            browser.wait("the neighbour's page did not end", lambda driver: driver.execute_script(done))
+
+    def test_by_a_neighbours_image_frame_and_prefetch_delete_nothing(self):
+        for name in ("127.0.0.1", "localhost"):
+            for why, page, done in (
+                    ("image", f'<img src="{self.address}" onload="document.title=1" onerror="document.title=1">',
+                     "return document.title == '1'"),
+                    ("frame", f'<iframe src="{self.address}" onload="document.title=1"></iframe>', "return document.title == '1'"),
+                    ("prefetch", f'<link rel="prefetch" href="{self.address}"><p>', "return performance.now() > 500"),
+                    ("head", f"<script>fetch('{self.address}', {{method: 'HEAD', mode: 'no-cors', credentials: 'include'}})"
+                             ".finally(() => document.title = 1)</script>", "return document.title == '1'")):
+                with self.subTest(f"{why} of {name}"):
+                    self.attack(page, name, done)
+
+    def test_by_a_neighbours_form_delete_nothing(self):
+        form = f'<form method="post" action="{self.address}"><input name="Token" value="{"0" * 112}"></form>'
+        for name in ("127.0.0.1", "localhost"):
+            with self.subTest(name), Neighbour(form + "<script>document.forms[0].submit()</script>") as neighbour:
+                browser.driver.get(f"http://{name}:{neighbour.port}/")
+                browser.wait("the console did not answer",
+                             lambda driver: driver.current_url.startswith(browser.address) and driver.title != "")
+                self.assertIn(browser.driver.title, ("Forbidden", "Sign In - Kalvo for Exchange"))
+
+    def test_through_the_sign_in_show_the_question(self):
+        browser.forget()
+        with Neighbour(f'<a href="{self.address}">Your report</a>') as neighbour:
+            browser.driver.get(f"http://localhost:{neighbour.port}/")
+            browser.follow_text("Your report")
+            self.assertEqual(browser.page(), "SignIn.asp")
+            browser.sign_in("alice", PASSWORD)
+        self.assertEqual((browser.page(), browser.heading()), ("Configuration/Process.asp", "Delete a Message?"))
+
+    def test_under_a_foreign_name_reach_nothing(self):
+        port = browser.address.split(":")[2].split("/")[0]
+        browser.driver.get(f"http://evil.example:{port}/KalvoforExchange/{INBOX}")
+        self.assertNotIn("Kalvo for Exchange", browser.driver.title)
+        self.assertEqual(browser.reports(), [])
+
+
+class Injections(Case):
+    """Texts of a request that would be scripts if a page wrote them as they are."""
+
+    SCRIPT = "%22%3E%3Cscript%3Edocument.title%3D%27owned%27%3C%2Fscript%3E%3Cimg+src%3Dx+onerror%3D%22document.title%3D%27owned%27%22%3E"
+
+    def test_run_nothing(self):
+        self.enter("administrator", INBOX)
+        message = browser.driver.find_element(By.NAME, "MessageId").get_attribute("value")
+        for page in (f"{ALERTS}?Debug=Table&Sort={self.SCRIPT}", f"{ALERTS}?Debug=All&Sort={self.SCRIPT}",
+                     f"{MAILBOX}?Server={SERVER}&Mailbox=alice&Container=x&MessageId={message}&ContainerId={self.SCRIPT}",
+                     f"{MAILBOX}?Server={SERVER}&Mailbox=alice&Container={self.SCRIPT}",
+                     f"{FOLDERS}?Server={SERVER}&Mailbox={self.SCRIPT}&PublicFolderId={self.SCRIPT}",
+                     f"{FOLDERS}?Server={SERVER}&Mailbox=&PublicFolderId={self.SCRIPT}&MessageId={message}",
+                     f"Configuration/AuditLog.asp?User={self.SCRIPT}&Event={self.SCRIPT}",
+                     f"Resources/DeletedMessages.asp?Server={SERVER}&Mailbox={self.SCRIPT}",
+                     f"Configuration/Process.asp?ProcessType=DeleteMessage&Flags=0&ServerName={SERVER}&MailboxName=alice"
+                     f"&MessageId={message}&FolderId={self.SCRIPT}&Continue={self.SCRIPT}"):
+            with self.subTest(page):
+                browser.open(page)
+                self.assertNotIn("owned", browser.driver.title)
+        browser.complaints()
 
 
 if __name__ == "__main__":
