@@ -63,12 +63,13 @@ function Description() {
 }
 
 function Ask(facts) {
+  var held = Session.StaticObjects("gHeldMessages");
   Response.Write('<table class="facts">\r\n');
   for (var i = 0; i < facts.length; ++i) {
     Response.Write("<tr><th>" + Encode(facts[i][0]) + "</th><td>" + Encode(facts[i][1]) + "</td></tr>\r\n");
   }
   Response.Write("</table>\r\n");
-  Note("A deleted message is kept for a while, and can be brought back until then.");
+  if (held) { Note("It is kept for " + held.Days + " days, and can be restored under Deleted Messages until then."); }
   Response.Write('<form class="scope" method="post" action="' + Encode(AnswerAddress()) + '">\r\n' +
     '<input type="hidden" name="Token" value="' + Encode(Session.NewToken(Purpose())) + '">\r\n' +
     '<input type="submit" value="Delete this message">\r\n' + Link(ContinueAddress(), "Keep it") + "\r\n</form>\r\n");

@@ -52,6 +52,7 @@ if (server !== "" && IsAdministrator()) {
 if (!held) {
   Note("There are no mailboxes here.");
 } else if (server !== "" && (mailbox !== "" || shared)) {
+  Note("Deleted messages are kept for " + held.Days + " days.");
   Heading(shared ? "Public folders of " + server : mailbox);
   if (String(Request.ServerVariables("REQUEST_METHOD")) === "POST") { Note(Restored(String(Request.Form("Id")))); }
   try {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/cli/arguments.h"
+#include "host/cli/command_trail.h"
 #include "host/cli/commands.h"
 #include "host/parts/setting_error.h"
 #include "host/web/login/password.h"
@@ -82,6 +83,13 @@ int EndSessions(const web::Settings& settings, const std::string& account) {
   return kDone;
 }
 
+// Known to the audit log where the command is given the settings; a server that runs notes the changed file itself.
+void Note(const std::optional<web::Settings>& settings, const std::string& account, const char* change) {
+  if (!settings) return;
+  CommandTrail(*settings).Get().Note(audit::Event::UsersChanged, CommandTrail::Caller(),
+                                     {{"account", account}, {"change", change}});
+}
+
 }  // namespace
 
 int RunPasswd(const PasswdArguments& arguments) {
@@ -97,12 +105,14 @@ int RunPasswd(const PasswdArguments& arguments) {
   web::login::UsersFile users(file);
   if (arguments.remove) {
     if (!users.Remove(*account)) throw SettingError("there is no user " + *account + " in " + file.string());
+    Note(settings, *account, "removed");
     std::cout << "removed " << *account << '\n';
     return kDone;
   }
   const std::string hash =
       arguments.noPassword ? std::string(web::login::kNoPassword) : web::login::HashPassword(ReadPassword(*account));
   users.Put({*account, arguments.administrator, arguments.drillDown, hash});
+  Note(settings, *account, arguments.administrator ? "written, an administrator" : "written");
   std::cout << "wrote " << *account << '\n';
   return kDone;
 }

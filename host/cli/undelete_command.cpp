@@ -1,18 +1,14 @@
-#include <pwd.h>
-#include <unistd.h>
-
 #include <ctime>
 #include <iostream>
-#include <optional>
 
 #include "adapters/mail/holding_desk.h"
 #include "adapters/mail/text.h"
 #include "host/audit/deed.h"
 #include "host/cli/arguments.h"
+#include "host/cli/command_trail.h"
 #include "host/cli/commands.h"
 #include "host/parts/mail_part.h"
 #include "host/parts/setting_error.h"
-#include "host/web/log.h"
 #include "host/web/settings.h"
 
 namespace kalvo::host {
@@ -38,22 +34,12 @@ void Print(const mail::HeldItem& item, int days) {
   std::cout << ", held until " << TimeText(message.deletion.when + std::int64_t{days} * 86'400) << '\n';
 }
 
-// Whoever runs the command, as the audit log names her.
-audit::Visitor Caller() {
-  const passwd* user = getpwuid(getuid());
-  return {user ? user->pw_name : std::to_string(getuid()), ""};
-}
-
 int Restore(mail::HoldingDesk& desk, const web::Settings& settings, const UndeleteArguments& arguments) {
   const auto item = desk.Find(arguments.id);
   if (!item) throw SettingError("there is no deleted message " + arguments.id + "; without an ID they are listed");
-  std::optional<web::Log> log;
-  if (settings.log != "-") log.emplace(settings.log);
-  audit::Trail trail(settings.audit, [&](std::string_view line) {
-    if (log) log->Write(line);
-  });
+  CommandTrail trail(settings);
   std::string folder;
-  audit::Recorded(trail, audit::kRestore, Caller(),
+  audit::Recorded(trail.Get(), audit::kRestore, CommandTrail::Caller(),
                   {{"server", item->message.server},
                    {"mailbox", item->mailbox},
                    {"public", item->mailbox.empty() ? "yes" : "no"},

@@ -24,6 +24,9 @@ class AuditLog : public Object {
 // message is deleted with. What the visitor may not delete, she may not see here or restore: that fails.
 class HeldMessages : public Object {
  public:
+  // How many days a message is held.
+  virtual std::int32_t Days() = 0;
+
   // The messages that were deleted from a mailbox or public folders, the last deleted first, at most 1,000: a JSON list
   // of objects with Id, Subject, Sender, Folder, Size (bytes), Deleted (a date's number) and Who.
   virtual std::string Held(std::string_view server, std::string_view mailbox, std::int32_t flags) = 0;

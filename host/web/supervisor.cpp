@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/signalfd.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -62,6 +63,7 @@ void Supervisor::Run(std::ostream& out) {
     Start(out);
     while (Attend(kBeatMilliseconds) != Wish::Stop) {
       pool_->Keep();
+      NoteUsers();
       if (!nginx_) continue;
       nginx_->Keep();
       nginx_->BoundLog();
@@ -162,6 +164,19 @@ void Supervisor::Reload() {
   } catch (const std::exception& error) {
     log_.Write(std::string("not reloaded: ") + error.what());
   }
+}
+
+// Whoever changed the users file, by whatever program, the audit log has that it was changed.
+void Supervisor::NoteUsers() {
+  if (settings_.users.empty()) return;
+  struct stat state {};
+  if (stat(settings_.users.c_str(), &state) != 0) return;
+  std::string seen;
+  Append(seen, state.st_ino, ' ', state.st_size, ' ', state.st_mtim.tv_sec, ' ', state.st_mtim.tv_nsec);
+  if (seen == users_) return;
+  const bool first = users_.empty();
+  users_ = std::move(seen);
+  if (!first) trail_.Note(audit::Event::UsersChanged, {}, {{"file", settings_.users.string()}});
 }
 
 void Supervisor::Reap() {

@@ -37,6 +37,7 @@ class Supervisor {
   Wish Attend(int milliseconds);
   void Reload();
   void Reap();
+  void NoteUsers();
   void Stop();
 
   Load load_;
@@ -45,6 +46,7 @@ class Supervisor {
   RunFolder run_;
   audit::Trail trail_;
   bool hasTerminal_;
+  std::string users_;  // what told the users file from another one when it was last looked at
   int signals_ = -1;
   int socket_ = -1;
   std::unique_ptr<WorkerPool> pool_;

@@ -153,7 +153,8 @@ void Worker::RunPage(FCGX_Request& request) {
   options.isWanted = [this] { return generation_.visitor.IsThere(); };
   FastCgiSink sink(request, directive);
   ActingSession session(
-      *admission->session, {*generation_.tokens, generation_.trail, generation_.parts.GetMailStore()},
+      *admission->session,
+      {*generation_.tokens, generation_.trail, generation_.parts.GetMailStore(), settings.holdingDays},
       {admission->mark, {admission->logon, std::string(VariableOf(page, "REMOTE_ADDR"))}, page.method == "POST"});
   const host::PageResult result = generation_.site.Run(asked.page, page, session, sink, options);
   if (!result.failure) return FCGX_Finish_r(&request);

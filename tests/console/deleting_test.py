@@ -4,7 +4,9 @@ import concurrent.futures
 import html
 import json
 import os
+import pwd
 import re
+import signal
 import subprocess
 import sys
 import tempfile
@@ -13,7 +15,7 @@ import urllib.parse
 
 import cases
 from sample_console import PASSWORD, SampleConsole
-from serving import Serving
+from serving import Serving, wait_until
 
 KALVO = sys.argv.pop()
 SERVER = "SEA-EX01"
@@ -115,6 +117,7 @@ class Links(Case):
                     answer = self.ask(self.address(self.message()), headers=headers)
                     self.assertEqual(answer.status, 200)
                     self.assertIn("Delete this message", answer.text)
+                    self.assertIn("It is kept for 14 days", answer.text)
 
     def test_may_be_looked_at_by_head(self):
         with self.nothing_goes():
@@ -290,6 +293,20 @@ class Written(Case):
         action, token = self.question(self.address(self.message()))
         self.ask(action, method="POST", form={"Token": token}, headers={"Origin": "http://evil.example"})
         self.assertRegex(console.log(), r'security: request-refused from 127.0.0.1 .*origin="http://evil.example"')
+
+
+class Changes(Case):
+    def test_of_users_and_settings_are_written(self):
+        def events():
+            return [(line["event"], line["user"], line["details"].get("account", "")) for line in self.audit()]
+
+        subprocess.run([KALVO, "passwd", "--config", console.config, "dora"], input="a long enough word\n", text=True,
+                       check=True, stdout=subprocess.DEVNULL)
+        wait_until("the changed users file is noted", lambda: ("users-changed", "", "") in events())
+        me = pwd.getpwuid(os.getuid()).pw_name
+        self.assertIn(("users-changed", me, "KALVO\\dora"), events())
+        console.process.send_signal(signal.SIGHUP)
+        wait_until("the reload is noted", lambda: ("settings-reloaded", "", "") in events())
 
 
 class WithoutAudit(Case):

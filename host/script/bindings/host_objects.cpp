@@ -12,6 +12,7 @@ constexpr Member kAuditLog[] = {
 };
 
 constexpr Member kHeldMessages[] = {
+  Property<&HeldMessages::Days>("Days"),
   Method<&HeldMessages::Held>("Held", {{"server"}, {"mailbox"}, {"flags"}}),
   Method<&HeldMessages::Restore>("Restore", {{"server"}, {"mailbox"}, {"id"}, {"flags"}}),
 };

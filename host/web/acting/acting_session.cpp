@@ -56,7 +56,7 @@ std::shared_ptr<Object> ActingSession::HostObject(std::string_view name) {
     return std::make_shared<audit::LogPage>(parts_.trail.Folder());
   }
   if (EqualsIgnoringAsciiCase(name, "gHeldMessages") && parts_.mail) {
-    return std::make_shared<HeldPage>(parts_.mail, parts_.trail,
+    return std::make_shared<HeldPage>(parts_.mail, parts_.holdingDays, parts_.trail,
                                       HeldPage::Rights{request_.visitor, IsAdministrator(), session_.LiveDriller(),
                                                        [this](const std::string& purpose) { return Took(purpose); }});
   }

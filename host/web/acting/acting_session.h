@@ -32,6 +32,7 @@ struct ActingParts {
   const Tokens& tokens;
   audit::Trail& trail;
   std::shared_ptr<mail::MailStore> mail;  // null where there are no mailboxes
+  int holdingDays;                        // how long a deleted message is held
 };
 
 // A page's session with what stands between pages and acts: its tokens, and a browsing object that deletes nothing

@@ -17,12 +17,6 @@ constexpr std::size_t kMostShown = 1000;
 
 bool IsPublic(std::int32_t flags) { return (flags & live::kPublicFolders) != 0; }
 
-std::string PathText(const mail::FolderPath& path) {
-  std::string text;
-  for (const std::string& name : path) Append(text, text.empty() ? "" : "\\", name);
-  return text;
-}
-
 void AppendField(std::string& out, std::string_view name, std::string_view value) {
   Append(out, out.back() == '{' ? "\"" : ",\"", name, "\":");
   audit::AppendJsonText(out, host::WellFormed(value));
@@ -33,7 +27,7 @@ void AppendItem(std::string& out, const mail::HeldMessage& message) {
   AppendField(out, "Id", message.id);
   AppendField(out, "Subject", message.subject);
   AppendField(out, "Sender", message.sender);
-  AppendField(out, "Folder", PathText(message.folder));
+  AppendField(out, "Folder", mail::PathText(message.folder));
   AppendField(out, "Who", message.deletion.who);
   Append(out, ",\"Size\":", message.size);
   const Value deleted = mail::DateValue(message.deletion.when);
@@ -43,8 +37,8 @@ void AppendItem(std::string& out, const mail::HeldMessage& message) {
 
 }  // namespace
 
-HeldPage::HeldPage(std::shared_ptr<mail::MailStore> store, audit::Trail& trail, Rights rights)
-    : desk_(std::move(store)), trail_(trail), rights_(std::move(rights)) {}
+HeldPage::HeldPage(std::shared_ptr<mail::MailStore> store, int days, audit::Trail& trail, Rights rights)
+    : desk_(std::move(store)), days_(days), trail_(trail), rights_(std::move(rights)) {}
 
 std::string HeldPage::Held(std::string_view server, std::string_view mailbox, std::int32_t flags) {
   CheckRight(server, mailbox, flags);
@@ -68,7 +62,7 @@ std::string HeldPage::Restore(std::string_view server, std::string_view mailbox,
                             {"public", IsPublic(flags) ? "yes" : "no"},
                             {"held", std::string(id)}};
   if (const auto item = desk_.Find(id)) {
-    details.emplace_back("folder", PathText(item->message.folder));
+    details.emplace_back("folder", mail::PathText(item->message.folder));
     details.emplace_back("subject", item->message.subject);
   }
   std::string folder;

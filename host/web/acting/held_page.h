@@ -30,8 +30,9 @@ class HeldPage final : public host::HeldMessages {
   };
 
   // The trail outlives the page.
-  HeldPage(std::shared_ptr<mail::MailStore> store, audit::Trail& trail, Rights rights);
+  HeldPage(std::shared_ptr<mail::MailStore> store, int days, audit::Trail& trail, Rights rights);
 
+  std::int32_t Days() override { return days_; }
   std::string Held(std::string_view server, std::string_view mailbox, std::int32_t flags) override;
   std::string Restore(std::string_view server, std::string_view mailbox, std::string_view id,
                       std::int32_t flags) override;
@@ -40,6 +41,7 @@ class HeldPage final : public host::HeldMessages {
   void CheckRight(std::string_view server, std::string_view mailbox, std::int32_t flags);
 
   mail::HoldingDesk desk_;
+  int days_;
   audit::Trail& trail_;
   Rights rights_;
 };

@@ -52,7 +52,8 @@ SampleSite::Answer SampleSite::Run(const std::filesystem::path& root, const std:
   request.logonName = logon;
   request.form = form;
   if (!form.empty()) request.method = "POST";
-  web::ActingSession acting(session, {tokens_, trail_, parts_->GetMailStore()}, {logon, {logon, ""}, !form.empty()});
+  web::ActingSession acting(session, {tokens_, trail_, parts_->GetMailStore(), 14},
+                            {logon, {logon, ""}, !form.empty()});
   Answer answer;
   KeepingSink sink(answer);
   const host::PageResult result = host::Site(root, parts_->GetPlatform()).Run(page, request, acting, sink);
