@@ -30,6 +30,23 @@ class ImapSettings : public ::testing::Test {
   test::TemporaryFolder folder_;
 };
 
+TEST_F(ImapSettings, HaveLimitsUnlessTheAddressNamesOthers) {
+  const auto limits = ReadSettings(With("imap://admin@mail.example.com/")).limits;
+  EXPECT_EQ(limits.lineBytes, 16'777'216u);
+  EXPECT_EQ(limits.literalBytes, 16'777'216u);
+  EXPECT_EQ(limits.answerBytes, 67'108'864u);
+  EXPECT_EQ(limits.depth, 500);
+  EXPECT_EQ(limits.silence, std::chrono::seconds(10));
+  EXPECT_EQ(limits.operation, std::chrono::seconds(20));
+  for (const auto& [value, taken] :
+       {std::pair("1", true), std::pair("3600", true), std::pair("0", false), std::pair("3601", false)}) {
+    EXPECT_EQ(Refusal(With("imap://admin@mail.example.com/", std::string("&silence=") + value)).empty(), taken)
+        << value;
+    EXPECT_EQ(Refusal(With("imap://admin@mail.example.com/", std::string("&time-limit=") + value)).empty(), taken)
+        << value;
+  }
+}
+
 TEST_F(ImapSettings, AreReadFromAnAddress) {
   const auto settings =
       ReadSettings(With("imap://ad%6Din@mail.example.com:1143/", "&template=%7Bmailbox%7D%2A{admin}"));

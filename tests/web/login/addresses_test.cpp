@@ -37,7 +37,10 @@ TEST(Addresses, OfThisConsoleAreThoseBelowItsRoot) {
       {"a quote", "/KalvoforExchange/\"", false},
       {"the sign-in itself", "/KalvoforExchange/SignIn.asp?Return=x", false},
       {"the sign-out", "/KalvoforExchange/signout.ASP", false},
-      {"a long one", "/KalvoforExchange/" + std::string(5000, 'a'), false},
+      {"one of 2048 bytes", "/KalvoforExchange/" + std::string(2048 - 18, 'a'), true},
+      {"one of 2049", "/KalvoforExchange/" + std::string(2049 - 18, 'a'), false},
+      {"the first and the last sign that an address has", "/KalvoforExchange/!~", true},
+      {"the sign behind them", "/KalvoforExchange/\x7F", false},
   };
   for (const auto& c : kCases) EXPECT_EQ(IsOfThisConsole(c.address), c.own) << c.why;
 }

@@ -44,7 +44,12 @@ TEST(Account, OfANameHasADomain) {
       {"a line end", "alice\nKALVO\\mallory", std::nullopt},
       {"a comment", "#alice", std::nullopt},
       {"a colon", "alice:", std::nullopt},
-      {"more than 64 bytes", std::string(65, 'a'), std::nullopt},
+      {"64 bytes each", std::string(64, 'D') + "\\" + std::string(64, 'a'),
+       std::string(64, 'D') + "\\" + std::string(64, 'a')},
+      {"a name of 65 bytes", std::string(65, 'a'), std::nullopt},
+      {"a domain of 65 bytes", std::string(65, 'D') + "\\a", std::nullopt},
+      {"the lowest byte above ASCII", "\x80", "KALVO\\\x80"},
+      {"the highest byte of ASCII", "\x7F", std::nullopt},
   };
   for (const auto& c : kCases) EXPECT_EQ(AccountNamed(c.name), c.account) << c.why;
 }
