@@ -128,6 +128,8 @@ class Connection {
   void Connect(const ServerAddress& address);
   void LogIn(const Login& login);
   void ReadNamespaces();
+  void FetchHeldCopies(std::uint32_t first, std::uint32_t last, const mail::IdentifierKey& key,
+                       std::vector<HeldCopy>& copies);
   void Fetch(mailimap_set* messages, mailimap_fetch_type* wanted, OwnedList& found);
   void Command();
   void Check(int code, std::string_view step);

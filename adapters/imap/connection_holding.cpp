@@ -17,6 +17,7 @@ namespace kalvo::imap {
 namespace {
 
 constexpr std::uint32_t kPieceBytes = 4u << 20;
+constexpr std::size_t kCopiesAtOnce = 1000;  // their records are far less than an answer may have
 constexpr std::size_t kLongestMessage = std::size_t{128} << 20;
 
 // clang-format off
@@ -62,7 +63,8 @@ std::string FlagsText(const mailimap_msg_att_dynamic& item) {
     for (const auto& flag : kFlags) {
       if (flag.type == each.fl_flag->fl_type) word = flag.name;
     }
-    if (word.empty()) return;
+    // Nobody restores a message to have it deleted by the next program that cleans up.
+    if (word.empty() || word == kDeleted) return;
     if (!text.empty()) text += ' ';
     text += word;
   });
@@ -163,10 +165,20 @@ void Connection::Create(const std::string& folder) {
 
 std::vector<HeldCopy> Connection::HeldCopies(const mail::IdentifierKey& key) {
   std::vector<HeldCopy> copies;
-  const Owned<mailimap_set> all(mailimap_set_new_interval(1, 0));
+  std::vector<std::uint32_t> uids = AllUids();
+  std::sort(uids.begin(), uids.end());
+  for (std::size_t at = 0; at < uids.size(); at += kCopiesAtOnce) {
+    FetchHeldCopies(uids[at], uids[std::min(at + kCopiesAtOnce, uids.size()) - 1], key, copies);
+  }
+  return copies;
+}
+
+void Connection::FetchHeldCopies(std::uint32_t first, std::uint32_t last, const mail::IdentifierKey& key,
+                                 std::vector<HeldCopy>& copies) {
+  const Owned<mailimap_set> set(mailimap_set_new_interval(first, last));
   const auto wanted = Wanting({mailimap_fetch_att_new_uid(), mailimap_fetch_att_new_flags(), NewHeldFields()});
   OwnedList found(mailimap_fetch_list_free);
-  Fetch(all.get(), wanted.get(), found);
+  Fetch(set.get(), wanted.get(), found);
   found.ForEach<mailimap_msg_att>([&](const mailimap_msg_att& answer) {
     const Piece piece = ReadPiece(answer);
     auto held = piece.message.uid == 0 ? std::nullopt : ReadHeldLines(piece.text, key);
@@ -174,7 +186,6 @@ std::vector<HeldCopy> Connection::HeldCopies(const mail::IdentifierKey& key) {
     const auto has = [&](std::string_view flag) { return piece.flags.find(flag) != std::string::npos; };
     copies.push_back({piece.message.uid, has(kUnfinished), has(kRestoring), std::move(*held)});
   });
-  return copies;
 }
 
 void Connection::Mark(std::uint32_t uid, std::string_view flag, bool set) {

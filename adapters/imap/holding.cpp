@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ctime>
 #include <set>
+#include <thread>
 #include <tuple>
 #include <utility>
 
@@ -20,6 +21,8 @@ namespace {
 // A delete that takes longer is none that still runs.
 constexpr std::int64_t kStoppedAfter = 3600;  // seconds
 
+constexpr std::chrono::milliseconds kBeat{200};
+
 bool IsSameOrigin(const mail::HeldMessage& a, const mail::HeldMessage& b) {
   const auto origin = [](const mail::HeldMessage& held) {
     return std::tie(held.server, held.mailbox, held.folderKey, held.name);
@@ -27,7 +30,7 @@ bool IsSameOrigin(const mail::HeldMessage& a, const mail::HeldMessage& b) {
   return origin(a) == origin(b);
 }
 
-void Remove(Connection& connection, std::uint32_t uid) {
+void RemoveCopy(Connection& connection, std::uint32_t uid) {
   connection.Mark(uid, kDeleted, true);
   connection.Expunge(uid);
 }
@@ -64,7 +67,7 @@ void Holding::Put(const mail::HeldMessage& held, const WholeMessage& message) {
       const std::uint32_t uid = connection.Put(folder, copy);
       connection.Open(folder, Access::Write);
       if (uid != 0 && connection.FetchWhole(uid).text == copy.text) return;
-      if (uid != 0) Remove(connection, uid);
+      if (uid != 0) RemoveCopy(connection, uid);
       throw mail::StoreFailed("What the holding folder keeps differs from the message.");
     });
   } catch (const Error& error) {
@@ -81,10 +84,14 @@ void Holding::Finish(const mail::HeldMessage& held) {
   });
 }
 
-void Holding::Drop(const mail::HeldMessage& held) {
+void Holding::Drop(const mail::HeldMessage& held) { Remove(held, Copies::This); }
+
+void Holding::Remove(const mail::HeldMessage& held, Copies which) {
   InFolder(held.server, [&](Connection& connection, const std::string&) {
     for (const HeldCopy& copy : connection.HeldCopies(key_)) {
-      if (copy.message.id == held.id || IsSameOrigin(copy.message, held)) Remove(connection, copy.uid);
+      const bool isOne =
+          copy.message.id == held.id || (which == Copies::OfTheMessage && IsSameOrigin(copy.message, held));
+      if (isOne) RemoveCopy(connection, copy.uid);
     }
     return true;
   });
@@ -130,7 +137,7 @@ bool Holding::Restore(const mail::HeldMessage& held, const std::string& folder) 
     }
     return false;
   });
-  if (!found) return false;
+  if (!found || (wasBegun && !WaitForAnother(held))) return false;
   message.text.erase(0, HeldLinesLength(message.text));
   message.flags = held.flags;
   message.received = held.received;
@@ -138,7 +145,23 @@ bool Holding::Restore(const mail::HeldMessage& held, const std::string& folder) 
     pool_.WithOwnOnce(held.server, pool_.Config().LoginOf(held.mailbox),
                       [&](Connection& connection) { connection.Put(folder, message); });
   }
-  Drop(held);
+  Remove(held, Copies::OfTheMessage);
+  return true;
+}
+
+// Whoever began to restore the message may be at it right now. False when it is restored meanwhile; who was stopped
+// never gets there.
+bool Holding::WaitForAnother(const mail::HeldMessage& held) {
+  const auto until = Deadline::Clock::now() + pool_.Config().limits.patience;
+  while (Deadline::Clock::now() < until) {
+    std::this_thread::sleep_for(kBeat);
+    const bool isHeld = InFolder(held.server, [&](Connection& connection, const std::string&) {
+      const auto copies = connection.HeldCopies(key_);
+      return std::any_of(copies.begin(), copies.end(),
+                         [&](const HeldCopy& copy) { return copy.message.id == held.id; });
+    });
+    if (!isHeld) return false;
+  }
   return true;
 }
 
@@ -174,7 +197,7 @@ std::int32_t Holding::Sweep(const std::string& server, std::int64_t before) {
   if (past.empty()) return 0;
   InFolder(server, [&](Connection& connection, const std::string&) {
     for (const HeldCopy& copy : connection.HeldCopies(key_)) {
-      if (past.contains(copy.message.id)) Remove(connection, copy.uid);
+      if (past.contains(copy.message.id)) RemoveCopy(connection, copy.uid);
     }
     return true;
   });

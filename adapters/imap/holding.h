@@ -26,7 +26,7 @@ class Holding {
   // The original is gone: the copy is the message.
   void Finish(const mail::HeldMessage& held);
 
-  // Removes all copies of the message that `held` came from.
+  // The original was not removed: its copy goes. Another process may have made one of its own, and removed it.
   void Drop(const mail::HeldMessage& held);
 
   // All that a server holds, each message once; those of deletes that were never finished are left out.
@@ -46,6 +46,9 @@ class Holding {
   template <typename Step>
   auto InFolder(const std::string& server, Step&& step);
 
+  enum class Copies { This, OfTheMessage };
+  void Remove(const mail::HeldMessage& held, Copies which);
+  bool WaitForAnother(const mail::HeldMessage& held);
   std::string FolderName(Connection& connection) const;
   bool HasOriginal(const mail::HeldMessage& held);
   bool IsThereAlready(const mail::HeldMessage& held, const std::string& folder, const WholeMessage& message);

@@ -14,6 +14,7 @@ struct Limits {
   int depth = 500;                             // open parentheses
   std::chrono::milliseconds silence{10000};    // without a byte while we wait for one
   std::chrono::milliseconds operation{20000};  // everything that one call of ours takes
+  std::chrono::milliseconds patience{3000};    // with somebody who restores the same message
 };
 
 }  // namespace kalvo::imap

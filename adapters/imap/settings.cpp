@@ -167,9 +167,9 @@ void Replace(std::string& text, std::string_view what, std::string_view with) {
 // Deleted messages are never held where the owner of a mailbox, or anybody's new mail, is.
 void CheckHolding(const Settings& settings) {
   if (settings.holdingFolder.empty() || settings.holdingFolder.size() > 100 ||
-      Lower(settings.holdingFolder) == "inbox") {
-    Refuse("holding must be the name of a folder of its own, of up to 100 bytes, not \"", settings.holdingFolder,
-           "\".");
+      Lower(settings.holdingFolder) == "inbox" || settings.holdingFolder.find_first_of("*%") != std::string::npos) {
+    Refuse("holding must be the name of a folder of its own, of up to 100 bytes and without \"*\" and \"%\", not \"",
+           settings.holdingFolder, "\".");
   }
   if (settings.HoldingLogin().find("{mailbox}") != std::string::npos) {
     Refuse("holding-login must be the product's own account, without {mailbox}.");

@@ -38,7 +38,9 @@ class ImapHolding : public ::testing::Test {
   ImapHolding() : server_(FixtureUsers()) {}
 
   std::shared_ptr<imap::ImapStore> Store(std::string_view more = "") {
-    return std::make_shared<imap::ImapStore>(imap::ReadSettings(StoreAddress(server_, more)));
+    auto settings = imap::ReadSettings(StoreAddress(server_, more));
+    settings.limits.patience = milliseconds(0);  // nobody restores beside us but those that are killed
+    return std::make_shared<imap::ImapStore>(settings);
   }
 
   void Fill() { PlainImap(server_.Port(), "alice").Append("INBOX", kText, kReceived); }
@@ -116,7 +118,7 @@ TEST_F(ImapHolding, FlagsAndKeywordsAndTheTimeComeBack) {
   {
     PlainImap imap(server_.Port(), "alice");
     imap.Run("SELECT INBOX");
-    imap.Run("STORE 1 +FLAGS (\\Seen \\Answered \\Flagged $Label)");
+    imap.Run("STORE 1 +FLAGS (\\Seen \\Answered \\Flagged \\Deleted $Label)");
   }
   const std::string before = FlagsOf("alice", "INBOX");
   ASSERT_NE(before.find("$Label"), before.npos);
@@ -154,9 +156,26 @@ TEST_F(ImapHolding, WhatCannotBeHeldIsNotDeleted) {
 }
 
 TEST_F(ImapHolding, TheOwnersAccountIsNeverUsed) {
-  for (const char* more : {"&holding-login={mailbox}*{admin}", "&holding=INBOX", "&holding=inbox", "&holding="}) {
+  for (const char* more :
+       {"&holding-login={mailbox}*{admin}", "&holding=INBOX", "&holding=inbox", "&holding=", "&holding=%2A"}) {
     EXPECT_NE(Failure([&] { Store(more); }), "") << more;
   }
+}
+
+TEST_F(ImapHolding, OfTwoWhoDeleteTheCopyOfTheOneWhoDidStays) {
+  Fill();
+  const auto store = Store();
+  const std::string id = Delete(*store);
+  // Another one had made a copy as well when the message went, and takes that back.
+  auto other = Held().at(0);
+  other.id = mail::NewHeldId();
+  imap::ConnectionPool pool(imap::ReadSettings(StoreAddress(server_)));
+  imap::Holding holding(pool, store->Key());
+  holding.Put(other, {"Subject: once\r\n\r\nBody.\r\n", "", kReceived});
+  EXPECT_EQ(Held().size(), 1u) << "the same message";
+  holding.Drop(other);
+  ASSERT_EQ(Held().size(), 1u);
+  EXPECT_EQ(Held()[0].id, id);
 }
 
 TEST_F(ImapHolding, MessagesThatOthersPutThereAreLeftAlone) {

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <functional>
@@ -120,6 +121,24 @@ TEST_F(MaildirHolding, WhatCannotBeHeldIsNotDeleted) {
   EXPECT_EQ(Failure([&] { Remove("1.host"); }),
             "The message was not deleted: the mail store's holding folder cannot take it (Not a directory).");
   EXPECT_EQ(InTree(), std::set<std::string>{"cur/1.host:2,S"});
+}
+
+TEST_F(MaildirHolding, ADiskThatIsFullDeletesNothing) {
+  Deliver(tree_, "1.host:2,S", kText, kReceived);
+  const auto store = Store();
+  const pid_t process = fork();
+  if (process == 0) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit none{100, 100};  // bytes of a file: less than a record
+    setrlimit(RLIMIT_FSIZE, &none);
+    const std::string failure = Failure([&] { store->Remove(Ken(*store), "INBOX", "1.host", {"K\\k", 1000}); });
+    _exit(failure.starts_with("The message was not deleted: the mail store's holding folder cannot take it") ? 0 : 1);
+  }
+  int status = 0;
+  waitpid(process, &status, 0);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(InTree(), std::set<std::string>{"cur/1.host:2,S"});
+  EXPECT_EQ(InHolding(".record").size() + InHolding(".new").size() + InHolding(".mail").size(), 0u);
 }
 
 TEST_F(MaildirHolding, NeitherALinkNorAFolderIsTakenForTheHoldingFolder) {
