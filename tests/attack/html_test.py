@@ -103,22 +103,25 @@ class Crawl:
         return self.seen
 
 
-def spoil_database(path):
-    """Puts a hostile text behind every text of the reporting database."""
+def spoil_database(path, numbers):
+    """Puts a hostile text behind every text of the reporting database; behind every number too, where those are asked
+    for. What pages look rows up by stays in every second row, so that they go on finding some."""
     with sqlite3.connect(path) as database:
         tables = [row[0] for row in database.execute("select name from sqlite_master where type = 'table'")]
         spoiled = 0
         for table in tables:
             for _, column, kind, *_ in database.execute(f"pragma table_info({table})").fetchall():
-                if not re.match(r"(?i)(var)?char|text|long", kind) or column.lower() == "subsystem":
+                name = column.lower()
+                if name == "subsystem" or not numbers and not re.match(r"(?i)(var)?char|text|long", kind):
                     continue
-                # What the alerts' links and a server's pages are found by stays as it is in every second row.
-                kept = " and rowid % 2 = 0" if column.lower() in ("attrib3", "computername") else ""
+                if name.endswith("id") or name == "serverstate":  # what joins rows
+                    continue
+                kept = " and rowid % 2 = 0" if name in ("attrib3", "computername", "name") else ""
                 try:
                     spoiled += database.execute(f'update {table} set "{column}" = "{column}" || ? where "{column}" is not null'
                                                 + kept, (HOSTILE,)).rowcount
                 except sqlite3.IntegrityError:
-                    pass
+                    pass  # the schema itself does not let it in
         return spoiled
 
 
@@ -219,16 +222,23 @@ class Requests(Markup):
 class Outside(Markup):
     """The database and the mail store are hostile."""
 
+    def assert_shown_as_text(self, console, name):
+        seen = Crawl(Visitor(console, name), 260 if LONG else 120).run()
+        for link, (status, page) in seen.items():
+            self.assertEqual(status, 200, link)
+            self.assert_clean(link, page)
+        shown = [link for link, (_, page) in seen.items() if "<script>x()" in "".join(page.texts)]
+        self.assertGreater(len(shown), 30, "the texts are there to be seen")
+
     def test_no_text_of_the_database_or_a_mail_adds_a_part_to_a_page(self):
         with SampleConsole(KALVO) as spoiled:
-            self.assertGreater(spoil_database(os.path.join(spoiled.folder, "sample", "kalvo.db")), 1000)
+            database = os.path.join(spoiled.folder, "sample", "kalvo.db")
+            self.assertGreater(spoil_database(database, numbers=False), 1000)
             spoil_mail(os.path.join(spoiled.folder, "sample", "mail"))
             for name in ("administrator", "alice"):
-                seen = Crawl(Visitor(spoiled, name), 260 if LONG else 120).run()
-                self.assertGreater(len(seen), 30)
-                for link, (status, page) in seen.items():
-                    self.assertEqual(status, 200, link)
-                    self.assert_clean(link, page)
+                self.assert_shown_as_text(spoiled, name)
+            self.assertGreater(spoil_database(database, numbers=True), 5000)
+            self.assert_shown_as_text(spoiled, "administrator")
 
 
 class Holes(Markup):

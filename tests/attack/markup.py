@@ -4,13 +4,13 @@ import html.parser
 
 
 class Page(html.parser.HTMLParser):
-    """Every tag of a page with the names of its attributes, and every address that the page names."""
+    """Every tag of a page with the names of its attributes, every address that the page names, and its text."""
 
     ADDRESSES = ("href", "src", "action", "formaction", "data", "background")
 
     def __init__(self, text):
         super().__init__()
-        self.tags, self.addresses, self.links = set(), [], []
+        self.tags, self.addresses, self.links, self.texts = set(), [], [], []
         self.feed(text)
         self.close()
 
@@ -21,6 +21,9 @@ class Page(html.parser.HTMLParser):
                 self.addresses.append(value or "")
             if name == "href" and tag == "a":
                 self.links.append(value or "")
+
+    def handle_data(self, data):
+        self.texts.append(data)
 
     def leads_away(self):
         """Addresses that leave the site, or run something."""
