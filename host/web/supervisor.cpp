@@ -130,10 +130,7 @@ Supervisor::Wish Supervisor::Attend(int milliseconds) {
           Reload();
         }
         break;
-      case SIGUSR1:
-        log_.Reopen();
-        if (nginx_) nginx_->ReopenLog();
-        break;
+      case SIGUSR1: ReopenLogs(); break;
       default: break;
     }
   }
@@ -177,6 +174,16 @@ void Supervisor::NoteUsers() {
   const bool first = users_.empty();
   users_ = std::move(seen);
   if (!first) trail_.Note(audit::Event::UsersChanged, {}, {{"file", settings_.users.string()}});
+}
+
+void Supervisor::ReopenLogs() {
+  try {
+    log_.Reopen();
+  } catch (const host::SettingError& error) {
+    log_.Write(std::string("the log goes on where it was: ") + error.what());
+  }
+  pool_->Renew();
+  if (nginx_) nginx_->ReopenLog();
 }
 
 void Supervisor::Reap() {

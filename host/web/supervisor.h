@@ -36,6 +36,7 @@ class Supervisor {
   void WriteConfiguration(const Settings& settings);
   Wish Attend(int milliseconds);
   void Reload();
+  void ReopenLogs();
   void Reap();
   void NoteUsers();
   void Stop();

@@ -31,6 +31,17 @@ void WorkerPool::Use(std::shared_ptr<Generation> generation) {
   RetireAllBut(generation_.get());
 }
 
+void WorkerPool::Renew() {
+  std::vector<pid_t> old;
+  for (Member& member : workers_) {
+    if (!member.retired) old.push_back(member.process);
+    member.retired = true;
+  }
+  startDelay_ = nextStart_ = 0;
+  Keep();
+  for (const pid_t process : old) kill(process, SIGTERM);
+}
+
 void WorkerPool::Keep() {
   EndOverdue();
   if (!generation_ || Milliseconds() < nextStart_) return;

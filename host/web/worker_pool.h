@@ -28,6 +28,9 @@ class WorkerPool {
   // Workers are forked from this generation from now on. Those of an earlier one finish their page and go.
   void Use(std::shared_ptr<Generation> generation);
 
+  // Every worker finishes its page and goes, and another takes its place, which has the log as it is now.
+  void Renew();
+
   // Ends workers whose page outstays its limit, and starts the missing ones. To be called several times a second.
   void Keep();
 

@@ -498,6 +498,21 @@ class Reload(unittest.TestCase):
             server.process.send_signal(signal.SIGUSR1)
             wait_until("a new log", lambda: os.path.exists(server.log_file))
 
+            def told():
+                server.get("bad.asp")
+                return "bad.asp:1:" in server.log()
+
+            wait_until("what workers say is in it", told)
+
+    def test_a_log_that_cannot_be_opened_anew_stays(self):
+        with serving({"bad.asp": "<% oops(); %>"}, "workers = 1") as server:
+            place, server.log_file = server.log_file, server.log_file + ".1"
+            os.rename(place, server.log_file)
+            os.mkdir(place)
+            server.process.send_signal(signal.SIGUSR1)
+            wait_until("a word in the old one", lambda: "the log goes on where it was" in server.log())
+            self.assertEqual(server.get("bad.asp").status, 500)
+
 
 class Stop(unittest.TestCase):
     FILES = {"slow.asp": SLOW.format(2500), "endless.asp": "<% for (;;) {} %>", "good.asp": "good"}
