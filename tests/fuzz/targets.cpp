@@ -7,6 +7,7 @@ std::span<const Target> Targets() {
   static constexpr Target kTargets[] = {
     {"page_parser",    PageParser},
     {"query_and_form", QueryAndForm},
+    {"edge",           Edge},
     {"sql_tokens",     SqlTokens},
     {"utf8",           Utf8},
     {"imap_guard",     ImapGuard},

@@ -26,6 +26,7 @@ inline void Require(bool holds, const char* what) {
 
 void PageParser(std::string_view bytes);
 void QueryAndForm(std::string_view bytes);
+void Edge(std::string_view bytes);
 void SqlTokens(std::string_view bytes);
 void Utf8(std::string_view bytes);
 void ImapGuard(std::string_view bytes);
