@@ -70,7 +70,8 @@ class Build:
             units = {}
             for entry in json.load(file):
                 unit = Unit(entry)
-                if self.relative(unit.source).split("/")[0] in ("src", "adapters", "host"):
+                unit.is_test = self.relative(unit.source).startswith("tests/")
+                if self.relative(unit.source).split("/")[0] in ("src", "adapters", "host", "tests"):
                     units[unit.object] = unit
         listed = subprocess.run(["ninja", "-C", self.folder, "-t", "deps"], stdout=subprocess.PIPE, text=True, check=True)
         unit = None
@@ -107,8 +108,12 @@ class Build:
         return ":".join(f"{suite}.*:*/{suite}.*" for suite in sorted(suites))
 
     def units_of(self, path):
-        """Which sources have to be compiled when this file changes."""
-        return [u for u in self.units if path == u.source or path in u.includes]
+        """Which sources of the product have to be compiled when this file changes."""
+        return [u for u in self.units if not u.is_test and (path == u.source or path in u.includes)]
+
+    def tests_of(self, path, program):
+        """Which sources of the program do: a default argument or a constant of a header is compiled into them."""
+        return [u for u in self.units if path in u.includes and u.object in program.link]
 
 
 class Bench:
@@ -121,8 +126,9 @@ class Bench:
         os.makedirs(self.shadow, exist_ok=True)
         self.originals = {}
 
-    def compiled(self, path, text, level, where="mutant"):
+    def compiled(self, path, text, level, where="mutant", units=None):
         """The objects of every source that sees the file, with this text in it; None when one does not compile."""
+        units = self.build.units_of(path) if units is None else units
         objects_folder = os.path.join(self.folder, where)
         os.makedirs(objects_folder, exist_ok=True)
         shown = os.path.join(self.shadow, self.build.relative(path))
@@ -131,7 +137,7 @@ class Bench:
             file.write(text)
         try:
             objects = []
-            for unit in self.build.units_of(path):
+            for unit in units:
                 made = os.path.join(objects_folder, unit.object.replace("/", "_"))
                 if not self._compile(unit, shown if unit.source == path else unit.source, made, level):
                     return None
@@ -158,8 +164,9 @@ class Bench:
                 self.originals[path, level] = digest(self.compiled(path, file.read(), level, "original"))
         return digest(objects or self.compiled(path, text, level)) == self.originals[path, level]
 
-    def links(self, program, objects):
-        command = program.link[:1] + self.linker + objects + program.link[1:] + ["-o", self.target(program)]
+    def links(self, program, objects, left_out=()):
+        own = [word for word in program.link[1:] if word not in left_out]
+        command = program.link[:1] + self.linker + objects + own + ["-o", self.target(program)]
         done = subprocess.run(command, cwd=self.build.folder, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                               stderr=subprocess.DEVNULL, timeout=LONGEST_LINK, check=False)
         return done.returncode == 0

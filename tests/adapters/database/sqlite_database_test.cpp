@@ -243,6 +243,20 @@ TEST_F(SqliteFileTest, ADriverMayAskForItsOwnEndsAndNoMore) {
 
 TEST_F(SqliteFileTest, TheLibraryDoesNotCountItsMemoryUnderItsLock) { EXPECT_EQ(sqlite3_memory_used(), 0); }
 
+TEST_F(SqliteFileTest, AConnectionOfOursMayNotEvenWhatADriverMay) {
+  sqlite::SqliteDatabase database(File());
+  const auto connection = database.Connect("KalvoDB");
+  for (const char* sql : {"pragma table_info(T)", "begin", "pragma encoding"}) {
+    EXPECT_EQ(ErrorOf(*connection, sql).Description().substr(0, 7), "[42501]") << sql;
+  }
+}
+
+TEST_F(SqliteFileTest, AStatementHasFifteenSecondsAndAWriterFive) {
+  EXPECT_EQ(sqlite::Options().timeLimit, std::chrono::milliseconds(15'000));
+  EXPECT_EQ(sqlite::Options().busyTimeout, std::chrono::milliseconds(5000));
+  EXPECT_EQ(sqlite::Options().heapLimit, std::size_t{268'435'456});
+}
+
 TEST_F(SqliteFileTest, AClosedConnectionOrResultIsAnError) {
   sqlite::SqliteDatabase database(File());
   const auto connection = database.Connect("KalvoDB");
