@@ -18,7 +18,7 @@ ATTACKS = (
     ("Sign-in and sessions", (
         ("sign_in", "hostile|guess|refuse|writes_lets_nobody|sessions?$|ends_the_session|wrong_password|own_password"),
         ("login", r"^(Gates\.(Let|Refuse|DoNot|Slow|SendBack|End|Keep|Find|LookAt)|OwnPasswords|PasswordChanges|Proxied"
-                  r"|Throttle|Sessions\.|Users\.Are)"),
+                  r"|Attempts|Sessions\.|Users\.Are)"),
         ("proxy", "."),
     )),
     ("Text in pages", (
@@ -42,7 +42,9 @@ ATTACKS = (
         ("reach", "."),
         ("check_attack", "."),
     )),
-    ("Waiting and floods", (("floods", "."),)),
+    ("Waiting, floods and rights", (
+        ("floods", "."),
+    )),
     ("Rights of workers", (("rights", "."),)),
     ("Mail", (
         ("mail_attack", "."),
