@@ -37,7 +37,7 @@ function WritePage() {
   if (events.indexOf(event) < 0) { event = ""; }
   FilterForm(events);
   lines = JSON.parse(log.Lines(event, user, skipped, PAGE_LINES));
-  if (lines.length === 0) { return Note("There are no such lines."); }
+  if (lines.length === 0) { return Note("There are no such lines. Older ones may be found by the command \"kalvo audit\"."); }
   WriteLines(lines);
   if (lines.length === PAGE_LINES) {
     Links([["AuditLog.asp", "Older lines", "Event", event, "User", user, "Skip", skipped + PAGE_LINES]]);
@@ -46,8 +46,7 @@ function WritePage() {
 }
 
 if (!IsAdministrator()) {
-  Session.NoteRefusal("audit log");
-  Note("The audit log is shown to administrators only.");
+  Refuse("audit log", "The audit log is shown to administrators only.");
 } else if (!log) {
   Note("There is no audit log here.");
 } else {

@@ -13,7 +13,7 @@ var kinds = {
 %><!--#include file="../Include/Header.inc"--><%
 var what = String(Request.Form("What")), kind = kinds.hasOwnProperty(what) ? kinds[what] : null;
 if (!IsAdministrator()) {
-  Note("Only an administrator may change this.");
+  Refuse("change " + what, "Only an administrator may change this.");
 } else if (kind === null) {
   Note("Nothing was chosen.");
 } else {

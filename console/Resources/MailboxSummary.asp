@@ -12,7 +12,7 @@ if (server === "" || mailbox.value === "") {
 } else if ((folder !== "" || message !== "") && !generator.CheckUserPermissions(server, mailbox.value)) {
   // The right to drill down shows any folder's path, and opens any message, whose identifier is known; this page is
   // stricter.
-  Note("Mailbox or folder does not exist, or you are not the owner.");
+  Refuse("open " + mailbox.value + " on " + server, "Mailbox or folder does not exist, or you are not the owner.");
 } else if (generator.DisplayFolderPath(server, mailbox, container, folder, TABLE_MAPI_FOLDERS)) {
   scope = {name: server, mailbox: mailbox.value, container: container};
   if (message === "") {

@@ -24,7 +24,7 @@ function ShowPath() {
 }
 
 if (!IsAdministrator()) {
-  Note("Public folders are shown to administrators only.");
+  Refuse("public folders", "Public folders are shown to administrators only.");
 } else {
   OpenForm("PublicFolderSummary.asp", "Mailbox", "Folder:", folder.value);
   if (server !== "" && ShowPath()) {

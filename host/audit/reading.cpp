@@ -34,10 +34,10 @@ bool Filter::Takes(const Record& record) const {
 }
 
 std::vector<Record> Newest(const std::filesystem::path& folder, const Filter& filter, std::size_t count,
-                           std::size_t skipped) {
+                           std::size_t skipped, std::size_t mostFiles) {
   std::vector<Record> found;
   const auto files = LogFiles(folder);
-  for (auto file = files.rbegin(); file != files.rend() && found.size() < count; ++file) {
+  for (auto file = files.rbegin(); file != files.rend() && found.size() < count && mostFiles > 0; ++file, --mostFiles) {
     std::deque<Record> taken;  // of this file, as many as could still be asked for
     std::size_t matches = 0;
     LineReader reader(*file);

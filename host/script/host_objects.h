@@ -12,7 +12,8 @@ namespace kalvo::host {
 class AuditLog : public Object {
  public:
   // The newest lines of an event and a user ("" asks for any), the newest first: `count` of them, at most 500, after
-  // `skipped` newer ones. A JSON list of the lines as they stand in the log. An event that there is not fails with 5.
+  // `skipped` newer ones. A JSON list of the lines as they stand in the log; of the newest 64 MiB of it. An event that
+  // there is not fails with 5.
   virtual std::string Lines(std::string_view event, std::string_view user, std::int32_t skipped,
                             std::int32_t count) = 0;
 

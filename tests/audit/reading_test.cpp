@@ -65,6 +65,8 @@ TEST_F(Reading, GoesBackOverSeveralFilesAndPastWhatIsNoLine) {
   std::filesystem::rename(CurrentFile(folder_.Path()), FullFile(folder_.Path(), 1));
   test::WriteFile(CurrentFile(folder_.Path()), "garbage\n" + std::string(3 * kLongestLine, 'x') + "\n");
   EXPECT_EQ(Numbers({}, 2, 1), "3 2 ");
+  EXPECT_EQ(Newest(folder_.Path(), {}, 9, 0, 1).size(), 0u);
+  EXPECT_EQ(Newest(folder_.Path(), {}, 9, 0, 2).size(), 4u);
 }
 
 }  // namespace

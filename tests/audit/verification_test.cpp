@@ -1,6 +1,12 @@
 #include "host/audit/verification.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
 
 #include "host/audit/journal.h"
 #include "host/audit/log_files.h"
@@ -115,6 +121,26 @@ TEST_F(Verifying, AnIntentWithoutOutcomeIsNoted) {
   EXPECT_TRUE(found.whole);
   EXPECT_EQ(found.noted,
             (std::vector<std::string>{"line 5: delete-intended has no outcome; the server was stopped in between"}));
+}
+
+// The pipe stands where the oldest file is: whoever reads the log has listed its files when it is opened.
+TEST_F(Verifying, AFileThatIsPutAsideMeanwhileIsNotMissing) {
+  const std::filesystem::path pipe = FullFile(folder_.Path(), 0);
+  std::filesystem::rename(CurrentFile(folder_.Path()), FullFile(folder_.Path(), 1));
+  journal_.Append(Event::SignedIn, {"emma", ""}, {});
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  const pid_t process = fork();
+  if (process == 0) {
+    const int first = open(pipe.c_str(), O_WRONLY);
+    Journal(folder_.Path(), 1).Append(Event::SignedIn, {"frida", ""}, {});
+    close(first);
+    for (;;) close(open(pipe.c_str(), O_WRONLY));
+  }
+  const Verification found = Verify(folder_.Path());
+  kill(process, SIGKILL);
+  waitpid(process, nullptr, 0);
+  EXPECT_TRUE(found.whole) << testing::PrintToString(found.broken);
+  EXPECT_EQ(found.lines, 8);
 }
 
 TEST_F(Verifying, AnEmptyFolderIsAWholeLogOfNoLines) {
