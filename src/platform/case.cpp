@@ -15,11 +15,13 @@ char AsciiLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A
 char AsciiUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 bool IsAscii(char c) { return static_cast<unsigned char>(c) < kFirstBeyondAscii; }
 
+static_assert(kToLower[0].first < kFirstBeyondAscii && kToUpper[0].first < kFirstBeyondAscii);
+
+// The letter of a character beyond ASCII: a range stands before every one of them.
 template <std::size_t N>
 char32_t Mapped(char32_t code, const CaseRange (&ranges)[N]) {
   const CaseRange* behind = std::upper_bound(std::begin(ranges), std::end(ranges), code,
                                              [](char32_t c, const CaseRange& range) { return c < range.first; });
-  if (behind == std::begin(ranges)) return code;
   const CaseRange& range = behind[-1];
   if (code > range.last || (code - range.first) % range.step != 0) return code;
   return static_cast<char32_t>(static_cast<int>(code) + range.offset);

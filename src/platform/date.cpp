@@ -51,14 +51,12 @@ void AppendDayPart(std::string& out, unsigned number, const Locale& locale) {
 }
 
 void AppendDay(std::string& out, const year_month_day& day, const Locale& locale) {
-  const auto month = [&] { AppendDayPart(out, unsigned{day.month()}, locale); };
-  const auto dayOfMonth = [&] { AppendDayPart(out, unsigned{day.day()}, locale); };
-  const auto separator = [&] { out += locale.dateSeparator; };
-  switch (locale.dateOrder) {
-    case DateOrder::MonthDayYear: month(), separator(), dayOfMonth(), separator(), Append(out, int{day.year()}); break;
-    case DateOrder::DayMonthYear: dayOfMonth(), separator(), month(), separator(), Append(out, int{day.year()}); break;
-    case DateOrder::YearMonthDay: Append(out, int{day.year()}), separator(), month(), separator(), dayOfMonth(); break;
-  }
+  const unsigned month{day.month()}, dayOfMonth{day.day()};
+  const bool monthFirst = locale.dateOrder == DateOrder::MonthDayYear;
+  AppendDayPart(out, monthFirst ? month : dayOfMonth, locale);
+  out += locale.dateSeparator;
+  AppendDayPart(out, monthFirst ? dayOfMonth : month, locale);
+  Append(out, locale.dateSeparator, int{day.year()});
 }
 
 void AppendTime(std::string& out, int seconds, const Locale& locale) {
@@ -122,7 +120,7 @@ class DateReader {
   }
 
   void Arrange(int first, int second, int third, bool iso) {
-    if (iso || locale_.dateOrder == DateOrder::YearMonthDay) {
+    if (iso) {
       year_ = first, month_ = second, day_ = third;
     } else if (locale_.dateOrder == DateOrder::MonthDayYear) {
       month_ = first, day_ = second, year_ = third;

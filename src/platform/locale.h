@@ -4,7 +4,7 @@
 
 namespace kalvo {
 
-enum class DateOrder { MonthDayYear, DayMonthYear, YearMonthDay };
+enum class DateOrder { MonthDayYear, DayMonthYear };
 enum class HourCycle { Twelve, TwentyFour };
 
 // How numbers and dates are written and read. The host chooses one for the process.

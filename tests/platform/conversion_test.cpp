@@ -75,6 +75,7 @@ TEST(Text, ASinglePrecisionNumberHasAsFewDigitsAsTellItApart) {
 }
 
 TEST(Number, IsReadFromText) {
+  const std::string kManyDigits(400, '9');
   const struct {
     const char* why;
     const char* text;
@@ -93,6 +94,7 @@ TEST(Number, IsReadFromText) {
       {"sixteen digits and more", "12345678901234567890", 12345678901234567890.0},
       {"too small to tell from nothing", "1e-400", 0},
       {"too large is infinite", "1e400", std::numeric_limits<double>::infinity()},
+      {"400 digits", kManyDigits.c_str(), std::numeric_limits<double>::infinity()},
       {"nothing", "", std::nullopt},
       {"blanks alone", "   ", std::nullopt},
       {"a point alone", ".", std::nullopt},
@@ -170,6 +172,8 @@ TEST(Number, IntegersRoundHalvesToEvenAndOverflow) {
   EXPECT_EQ(ErrorOf([] { ToInt32(std::numeric_limits<double>::quiet_NaN()); }), 6);
   EXPECT_EQ(ToInt32(Value(2147483647.0)), 2147483647);
   EXPECT_EQ(ToInt16(std::string_view("15")), 15);
+  EXPECT_EQ(ToInt16(Value(" 15.5 "s)), 16);
+  EXPECT_EQ(ErrorOf([] { ToInt16(Value(Null{})); }), 94);
   EXPECT_EQ(ErrorOf([] { ToInt16(std::string_view("Name")); }), 13);
 }
 

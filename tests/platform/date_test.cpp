@@ -114,6 +114,9 @@ TEST(Date, IsReadFromText) {
       {"one number and a separator", "1/", std::nullopt},
       {"two numbers", "1/2", std::nullopt},
       {"two numbers and a separator", "1/2/", std::nullopt},
+      {"a number and a blank", "3 4", std::nullopt},
+      {"a day, a month and a year", "1-2-1999", std::nullopt},
+      {"something right behind a day", "1/2/1999x", std::nullopt},
       {"two separators", "1/2-1999", std::nullopt},
       {"another locale's separator", "1.2.1999", std::nullopt},
       {"an hour alone behind a day", "1/2/1999 3", std::nullopt},
@@ -141,6 +144,11 @@ TEST(Date, IsReadInTheOrderOfTheLocale) {
   EXPECT_EQ(ParseDate("2/1/1999", *FindLocale("de-DE")), Date{36162}) << "a slash separates everywhere";
   EXPECT_EQ(ParseDate("1999-01-02", *FindLocale("de-DE")), Date{36162});
   EXPECT_EQ(ParseDate("2.1.1999", *FindLocale("en-GB")), std::nullopt);
+}
+
+TEST(Date, IsTheSameOnlyAtTheSameSerial) {
+  EXPECT_EQ(Date{1.5}, Date{1.5});
+  EXPECT_NE(Date{1.5}, Date{1});
 }
 
 TEST(Date, OnlyWhatTheCalendarHasCanBeMade) {
