@@ -70,6 +70,13 @@ TEST_F(Users, AreWhatTheFileSays) {
   EXPECT_FALSE(users_.Find("KALVO\\al"));
 }
 
+TEST_F(Users, HaveNamesThatDifferByMoreThanCase) {
+  Hold("KALVO\\\u00E4rzte - " + kHash + "\nKALVO\\bos\u017F - " + kHash + "\n");
+  EXPECT_TRUE(users_.Find("KALVO\\\u00C4RZTE"));
+  EXPECT_FALSE(users_.Find("KALVO\\arzte"));
+  EXPECT_FALSE(users_.Find("KALVO\\boss")) << "a long s is no s";
+}
+
 TEST_F(Users, AreNotReadFromALineThatIsNone) {
   for (const char* rest : {"", " administrator", " root $argon2id$x", " - secret", " - $argon2id$x more"}) {
     Hold(std::string("# one\nKALVO\\alice") + rest + "\n");
