@@ -54,13 +54,12 @@ struct ServerSort {
 enum class Access { Read, Write };
 
 // How far a held copy is: marks that no server gives by itself. The flags of the original are in its record.
-inline constexpr std::string_view kUnfinished = "\\Draft", kRestoring = "\\Answered", kDeleted = "\\Deleted";
+inline constexpr std::string_view kUnfinished = "\\Draft", kDeleted = "\\Deleted";
 
 // A message of the holding folder, by its record.
 struct HeldCopy {
   std::uint32_t uid = 0;
   bool isUnfinished = false;  // its original may still be there
-  bool isRestoring = false;   // it may be back in its folder already
   mail::HeldMessage message;
 };
 
@@ -119,6 +118,7 @@ class Connection {
   // Writes a message into a folder, and answers its UID there; 0 where the server does not tell.
   std::uint32_t Put(const std::string& folder, const WholeMessage& message);
   void Create(const std::string& folder);
+  void DeleteFolder(const std::string& folder);
 
   std::size_t BytesRead() const;
 

@@ -163,6 +163,12 @@ void Connection::Create(const std::string& folder) {
   Check(mailimap_create(session_->imap, folder.c_str()), "CREATE");
 }
 
+void Connection::DeleteFolder(const std::string& folder) {
+  CheckSendable("The folder name", folder);
+  Command();
+  Check(mailimap_delete(session_->imap, folder.c_str()), "DELETE");
+}
+
 std::vector<HeldCopy> Connection::HeldCopies(const mail::IdentifierKey& key) {
   std::vector<HeldCopy> copies;
   std::vector<std::uint32_t> uids = AllUids();
@@ -184,7 +190,7 @@ void Connection::FetchHeldCopies(std::uint32_t first, std::uint32_t last, const 
     auto held = piece.message.uid == 0 ? std::nullopt : ReadHeldLines(piece.text, key);
     if (!held) return;
     const auto has = [&](std::string_view flag) { return piece.flags.find(flag) != std::string::npos; };
-    copies.push_back({piece.message.uid, has(kUnfinished), has(kRestoring), std::move(*held)});
+    copies.push_back({piece.message.uid, has(kUnfinished), std::move(*held)});
   });
 }
 

@@ -35,6 +35,29 @@ void RemoveCopy(Connection& connection, std::uint32_t uid) {
   connection.Expunge(uid);
 }
 
+// The folder that whoever restores a message makes first: of all who try, a server lets one.
+std::string ClaimOf(const std::string& folder, std::string_view id) {
+  return Built([&](std::string& out) { Append(out, folder, " ", id); });
+}
+
+bool Claim(Connection& connection, const std::string& claim) {
+  try {
+    connection.Create(claim);
+    return true;
+  } catch (const ImapError& error) {
+    if (error.What() != Fault::Refused) throw;
+    return false;
+  }
+}
+
+void Unclaim(Connection& connection, const std::string& claim) {
+  try {
+    connection.DeleteFolder(claim);
+  } catch (const ImapError& error) {
+    if (error.What() != Fault::Refused) throw;
+  }
+}
+
 }  // namespace
 
 std::string Holding::FolderName(Connection& connection) const {
@@ -42,7 +65,7 @@ std::string Holding::FolderName(Connection& connection) const {
 }
 
 bool Holding::IsIt(Connection& connection, const std::string& user, std::string_view folder) const {
-  return user == pool_.Config().HoldingLogin() && folder == FolderName(connection);
+  return user == pool_.Config().HoldingLogin() && folder.starts_with(FolderName(connection));
 }
 
 // Runs a step with the folder open, on a connection of its own; nothing where there is no folder yet. It is not
@@ -87,12 +110,13 @@ void Holding::Finish(const mail::HeldMessage& held) {
 void Holding::Drop(const mail::HeldMessage& held) { Remove(held, Copies::This); }
 
 void Holding::Remove(const mail::HeldMessage& held, Copies which) {
-  InFolder(held.server, [&](Connection& connection, const std::string&) {
+  InFolder(held.server, [&](Connection& connection, const std::string& folder) {
     for (const HeldCopy& copy : connection.HeldCopies(key_)) {
       const bool isOne =
           copy.message.id == held.id || (which == Copies::OfTheMessage && IsSameOrigin(copy.message, held));
       if (isOne) RemoveCopy(connection, copy.uid);
     }
+    if (which == Copies::OfTheMessage) Unclaim(connection, ClaimOf(folder, held.id));
     return true;
   });
 }
@@ -127,12 +151,11 @@ bool Holding::HasOriginal(const mail::HeldMessage& held) {
 bool Holding::Restore(const mail::HeldMessage& held, const std::string& folder) {
   WholeMessage message;
   bool wasBegun = false;
-  const bool found = InFolder(held.server, [&](Connection& connection, const std::string&) {
+  const bool found = InFolder(held.server, [&](Connection& connection, const std::string& folderOfOurs) {
     for (const HeldCopy& copy : connection.HeldCopies(key_)) {
       if (copy.message.id != held.id) continue;
+      wasBegun = !Claim(connection, ClaimOf(folderOfOurs, held.id));
       message = connection.FetchWhole(copy.uid);
-      wasBegun = copy.isRestoring;
-      if (!wasBegun) connection.Mark(copy.uid, kRestoring, true);
       return true;
     }
     return false;
@@ -194,10 +217,19 @@ std::int32_t Holding::Sweep(const std::string& server, std::int64_t before) {
     if (isPast || (mayBeStopped && hasOriginal)) past.insert(copy.message.id);
     if (isPast && !hasOriginal) ++swept;
   }
-  if (past.empty()) return 0;
-  InFolder(server, [&](Connection& connection, const std::string&) {
+  InFolder(server, [&](Connection& connection, const std::string& folder) {
+    std::set<std::string> claims;
+    for (const Folder& claim : connection.List(folder + " %", folder + " ")) claims.insert(claim.name);
     for (const HeldCopy& copy : connection.HeldCopies(key_)) {
-      if (past.contains(copy.message.id)) RemoveCopy(connection, copy.uid);
+      if (past.contains(copy.message.id)) {
+        RemoveCopy(connection, copy.uid);
+      } else {
+        claims.erase(ClaimOf(folder, copy.message.id));
+      }
+    }
+    // Whoever made them was stopped when the message was restored already.
+    for (const std::string& claim : claims) {
+      if (mail::IsHeldId(std::string_view(claim).substr(folder.size() + 1))) Unclaim(connection, claim);
     }
     return true;
   });

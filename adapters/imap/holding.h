@@ -32,14 +32,15 @@ class Holding {
   // All that a server holds, each message once; those of deletes that were never finished are left out.
   std::vector<mail::HeldMessage> Held(const std::string& server);
 
-  // Puts a message into a folder of its mailbox and holds it no longer. False where it is not held. A restore that
-  // was stopped in the middle is finished, not done twice.
+  // Puts a message into a folder of its mailbox and holds it no longer. False where it is not held. Of several who do
+  // it at once one does: the one who could make a folder of the message's id. A restore that was stopped in the middle
+  // leaves that folder, and is finished by the next one, not done twice.
   bool Restore(const mail::HeldMessage& held, const std::string& folder);
 
   // Removes what was deleted before that moment, and copies of deletes that were stopped.
   std::int32_t Sweep(const std::string& server, std::int64_t before);
 
-  // Whether that is the folder, for whoever lists the account's folders.
+  // Whether that is a folder of ours, for whoever lists the account's folders.
   bool IsIt(Connection& connection, const std::string& user, std::string_view folder) const;
 
  private:

@@ -178,6 +178,31 @@ TEST_F(ImapHolding, OfTwoWhoDeleteTheCopyOfTheOneWhoDidStays) {
   EXPECT_EQ(Held()[0].id, id);
 }
 
+TEST_F(ImapHolding, OfManyWhoRestoreOneSucceeds) {
+  Fill();
+  const std::string id = Delete(*Store());
+  constexpr int kProcesses = 4;
+  std::vector<pid_t> processes;
+  for (int i = 0; i < kProcesses; ++i) {
+    const pid_t process = fork();
+    if (process == 0) {
+      const auto store = std::make_shared<imap::ImapStore>(imap::ReadSettings(StoreAddress(server_)));
+      _exit(Failure([&] { store->Restore(Alice(*store), id, std::nullopt); }).empty() ? 1 : 0);
+    }
+    processes.push_back(process);
+  }
+  int restored = 0;
+  for (const pid_t process : processes) {
+    int status = 0;
+    waitpid(process, &status, 0);
+    restored += WEXITSTATUS(status);
+  }
+  EXPECT_EQ(restored, 1);
+  EXPECT_EQ(InInbox(), 1u);
+  EXPECT_EQ(Held().size(), 0u);
+  EXPECT_EQ(PlainImap(server_.Port(), "kalvo").Run("LIST \"\" \"Kalvo held *\"").find("* LIST"), std::string::npos);
+}
+
 TEST_F(ImapHolding, MessagesThatOthersPutThereAreLeftAlone) {
   Fill();
   Delete(*Store());
