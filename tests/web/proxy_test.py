@@ -91,7 +91,7 @@ class Proxy(unittest.TestCase):
                 return self.by_socket("who.asp", {"X-Remote-User": "bob"}).status == 200 and self.server.nginx() != [master]
             except OSError:
                 return False
-        wait_until("nginx listens at its socket again", answers)
+        wait_until("nginx listens at its socket again", answers, 60)
 
 
 class Settings(unittest.TestCase):

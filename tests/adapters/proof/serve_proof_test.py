@@ -1,6 +1,7 @@
 """serve_proof_test.py KALVO DRIVER: `kalvo serve` and `kalvo check` try a data source before anybody relies on it."""
 
 import os
+import signal
 import sqlite3
 import subprocess
 import sys
@@ -8,7 +9,7 @@ import tempfile
 import unittest
 
 import cases
-from serving import Serving
+from serving import Serving, wait_until
 
 DRIVER = sys.argv.pop()
 KALVO = sys.argv.pop()
@@ -86,6 +87,18 @@ class DataSource(unittest.TestCase):
             page = server.get("page.asp").text
             self.assertNotIn("Error", page)
             self.assertIn("none", page)
+
+    def test_a_source_that_takes_writes_does_not_replace_the_one_that_is_served(self):
+        os.environ["ODBCINI"] = self.odbc(f"Driver={DRIVER}")["ODBCINI"]
+        try:
+            with Serving(KALVO, {"page.asp": REPORT}, f'workers = 1\ndatabase = "sqlite:{self.path("kalvo.db")}"') as server:
+                server.configure('workers = 1\ndatabase = "odbc"\nunknown_engine = true')
+                server.process.send_signal(signal.SIGHUP)
+                wait_until("the reload is refused", lambda: "not reloaded: database: the data source is not read-only"
+                           in server.log(), 60)
+                self.assertNotIn("Error", server.get("page.asp").text)
+        finally:
+            del os.environ["ODBCINI"]
 
 
 if __name__ == "__main__":
