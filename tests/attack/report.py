@@ -26,7 +26,11 @@ ATTACKS = (
         ("policy", "nothing|no_other"),
         ("console", "write_nothing"),
     )),
-    ("Deleting", (("deleting", "."),)),
+    ("Deleting", (
+        ("deleting", "."),
+        ("browser", "neighbour|through_the_sign_in|foreign_name|run_nothing"),
+        ("audit", r"^(KilledActs|Verifying)\.|NobodyBrings|StrangersOf"),
+    )),
     ("Reports and SQL on every engine", (
         ("report_pages", "Hostile"),
         ("sql_attack", "refused|edge|values"),
