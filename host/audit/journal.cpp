@@ -183,9 +183,15 @@ Lines LinesBehind(const OpenFile& file, const fs::path& folder) {
 
 Journal::Journal(fs::path folder, std::int64_t largestFile) : folder_(std::move(folder)), largestFile_(largestFile) {
   std::error_code failed;
-  fs::create_directories(folder_, failed);
-  if (!failed) fs::permissions(folder_, fs::perms::owner_all, failed);
-  if (failed) throw host::SettingError("the folder of the audit log, " + folder_.string() + ": " + failed.message());
+  fs::create_directories(folder_.parent_path(), failed);
+  const bool isNew = mkdir(folder_.c_str(), 0700) == 0;
+  const std::string name = "audit: the folder " + folder_.string();
+  if (!isNew && errno != EEXIST) throw host::SettingError(name + " cannot be made: " + std::strerror(errno));
+  // What is somebody else's, or the system's, is neither changed nor written to.
+  struct stat state {};
+  const bool isOwn = stat(folder_.c_str(), &state) == 0 && S_ISDIR(state.st_mode) && (state.st_mode & 077) == 0 &&
+                     (geteuid() == 0 || state.st_uid == geteuid());
+  if (!isOwn) throw host::SettingError(name + " has to be the server's own, and closed to others (mode 0700)");
 }
 
 Record Journal::Append(Event event, const Visitor& visitor, const Details& details) const {

@@ -16,8 +16,8 @@ class Journal {
  public:
   static constexpr std::int64_t kLargestFile = 16 * 1024 * 1024;
 
-  // Makes the folder, mode 0700. A file that would grow beyond `largestFile` bytes is put aside and a new one begun.
-  // Fails with SettingError.
+  // Makes the folder, mode 0700; one that is there has to be as private. A file that would grow beyond `largestFile`
+  // bytes is put aside and a new one begun. Fails with SettingError.
   explicit Journal(std::filesystem::path folder, std::int64_t largestFile = kLargestFile);
 
   const std::filesystem::path& Folder() const { return folder_; }

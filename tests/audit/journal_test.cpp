@@ -57,6 +57,15 @@ TEST_F(Journals, AFolderThatCannotBeMadeIsAWrongSetting) {
   EXPECT_THROW(Journal(folder_.Path() / "file" / "audit"), host::SettingError);
 }
 
+TEST_F(Journals, AFolderThatOthersMayEnterIsLeftAsItIs) {
+  fs::create_directories(log_);
+  fs::permissions(log_, fs::perms(0755));
+  EXPECT_THROW(Journal{log_}, host::SettingError);
+  EXPECT_EQ(fs::status(log_).permissions(), fs::perms(0755));
+  fs::permissions(log_, fs::perms(0700));
+  EXPECT_EQ(Write(Journal(log_)).number, 1);
+}
+
 TEST_F(Journals, ManyProcessesWriteOneChain) {
   const Journal journal(log_, 4000);
   constexpr int kProcesses = 4, kLines = 25;
