@@ -24,15 +24,13 @@ class DataSrc : public Object {
   std::int16_t MoveNext() { return 0; }
   std::string GetField(std::string_view) { return {}; }
   std::int32_t RecordCount() const { return 0; }
-  std::int16_t GetRowIndex() const { return rowIndex_; }
+  std::int16_t GetRowIndex() const { return 0; }
 
  private:
   std::int16_t tableType_ = 0;
   std::shared_ptr<Table> table_;
   std::string resourceName_;
   std::shared_ptr<Context> context_;
-  std::int16_t recordCount_ = 0;
-  std::int16_t rowIndex_ = 0;
 };
 
 }  // namespace kalvo

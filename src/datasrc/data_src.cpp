@@ -11,8 +11,6 @@ void DataSrc::Initialize(std::int16_t TableType, Table& pTable, std::string_view
   table_ = Owned(pTable);
   resourceName_ = ResourceName;
   context_ = Owned(Ctxt);
-  recordCount_ = 0;
-  rowIndex_ = 0;
 }
 
 }  // namespace kalvo

@@ -54,6 +54,7 @@ TEST(ColumnData, AValueIsShownByItsFormat) {
       {"under a minute", FORMATTYPE_TIME, "59", "0hr&nbsp;00min&nbsp;59sec"},
       {"two hours", FORMATTYPE_TIME, "7325", "2hr&nbsp;02min&nbsp;5sec"},
       {"ten minutes", FORMATTYPE_TIME, "600", "0hr&nbsp;10min&nbsp;0sec"},
+      {"just under two hours", FORMATTYPE_TIME, "7199", "1hr&nbsp;59min&nbsp;59sec"},
       {"a hundred hours", FORMATTYPE_TIME, "360000", "100hr&nbsp;00min&nbsp;0sec"},
       {"half seconds round to even", FORMATTYPE_TIME, "2.5", "0hr&nbsp;00min&nbsp;2sec"},
       {"no time", FORMATTYPE_TIME, "", "&nbsp;"},

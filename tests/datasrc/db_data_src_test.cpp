@@ -174,6 +174,8 @@ TEST(DbDataSrc, RowsThatDoNotFitTheirNamesFailTheLoad) {
   EXPECT_EQ(page.source->OpenDS(), 1);
   EXPECT_EQ(page.Text(), Message("Inconsistent GetRows dictionary."));
   EXPECT_EQ(page.source->RecordCount(), 0);
+  page.source->MoveFirst();
+  EXPECT_EQ(page.source->GetField("Id"), "") << "what does not fit is not read";
 }
 
 TEST(DbDataSrc, AnErrorFromBeforeIsNotReportedAsItsOwn) {
