@@ -41,6 +41,8 @@ class Unit:
         words.remove("-c")
         words.remove(self.source)
         self.command = [w for w in words if not re.match(r"-[OgW]", w)] + ["-w"]
+        self.file_name = self.object.replace("/", "_")
+        self.library = re.sub(r"CMakeFiles/(\w+)\.dir/.*", r"lib\1.a", self.object)
         self.includes = set()
 
 
@@ -107,9 +109,15 @@ class Build:
                 suites.update(re.findall(r"^(?:TYPED_)?TEST(?:_F|_P)?\((\w+),", file.read(), re.MULTILINE))
         return ":".join(f"{suite}.*:*/{suite}.*" for suite in sorted(suites))
 
+    def is_linked(self, program, made):
+        """Whether the program has this object, of its own or of one of its libraries."""
+        unit = next(u for u in self.units if u.file_name == os.path.basename(made))
+        return unit.object in program.link or unit.library in program.link
+
     def units_of(self, path):
         """Which sources of the product have to be compiled when this file changes."""
-        return [u for u in self.units if not u.is_test and (path == u.source or path in u.includes)]
+        return [u for u in self.units if not u.is_test and (path == u.source or path in u.includes)
+                and any(u.library in program.link for program in self.programs)]
 
     def tests_of(self, path, program):
         """Which sources of the program do: a default argument or a constant of a header is compiled into them."""
@@ -138,7 +146,7 @@ class Bench:
         try:
             objects = []
             for unit in units:
-                made = os.path.join(objects_folder, unit.object.replace("/", "_"))
+                made = os.path.join(objects_folder, unit.file_name)
                 if not self._compile(unit, shown if unit.source == path else unit.source, made, level):
                     return None
                 objects.append(made)
@@ -166,6 +174,7 @@ class Bench:
 
     def links(self, program, objects, left_out=()):
         own = [word for word in program.link[1:] if word not in left_out]
+        objects = [made for made in objects if self.build.is_linked(program, made)]
         command = program.link[:1] + self.linker + objects + own + ["-o", self.target(program)]
         done = subprocess.run(command, cwd=self.build.folder, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                               stderr=subprocess.DEVNULL, timeout=LONGEST_LINK, check=False)
