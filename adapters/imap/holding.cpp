@@ -165,11 +165,24 @@ bool Holding::Restore(const mail::HeldMessage& held, const std::string& folder) 
   message.flags = held.flags;
   message.received = held.received;
   if (!wasBegun || !IsThereAlready(held, folder, message)) {
-    pool_.WithOwnOnce(held.server, pool_.Config().LoginOf(held.mailbox),
-                      [&](Connection& connection) { connection.Put(folder, message); });
+    try {
+      pool_.WithOwnOnce(held.server, pool_.Config().LoginOf(held.mailbox),
+                        [&](Connection& connection) { connection.Put(folder, message); });
+    } catch (const ImapError& error) {
+      if (error.What() == Fault::Refused) GiveUp(held);  // it surely is not there
+      throw;
+    }
   }
   Remove(held, Copies::OfTheMessage);
   return true;
+}
+
+// The next one who restores the message need not wait for us.
+void Holding::GiveUp(const mail::HeldMessage& held) {
+  InFolder(held.server, [&](Connection& connection, const std::string& folder) {
+    Unclaim(connection, ClaimOf(folder, held.id));
+    return true;
+  });
 }
 
 // Whoever began to restore the message may be at it right now. False when it is restored meanwhile; who was stopped

@@ -49,6 +49,7 @@ class Holding {
 
   enum class Copies { This, OfTheMessage };
   void Remove(const mail::HeldMessage& held, Copies which);
+  void GiveUp(const mail::HeldMessage& held);
   bool WaitForAnother(const mail::HeldMessage& held);
   std::string FolderName(Connection& connection) const;
   bool HasOriginal(const mail::HeldMessage& held);

@@ -162,6 +162,26 @@ TEST_F(ImapHolding, TheOwnersAccountIsNeverUsed) {
   }
 }
 
+TEST_F(ImapHolding, AFolderThatDoesNotTakeItLeavesItHeldAndFreeForTheNext) {
+  server_.MakePublicFolder({"Sales"});
+  PlainImap(server_.Port(), "kalvo").Append("Public/Sales", kText, kReceived);
+  const auto store = Store();
+  const mail::Tree sales{"EX01", nullptr};
+  const auto messages = store->Messages(sales, "Public/Sales");
+  const std::int32_t first[] = {0};
+  const std::string id = store->Remove(sales, "Public/Sales", std::string(messages->Row(first).key), {"", 1000});
+  server_.Write("public/.Sales/dovecot-acl", "user=kalvo lrte\n");
+  std::this_thread::sleep_for(milliseconds(1100));  // the server looks at it once a second
+  EXPECT_NE(Failure([&] { Store()->Restore(sales, id, std::nullopt); }).find("refused"), std::string::npos);
+  EXPECT_EQ(PlainImap(server_.Port(), "kalvo").Run("LIST \"\" \"Kalvo held *\"").find("* LIST"), std::string::npos);
+  ASSERT_EQ(Store()->Held(&sales).size(), 1u);
+  server_.Write("public/.Sales/dovecot-acl", "user=kalvo lrwstipekxa\n");
+  std::this_thread::sleep_for(milliseconds(1100));
+  Store()->Restore(sales, id, std::nullopt);
+  EXPECT_EQ(Store()->Held(&sales).size(), 0u);
+  EXPECT_EQ(server_.AllMessages(), std::vector<std::string>{kText});
+}
+
 TEST_F(ImapHolding, OfTwoWhoDeleteTheCopyOfTheOneWhoDidStays) {
   Fill();
   const auto store = Store();
@@ -182,12 +202,17 @@ TEST_F(ImapHolding, OfManyWhoRestoreOneSucceeds) {
   Fill();
   const std::string id = Delete(*Store());
   constexpr int kProcesses = 4;
+  const auto settings = imap::ReadSettings(StoreAddress(server_));  // which writes the files that it names
   std::vector<pid_t> processes;
   for (int i = 0; i < kProcesses; ++i) {
     const pid_t process = fork();
     if (process == 0) {
-      const auto store = std::make_shared<imap::ImapStore>(imap::ReadSettings(StoreAddress(server_)));
-      _exit(Failure([&] { store->Restore(Alice(*store), id, std::nullopt); }).empty() ? 1 : 0);
+      _exit(Failure([&] {
+              imap::ImapStore store(settings);
+              store.Restore(Alice(store), id, std::nullopt);
+            }).empty()
+                ? 1
+                : 0);
     }
     processes.push_back(process);
   }
