@@ -160,5 +160,12 @@ TEST(Context, NeedsAPageForEverythingOfTheHost) {
   EXPECT_EQ(context.TableIndex(), 1);
 }
 
+TEST(Context, CountsNoTableBeforeItsFirst) {
+  const Context context;
+  EXPECT_EQ(context.TableIndex(), 0);
+  EXPECT_FALSE(context.bDebugTable());
+  EXPECT_EQ(context.GetTopN(), TOPN_UNDEFINED);
+}
+
 }  // namespace
 }  // namespace kalvo
