@@ -46,9 +46,10 @@ class Check {
         Break(torn.place, "this is no line of the audit log, or it was changed");
       }
     }
-    for (const auto& [number, event] : intents_) {
+    for (const auto& intent : intents_) {
       found_.noted.push_back(Built([&](std::string& text) {
-        Append(text, "line ", number, ": ", NameOf(event), " has no outcome; the server was stopped in between");
+        Append(text, "line ", intent.first, ": ", NameOf(intent.second),
+               " has no outcome; the server was stopped in between");
       }));
     }
     found_.whole = found_.broken.empty();
