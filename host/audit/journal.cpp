@@ -24,9 +24,10 @@ constexpr std::chrono::seconds kPatience{5};  // for whoever else is writing
 constexpr std::chrono::milliseconds kBeat{2};
 constexpr int kAppending = O_RDWR | O_APPEND | O_CREAT;
 
+// Pages show what failed, so it names no folder.
 [[noreturn]] void Fail(const fs::path& path, const char* what) {
   const int error = errno;
-  throw AuditError(path.string() + ' ' + what + ": " + std::strerror(error));
+  throw AuditError(path.filename().string() + ' ' + what + ": " + std::strerror(error));
 }
 
 // An open file, closed with this object, and with it any lock that is held on it.
@@ -62,7 +63,8 @@ void Lock(const OpenFile& file, const fs::path& path) {
   const auto until = std::chrono::steady_clock::now() + kPatience;
   while (flock(file.Get(), LOCK_EX | LOCK_NB) != 0) {
     if (errno != EWOULDBLOCK && errno != EINTR) Fail(path, "cannot be locked");
-    if (std::chrono::steady_clock::now() > until) throw AuditError(path.string() + " is held by another process");
+    if (std::chrono::steady_clock::now() > until)
+      throw AuditError(path.filename().string() + " is held by another process");
     std::this_thread::sleep_for(kBeat);
   }
 }
@@ -153,7 +155,7 @@ std::optional<FileEnd> EndBefore(const fs::path& folder, fs::path& path) {
 // Puts a file that is full aside.
 void Rotate(const fs::path& folder, std::optional<OpenFile>& file) {
   const fs::path path = CurrentFile(folder), full = FullFile(folder, FirstNumberOf(*file, 0));
-  if (fs::exists(full)) throw AuditError(full.string() + " is there already; move it away to go on");
+  if (fs::exists(full)) throw AuditError(full.filename().string() + " is there already; move it away to go on");
   if (rename(path.c_str(), full.c_str()) != 0) Fail(path, "cannot be put aside");
   file.emplace(path, kAppending);
 }

@@ -53,7 +53,7 @@ FileEnd ReadEnd(int file, std::int64_t size, const fs::path& path) {
   while (got < text.size()) {
     const ssize_t piece = pread(file, text.data() + got, text.size() - got, from + static_cast<std::int64_t>(got));
     if (piece < 0 && errno == EINTR) continue;
-    if (piece < 0) throw AuditError(path.string() + " cannot be read: " + std::strerror(errno));
+    if (piece < 0) throw AuditError(path.filename().string() + " cannot be read: " + std::strerror(errno));
     if (piece == 0) break;
     got += static_cast<std::size_t>(piece);
   }
@@ -75,7 +75,8 @@ FileEnd ReadEnd(int file, std::int64_t size, const fs::path& path) {
   end.tornEnds = end.torn.ends_with('\n');
   if (end.tornEnds) end.torn.pop_back();
   if (!end.last && from > 0) {
-    throw AuditError(path.string() + " does not end with a line of the audit log; move the file away to go on");
+    throw AuditError(path.filename().string() +
+                     " does not end with a line of the audit log; move the file away to go on");
   }
   return end;
 }

@@ -321,6 +321,7 @@ class WithoutAudit(Case):
             with self.nothing_goes():
                 answer = self.ask(action, method="POST", form={"Token": token}, headers=HERE)
                 self.assertIn("It could not be written down, so nothing was deleted", answer.text)
+                self.assertNotIn(console.folder, answer.text, "where the log is, is nobody's business")
         finally:
             os.rmdir(log)
             os.rename(log + ".away", log)

@@ -135,7 +135,9 @@ bool Tokens::Take(std::string_view session, std::string_view purpose, std::strin
   const fs::path taken = period / head.substr(0, kNonceDigits);
   const File file(taken, O_CREAT | O_EXCL | O_WRONLY);
   if (!file.IsOpen() && errno == EEXIST) return false;
-  if (!file.IsOpen() || fsync(file.Get()) != 0) Fail(taken);
+  if (!file.IsOpen() || fsync(file.Get()) != 0) {
+    throw SettingError(std::string("the token of a form cannot be kept: ") + std::strerror(errno));
+  }
   return true;
 }
 
