@@ -135,7 +135,9 @@ TEST(Date, IsReadFromText) {
     SCOPED_TRACE(c.why);
     const auto date = ParseDate(c.text, kEnglishUnitedStates);
     EXPECT_EQ(date.has_value(), c.serial.has_value());
-    if (date && c.serial) EXPECT_EQ(date->serial, *c.serial);
+    if (date && c.serial) {
+      EXPECT_EQ(date->serial, *c.serial);
+    }
   }
 }
 
@@ -182,7 +184,9 @@ TEST(Date, OnlyWhatTheCalendarHasCanBeMade) {
     SCOPED_TRACE(c.why);
     const auto date = MakeDate(c.year, c.month, c.day, c.hour, c.minute, c.second);
     EXPECT_EQ(date.has_value(), c.serial.has_value());
-    if (date && c.serial) EXPECT_EQ(date->serial, *c.serial);
+    if (date && c.serial) {
+      EXPECT_EQ(date->serial, *c.serial);
+    }
   }
 }
 

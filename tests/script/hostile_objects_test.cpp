@@ -98,8 +98,8 @@ TEST_F(HostileObjects, LeaveThePageRunningWhateverTheyChangeWhileTheyAreAsked) {
   session.values["kalvodrilldownauth"] = std::string("Yes");
   request.queryString = "a=1&Sort=x&Sort=y&First=3&Debug=All";
   options.limits.seconds = 100;
-  const fakes::FakeResult result = {{"Name", "Id"}, {{std::string("one"), 1}, {std::string("two"), 2}}};
-  database.results = {result, result};
+  const fakes::FakeResult rows = {{"Name", "Id"}, {{std::string("one"), 1}, {std::string("two"), 2}}};
+  database.results = {rows, rows};
   for (const ClassBinding& binding : Classes()) {
     if (binding.make == nullptr) continue;
     SCOPED_TRACE(binding.name);
