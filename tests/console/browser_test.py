@@ -3,6 +3,7 @@
 import datetime
 import http.server
 import os
+import socketserver
 import sys
 import threading
 import unittest
@@ -13,7 +14,7 @@ from selenium.webdriver.support.ui import Select
 
 import cases
 from browser import Browser
-from sample_console import CONSOLE, PASSWORD, SampleConsole
+from sample_console import CONSOLE, PASSWORD, SETTINGS, SampleConsole
 
 KALVO = sys.argv.pop()
 ALERTS = "Tasks/CurrentAlerts.asp"
@@ -522,6 +523,71 @@ class Injections(Case):
                 browser.open(page)
                 self.assertNotIn("owned", browser.driver.title)
         browser.complaints()
+
+    def test_in_a_cookie_run_nothing(self):
+        self.enter("administrator", INBOX)
+        browser.driver.add_cookie({"name": "ContainerId", "value": self.SCRIPT, "path": "/"})
+        browser.open(INBOX)
+        self.assertNotIn("owned", browser.driver.title)
+        browser.complaints()
+
+    def test_in_a_folders_name_run_nothing(self):
+        name = '"><img src=x onerror=alert(1)>'
+        os.makedirs(os.path.join(console.folder, "sample", "mail", SERVER, "public", "." + name, "cur"))
+        self.enter("administrator", f"{FOLDERS}?Server={SERVER}&Mailbox=")
+        browser.follow_text(name)
+        self.assertIn(name, browser.driver.find_element(By.TAG_NAME, "body").text)
+        browser.complaints()
+
+    def test_in_a_mail_servers_words_run_nothing(self):
+        with MailServer("NO <script>document.title='owned'</script>") as server, server.console() as refusing:
+            browser.driver.get(f"{refusing.address}{MAILBOX}?Server={SERVER}&Mailbox=alice&Container=Inbox")
+            browser.sign_in("administrator", PASSWORD)
+            self.assertIn("document.title", browser.driver.find_element(By.TAG_NAME, "body").text)
+            self.assertNotIn("owned", browser.driver.title)
+        browser.complaints()
+
+
+class MailServer:
+    """An IMAP server that lets everybody in and answers whatever else it is asked with the same words."""
+
+    DIRECTORY = (f"[server {SERVER}]\n\n[mailbox alice]\nserver = {SERVER}\naccount = KALVO\\alice\n"
+                 "address = alice@kalvo.example\nlocation = alice\n")
+
+    def __init__(self, words):
+        class Handler(socketserver.StreamRequestHandler):
+            def handle(self):
+                self.wfile.write(b"* OK hello\r\n")
+                for line in self.rfile:
+                    tag, command = line.decode().split()[:2]
+                    answer = "OK done" if command.upper() in ("CAPABILITY", "LOGIN") else words
+                    if command.upper() == "CAPABILITY":
+                        self.wfile.write(b"* CAPABILITY IMAP4rev1\r\n")
+                    self.wfile.write(f"{tag} {answer}\r\n".encode())
+
+        self.server = socketserver.ThreadingTCPServer(("127.0.0.1", 0), Handler)
+        self.server.daemon_threads = True
+
+    def __enter__(self):
+        threading.Thread(target=self.server.serve_forever, daemon=True).start()
+        return self
+
+    def __exit__(self, *error):
+        self.server.shutdown()
+        self.server.server_close()
+
+    def console(self):
+        """A console, not yet started, whose mailboxes are on this server."""
+        made = SampleConsole(KALVO)
+        for name, content in (("directory", self.DIRECTORY), ("password", "secret\n")):
+            with open(os.path.join(made.folder, name), "w", encoding="utf-8") as file:
+                file.write(content)
+            os.chmod(file.name, 0o600)
+        port = self.server.server_address[1]
+        made.configure(SETTINGS.replace("maildir:sample/mail",
+                                        f"imap://admin@127.0.0.1:{port}/?tls=none&directory={made.folder}/directory"
+                                        f"&password-file={made.folder}/password"))
+        return made
 
 
 if __name__ == "__main__":
