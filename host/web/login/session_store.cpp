@@ -241,7 +241,8 @@ void SessionStore::WriteFresh(int file, const fs::path& path, const User& user) 
 void SessionStore::EndOldest(std::string_view account, const fs::path& fresh) const {
   const FolderLock lock(folder_);
   std::vector<Holder> holders = HoldersIn(folder_, account);
-  std::erase_if(holders, [&](const Holder& holder) { return holder.path == fresh; });
+  const auto isFresh = [&](const Holder& holder) { return holder.path == fresh; };
+  if (std::erase_if(holders, isFresh) == 0) return;  // one that began meanwhile has ended it, and has counted
   std::sort(holders.begin(), holders.end(), [](const Holder& a, const Holder& b) { return a.Age() < b.Age(); });
   for (std::size_t i = 0; i + static_cast<std::size_t>(lifetimes_.mostOfAUser) <= holders.size(); ++i) {
     unlink(holders[i].path.c_str());
