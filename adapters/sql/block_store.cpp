@@ -44,6 +44,7 @@ BlockStore::BlockStore(std::int32_t fieldCount, const Locale& locale, std::size_
 BlockStore::Cell& BlockStore::NextCell(Kind kind) {
   const std::int32_t row = rowCount_ % kBlockRows;
   if (row == 0 && nextField_ == 0) {
+    CheckRows();
     blocks_.push_back(std::make_unique_for_overwrite<Cell[]>(static_cast<std::size_t>(kBlockRows) * fieldCount_));
     CheckMemory();
   }
@@ -54,6 +55,13 @@ BlockStore::Cell& BlockStore::NextCell(Kind kind) {
     ++rowCount_;
   }
   return cell;
+}
+
+void BlockStore::CheckRows() const {
+  static_assert(kMostRows % kBlockRows == 0);
+  if (rowCount_ < kMostRows) return;
+  throw DatabaseError("HY001",
+                      Built([](std::string& out) { Append(out, "The result has more than ", kMostRows, " rows."); }));
 }
 
 void BlockStore::CheckMemory() const {

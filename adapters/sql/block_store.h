@@ -35,7 +35,10 @@ class BlockStore final : public Rows {
  public:
   static constexpr std::size_t kMemoryLimit = std::size_t{512} << 20;
 
-  // `fieldCount` is at least 1. A result that takes more memory than the limit is refused with 0x80004005.
+  static constexpr std::int32_t kMostRows = 10'240'000;  // whole blocks
+
+  // `fieldCount` is at least 1. A result that takes more memory than the limit, or has more rows than `kMostRows`, is
+  // refused with 0x80004005.
   BlockStore(std::int32_t fieldCount, const Locale& locale, std::size_t memoryLimit = kMemoryLimit);
 
   // The next cell: that of the next field, or of the first field of a new row.
@@ -69,6 +72,7 @@ class BlockStore final : public Rows {
 
   Cell& NextCell(Kind kind);
   void AddKept(Kind kind, std::string_view bytes);
+  void CheckRows() const;
   void CheckMemory() const;
   const Cell& At(std::int32_t field, std::int32_t row) const;
 

@@ -135,6 +135,19 @@ TEST(BlockStore, CountsWhatItTakes) {
   EXPECT_EQ(Taken(100'000, 20'000), 4);
 }
 
+TEST(BlockStore, RefusesAResultOfTooManyRows) {
+  BlockStore store(1, kEnglishUnitedStates);
+  for (int i = 0; i < 10'240'000; ++i) store.AddNull();
+  EXPECT_EQ(store.RowCount(), 10'240'000);
+  try {
+    store.AddNull();
+    ADD_FAILURE() << "a row too many was taken";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.Number(), codes::kFailed);
+    EXPECT_EQ(error.Description(), "[HY001] The result has more than 10240000 rows.");
+  }
+}
+
 TEST(BlockStore, RefusesAResultThatIsTooLarge) {
   BlockStore store(1, kEnglishUnitedStates, 1 << 20);
   try {
