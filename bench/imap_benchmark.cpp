@@ -13,8 +13,8 @@
 
 #include "adapters/imap/imap_store.h"
 #include "adapters/mail/browser.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 #include "support/dovecot_server.h"
 
 namespace {

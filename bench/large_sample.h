@@ -10,7 +10,7 @@
 #include <string>
 
 #include "database/sample/sample.h"
-#include "platform/clock.h"
+#include "kalvo/platform/clock.h"
 
 // What the benchmarks over a whole sample share: where it comes from, and how time and memory are taken.
 namespace kalvo::bench {

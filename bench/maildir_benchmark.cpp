@@ -18,9 +18,9 @@
 
 #include "adapters/maildir/folder.h"
 #include "adapters/maildir/maildir_store.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/live_mailbox.h"
 
 namespace {
 

@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "platform/clock.h"
-#include "platform/database.h"
-#include "platform/error.h"
-#include "platform/platform.h"
-#include "platform/ranking.h"
+#include "kalvo/platform/clock.h"
+#include "kalvo/platform/database.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/platform.h"
+#include "kalvo/platform/ranking.h"
 
 // A reporting database in memory: every statement answers the same rows, so that a benchmark times what is done
 // with rows and not what it takes to fetch them.

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "host/script/encoding.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
-#include "platform/page_host.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/page_host.h"
 
 // A page in memory: a request with the few parameters that a table reads, and a response that collects its text.
 namespace kalvo::bench {

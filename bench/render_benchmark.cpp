@@ -11,13 +11,13 @@
 
 #include "bench/memory_database.h"
 #include "bench/memory_page.h"
-#include "datasrc/row_source.h"
 #include "kalvo/column_database.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/row_source.h"
 #include "kalvo/table.h"
 #include "kalvo/table_database.h"
-#include "platform/append.h"
 
 namespace kalvo::bench {
 namespace {

@@ -15,8 +15,8 @@
 #include "bench/timed_database.h"
 #include "host/cli/report_page.h"
 #include "host/cli/report_scope.h"
-#include "platform/platform.h"
-#include "platform/ranking.h"
+#include "kalvo/platform/platform.h"
+#include "kalvo/platform/ranking.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/database.h"
+#include "kalvo/platform/database.h"
 
 // A database in front of another one that takes the time of what is asked of it.
 namespace kalvo::bench {

@@ -9,8 +9,8 @@
 #include "adapters/sqlite/sqlite_database.h"
 #include "bench/large_sample.h"
 #include "host/cli/report_page.h"
-#include "platform/platform.h"
-#include "platform/ranking.h"
+#include "kalvo/platform/platform.h"
+#include "kalvo/platform/ranking.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "adapters/imap/session.h"
 #include "adapters/imap/settings.h"
 #include "adapters/imap/transport.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::imap {
 

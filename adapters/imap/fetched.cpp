@@ -10,7 +10,7 @@
 
 #include "adapters/mail/limits.h"
 #include "adapters/mail/text.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::imap {
 

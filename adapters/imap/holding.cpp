@@ -12,7 +12,7 @@
 #include "adapters/imap/message_source.h"
 #include "adapters/mail/errors.h"
 #include "adapters/mail/text.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::imap {
 

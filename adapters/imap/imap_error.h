@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::imap {
 

@@ -13,8 +13,8 @@
 #include "adapters/mail/directory_file.h"
 #include "adapters/mail/errors.h"
 #include "adapters/mail/text.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::imap {
 

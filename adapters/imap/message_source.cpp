@@ -9,7 +9,7 @@
 #include "adapters/imap/connection_pool.h"
 #include "adapters/mail/errors.h"
 #include "adapters/mail/text.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::imap {
 

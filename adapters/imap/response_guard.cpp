@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::imap {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "adapters/mail/errors.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::imap {
 

@@ -13,7 +13,7 @@
 #include <cstring>
 
 #include "adapters/imap/settings.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::imap {
 

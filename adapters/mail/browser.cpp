@@ -6,7 +6,7 @@
 #include "adapters/mail/errors.h"
 #include "adapters/mail/items.h"
 #include "adapters/mail/text.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::mail {
 

@@ -9,7 +9,7 @@
 
 #include "adapters/mail/directory.h"
 #include "adapters/mail/mail_store.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/live_mailbox.h"
 
 namespace kalvo::mail {
 

@@ -6,8 +6,8 @@
 #include <optional>
 
 #include "adapters/mail/errors.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::mail {
 

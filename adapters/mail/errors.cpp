@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "adapters/mail/text.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::mail {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "adapters/mail/held_message.h"
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::mail {
 

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <random>
 
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::mail {
 

@@ -6,7 +6,7 @@
 #include <tuple>
 
 #include "adapters/mail/errors.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::mail {
 

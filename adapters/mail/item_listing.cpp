@@ -8,7 +8,7 @@
 
 #include "adapters/mail/errors.h"
 #include "adapters/mail/sizes.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::mail {
 

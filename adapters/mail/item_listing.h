@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/live_mailbox.h"
 
 namespace kalvo::mail {
 

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <ctime>
 
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::mail {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "adapters/mail/mail_store.h"
-#include "platform/value.h"
+#include "kalvo/platform/value.h"
 
 namespace kalvo::mail {
 

@@ -14,7 +14,7 @@
 
 #include "adapters/mail/errors.h"
 #include "adapters/maildir/folder.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::maildir {
 

@@ -17,8 +17,8 @@
 #include "adapters/maildir/folder.h"
 #include "adapters/maildir/holding.h"
 #include "adapters/maildir/message_reader.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::maildir {
 

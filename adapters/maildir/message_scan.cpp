@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "adapters/mail/limits.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::maildir {
 

@@ -4,7 +4,7 @@
 #include "adapters/odbc/session.h"
 #include "adapters/sql/diagnostics.h"
 #include "adapters/sql/shape.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::odbc {
 

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "platform/database.h"
+#include "kalvo/platform/database.h"
 
 namespace kalvo::odbc {
 

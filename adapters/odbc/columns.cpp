@@ -8,7 +8,7 @@
 
 #include "adapters/odbc/diagnostics.h"
 #include "adapters/sql/iso_date.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::odbc {
 

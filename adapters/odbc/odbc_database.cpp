@@ -5,7 +5,7 @@
 #include "adapters/sql/diagnostics.h"
 #include "adapters/sqlite/guard.h"
 #include "adapters/sqlite/heap.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::odbc {
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <string_view>
 
-#include "platform/database.h"
-#include "platform/error.h"
-#include "platform/locale.h"
+#include "kalvo/platform/database.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/locale.h"
 
 namespace kalvo::odbc {
 

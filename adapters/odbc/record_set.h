@@ -6,7 +6,7 @@
 #include "adapters/odbc/cursor.h"
 #include "adapters/odbc/session.h"
 #include "adapters/sql/statement_queue.h"
-#include "platform/database.h"
+#include "kalvo/platform/database.h"
 
 namespace kalvo::odbc {
 

@@ -4,8 +4,8 @@
 
 #include "adapters/odbc/diagnostics.h"
 #include "adapters/sql/diagnostics.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::odbc {
 

@@ -1,7 +1,7 @@
 #include "adapters/ranking/kinds.h"
 
-#include "platform/append.h"
-#include "platform/error.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::ranking {
 namespace {

@@ -3,9 +3,9 @@
 #include <charconv>
 #include <string>
 
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
 #include "kalvo/table_constants.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
 
 namespace kalvo::ranking {
 namespace {

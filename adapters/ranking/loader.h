@@ -3,7 +3,7 @@
 #include "adapters/ranking/ranking.h"
 #include "adapters/ranking/result_set.h"
 #include "adapters/ranking/statement.h"
-#include "platform/database.h"
+#include "kalvo/platform/database.h"
 
 namespace kalvo::ranking {
 

@@ -1,8 +1,8 @@
 #include "adapters/ranking/ranking.h"
 
 #include "adapters/ranking/loader.h"
-#include "platform/append.h"
-#include "platform/error.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::ranking {
 namespace {

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "platform/locale.h"
+#include "kalvo/platform/locale.h"
 
 namespace kalvo {
 class Database;

@@ -5,8 +5,8 @@
 #include <string>
 #include <utility>
 
-#include "platform/conversion.h"
-#include "platform/error.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::ranking {
 namespace {

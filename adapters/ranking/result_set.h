@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/ranking.h"
+#include "kalvo/platform/ranking.h"
 
 namespace kalvo::ranking {
 

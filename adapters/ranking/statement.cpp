@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/append.h"
-#include "platform/error.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::ranking {
 namespace {

@@ -5,9 +5,9 @@
 #include <limits>
 
 #include "adapters/sql/diagnostics.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::sql {
 

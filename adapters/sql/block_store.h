@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/database.h"
-#include "platform/locale.h"
-#include "platform/value.h"
+#include "kalvo/platform/database.h"
+#include "kalvo/platform/locale.h"
+#include "kalvo/platform/value.h"
 
 namespace kalvo::sql {
 

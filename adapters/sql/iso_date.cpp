@@ -1,6 +1,6 @@
 #include "adapters/sql/iso_date.h"
 
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::sql {
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string_view>
 
-#include "platform/value.h"
+#include "kalvo/platform/value.h"
 
 namespace kalvo::sql {
 

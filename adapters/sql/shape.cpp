@@ -7,8 +7,8 @@
 #include "adapters/sql/diagnostics.h"
 #include "adapters/sql/statements.h"
 #include "adapters/sql/token.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::sql {
 

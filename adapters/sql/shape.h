@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/database.h"
+#include "kalvo/platform/database.h"
 
 namespace kalvo::sql {
 

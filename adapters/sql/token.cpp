@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::sql {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 struct sqlite3;
 

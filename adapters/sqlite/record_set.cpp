@@ -1,7 +1,7 @@
 #include "adapters/sqlite/record_set.h"
 
 #include "adapters/sql/iso_date.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::sqlite {
 

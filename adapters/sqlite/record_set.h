@@ -7,7 +7,7 @@
 #include "adapters/sql/block_store.h"
 #include "adapters/sql/statement_queue.h"
 #include "adapters/sqlite/connection.h"
-#include "platform/database.h"
+#include "kalvo/platform/database.h"
 
 namespace kalvo::sqlite {
 

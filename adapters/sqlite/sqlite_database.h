@@ -6,8 +6,8 @@
 #include <string>
 
 #include "adapters/sqlite/heap.h"
-#include "platform/database.h"
-#include "platform/locale.h"
+#include "kalvo/platform/database.h"
+#include "kalvo/platform/locale.h"
 
 namespace kalvo::sqlite {
 

@@ -5,7 +5,7 @@
 #include "database/sample/policies.h"
 #include "database/sample/steps.h"
 #include "database/sample/storage.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::sample {
 namespace {

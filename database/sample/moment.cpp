@@ -1,5 +1,5 @@
 #include "database/sample/row_writer.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::sample {
 

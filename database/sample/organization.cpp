@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "database/sample/people.h"
-#include "platform/append.h"
-#include "platform/error.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::sample {
 namespace {

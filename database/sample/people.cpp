@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::sample {
 namespace {

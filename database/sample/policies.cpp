@@ -1,7 +1,7 @@
 #include "database/sample/policies.h"
 
 #include "database/sample/storage.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::sample {
 namespace {

@@ -5,8 +5,8 @@
 #include "database/sample/organization.h"
 #include "database/sample/sqlite_writer.h"
 #include "database/sample/steps.h"
-#include "platform/append.h"
-#include "platform/error.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::sample {
 namespace {

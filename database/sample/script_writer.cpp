@@ -3,7 +3,7 @@
 #include <charconv>
 #include <ostream>
 
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::sample {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "database/sample/schema.h"
-#include "platform/append.h"
-#include "platform/error.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::sample {
 

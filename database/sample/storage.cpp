@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "database/sample/steps.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::sample {
 namespace {

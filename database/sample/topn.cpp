@@ -5,7 +5,7 @@
 
 #include "database/sample/ranked_list.h"
 #include "database/sample/steps.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::sample {
 namespace {

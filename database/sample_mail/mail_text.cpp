@@ -3,7 +3,7 @@
 #include <ctime>
 
 #include "database/sample/people.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::sample {
 namespace {

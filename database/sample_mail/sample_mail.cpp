@@ -12,8 +12,8 @@
 #include "database/sample/mail_names.h"
 #include "database/sample/messages.h"
 #include "database/sample_mail/mail_text.h"
-#include "platform/append.h"
-#include "platform/error.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::sample {
 namespace {

@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <thread>
 
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::attack {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::attack {
 namespace {

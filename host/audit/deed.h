@@ -4,7 +4,7 @@
 #include <string>
 
 #include "host/audit/trail.h"
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::audit {
 

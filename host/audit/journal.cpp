@@ -13,7 +13,7 @@
 #include "host/audit/audit_error.h"
 #include "host/audit/log_files.h"
 #include "host/parts/setting_error.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::audit {
 namespace {

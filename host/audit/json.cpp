@@ -1,6 +1,6 @@
 #include "host/audit/json.h"
 
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::audit {
 namespace {

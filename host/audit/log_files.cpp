@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "host/audit/audit_error.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::audit {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "host/audit/json.h"
 #include "host/audit/reading.h"
-#include "platform/append.h"
-#include "platform/error.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::audit {
 namespace {

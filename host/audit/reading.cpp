@@ -3,7 +3,7 @@
 #include <deque>
 
 #include "host/audit/log_files.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::audit {
 

@@ -9,7 +9,7 @@
 
 #include "host/audit/json.h"
 #include "host/script/text.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::audit {
 namespace {

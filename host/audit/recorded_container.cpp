@@ -1,8 +1,8 @@
 #include "host/audit/recorded_container.h"
 
 #include "host/audit/deed.h"
-#include "platform/conversion.h"
-#include "platform/locale.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/locale.h"
 
 namespace kalvo::audit {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "host/audit/record.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/live_mailbox.h"
 
 namespace kalvo::audit {
 

@@ -2,7 +2,7 @@
 
 #include <ctime>
 
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::audit {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "host/audit/log_files.h"
 #include "host/audit/reading.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::audit {
 namespace {

@@ -13,13 +13,13 @@
 #include "host/cli/questions.h"
 #include "host/cli/report_page.h"
 #include "host/cli/report_scope.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/database.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/platform.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
 #include "kalvo/table_database.h"
-#include "platform/append.h"
-#include "platform/database.h"
-#include "platform/error.h"
-#include "platform/platform.h"
 
 namespace kalvo::host {
 namespace {

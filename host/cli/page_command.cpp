@@ -11,7 +11,7 @@
 #include "host/parts/parts.h"
 #include "host/parts/setting_error.h"
 #include "host/script/page.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::host {
 namespace {

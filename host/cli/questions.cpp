@@ -1,7 +1,7 @@
 #include "host/cli/questions.h"
 
+#include "kalvo/platform/database.h"
 #include "kalvo/table_constants.h"
-#include "platform/database.h"
 
 namespace kalvo::host {
 

@@ -1,11 +1,11 @@
 #include "host/cli/report_page.h"
 
 #include "host/script/encoding.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/page_host.h"
 #include "kalvo/table_generator.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
-#include "platform/page_host.h"
 
 namespace kalvo::host {
 namespace {

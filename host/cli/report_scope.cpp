@@ -1,8 +1,8 @@
 #include "host/cli/report_scope.h"
 
 #include "host/cli/questions.h"
-#include "platform/database.h"
-#include "platform/error.h"
+#include "kalvo/platform/database.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::host {
 namespace {

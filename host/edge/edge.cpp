@@ -7,8 +7,8 @@
 #include "host/edge/limits.h"
 #include "host/script/text.h"
 #include "host/script/url_parts.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::edge {
 namespace {

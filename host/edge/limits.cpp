@@ -6,7 +6,7 @@
 #include "host/script/page.h"
 #include "host/script/request.h"
 #include "host/script/url_parts.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::edge {
 namespace {

@@ -8,7 +8,7 @@
 
 #include "host/edge/sort_words.h"
 #include "host/script/page_directive.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::edge {
 namespace {

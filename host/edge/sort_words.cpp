@@ -4,11 +4,11 @@
 
 #include "kalvo/column.h"
 #include "kalvo/column_database.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/utf8.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
 #include "kalvo/table_database.h"
-#include "platform/conversion.h"
-#include "platform/utf8.h"
 
 namespace kalvo::edge {
 namespace {

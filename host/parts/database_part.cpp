@@ -5,9 +5,9 @@
 
 #include "host/parts/parts.h"
 #include "host/parts/setting_error.h"
+#include "kalvo/platform/database.h"
+#include "kalvo/platform/error.h"
 #include "kalvo/table_constants.h"
-#include "platform/database.h"
-#include "platform/error.h"
 
 #ifdef KALVO_HAS_SQLITE
 #include "adapters/sqlite/sqlite_database.h"

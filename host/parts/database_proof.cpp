@@ -3,11 +3,11 @@
 #include <chrono>
 
 #include "host/parts/database_part.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/database.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/locale.h"
 #include "kalvo/table_constants.h"
-#include "platform/append.h"
-#include "platform/database.h"
-#include "platform/error.h"
-#include "platform/locale.h"
 
 namespace kalvo::host {
 namespace {

@@ -4,7 +4,7 @@
 
 #include "adapters/mail/mail_store.h"
 #include "host/parts/setting_error.h"
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 #ifdef KALVO_HAS_MAILDIR
 #include "adapters/maildir/maildir_store.h"

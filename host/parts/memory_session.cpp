@@ -1,7 +1,7 @@
 #include "host/parts/memory_session.h"
 
-#include "platform/conversion.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/live_mailbox.h"
 
 namespace kalvo::host {
 

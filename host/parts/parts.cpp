@@ -8,10 +8,10 @@
 #include "host/parts/ranking_part.h"
 #include "host/parts/setting_error.h"
 #include "host/parts/telling_database.h"
-#include "platform/append.h"
-#include "platform/database.h"
-#include "platform/live_mailbox.h"
-#include "platform/ranking.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/database.h"
+#include "kalvo/platform/live_mailbox.h"
+#include "kalvo/platform/ranking.h"
 
 namespace kalvo::host {
 namespace {

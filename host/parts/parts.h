@@ -8,7 +8,7 @@
 #include "adapters/ranking/ranking.h"
 #include "host/parts/memory_session.h"
 #include "host/parts/system_clock.h"
-#include "platform/platform.h"
+#include "kalvo/platform/platform.h"
 
 namespace kalvo::mail {
 class MailStore;

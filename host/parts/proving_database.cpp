@@ -1,6 +1,6 @@
 #include "host/parts/proving_database.h"
 
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::host {
 

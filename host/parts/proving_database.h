@@ -6,7 +6,7 @@
 #include <string>
 
 #include "host/parts/database_proof.h"
-#include "platform/database.h"
+#include "kalvo/platform/database.h"
 
 namespace kalvo::host {
 

@@ -1,7 +1,7 @@
 #include "host/parts/ranking_part.h"
 
-#include "platform/error.h"
-#include "platform/ranking.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/ranking.h"
 
 #ifdef KALVO_HAS_RANKING
 #include "adapters/ranking/ranking.h"

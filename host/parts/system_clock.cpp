@@ -2,7 +2,7 @@
 
 #include <ctime>
 
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::host {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "platform/append.h"
-#include "platform/error.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::host {
 

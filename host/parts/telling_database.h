@@ -6,7 +6,7 @@
 #include <memory>
 #include <string_view>
 
-#include "platform/database.h"
+#include "kalvo/platform/database.h"
 
 namespace kalvo::host {
 

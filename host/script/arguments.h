@@ -15,7 +15,7 @@
 #include "host/script/late_binding/adapters.h"
 #include "host/script/script_value.h"
 #include "kalvo/display.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::host {
 

@@ -14,12 +14,12 @@
 #include "kalvo/db_data_src.h"
 #include "kalvo/display.h"
 #include "kalvo/mapi_data_src.h"
+#include "kalvo/platform/append.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
 #include "kalvo/table_database.h"
 #include "kalvo/table_generator.h"
 #include "kalvo/topn_data_src.h"
-#include "platform/append.h"
 
 namespace kalvo::host {
 namespace {

@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "host/script/binding.h"
-#include "platform/page_host.h"
-#include "platform/platform.h"
+#include "kalvo/platform/page_host.h"
+#include "kalvo/platform/platform.h"
 
 namespace kalvo::host {
 

@@ -8,7 +8,7 @@
 #include <cstdlib>
 
 #include "host/script/text.h"
-#include "platform/utf8.h"
+#include "kalvo/platform/utf8.h"
 
 namespace kalvo::host {
 

@@ -17,8 +17,8 @@
 
 #include "host/script/kalvo_duktape.h"
 #include "host/script/page.h"
-#include "platform/error.h"
-#include "platform/locale.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/locale.h"
 
 namespace kalvo::host {
 

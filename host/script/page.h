@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "host/script/page_directive.h"
-#include "platform/value.h"
+#include "kalvo/platform/value.h"
 
 namespace kalvo {
 class LiveContainer;

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::host {
 namespace {

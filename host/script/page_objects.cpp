@@ -6,8 +6,8 @@
 #include "host/script/late_binding/adapters.h"
 #include "host/script/page_source.h"
 #include "host/script/script_page.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::host {
 namespace {

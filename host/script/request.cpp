@@ -4,8 +4,8 @@
 
 #include "host/script/text.h"
 #include "host/script/url_parts.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::host {
 namespace {

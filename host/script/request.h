@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "host/script/page.h"
-#include "platform/page_host.h"
+#include "kalvo/platform/page_host.h"
 
 namespace kalvo::host {
 

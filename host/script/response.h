@@ -5,7 +5,7 @@
 
 #include "host/script/engine.h"
 #include "host/script/page.h"
-#include "platform/page_host.h"
+#include "kalvo/platform/page_host.h"
 
 namespace kalvo::host {
 

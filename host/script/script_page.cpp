@@ -5,8 +5,8 @@
 
 #include "host/script/wrappers.h"
 #include "kalvo/enumerations.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::host {
 namespace {

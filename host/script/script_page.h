@@ -10,7 +10,7 @@
 #include "host/script/late_binding/ranking.h"
 #include "host/script/page_objects.h"
 #include "host/script/page_source.h"
-#include "platform/platform.h"
+#include "kalvo/platform/platform.h"
 
 namespace kalvo::host {
 

@@ -4,8 +4,8 @@
 
 #include "host/script/text.h"
 #include "host/script/wrappers.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::host {
 namespace {

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "host/script/engine.h"
-#include "platform/value.h"
+#include "kalvo/platform/value.h"
 
 namespace kalvo::host {
 

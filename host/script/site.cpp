@@ -6,7 +6,7 @@
 
 #include "host/script/page.h"
 #include "host/script/script_page.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::host {
 namespace {

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/utf8.h"
+#include "kalvo/platform/utf8.h"
 
 namespace kalvo::host {
 namespace {

@@ -4,7 +4,7 @@
 
 #include "host/script/request.h"
 #include "host/script/text.h"
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::host {
 namespace {

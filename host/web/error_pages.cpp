@@ -6,7 +6,7 @@
 
 #include "host/script/encoding.h"
 #include "host/web/run_folder.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::web {
 namespace {

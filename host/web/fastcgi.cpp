@@ -7,8 +7,8 @@
 #include <climits>
 
 #include "host/web/headers.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::web {
 namespace {

@@ -11,7 +11,7 @@
 
 #include "adapters/mail/mail_store.h"
 #include "host/web/log.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::web {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "host/parts/setting_error.h"
 #include "host/script/text.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::web {
 namespace {

@@ -18,7 +18,7 @@
 #include "host/web/log.h"
 #include "host/web/run_folder.h"
 #include "host/web/worker_slots.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::web {
 namespace {

@@ -15,7 +15,7 @@
 #include "host/web/privileges.h"
 #include "host/web/run_folder.h"
 #include "host/web/settings.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::web {
 namespace {

@@ -11,8 +11,8 @@
 
 #include "host/parts/setting_error.h"
 #include "host/web/address.h"
-#include "platform/append.h"
-#include "platform/locale.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/locale.h"
 
 namespace kalvo::web {
 namespace {

@@ -20,7 +20,7 @@
 #include "host/web/worker.h"
 #include "host/web/worker_pool.h"
 #include "host/web/worker_slots.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::web {
 namespace {

@@ -22,7 +22,7 @@
 #include "host/web/log.h"
 #include "host/web/privileges.h"
 #include "host/web/worker_slots.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::web {
 namespace {

@@ -12,7 +12,7 @@
 
 #include "host/web/generation.h"
 #include "host/web/log.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::web {
 namespace {

@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "kalvo/enumerations.h"
-#include "platform/append.h"
-#include "platform/value.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/value.h"
 
 namespace kalvo {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "columns/table_column.h"
 #include "kalvo/enumerations.h"
+#include "kalvo/table_column.h"
 
 namespace kalvo {
 

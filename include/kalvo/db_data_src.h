@@ -8,8 +8,8 @@
 
 #include "datasrc/answer.h"
 #include "datasrc/field_map.h"
-#include "datasrc/row_source.h"
-#include "platform/platform.h"
+#include "kalvo/platform/platform.h"
+#include "kalvo/row_source.h"
 
 namespace kalvo {
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/locale.h"
-#include "platform/value.h"
+#include "kalvo/platform/locale.h"
+#include "kalvo/platform/value.h"
 
 namespace kalvo {
 

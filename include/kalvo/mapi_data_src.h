@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "datasrc/answer.h"
-#include "datasrc/row_source.h"
-#include "platform/locale.h"
+#include "kalvo/platform/locale.h"
+#include "kalvo/row_source.h"
 
 namespace kalvo {
 

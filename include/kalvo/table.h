@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "kalvo/enumerations.h"
-#include "platform/platform.h"
-#include "platform/value.h"
+#include "kalvo/platform/platform.h"
+#include "kalvo/platform/value.h"
 
 namespace kalvo {
 

@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "kalvo/enumerations.h"
-#include "platform/value.h"
+#include "kalvo/platform/value.h"
 
 namespace kalvo {
 

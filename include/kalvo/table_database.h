@@ -5,8 +5,8 @@
 #include <memory>
 
 #include "kalvo/enumerations.h"
-#include "platform/platform.h"
-#include "platform/value.h"
+#include "kalvo/platform/platform.h"
+#include "kalvo/platform/value.h"
 
 namespace kalvo {
 

@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "datasrc/answer.h"
-#include "datasrc/row_source.h"
-#include "platform/platform.h"
+#include "kalvo/platform/platform.h"
+#include "kalvo/row_source.h"
 
 namespace kalvo {
 

@@ -1,11 +1,11 @@
 #include "kalvo/column.h"
 
 #include "columns/row_cell.h"
-#include "datasrc/row_source.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
-#include "platform/append.h"
-#include "platform/owned.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/owned.h"
+#include "kalvo/row_source.h"
 
 namespace kalvo {
 

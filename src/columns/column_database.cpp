@@ -3,7 +3,7 @@
 #include "columns/column_rows.h"
 #include "kalvo/column.h"
 #include "kalvo/control_column.h"
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo {
 

@@ -3,9 +3,9 @@
 #include "kalvo/column.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/owned.h"
 #include "kalvo/table_constants.h"
-#include "platform/append.h"
-#include "platform/owned.h"
 
 namespace kalvo {
 

@@ -2,13 +2,13 @@
 
 #include "columns/link_rules.h"
 #include "columns/row_cell.h"
-#include "datasrc/row_source.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/page_host.h"
+#include "kalvo/row_source.h"
 #include "kalvo/table_constants.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/page_host.h"
 
 namespace kalvo {
 

@@ -1,11 +1,11 @@
 // The cell of the totals row.
 
 #include "columns/row_cell.h"
-#include "datasrc/row_source.h"
 #include "kalvo/column.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
-#include "platform/owned.h"
+#include "kalvo/platform/owned.h"
+#include "kalvo/row_source.h"
 
 namespace kalvo {
 

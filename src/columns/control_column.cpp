@@ -1,11 +1,11 @@
 #include "kalvo/control_column.h"
 
-#include "datasrc/row_source.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
-#include "platform/append.h"
-#include "platform/error.h"
-#include "platform/owned.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/owned.h"
+#include "kalvo/row_source.h"
 
 namespace kalvo {
 

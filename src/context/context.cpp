@@ -2,12 +2,12 @@
 
 #include <limits>
 
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
-#include "platform/live_mailbox.h"
-#include "platform/owned.h"
-#include "platform/page_host.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/live_mailbox.h"
+#include "kalvo/platform/owned.h"
+#include "kalvo/platform/page_host.h"
 
 namespace kalvo {
 

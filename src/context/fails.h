@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "kalvo/context.h"
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo {
 

@@ -3,11 +3,11 @@
 #include <charconv>
 
 #include "kalvo/context.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
-#include "platform/owned.h"
-#include "platform/page_host.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/owned.h"
+#include "kalvo/platform/page_host.h"
 
 namespace kalvo {
 

@@ -2,11 +2,11 @@
 
 #include "context/fails.h"
 #include "kalvo/context.h"
-#include "platform/append.h"
-#include "platform/error.h"
-#include "platform/live_mailbox.h"
-#include "platform/owned.h"
-#include "platform/page_host.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/live_mailbox.h"
+#include "kalvo/platform/owned.h"
+#include "kalvo/platform/page_host.h"
 
 namespace kalvo {
 

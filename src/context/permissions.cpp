@@ -2,10 +2,10 @@
 
 #include "context/fails.h"
 #include "kalvo/context.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/live_mailbox.h"
-#include "platform/page_host.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/live_mailbox.h"
+#include "kalvo/platform/page_host.h"
 
 namespace kalvo {
 

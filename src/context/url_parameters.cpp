@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "kalvo/context.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/owned.h"
-#include "platform/page_host.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/owned.h"
+#include "kalvo/platform/page_host.h"
 
 namespace kalvo {
 

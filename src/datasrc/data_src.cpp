@@ -1,8 +1,8 @@
 #include "kalvo/data_src.h"
 
 #include "kalvo/context.h"
+#include "kalvo/platform/owned.h"
 #include "kalvo/table.h"
-#include "platform/owned.h"
 
 namespace kalvo {
 

@@ -4,12 +4,12 @@
 #include "datasrc/elapsed.h"
 #include "datasrc/row_number.h"
 #include "kalvo/context.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/database.h"
+#include "kalvo/platform/owned.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/database.h"
-#include "platform/owned.h"
 
 namespace kalvo {
 

@@ -3,10 +3,10 @@
 #include <string>
 #include <string_view>
 
-#include "platform/append.h"
-#include "platform/clock.h"
-#include "platform/conversion.h"
-#include "platform/platform.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/clock.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/platform.h"
 
 namespace kalvo {
 

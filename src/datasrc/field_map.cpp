@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/conversion.h"
-#include "platform/error.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo {
 

@@ -4,13 +4,13 @@
 #include "datasrc/live_tables.h"
 #include "datasrc/row_number.h"
 #include "kalvo/context.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/live_mailbox.h"
+#include "kalvo/platform/owned.h"
+#include "kalvo/platform/page_host.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/live_mailbox.h"
-#include "platform/owned.h"
-#include "platform/page_host.h"
 
 namespace kalvo {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo {
 

@@ -3,12 +3,12 @@
 #include "context/fails.h"
 #include "datasrc/row_number.h"
 #include "kalvo/context.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/owned.h"
+#include "kalvo/platform/ranking.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/owned.h"
-#include "platform/ranking.h"
 
 namespace kalvo {
 

@@ -1,7 +1,7 @@
 #include "kalvo/display.h"
 
 #include "display/images.h"
-#include "platform/page_host.h"
+#include "kalvo/platform/page_host.h"
 
 namespace kalvo {
 

@@ -2,8 +2,8 @@
 
 #include "generator/table_rows.h"
 #include "generator/table_sql.h"
+#include "kalvo/platform/error.h"
 #include "kalvo/table.h"
-#include "platform/error.h"
 
 namespace kalvo {
 

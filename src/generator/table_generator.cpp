@@ -3,12 +3,12 @@
 #include "kalvo/column_database.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/owned.h"
+#include "kalvo/platform/page_host.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
 #include "kalvo/table_database.h"
-#include "platform/error.h"
-#include "platform/owned.h"
-#include "platform/page_host.h"
 
 namespace kalvo {
 

@@ -2,14 +2,14 @@
 
 #include <algorithm>
 
-#include "columns/table_column.h"
 #include "datasrc/elapsed.h"
-#include "datasrc/row_source.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
-#include "platform/append.h"
-#include "platform/owned.h"
-#include "platform/page_host.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/owned.h"
+#include "kalvo/platform/page_host.h"
+#include "kalvo/row_source.h"
+#include "kalvo/table_column.h"
 
 namespace kalvo {
 

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "generator/paging.h"
+#include "kalvo/platform/error.h"
 #include "kalvo/table.h"
-#include "platform/error.h"
 
 namespace kalvo {
 

@@ -2,7 +2,7 @@
 
 #include "generator/table_sql.h"
 
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo {
 

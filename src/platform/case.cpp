@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <iterator>
 
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/utf8.h"
 #include "platform/case_tables.h"
-#include "platform/conversion.h"
-#include "platform/utf8.h"
 
 namespace kalvo {
 

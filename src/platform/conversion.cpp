@@ -1,7 +1,7 @@
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
-#include "platform/append.h"
-#include "platform/error.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo {
 

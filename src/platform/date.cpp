@@ -2,9 +2,9 @@
 #include <chrono>
 #include <cmath>
 
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo {
 

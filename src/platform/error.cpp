@@ -1,4 +1,4 @@
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,4 +1,4 @@
-#include "platform/utf8.h"
+#include "kalvo/platform/utf8.h"
 
 #include <algorithm>
 #include <span>

@@ -11,7 +11,7 @@
 #include "host/audit/reading.h"
 #include "host/audit/recorded_container.h"
 #include "host/audit/verification.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 #include "support/killed_process.h"
 
 namespace kalvo::audit {

@@ -9,8 +9,8 @@
 #include "database/sample_databases.h"
 #include "fakes/clock.h"
 #include "host/cli/check_command.h"
-#include "platform/platform.h"
-#include "platform/ranking.h"
+#include "kalvo/platform/platform.h"
+#include "kalvo/platform/ranking.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::host {

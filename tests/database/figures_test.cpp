@@ -7,7 +7,7 @@
 
 #include "database/raw_rows.h"
 #include "database/sample_databases.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 // Every figure of the reports, added up here from the plain rows of the tables, without the reports' own SQL.
 

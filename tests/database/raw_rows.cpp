@@ -5,12 +5,12 @@
 #include "fakes/page.h"
 #include "kalvo/context.h"
 #include "kalvo/db_data_src.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/database.h"
+#include "kalvo/platform/platform.h"
 #include "kalvo/table.h"
 #include "kalvo/table_database.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/database.h"
-#include "platform/platform.h"
 
 namespace kalvo::test {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "database/sample/organization.h"
-#include "platform/platform.h"
+#include "kalvo/platform/platform.h"
 
 namespace kalvo::test {
 

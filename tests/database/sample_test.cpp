@@ -9,7 +9,7 @@
 #include "database/sample/organization.h"
 #include "database/sample/script_writer.h"
 #include "database/sample/steps.h"
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::sample {

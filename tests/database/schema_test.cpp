@@ -6,8 +6,8 @@
 #include <set>
 
 #include "database/sample_databases.h"
-#include "platform/conversion.h"
-#include "platform/database.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/database.h"
 
 namespace kalvo {
 namespace {

@@ -10,8 +10,8 @@
 #include "host/script/page_directive.h"
 #include "kalvo/column.h"
 #include "kalvo/column_database.h"
+#include "kalvo/platform/append.h"
 #include "kalvo/table_database.h"
-#include "platform/append.h"
 #include "source_folder.h"
 #include "support/temporary_folder.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/clock.h"
+#include "kalvo/platform/clock.h"
 
 namespace kalvo::fakes {
 

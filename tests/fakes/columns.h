@@ -5,9 +5,9 @@
 #include <string>
 #include <utility>
 
-#include "columns/table_column.h"
-#include "datasrc/row_source.h"
 #include "fakes/steps.h"
+#include "kalvo/row_source.h"
+#include "kalvo/table_column.h"
 
 namespace kalvo::fakes {
 

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "fakes/steps.h"
-#include "platform/conversion.h"
-#include "platform/database.h"
-#include "platform/value.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/database.h"
+#include "kalvo/platform/value.h"
 
 namespace kalvo::fakes {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "fakes/steps.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/live_mailbox.h"
 
 namespace kalvo::fakes {
 

@@ -1,6 +1,6 @@
 #include "fakes/page.h"
 
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::fakes {
 

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "fakes/steps.h"
-#include "platform/live_mailbox.h"
-#include "platform/page_host.h"
+#include "kalvo/platform/live_mailbox.h"
+#include "kalvo/platform/page_host.h"
 
 namespace kalvo::fakes {
 

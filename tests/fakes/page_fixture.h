@@ -11,8 +11,8 @@
 #include "fakes/ranking.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
-#include "platform/error.h"
-#include "platform/platform.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/platform.h"
 
 namespace kalvo::fakes {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "fakes/steps.h"
-#include "platform/ranking.h"
+#include "kalvo/platform/ranking.h"
 
 namespace kalvo::fakes {
 

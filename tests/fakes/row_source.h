@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "datasrc/row_source.h"
 #include "fakes/steps.h"
+#include "kalvo/row_source.h"
 
 namespace kalvo::fakes {
 

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/append.h"
-#include "platform/error.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::fakes {
 

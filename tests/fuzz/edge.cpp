@@ -7,7 +7,7 @@
 #include "fakes/ranking.h"
 #include "fuzz/targets.h"
 #include "host/script/request.h"
-#include "platform/platform.h"
+#include "kalvo/platform/platform.h"
 
 namespace kalvo::fuzz {
 namespace {

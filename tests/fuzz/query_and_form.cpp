@@ -4,7 +4,7 @@
 #include "fuzz/targets.h"
 #include "host/script/request.h"
 #include "host/script/text.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::fuzz {
 namespace {

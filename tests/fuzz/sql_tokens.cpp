@@ -5,7 +5,7 @@
 #include "adapters/sql/statements.h"
 #include "adapters/sql/token.h"
 #include "fuzz/targets.h"
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::fuzz {
 namespace {

@@ -11,11 +11,11 @@
 #include "kalvo/column_database.h"
 #include "kalvo/db_data_src.h"
 #include "kalvo/mapi_data_src.h"
+#include "kalvo/platform/append.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
 #include "kalvo/table_database.h"
 #include "kalvo/topn_data_src.h"
-#include "platform/append.h"
 
 namespace kalvo {
 namespace {

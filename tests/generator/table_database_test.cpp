@@ -11,9 +11,9 @@
 #include "kalvo/column.h"
 #include "kalvo/column_database.h"
 #include "kalvo/control_column.h"
+#include "kalvo/platform/conversion.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
-#include "platform/conversion.h"
 
 namespace kalvo {
 namespace {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "fakes/error_of.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <optional>
 
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo {
 namespace {

@@ -1,8 +1,8 @@
-#include "platform/utf8.h"
+#include "kalvo/platform/utf8.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo {
 namespace {

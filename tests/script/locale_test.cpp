@@ -1,4 +1,4 @@
-#include "platform/locale.h"
+#include "kalvo/platform/locale.h"
 
 #include "script/page_runner.h"
 

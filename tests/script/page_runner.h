@@ -13,8 +13,8 @@
 #include "fakes/live.h"
 #include "fakes/ranking.h"
 #include "host/script/page.h"
-#include "platform/conversion.h"
-#include "platform/platform.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/platform.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::host {

@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "host/script/classes.h"
-#include "platform/append.h"
+#include "kalvo/platform/append.h"
 #include "source_folder.h"
 #include "support/temporary_folder.h"
 

@@ -6,7 +6,7 @@
 #include <chrono>
 #include <functional>
 
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 #include "support/names_of_one_hash.h"
 
 namespace kalvo::host {

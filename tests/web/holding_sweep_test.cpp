@@ -9,7 +9,7 @@
 #include "adapters/mail/mail_store.h"
 #include "host/parts/mail_part.h"
 #include "host/web/log.h"
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::web {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "database/sample/sample.h"
-#include "platform/ranking.h"
+#include "kalvo/platform/ranking.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::host {

@@ -1,5 +1,5 @@
 #include "host/script/bindings/members.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/live_mailbox.h"
 
 namespace kalvo::host {
 namespace {

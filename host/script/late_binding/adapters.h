@@ -2,13 +2,13 @@
 
 #include <memory>
 
-#include "columns/table_column.h"
-#include "datasrc/row_source.h"
 #include "host/script/script_value.h"
-#include "platform/error.h"
-#include "platform/live_mailbox.h"
-#include "platform/page_host.h"
-#include "platform/ranking.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/live_mailbox.h"
+#include "kalvo/platform/page_host.h"
+#include "kalvo/platform/ranking.h"
+#include "kalvo/row_source.h"
+#include "kalvo/table_column.h"
 
 namespace kalvo::host {
 

@@ -1,6 +1,6 @@
 #include "host/script/late_binding/late_bound.h"
 
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::host {
 

@@ -1,7 +1,7 @@
 // Script objects as the live mailbox browsing object and its listings.
 #include "host/script/late_binding/adapters.h"
 #include "host/script/late_binding/late_bound.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::host {
 namespace {

@@ -1,7 +1,7 @@
 // Script objects as scripting context, response, server and session.
 #include "host/script/late_binding/adapters.h"
 #include "host/script/late_binding/late_bound.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::host {
 namespace {

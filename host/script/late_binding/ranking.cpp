@@ -4,7 +4,7 @@
 #include "host/script/late_binding/adapters.h"
 #include "host/script/late_binding/late_bound.h"
 #include "host/script/script_page.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::host {
 namespace {

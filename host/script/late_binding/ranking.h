@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/ranking.h"
+#include "kalvo/platform/ranking.h"
 
 namespace kalvo::host {
 

@@ -3,7 +3,7 @@
 #include "host/script/request.h"
 #include "host/script/late_binding/adapters.h"
 #include "host/script/late_binding/late_bound.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::host {
 namespace {

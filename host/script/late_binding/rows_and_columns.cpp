@@ -5,7 +5,7 @@
 #include "host/script/late_binding/late_bound.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::host {
 namespace {

@@ -8,8 +8,8 @@
 #include "host/parts/setting_error.h"
 #include "host/web/acting/held_page.h"
 #include "host/web/acting/tokens.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::web {
 namespace {

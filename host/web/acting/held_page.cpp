@@ -6,9 +6,9 @@
 #include "host/audit/deed.h"
 #include "host/audit/json.h"
 #include "host/script/text.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/live_mailbox.h"
 
 namespace kalvo::web {
 namespace {

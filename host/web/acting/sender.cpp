@@ -1,6 +1,6 @@
 #include "host/web/acting/sender.h"
 
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::web {
 

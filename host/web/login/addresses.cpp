@@ -4,7 +4,7 @@
 
 #include "host/script/encoding.h"
 #include "host/script/text.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::web::login {
 namespace {

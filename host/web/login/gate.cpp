@@ -10,8 +10,8 @@
 #include "host/web/login/addresses.h"
 #include "host/web/login/password.h"
 #include "host/web/login/password_change.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::web::login {
 namespace {

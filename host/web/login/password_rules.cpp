@@ -4,8 +4,8 @@
 #include <set>
 
 #include "host/web/login/password.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::web::login {
 namespace {

@@ -17,9 +17,9 @@
 #include "host/web/log.h"
 #include "host/web/login/password.h"
 #include "host/web/login/private_folder.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/live_mailbox.h"
 
 namespace kalvo::web::login {
 namespace {

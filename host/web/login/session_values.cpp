@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <cstring>
 
-#include "platform/append.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::web::login {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/value.h"
+#include "kalvo/platform/value.h"
 
 namespace kalvo::web::login {
 

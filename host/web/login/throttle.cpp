@@ -16,7 +16,7 @@
 
 #include "host/web/login/password.h"
 #include "host/web/login/private_folder.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::web::login {
 namespace {

@@ -12,8 +12,8 @@
 
 #include "host/parts/setting_error.h"
 #include "host/web/login/password.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::web::login {
 namespace {

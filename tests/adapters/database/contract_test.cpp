@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "adapters/database/test_engine.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::test {
 namespace {

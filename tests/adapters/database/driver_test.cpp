@@ -5,7 +5,7 @@
 #include "adapters/database/test_engine.h"
 #include "adapters/odbc/odbc_database.h"
 #include "adapters/sqlite/sqlite_database.h"
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::test {
 namespace {

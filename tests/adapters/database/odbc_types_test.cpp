@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "adapters/database/test_engine.h"
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::test {
 namespace {

@@ -8,7 +8,7 @@
 #include "adapters/odbc/odbc_database.h"
 #include "adapters/sqlite/connection.h"
 #include "adapters/sqlite/guard.h"
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 #include "support/odbc_data_source.h"
 #include "support/temporary_folder.h"
 

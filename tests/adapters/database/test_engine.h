@@ -6,7 +6,7 @@
 #include <ostream>
 #include <string>
 
-#include "platform/database.h"
+#include "kalvo/platform/database.h"
 
 namespace kalvo::test {
 

@@ -10,9 +10,9 @@
 
 #include "adapters/imap/imap_under_test.h"
 #include "adapters/mail/holding_desk.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/live_mailbox.h"
 #include "support/killed_process.h"
 
 namespace kalvo::tests {

@@ -11,9 +11,9 @@
 #include <thread>
 
 #include "adapters/imap/imap_under_test.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/live_mailbox.h"
 #include "support/patience.h"
 
 namespace kalvo::tests {

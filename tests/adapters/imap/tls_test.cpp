@@ -8,8 +8,8 @@
 
 #include "adapters/imap/fake_mail_server.h"
 #include "adapters/imap/imap_under_test.h"
-#include "platform/error.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/live_mailbox.h"
 #include "support/process.h"
 #include "support/temporary_folder.h"
 

@@ -5,9 +5,9 @@
 #include <functional>
 
 #include "adapters/live_mailbox/fixture.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/live_mailbox.h"
 
 namespace kalvo::tests {
 

@@ -9,8 +9,8 @@
 #include "adapters/mail/browser.h"
 #include "adapters/mail/holding_desk.h"
 #include "adapters/mail/text.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::tests {
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "adapters/mail/directory_file.h"
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::mail {
 

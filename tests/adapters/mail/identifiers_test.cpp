@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::mail {
 

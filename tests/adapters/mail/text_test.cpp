@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::mail {
 

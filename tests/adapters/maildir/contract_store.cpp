@@ -4,7 +4,7 @@
 #include "adapters/live_mailbox/fixture.h"
 #include "adapters/maildir/maildir_fixture.h"
 #include "adapters/maildir/maildir_store.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/live_mailbox.h"
 
 namespace kalvo::tests {
 

@@ -13,7 +13,7 @@
 #include "adapters/mail/mail_store.h"
 #include "adapters/maildir/maildir_fixture.h"
 #include "adapters/maildir/maildir_store.h"
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 #include "support/killed_process.h"
 
 namespace kalvo::tests {

@@ -8,9 +8,9 @@
 
 #include "adapters/maildir/maildir_fixture.h"
 #include "adapters/maildir/maildir_store.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/live_mailbox.h"
 
 namespace kalvo::tests {
 

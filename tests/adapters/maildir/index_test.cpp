@@ -8,8 +8,8 @@
 #include "adapters/maildir/folder.h"
 #include "adapters/maildir/maildir_fixture.h"
 #include "adapters/maildir/maildir_store.h"
-#include "platform/conversion.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/live_mailbox.h"
 #include "support/patience.h"
 
 namespace kalvo::tests {

@@ -3,7 +3,7 @@
 #include "adapters/database/test_engine.h"
 #include "host/parts/database_proof.h"
 #include "host/parts/proving_database.h"
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::test {
 namespace {

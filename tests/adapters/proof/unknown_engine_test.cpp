@@ -2,7 +2,7 @@
 
 #include "adapters/odbc/odbc_database.h"
 #include "host/parts/database_proof.h"
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 #include "support/odbc_data_source.h"
 
 namespace kalvo::test {

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <tuple>
 
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::ranking {
 namespace {

@@ -9,8 +9,8 @@
 #include "adapters/ranking/result_set.h"
 #include "adapters/ranking/sample_fixture.h"
 #include "adapters/sqlite/sqlite_database.h"
-#include "platform/conversion.h"
-#include "platform/error.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::ranking {
 namespace {

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/conversion.h"
-#include "platform/error.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::ranking {
 namespace {

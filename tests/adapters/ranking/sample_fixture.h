@@ -5,7 +5,7 @@
 
 #include "adapters/ranking/statement.h"
 #include "database/sample/sample.h"
-#include "platform/ranking.h"
+#include "kalvo/platform/ranking.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::ranking {

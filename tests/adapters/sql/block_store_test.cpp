@@ -4,8 +4,8 @@
 
 #include <limits>
 
-#include "platform/conversion.h"
-#include "platform/error.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::sql {
 namespace {

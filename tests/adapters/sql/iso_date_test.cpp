@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "platform/conversion.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::sql {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::sql {
 namespace {

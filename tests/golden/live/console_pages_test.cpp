@@ -5,7 +5,7 @@
 #include <map>
 
 #include "golden/live/sample_site.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/live_mailbox.h"
 #include "source_folder.h"
 
 namespace kalvo::test {

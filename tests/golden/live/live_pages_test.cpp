@@ -3,7 +3,7 @@
 
 #include "fakes/golden.h"
 #include "golden/live/sample_site.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/live_mailbox.h"
 #include "source_folder.h"
 
 namespace kalvo::test {

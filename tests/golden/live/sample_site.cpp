@@ -5,8 +5,8 @@
 
 #include "database/sample_mail/sample_mail.h"
 #include "host/web/acting/acting_session.h"
-#include "platform/conversion.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/live_mailbox.h"
 
 namespace kalvo::test {
 namespace {

@@ -7,9 +7,9 @@
 #include "kalvo/column_database.h"
 #include "kalvo/context.h"
 #include "kalvo/db_data_src.h"
+#include "kalvo/platform/conversion.h"
 #include "kalvo/table.h"
 #include "kalvo/table_database.h"
-#include "platform/conversion.h"
 
 namespace kalvo::test {
 namespace {

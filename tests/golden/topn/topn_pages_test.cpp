@@ -8,8 +8,8 @@
 #include "database/sample_databases.h"
 #include "fakes/golden.h"
 #include "host/cli/report_page.h"
-#include "platform/append.h"
-#include "platform/conversion.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::test {
 namespace {

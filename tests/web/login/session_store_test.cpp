@@ -15,7 +15,7 @@
 #include "host/parts/setting_error.h"
 #include "host/web/log.h"
 #include "host/web/login/password.h"
-#include "platform/live_mailbox.h"
+#include "kalvo/platform/live_mailbox.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::web::login {

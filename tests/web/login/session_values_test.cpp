@@ -4,7 +4,7 @@
 
 #include <limits>
 
-#include "platform/error.h"
+#include "kalvo/platform/error.h"
 
 namespace kalvo::web::login {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/value.h"
+#include "kalvo/platform/value.h"
 
 namespace kalvo {
 

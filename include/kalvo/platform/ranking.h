@@ -4,7 +4,7 @@
 #include <memory>
 #include <string_view>
 
-#include "platform/value.h"
+#include "kalvo/platform/value.h"
 
 namespace kalvo {
 

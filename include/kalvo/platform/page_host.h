@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/value.h"
+#include "kalvo/platform/value.h"
 
 namespace kalvo {
 

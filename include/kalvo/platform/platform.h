@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/locale.h"
+#include "kalvo/platform/locale.h"
 
 namespace kalvo {
 

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "platform/error.h"
-#include "platform/value.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/value.h"
 
 namespace kalvo {
 
