@@ -5,17 +5,14 @@
 #include <string>
 #include <string_view>
 
-#include "datasrc/answer.h"
 #include "kalvo/platform/locale.h"
-#include "kalvo/row_source.h"
+#include "kalvo/table_row_source.h"
 
 namespace kalvo {
 
-class Context;
 class Listing;
 class LiveContainer;
-class Table;
-class Trap;
+class Steps;
 enum class LiveOpen : std::uint8_t;
 struct LiveScope;
 struct LiveTableRow;
@@ -23,12 +20,10 @@ struct LiveTableRow;
 // The row source of the live mailbox tables: the folders or messages of a folder, or the attachments of a
 // message, listed and sorted by the session's browsing object. Users see their own mailbox, administrators every
 // mailbox and the public folders.
-class MapiDataSrc : public RowSource {
+class MapiDataSrc : public TableRowSource {
  public:
   explicit MapiDataSrc(const Locale& locale = kEnglishUnitedStates);
   ~MapiDataSrc() override;
-
-  void Initialize(Table& KalvoTable, std::string_view ResourceName, Context& Ctxt);
 
   // Opens a message when the request has a "MessageId", a folder otherwise. 0, or -1 after a failure.
   std::int16_t OpenDS() override;
@@ -42,31 +37,22 @@ class MapiDataSrc : public RowSource {
   std::int16_t MoveTotals() override;
 
   std::string_view GetField(std::string_view szFieldName) override;
-  std::int32_t RecordCount() override { return recordCount_; }
-  std::int16_t GetRowIndex() override;
 
  private:
-  bool TakeLiveContainer(Trap& trap);
-  LiveTableRow TableRow(Trap& trap, LiveOpen opens);
-  bool MayListMailbox(Trap& trap, const LiveScope& scope);
-  bool MayListPublicFolders(Trap& trap);
-  bool Refuse(Trap& trap);
-  bool GoToMailboxFolder(Trap& trap, const LiveScope& scope);
-  bool GoToPublicFolder(Trap& trap, const LiveScope& scope);
-  bool GoToPublicFolderByPath(Trap& trap, const LiveScope& scope);
-  bool GoToPublicFolderById(Trap& trap, const LiveScope& scope);
-  void TracePosition(Trap& trap, std::string_view id);
-  std::int16_t SortRows(Trap& trap);
+  bool TakeLiveContainer(Steps& steps);
+  LiveTableRow TableRow(Steps& steps, LiveOpen opens);
+  bool MayListMailbox(Steps& steps, const LiveScope& scope);
+  bool MayListPublicFolders(Steps& steps);
+  bool GoToMailboxFolder(Steps& steps, const LiveScope& scope);
+  bool GoToPublicFolder(Steps& steps, const LiveScope& scope);
+  bool GoToPublicFolderByPath(Steps& steps, const LiveScope& scope);
+  bool GoToPublicFolderById(Steps& steps, const LiveScope& scope);
+  void TracePosition(Steps& steps, std::string_view id);
+  std::int16_t SortRows(Steps& steps);
 
   const Locale& locale_;
-  std::shared_ptr<Table> table_;
-  std::string resourceName_;
-  std::shared_ptr<Context> context_;
   std::shared_ptr<LiveContainer> live_;
   std::shared_ptr<Listing> listing_;
-  Answer answer_;
-  std::int32_t recordCount_ = 0;
-  std::int32_t rowIndex_ = 0;
   bool totals_ = false;
 };
 

@@ -5,20 +5,18 @@
 #include <string>
 #include <string_view>
 
-#include "datasrc/answer.h"
 #include "kalvo/platform/platform.h"
-#include "kalvo/row_source.h"
+#include "kalvo/table_row_source.h"
 
 namespace kalvo {
 
-class Context;
 class RankedResults;
-class Table;
-class Trap;
+class Steps;
+class TopNLoader;
 
 // The row source of the Top-N tables: it asks the Top-N loader for the ranked rows of a kind within the page's
 // scope and sorts them by a column number. Fields are named by their numbers.
-class TopnDataSrc : public RowSource {
+class TopnDataSrc : public TableRowSource {
  public:
   explicit TopnDataSrc(const Platform& platform);
   ~TopnDataSrc() override;
@@ -29,8 +27,6 @@ class TopnDataSrc : public RowSource {
   std::int32_t gRowIndex() const { return rowIndex_; }
   void SetgRowIndex(std::int32_t index) { rowIndex_ = index; }
 
-  void Initialize(Table& KalvoTable, std::string_view ResourceName, Context& Ctxt);
-
   // 0, or -1 after a failure that has been reported.
   std::int16_t OpenDS() override;
   std::int32_t CloseDS() override { return 0; }
@@ -38,21 +34,14 @@ class TopnDataSrc : public RowSource {
   std::int16_t MoveNext() override;
   std::int16_t MoveTotals() override;
   std::string_view GetField(std::string_view szFieldName) override;
-  std::int32_t RecordCount() override { return recordCount_; }
-  std::int16_t GetRowIndex() override;
 
  private:
-  bool Load(Trap& trap);
-  std::int16_t SortResults(Trap& trap);
+  bool Load(Steps& steps);
+  std::shared_ptr<TopNLoader> MakeLoader(Steps& steps, std::int16_t object);
+  std::int16_t SortResults(Steps& steps);
 
   const Platform& platform_;
-  std::shared_ptr<Table> table_;
-  std::string resourceName_;
-  std::shared_ptr<Context> context_;
   std::shared_ptr<RankedResults> results_;
-  Answer answer_;
-  std::int32_t recordCount_ = 0;
-  std::int32_t rowIndex_ = 0;
 };
 
 }  // namespace kalvo

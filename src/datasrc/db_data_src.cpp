@@ -1,8 +1,8 @@
 #include "kalvo/db_data_src.h"
 
-#include "context/fails.h"
+#include "context/steps.h"
 #include "datasrc/elapsed.h"
-#include "datasrc/row_number.h"
+#include "datasrc/field_map.h"
 #include "kalvo/context.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
@@ -38,8 +38,8 @@ std::string QuoteSQLString(std::string_view value) {
   });
 }
 
-void TraceTime(Trap& trap, const Context& context, const Elapsed& elapsed, std::string_view step) {
-  trap([&] { context.Trace("Time", [&](std::string& out) { Append(out, elapsed.Report(step), kCrLf); }); });
+void TraceTime(Steps& steps, const Elapsed& elapsed, std::string_view step) {
+  steps.Trace("Time", [&](std::string& out) { Append(out, elapsed.Report(step), kCrLf); });
 }
 
 // The rows of a record set, which stays as long as they are needed.
@@ -52,17 +52,19 @@ void AppendHexadecimal(std::string& out, std::span<const std::uint8_t> bytes) {
   for (const std::uint8_t byte : bytes) Append(out, kDigits[byte >> 4], kDigits[byte & 15]);
 }
 
+void TraceField(Steps& steps, std::int32_t number, std::string_view name, std::string_view value) {
+  steps.Trace("Dictionary", [&](std::string& out) {
+    Append(out, "<p>Get: Field ", number, ": ", name, "; Value: \"", value, "\"</p>", kCrLf);
+  });
+}
+
 }  // namespace
 
-KalvodbDataSrc::KalvodbDataSrc(const Platform& platform) : platform_(platform) {}
+KalvodbDataSrc::KalvodbDataSrc(const Platform& platform) : platform_(platform), fields_(std::make_unique<FieldMap>()) {}
+
 KalvodbDataSrc::~KalvodbDataSrc() = default;
 
-void KalvodbDataSrc::Initialize(Table& KalvoTable, std::string_view ResourceName, Context& Ctxt) {
-  table_ = Owned(KalvoTable);
-  resourceName_ = ResourceName;
-  context_ = Owned(Ctxt);
-  fields_.Clear();
-}
+void KalvodbDataSrc::Forget() { fields_->Clear(); }
 
 // ---- opening --------------------------------------------------------------------------------------------
 
@@ -84,83 +86,72 @@ std::string KalvodbDataSrc::BuildSQL() const {
 }
 
 std::int16_t KalvodbDataSrc::OpenDS() {
-  if (!table_) throw ObjectNotSet();
-  Trap trap;
+  Held(table_);
+  Steps steps(context_);
   std::string sql;
-  trap([&] { sql = BuildSQL(); });
-  if (Fails(trap, *Held(context_), "KalvodbDataSrc.OpenDS: conn.Open",
-            [&] { Reconnect(platform_.database.Connect(TableConstants().TABLES_DSN())); })) {
-    return Status();
-  }
-  trap([&] {
-    Held(context_)->Trace("SQL", [&](std::string& out) {
-      Append(out, "<p><strong>SQL Command:</strong> &nbsp;", kCrLf, kCrLf);
-      Held(context_)->AppendServerHTMLEncode(out, sql);
-      Append(out, kCrLf, kCrLf, "</p>", kCrLf);
-    });
-  });
-  const Elapsed elapsed(platform_);
-  if (Fails(trap, *Held(context_), "KalvodbDataSrc.OpenDS", [&] {
-        recordSet_ = connection_->Execute({sql, table_->GetSQL(), table_->GetOrderBy()});
-      })) {
-    return Status();
-  }
-  TraceTime(trap, *Held(context_), elapsed, "SQL Open");
-
-  bool empty = false;
-  trap([&] { empty = Held(recordSet_)->IsEmpty(); });
+  steps.Try([&] { sql = BuildSQL(); });
+  if (!Connect(steps) || !Execute(steps, sql)) return Status();
   recordCount_ = 0;
+  bool empty = false;
+  steps.Try([&] { empty = Held(recordSet_)->IsEmpty(); });
   if (empty) return 0;
-  const std::int16_t status = LoadRows(trap);
-  if (status != 0) return status;
+  if (const std::int16_t status = LoadRows(steps); status != 0) return status;
   recordCount_ = rows_->RowCount();
-  trap([&] {
-    Held(context_)->TraceTable(
-        [&](std::string& out) { Append(out, "<p>Record Count: ", recordCount_, "</p>", kCrLf); });
-  });
+  steps.TraceTable([&](std::string& out) { Append(out, "<p>Record Count: ", recordCount_, "</p>", kCrLf); });
   return 0;
 }
 
-// What the last connection gave does not outlive it.
-void KalvodbDataSrc::Reconnect(std::unique_ptr<Connection> connection) {
-  rows_ = nullptr;
-  recordSet_ = nullptr;
-  connection_ = std::move(connection);
+bool KalvodbDataSrc::Connect(Steps& steps) {
+  return !steps.Fails("KalvodbDataSrc.OpenDS: conn.Open", [&] {
+    auto connection = platform_.database.Connect(TableConstants().TABLES_DSN());
+    // What the last connection gave does not outlive it.
+    rows_ = nullptr;
+    recordSet_ = nullptr;
+    connection_ = std::move(connection);
+  });
 }
 
-std::int16_t KalvodbDataSrc::LoadRows(Trap& trap) {
+bool KalvodbDataSrc::Execute(Steps& steps, std::string_view sql) {
+  steps.Trace("SQL", [&](std::string& out) {
+    Append(out, "<p><strong>SQL Command:</strong> &nbsp;", kCrLf, kCrLf);
+    Held(context_)->AppendServerHTMLEncode(out, sql);
+    Append(out, kCrLf, kCrLf, "</p>", kCrLf);
+  });
+  const Elapsed elapsed(platform_);
+  const bool failed = steps.Fails("KalvodbDataSrc.OpenDS", [&] {
+    recordSet_ = connection_->Execute({sql, table_->GetSQL(), table_->GetOrderBy()});
+  });
+  if (failed) return false;
+  TraceTime(steps, elapsed, "SQL Open");
+  return true;
+}
+
+std::int16_t KalvodbDataSrc::LoadRows(Steps& steps) {
   const Elapsed elapsed(platform_);
   rows_ = nullptr;
-  if (const std::int16_t status = LoadFieldNames(trap); status != 0) return status;
-  if (Fails(trap, *Held(context_), "Get rows from record set.", [&] { rows_ = RowsOf(Held(recordSet_)); })) {
-    return Status();
-  }
-  TraceTime(trap, *Held(context_), elapsed, "Build dictionary and GetRows");
+  if (const std::int16_t status = LoadFieldNames(steps); status != 0) return status;
+  if (steps.Fails("Get rows from record set.", [&] { rows_ = RowsOf(Held(recordSet_)); })) return Status();
+  TraceTime(steps, elapsed, "Build dictionary and GetRows");
   std::int32_t loaded = 0;
-  if (Fails(trap, *Held(context_), "Test GetRows result.", [&] { loaded = Held(rows_)->FieldCount(); })) {
+  if (steps.Fails("Test GetRows result.", [&] { loaded = Held(rows_)->FieldCount(); })) {
     rows_ = nullptr;
     return Status();
   }
-  if (loaded == fields_.Count()) return 0;
+  if (loaded == fields_->Count()) return 0;
   rows_ = nullptr;
-  trap([&] { Held(context_)->FailureMessage("Inconsistent GetRows dictionary.", false); });
+  steps.Refuse("Inconsistent GetRows dictionary.");
   return 1;
 }
 
-std::int16_t KalvodbDataSrc::LoadFieldNames(Trap& trap) {
-  fields_.Clear();
+std::int16_t KalvodbDataSrc::LoadFieldNames(Steps& steps) {
+  fields_->Clear();
   std::int32_t count = 0;
-  trap([&] { count = Held(recordSet_)->FieldCount(); });
+  steps.Try([&] { count = Held(recordSet_)->FieldCount(); });
   for (std::int32_t i = 0; i < count; ++i) {
     std::string name;
-    if (Fails(trap, *Held(context_), "Get record set field name.", [&] { name = Held(recordSet_)->FieldName(i); })) {
-      return Status();
-    }
-    if (Fails(trap, *Held(context_), "Save record set field name.", [&] { fields_.Add(name); })) return Status();
-    trap([&] {
-      Held(context_)->Trace("Dictionary",
-                            [&](std::string& out) { Append(out, "<p>Set: Field ", i, ": ", name, "</p>", kCrLf); });
-    });
+    if (steps.Fails("Get record set field name.", [&] { name = Held(recordSet_)->FieldName(i); })) return Status();
+    if (steps.Fails("Save record set field name.", [&] { fields_->Add(name); })) return Status();
+    steps.Trace("Dictionary", [&](std::string& out) { Append(out, "<p>Set: Field ", i, ": ", name, "</p>", kCrLf); });
   }
   return 0;
 }
@@ -173,71 +164,66 @@ std::int16_t KalvodbDataSrc::MoveFirst() {
 }
 
 std::int16_t KalvodbDataSrc::MoveNext() {
-  rowIndex_ = NextRow(rowIndex_);
+  rowIndex_ = NextRow();
   return 0;
 }
 
 std::int16_t KalvodbDataSrc::MoveTotals() {
-  Trap trap;
-  if (Fails(trap, *Held(context_), "KalvodbDataSrc.MoveTotals",
-            [&] { recordSet_ = Held(recordSet_)->NextRecordset(); })) {
+  Steps steps(context_);
+  if (steps.Fails("KalvodbDataSrc.MoveTotals", [&] { recordSet_ = Held(recordSet_)->NextRecordset(); })) {
     return Status();
   }
   bool empty = false;
-  trap([&] { empty = Held(recordSet_)->IsEmpty(); });
+  steps.Try([&] { empty = Held(recordSet_)->IsEmpty(); });
   if (empty) {
-    trap([&] { Held(context_)->FailureMessage("Totals query not implemented for this table.", false); });
+    steps.Refuse("Totals query not implemented for this table.");
     return 1;
   }
   rowIndex_ = 1;
-  return LoadRows(trap);
+  return LoadRows(steps);
 }
-
-std::int16_t KalvodbDataSrc::GetRowIndex() { return ToInt16(static_cast<double>(rowIndex_)); }
 
 // ---- reading --------------------------------------------------------------------------------------------
 
 bool KalvodbDataSrc::RowIsLoaded() const { return rows_ && rowIndex_ >= 1 && rowIndex_ <= rows_->RowCount(); }
 
-std::optional<std::int32_t> KalvodbDataSrc::FieldNumber(Trap& trap, std::string_view szFieldName) const {
-  const auto field = fields_.Find(szFieldName);
-  if (field) return field;
-  trap([&] {
-    Held(context_)->FailureMessage(
-        Built([&](std::string& out) { Append(out, "GetField: Unknown field \"", szFieldName, '"'); }), false);
-  });
-  return std::nullopt;
+std::optional<std::int32_t> KalvodbDataSrc::FieldNumber(Steps& steps, std::string_view szFieldName) const {
+  const auto number = fields_->Find(szFieldName);
+  if (!number) {
+    steps.Refuse(Built([&](std::string& out) { Append(out, "GetField: Unknown field \"", szFieldName, '"'); }));
+  }
+  return number;
 }
 
 std::string_view KalvodbDataSrc::GetField(std::string_view szFieldName) {
   const auto context = Held(context_);
-  Trap trap;
-  const auto field = FieldNumber(trap, szFieldName);
-  std::string text = answer_.Take();
-  if (field && RowIsLoaded()) {
-    if (!trap([&] { text = rows_->Text(*field, rowIndex_ - 1, text); })) text.clear();
+  Steps steps(context);
+  const auto number = FieldNumber(steps, szFieldName);
+  std::string text = TakeAnswer();
+  if (number && RowIsLoaded()) {
+    if (!steps.Try([&] { text = rows_->Text(*number, rowIndex_ - 1, text); })) text.clear();
   }
-  TraceField(trap, *context, field.value_or(0), szFieldName, text);
-  return answer_.Keep(std::move(text));
+  TraceField(steps, number.value_or(0), szFieldName, text);
+  return KeepAnswer(std::move(text));
 }
 
 std::optional<std::string_view> KalvodbDataSrc::GetIdentifier(std::string_view szFieldName) {
   const auto context = Held(context_);
-  Trap trap;
-  const auto field = FieldNumber(trap, szFieldName);
-  std::string text = answer_.Take();
+  Steps steps(context);
+  const auto number = FieldNumber(steps, szFieldName);
+  std::string text = TakeAnswer();
   bool isNull = false;
-  if (field && RowIsLoaded()) {
+  if (number && RowIsLoaded()) {
     const std::string step = Built([&](std::string& out) { Append(out, "KalvodbDataSrc.GetGUIField ", szFieldName); });
-    Fails(trap, *context, step, [&] {
-      const auto bytes = rows_->Binary(*field, rowIndex_ - 1);
+    steps.Fails(step, [&] {
+      const auto bytes = rows_->Binary(*number, rowIndex_ - 1);
       isNull = !bytes;
       if (bytes) AppendHexadecimal(text, *bytes);
     });
   }
-  TraceField(trap, *context, field.value_or(0), szFieldName, text);
+  TraceField(steps, number.value_or(0), szFieldName, text);
   if (isNull) return std::nullopt;
-  return answer_.Keep(std::move(text));
+  return KeepAnswer(std::move(text));
 }
 
 Value KalvodbDataSrc::GetField(std::string_view szFieldName, bool bGUID) {
@@ -247,28 +233,15 @@ Value KalvodbDataSrc::GetField(std::string_view szFieldName, bool bGUID) {
   return std::string(*identifier);
 }
 
-void KalvodbDataSrc::TraceField(Trap& trap, const Context& context, std::int32_t field, std::string_view name,
-                                std::string_view value) {
-  trap([&] {
-    context.Trace("Dictionary", [&](std::string& out) {
-      Append(out, "<p>Get: Field ", field, ": ", name, "; Value: \"", value, "\"</p>", kCrLf);
-    });
-  });
-}
-
 // ---- closing --------------------------------------------------------------------------------------------
 
 std::int32_t KalvodbDataSrc::CloseDS() {
-  Trap trap;
-  fields_.Clear();
+  Steps steps(context_);
+  fields_->Clear();
   rows_ = nullptr;
-  if (Fails(trap, *Held(context_), "KalvodbDataSrc.CloseDS: rs.Close", [&] { Held(recordSet_)->Close(); })) {
-    return CurrentError().number;
-  }
-  if (Fails(trap, *Held(context_), "KalvodbDataSrc.CloseDS: conn.Close", [&] { connection_->Close(); })) {
-    return CurrentError().number;
-  }
-  return 0;
+  const bool failed = steps.Fails("KalvodbDataSrc.CloseDS: rs.Close", [&] { Held(recordSet_)->Close(); }) ||
+                      steps.Fails("KalvodbDataSrc.CloseDS: conn.Close", [&] { connection_->Close(); });
+  return failed ? CurrentError().number : 0;
 }
 
 }  // namespace kalvo

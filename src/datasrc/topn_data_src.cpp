@@ -1,7 +1,6 @@
 #include "kalvo/topn_data_src.h"
 
-#include "context/fails.h"
-#include "datasrc/row_number.h"
+#include "context/steps.h"
 #include "kalvo/context.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
@@ -83,90 +82,78 @@ const LoadRow* FindLoad(std::int16_t object, std::int16_t loadType) {
 TopnDataSrc::TopnDataSrc(const Platform& platform) : platform_(platform) {}
 TopnDataSrc::~TopnDataSrc() = default;
 
-void TopnDataSrc::Initialize(Table& KalvoTable, std::string_view ResourceName, Context& Ctxt) {
-  table_ = Owned(KalvoTable);
-  resourceName_ = ResourceName;
-  context_ = Owned(Ctxt);
-}
-
 // ---- opening --------------------------------------------------------------------------------------------
 
 std::int16_t TopnDataSrc::OpenDS() {
-  if (!table_) throw ObjectNotSet();
-  Trap trap;
-  if (Fails(trap, *Held(context_), "TopnDataSrc.OpenDS", [&] { results_ = platform_.topN.NewResults(); }))
-    return kFailed;
+  Held(table_);
+  Steps steps(context_);
+  if (steps.Fails("TopnDataSrc.OpenDS", [&] { results_ = platform_.topN.NewResults(); })) return kFailed;
   recordCount_ = 0;
-  if (!Load(trap)) return kFailed;
-  if (Fails(trap, *Held(context_), "TopnDataSrc.OpenDS: RecordCount failed",
-            [&] { recordCount_ = Held(results_)->Count(); })) {
-    return kFailed;
-  }
-  return SortResults(trap);
+  if (!Load(steps)) return kFailed;
+  const bool failed =
+      steps.Fails("TopnDataSrc.OpenDS: RecordCount failed", [&] { recordCount_ = Held(results_)->Count(); });
+  return failed ? kFailed : SortResults(steps);
 }
 
-bool TopnDataSrc::Load(Trap& trap) {
-  const std::int16_t object = table_->GetTopNObject();
-  const auto refuse = [&](std::string_view text) {
-    trap([&] { Held(context_)->FailureMessage(text, false); });
-    return false;
-  };
+// The loader of servers or of mailbox groups; null when there is none, which has been told.
+std::shared_ptr<TopNLoader> TopnDataSrc::MakeLoader(Steps& steps, std::int16_t object) {
   std::shared_ptr<TopNLoader> loader;
+  bool made = false;
   if (object == TOPNOBJECT_SERVER) {
-    if (Fails(trap, *Held(context_), "TopnDataSrc.OpenDS: Case TOPNOBJECT_SERVER",
-              [&] { loader = platform_.topN.NewServerLoader(); })) {
-      return false;
-    }
+    made =
+        !steps.Fails("TopnDataSrc.OpenDS: Case TOPNOBJECT_SERVER", [&] { loader = platform_.topN.NewServerLoader(); });
   } else if (object == TOPNOBJECT_MAILBOXGROUP) {
-    if (Fails(trap, *Held(context_), "TopnDataSrc.OpenDS: Case TOPNOBJECT_MAILBOXGROUP",
-              [&] { loader = platform_.topN.NewMailboxGroupLoader(); })) {
-      return false;
-    }
+    made = !steps.Fails("TopnDataSrc.OpenDS: Case TOPNOBJECT_MAILBOXGROUP",
+                        [&] { loader = platform_.topN.NewMailboxGroupLoader(); });
   } else {
-    return refuse("Internal error: No TopN Object type specified.");
+    steps.Refuse("Internal error: No TopN Object type specified.");
   }
+  return made ? loader : nullptr;
+}
+
+bool TopnDataSrc::Load(Steps& steps) {
+  const std::int16_t object = table_->GetTopNObject();
+  const std::shared_ptr<TopNLoader> loader = MakeLoader(steps, object);
+  if (!loader) return false;
   const LoadRow* load = FindLoad(object, table_->GetTopNLoadType());
-  if (!load) return refuse("Internal error: No TopN Load type specified.");
+  if (!load) return steps.Refuse("Internal error: No TopN Load type specified.");
   const std::int16_t kind = KindOf(table_->GetId());
   const std::string scope = ((*context_).*load->scope)();
-  return !Fails(trap, *Held(context_), "TopnDataSrc.OpenDS: LoadFailed",
-                [&] { ((*loader).*load->call)(kind, scope, *Held(results_)); });
+  return !steps.Fails("TopnDataSrc.OpenDS: LoadFailed", [&] { ((*loader).*load->call)(kind, scope, *Held(results_)); });
 }
 
 // Sort fields of these tables are column numbers; a request's other text is passed over.
-std::int16_t TopnDataSrc::SortResults(Trap& trap) {
+std::int16_t TopnDataSrc::SortResults(Steps& steps) {
   std::string field;
-  trap([&] { field = Held(context_)->TableSortFieldInformation(); });
+  steps.Try([&] { field = Held(context_)->TableSortFieldInformation(); });
   if (!ParseNumber(field)) field = table_->GetOrderBy();
-  const auto trace = [&](auto&& maker) { trap([&] { Held(context_)->TraceTable(maker); }); };
   if (recordCount_ == 0) {
-    trace([](std::string& out) { Append(out, "<p>No records returned and no sort attempt.</p>", kCrLf); });
+    steps.TraceTable([](std::string& out) { Append(out, "<p>No records returned and no sort attempt.</p>", kCrLf); });
     return 0;
   }
   if (!ParseNumber(field)) {
-    trace([](std::string& out) { Append(out, "<p>No supplied or default sort Information.</p>", kCrLf); });
+    steps.TraceTable([](std::string& out) { Append(out, "<p>No supplied or default sort Information.</p>", kCrLf); });
     return 0;
   }
   std::string order;
-  trap([&] { order = Held(context_)->TableSortOrderInformation(); });
+  steps.Try([&] { order = Held(context_)->TableSortOrderInformation(); });
   if (order.empty()) order = table_->GetDefaultSortOrder();
   std::int16_t column = 0;
-  trap([&] { column = ToInt16(std::string_view(field)); });
+  steps.Try([&] { column = ToInt16(std::string_view(field)); });
   const std::int32_t ascending = EqualsIgnoringCase(order, TableConstants().gszAscendingSort()) ? 1 : 0;
-  trace([&](std::string& out) {
+  steps.TraceTable([&](std::string& out) {
     Append(out, "<p>Sort Information: \"", field, "\" (", column, ") \"", order, "\" (", ascending, ")</p>", kCrLf);
   });
-  const bool failed =
-      Fails(trap, *Held(context_), "TopnDataSrc.OpenDS: Sort failed", [&] { Held(results_)->Sort(column, ascending); });
+  const bool failed = steps.Fails("TopnDataSrc.OpenDS: Sort failed", [&] { Held(results_)->Sort(column, ascending); });
   return failed ? kFailed : std::int16_t{0};
 }
 
 // ---- moving and reading ---------------------------------------------------------------------------------
 
 std::int16_t TopnDataSrc::MoveFirst() {
-  Trap trap;
+  Steps steps(context_);
   if (recordCount_ == 0) return 0;
-  if (Fails(trap, *Held(context_), "Move first.", [&] { Held(results_)->MoveFirst(); })) {
+  if (steps.Fails("Move first.", [&] { Held(results_)->MoveFirst(); })) {
     recordCount_ = 0;
   } else {
     rowIndex_ = 1;
@@ -175,38 +162,34 @@ std::int16_t TopnDataSrc::MoveFirst() {
 }
 
 std::int16_t TopnDataSrc::MoveNext() {
-  Trap trap;
+  Steps steps(context_);
   if (rowIndex_ > recordCount_) return 0;
-  if (Fails(trap, *Held(context_), "Move next.", [&] { Held(results_)->MoveNext(); })) {
+  if (steps.Fails("Move next.", [&] { Held(results_)->MoveNext(); })) {
     recordCount_ = 0;
   } else {
-    trap([&] { rowIndex_ = NextRow(rowIndex_); });
+    steps.Try([&] { rowIndex_ = NextRow(); });
   }
   return 0;
 }
 
 std::int16_t TopnDataSrc::MoveTotals() {
-  Trap trap;
-  const bool failed = Fails(trap, *Held(context_), "Move Totals.", [&] { Held(results_)->MoveTotals(); });
+  Steps steps(context_);
+  const bool failed = steps.Fails("Move Totals.", [&] { Held(results_)->MoveTotals(); });
   return failed ? kFailed : std::int16_t{0};
 }
 
-std::int16_t TopnDataSrc::GetRowIndex() { return ToInt16(static_cast<double>(rowIndex_)); }
-
 std::string_view TopnDataSrc::GetField(std::string_view szFieldName) {
   const auto context = Held(context_);
-  Trap trap;
-  std::string text = answer_.Take();
-  trap([&] { AppendText(text, Held(results_)->Value(ToInt16(szFieldName)), platform_.locale); });
+  Steps steps(context);
+  std::string text = TakeAnswer();
+  steps.Try([&] { AppendText(text, Held(results_)->Value(ToInt16(szFieldName)), platform_.locale); });
   const std::int32_t number = CurrentError().number;
-  trap([&] {
-    context->Trace("TopN", [&](std::string& out) {
-      Append(out, "<p>Get: Field: ", szFieldName, "; Value: \"", text, '"');
-      if (number != 0) Append(out, "; Err.Number: ", number);
-      Append(out, "</p>", kCrLf);
-    });
+  steps.Trace("TopN", [&](std::string& out) {
+    Append(out, "<p>Get: Field: ", szFieldName, "; Value: \"", text, '"');
+    if (number != 0) Append(out, "; Err.Number: ", number);
+    Append(out, "</p>", kCrLf);
   });
-  return answer_.Keep(std::move(text));
+  return KeepAnswer(std::move(text));
 }
 
 }  // namespace kalvo
