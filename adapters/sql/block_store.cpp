@@ -80,7 +80,7 @@ void BlockStore::AddDate(Date date) { NextCell(Kind::Date).number = date.serial;
 void BlockStore::AddText(std::string_view text) { AddKept(Kind::Text, text); }
 
 void BlockStore::AddBytes(std::span<const std::uint8_t> bytes) {
-  AddKept(Kind::Bytes, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+  AddKept(Kind::Binary, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 void BlockStore::AddKept(Kind kind, std::string_view bytes) {
@@ -105,7 +105,7 @@ std::string_view BlockStore::Text(std::int32_t field, std::int32_t row, std::str
     case Kind::Null: return {};
     case Kind::Boolean: return cell.integer ? "True" : "False";
     case Kind::Text:
-    case Kind::Bytes: return {cell.bytes, cell.size};
+    case Kind::Binary: return {cell.bytes, cell.size};
     default: break;
   }
   scratch.clear();
@@ -118,7 +118,7 @@ std::string_view BlockStore::Text(std::int32_t field, std::int32_t row, std::str
 std::optional<std::span<const std::uint8_t>> BlockStore::Binary(std::int32_t field, std::int32_t row) const {
   const Cell& cell = At(field, row);
   if (cell.kind == Kind::Null) return {};
-  if (cell.kind != Kind::Bytes) throw TypeMismatch();
+  if (cell.kind != Kind::Binary) throw TypeMismatch();
   return std::span(reinterpret_cast<const std::uint8_t*>(cell.bytes), cell.size);
 }
 

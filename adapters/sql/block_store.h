@@ -57,18 +57,12 @@ class BlockStore final : public Rows {
   std::string_view Text(std::int32_t field, std::int32_t row, std::string& scratch) const override;
   std::optional<std::span<const std::uint8_t>> Binary(std::int32_t field, std::int32_t row) const override;
 
- private:
-  enum class Kind : std::uint8_t { Null, Boolean, Integer, Double, Date, Text, Bytes };
+  bool HasValues() const override { return true; }
+  const StoredValue* Values(std::int32_t row) const override { return &At(0, row); }
 
-  struct Cell {
-    union {
-      std::int64_t integer;
-      double number;
-      const char* bytes;
-    };
-    std::uint32_t size;  // of text and bytes
-    Kind kind;
-  };
+ private:
+  using Cell = StoredValue;
+  using Kind = StoredValue::Kind;
 
   Cell& NextCell(Kind kind);
   void AddKept(Kind kind, std::string_view bytes);

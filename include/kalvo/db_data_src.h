@@ -37,6 +37,9 @@ class KalvodbDataSrc : public TableRowSource {
   std::string_view GetField(std::string_view szFieldName) override;
   std::optional<std::string_view> GetIdentifier(std::string_view szFieldName) override;
 
+  std::optional<std::int32_t> StoredField(std::string_view name) override;
+  const StoredValue* StoredRow() override;
+
   // The published form: text, or with `bGUID` the identifier's digits, null where it is null.
   Value GetField(std::string_view szFieldName, bool bGUID);
 

@@ -8,6 +8,8 @@
 
 namespace kalvo {
 
+struct StoredValue;
+
 // A row source hands a table its rows, one current row at a time. The table makes one for each rendering and
 // drops it when the rendering ends; one thread. A status is 0 for success; the source has reported a failure's
 // text before it answers another.
@@ -45,6 +47,14 @@ class RowSource : public Object {
 
   // A field that identifies its row: bytes as hexadecimal digits in storage order. Nothing where it is null.
   virtual std::optional<std::string_view> GetIdentifier(std::string_view szFieldName) { return GetField(szFieldName); }
+
+  // For whoever reads very many rows: where a field lies among the stored values of each row, until the source is
+  // opened or moved to its totals. Nothing for a name that the rows have not, and where each reading has to be traced,
+  // reported or asked of somebody else; then `GetField` is the way.
+  virtual std::optional<std::int32_t> StoredField(std::string_view /*name*/) { return std::nullopt; }
+
+  // The stored values of the current row, null behind the last. Asked for only where a field has been found.
+  virtual const StoredValue* StoredRow() { return nullptr; }
 
   virtual std::int32_t RecordCount() = 0;
 

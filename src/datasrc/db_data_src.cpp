@@ -226,6 +226,13 @@ std::optional<std::string_view> KalvodbDataSrc::GetIdentifier(std::string_view s
   return KeepAnswer(std::move(text));
 }
 
+std::optional<std::int32_t> KalvodbDataSrc::StoredField(std::string_view name) {
+  if (!rows_ || !rows_->HasValues() || Held(context_)->bDebug("Dictionary")) return std::nullopt;
+  return fields_.Find(name);
+}
+
+const StoredValue* KalvodbDataSrc::StoredRow() { return RowIsLoaded() ? rows_->Values(rowIndex_ - 1) : nullptr; }
+
 Value KalvodbDataSrc::GetField(std::string_view szFieldName, bool bGUID) {
   if (!bGUID) return std::string(GetField(szFieldName));
   const auto identifier = GetIdentifier(szFieldName);

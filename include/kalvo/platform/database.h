@@ -9,6 +9,19 @@
 
 namespace kalvo {
 
+// One value of a result in its own type. `StoredValue{}` is null. What it points to stays as long as its row.
+struct StoredValue {
+  enum class Kind : std::uint8_t { Null, Boolean, Integer, Double, Date, Text, Binary };
+
+  union {
+    std::int64_t integer;  // and the boolean
+    double number;         // and the date's serial
+    const char* bytes;     // of text and binary
+  };
+  std::uint32_t size;  // of text and binary
+  Kind kind;
+};
+
 // A whole result, fetched and kept by its record set. Fields and rows count from 0.
 class Rows {
  public:
@@ -23,6 +36,11 @@ class Rows {
 
   // The bytes of a binary value; nothing for null. Fails with 13 for a value of another type.
   virtual std::optional<std::span<const std::uint8_t>> Binary(std::int32_t field, std::int32_t row) const = 0;
+
+  // Whether the rows are kept as typed values. `Values` then answers those of a row, one for each field, valid until
+  // the rows are asked for another one.
+  virtual bool HasValues() const { return false; }
+  virtual const StoredValue* Values(std::int32_t /*row*/) const { return nullptr; }
 };
 
 // The result of one statement of a batch.

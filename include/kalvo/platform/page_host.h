@@ -12,8 +12,17 @@ namespace kalvo {
 
 class LiveContainer;
 
+// What a page host gives a page. A page may have objects of its own in its place.
+class PageObject : public Object {
+ public:
+  // Whether somebody can tell how often, in which order and with what it is asked, as the page's own objects can: each
+  // call is then made as it is published. One that sees no calls is asked as seldom as will do, and what is written to
+  // it comes in larger pieces.
+  virtual bool SeesCalls() const { return true; }
+};
+
 // Where a page's HTML goes.
-class Response : public Object {
+class Response : public PageObject {
  public:
   // Appends text to the page. The text is written as it is.
   virtual void Write(std::string_view text) = 0;
@@ -23,7 +32,7 @@ class Response : public Object {
 };
 
 // What the page was asked for. Keys are matched without regard to case; text is decoded, well-formed UTF-8.
-class Request : public Object {
+class Request : public PageObject {
  public:
   // The keys of the query string, each once, in the order of first appearance, spelled as they first came.
   virtual std::vector<std::string> QueryKeys() = 0;
@@ -44,15 +53,16 @@ class Request : public Object {
   virtual std::string Item(std::string_view name) = 0;
 };
 
-// The page host's encoders. Both append.
-class Server : public Object {
+// The page host's encoders. Both append. One that sees no calls encodes as `AppendHtmlEncoded` and `AppendUrlEncoded`
+// do, and need not be asked at all.
+class Server : public PageObject {
  public:
   virtual void HTMLEncode(std::string& out, std::string_view text) = 0;
   virtual void URLEncode(std::string& out, std::string_view text) = 0;
 };
 
 // What the page host keeps for one user from page to page.
-class Session : public Object {
+class Session : public PageObject {
  public:
   // A value by name; empty when nobody set it.
   virtual Value Item(std::string_view name) = 0;

@@ -51,6 +51,28 @@ TEST(BlockStore, GivesTextWithoutACopy) {
   EXPECT_TRUE(one.empty());
 }
 
+TEST(BlockStore, GivesTheValuesOfARowInTheirTypes) {
+  BlockStore store(3, kEnglishUnitedStates);
+  store.AddText("first");
+  store.AddInteger(-7);
+  store.AddNull();
+  store.AddDate(Date{36162.5});
+  store.AddDouble(0.25);
+  store.AddBoolean(true);
+  ASSERT_TRUE(store.HasValues());
+  const StoredValue* first = store.Values(0);
+  EXPECT_EQ(first[0].kind, StoredValue::Kind::Text);
+  EXPECT_EQ(std::string_view(first[0].bytes, first[0].size), "first");
+  EXPECT_EQ(first[1].kind, StoredValue::Kind::Integer);
+  EXPECT_EQ(first[1].integer, -7);
+  EXPECT_EQ(first[2].kind, StoredValue::Kind::Null);
+  const StoredValue* second = store.Values(1);
+  EXPECT_EQ(second[0].number, 36162.5);
+  EXPECT_EQ(second[1].number, 0.25);
+  EXPECT_EQ(second[2].integer, 1);
+  EXPECT_THROW(store.Values(2), Error);
+}
+
 TEST(BlockStore, GivesBytesOfBinaryValuesAlone) {
   BlockStore store(4, kEnglishUnitedStates);
   const std::uint8_t bytes[] = {0, 255};
