@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/script/encoding.h"
+#include "host/script/text/encoding.h"
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/page_host.h"

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "host/script/host_objects.h"
+#include "host/script/binding/classes/host_objects.h"
 
 namespace kalvo::audit {
 

@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "host/audit/json.h"
-#include "host/script/text.h"
+#include "host/script/text/text.h"
 #include "kalvo/platform/append.h"
 
 namespace kalvo::audit {

@@ -10,7 +10,7 @@
 #include "host/parts/memory_session.h"
 #include "host/parts/parts.h"
 #include "host/parts/setting_error.h"
-#include "host/script/page.h"
+#include "host/script/page/site.h"
 #include "kalvo/platform/append.h"
 
 namespace kalvo::host {

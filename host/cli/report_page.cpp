@@ -1,6 +1,6 @@
 #include "host/cli/report_page.h"
 
-#include "host/script/encoding.h"
+#include "host/script/text/encoding.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"

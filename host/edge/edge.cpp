@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "host/edge/limits.h"
-#include "host/script/text.h"
-#include "host/script/url_parts.h"
+#include "host/script/text/text.h"
+#include "host/script/text/url_parts.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
 

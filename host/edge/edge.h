@@ -6,7 +6,7 @@
 
 #include "host/edge/rules.h"
 #include "host/edge/sort_words.h"
-#include "host/script/page.h"
+#include "host/script/page/page_request.h"
 
 namespace kalvo::edge {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <string_view>
 
-#include "host/script/page.h"
-#include "host/script/request.h"
-#include "host/script/url_parts.h"
+#include "host/script/page/page_request.h"
+#include "host/script/text/named_values.h"
+#include "host/script/text/url_parts.h"
 #include "kalvo/platform/append.h"
 
 namespace kalvo::edge {

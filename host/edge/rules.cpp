@@ -7,7 +7,7 @@
 #include <string>
 
 #include "host/edge/sort_words.h"
-#include "host/script/page_directive.h"
+#include "host/script/page/page_directive.h"
 #include "kalvo/platform/conversion.h"
 
 namespace kalvo::edge {

@@ -6,7 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "host/script/page.h"
+#include "host/script/page/page_request.h"
+#include "host/script/page/page_session.h"
 
 namespace kalvo::host {
 

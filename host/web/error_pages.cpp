@@ -4,7 +4,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "host/script/encoding.h"
+#include "host/script/text/encoding.h"
 #include "host/web/run_folder.h"
 #include "kalvo/platform/append.h"
 

@@ -3,7 +3,9 @@
 #include <string>
 #include <string_view>
 
-#include "host/script/page.h"
+#include "host/script/page/page_directive.h"
+#include "host/script/page/page_request.h"
+#include "host/script/page/page_result.h"
 
 struct FCGX_Request;
 

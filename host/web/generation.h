@@ -6,7 +6,7 @@
 #include "host/audit/trail.h"
 #include "host/edge/edge.h"
 #include "host/parts/parts.h"
-#include "host/script/page.h"
+#include "host/script/page/site.h"
 #include "host/web/acting/tokens.h"
 #include "host/web/login/gate.h"
 #include "host/web/privileges.h"

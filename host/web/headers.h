@@ -3,7 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "host/script/page.h"
+#include "host/script/page/page_directive.h"
+#include "host/script/page/page_result.h"
 
 namespace kalvo::web {
 

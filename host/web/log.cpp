@@ -9,7 +9,7 @@
 #include <ctime>
 
 #include "host/parts/setting_error.h"
-#include "host/script/text.h"
+#include "host/script/text/text.h"
 #include "kalvo/platform/append.h"
 
 namespace kalvo::web {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "host/parts/parts.h"
-#include "host/script/page.h"
+#include "host/script/page/page_request.h"
 
 namespace kalvo::web {
 

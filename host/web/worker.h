@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "host/script/page.h"
+#include "host/script/page/page_request.h"
 #include "host/web/login/gate.h"
 
 struct FCGX_Request;

@@ -3,7 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "fakes/page_fixture.h"
-#include "host/script/request.h"
+#include "host/script/page/page_directive.h"
+#include "host/script/page/request.h"
 
 namespace kalvo::edge {
 namespace {

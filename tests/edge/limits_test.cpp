@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/script/page.h"
+#include "host/script/page/page_request.h"
 
 namespace kalvo::edge {
 namespace {

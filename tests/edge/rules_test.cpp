@@ -7,7 +7,7 @@
 #include "generator/table_rows.h"
 #include "host/edge/limits.h"
 #include "host/edge/sort_words.h"
-#include "host/script/page_directive.h"
+#include "host/script/page/page_directive.h"
 #include "kalvo/column.h"
 #include "kalvo/column_database.h"
 #include "kalvo/platform/append.h"

@@ -6,7 +6,8 @@
 #include "fakes/database.h"
 #include "fakes/ranking.h"
 #include "fuzz/targets.h"
-#include "host/script/request.h"
+#include "host/script/page/page_directive.h"
+#include "host/script/text/named_values.h"
 #include "kalvo/platform/platform.h"
 
 namespace kalvo::fuzz {

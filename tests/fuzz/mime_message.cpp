@@ -7,7 +7,7 @@
 
 #include "adapters/maildir/files.h"
 #include "fuzz/targets.h"
-#include "host/script/text.h"
+#include "host/script/text/text.h"
 
 namespace kalvo::fuzz {
 

@@ -1,4 +1,4 @@
-#include "host/script/page_source.h"
+#include "host/script/page/page_parser.h"
 
 #include <algorithm>
 #include <optional>

@@ -2,8 +2,8 @@
 #include <string>
 
 #include "fuzz/targets.h"
-#include "host/script/request.h"
-#include "host/script/text.h"
+#include "host/script/text/named_values.h"
+#include "host/script/text/text.h"
 #include "kalvo/platform/conversion.h"
 
 namespace kalvo::fuzz {

@@ -2,7 +2,7 @@
 
 #include "adapters/mail/text.h"
 #include "fuzz/targets.h"
-#include "host/script/text.h"
+#include "host/script/text/text.h"
 
 namespace kalvo::fuzz {
 

@@ -1,7 +1,8 @@
-#include "host/script/arguments.h"
+#include "host/script/binding/arguments.h"
 
-#include "host/script/binding.h"
-#include "host/script/wrappers.h"
+#include "host/script/binding/binding.h"
+#include "host/script/binding/wrappers.h"
+#include "host/script/page/classes.h"
 #include "kalvo/table_constants.h"
 #include "script/page_runner.h"
 
@@ -187,7 +188,8 @@ class ProbeTest : public testing::Test {
     });
   }
 
-  Engine engine{PageLimits{}, nullptr};
+  Wrappers wrappers{Classes()};
+  Engine engine{PageLimits{}, &wrappers};
   std::shared_ptr<Probe> probe = std::make_shared<Probe>();
   std::optional<ScriptFailure> failure;
 };
@@ -306,7 +308,7 @@ TEST_F(ProbeTest, KeepsOneScriptObjectForAnObjectWhileItLives) {
   });
   EXPECT_FALSE(thrown);
   EXPECT_TRUE(watched.expired());
-  EXPECT_TRUE(engine.Wrappers().empty());
+  EXPECT_EQ(wrappers.Count(), 0U);
 }
 
 TEST_F(ProbeTest, GivesAScriptObjectBackAsItself) {
@@ -323,7 +325,8 @@ TEST_F(ProbeTest, GivesAScriptObjectBackAsItself) {
 TEST(ScriptReferences, OutliveTheirEngineHarmlessly) {
   std::unique_ptr<ScriptReference> reference;
   {
-    Engine engine(PageLimits{}, nullptr);
+    Wrappers wrappers(Classes());
+    Engine engine(PageLimits{}, &wrappers);
     const auto thrown = engine.Attempt([&] {
       duk_push_object(engine.Context());
       reference = std::make_unique<ScriptReference>(engine, -1);

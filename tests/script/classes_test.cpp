@@ -1,4 +1,4 @@
-#include "host/script/classes.h"
+#include "host/script/page/classes.h"
 
 #include "kalvo/enumerations.h"
 #include "script/page_runner.h"

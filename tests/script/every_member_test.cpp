@@ -2,7 +2,7 @@
 // error that it can catch, and goes on.
 #include <algorithm>
 
-#include "host/script/classes.h"
+#include "host/script/page/classes.h"
 #include "script/page_runner.h"
 
 namespace kalvo::host {

@@ -1,6 +1,6 @@
 // Script objects that change what the library is working with while it asks them: every question may end the page's
 // hold on its host, initialize a table or a source anew, or close it.
-#include "host/script/classes.h"
+#include "host/script/page/classes.h"
 #include "script/page_runner.h"
 
 namespace kalvo::host {

@@ -1,5 +1,7 @@
 #include "host/script/late_binding/adapters.h"
 
+#include "host/script/binding/wrappers.h"
+#include "host/script/page/classes.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
 #include "script/page_runner.h"
@@ -43,7 +45,8 @@ class Adapters : public testing::Test {
     return text;
   }
 
-  Engine engine{PageLimits{}, nullptr};
+  Wrappers wrappers{Classes()};
+  Engine engine{PageLimits{}, &wrappers};
 };
 
 TEST_F(Adapters, CallFunctionsAndReadOtherMembers) {

@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "host/script/page_source.h"
+#include "host/script/page/page_parser.h"
 
 namespace kalvo::host {
 namespace {
@@ -199,15 +199,6 @@ TEST_F(PageParser, FindsNoPageOutsideOfTheRoot) {
       EXPECT_EQ(fault.failure.kind, FailureKind::NotFound) << page;
     }
   }
-}
-
-TEST(PathBelowRootTest, RemovesDotsAndRefusesToLeave) {
-  EXPECT_EQ(PathBelowRoot("", "/a/./b//c"), "a/b/c");
-  EXPECT_EQ(PathBelowRoot("a/b", "../c.inc"), "a/c.inc");
-  EXPECT_EQ(PathBelowRoot("a", "..\\c.inc"), "c.inc");
-  EXPECT_EQ(PathBelowRoot("a", "../../c"), std::nullopt);
-  EXPECT_EQ(PathBelowRoot("", std::string_view("a\0b", 3)), std::nullopt);
-  EXPECT_EQ(PathBelowRoot("", "a/.."), std::nullopt);
 }
 
 }  // namespace

@@ -12,7 +12,7 @@
 #include "fakes/database.h"
 #include "fakes/live.h"
 #include "fakes/ranking.h"
-#include "host/script/page.h"
+#include "host/script/page/site.h"
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/platform.h"
 #include "support/temporary_folder.h"

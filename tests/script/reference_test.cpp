@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "host/script/classes.h"
+#include "host/script/page/classes.h"
 #include "kalvo/platform/append.h"
 #include "source_folder.h"
 #include "support/temporary_folder.h"

@@ -1,4 +1,4 @@
-#include "host/script/request.h"
+#include "host/script/page/request.h"
 
 #include <gtest/gtest.h>
 

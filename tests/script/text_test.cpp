@@ -1,4 +1,4 @@
-#include "host/script/text.h"
+#include "host/script/text/text.h"
 
 #include <gtest/gtest.h>
 

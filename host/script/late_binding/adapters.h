@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "host/script/script_value.h"
+#include "host/script/engine/script_value.h"
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/live_mailbox.h"
 #include "kalvo/platform/page_host.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/script/script_value.h"
+#include "host/script/engine/script_value.h"
 
 namespace kalvo::host {
 

@@ -1,9 +1,6 @@
 // Script objects as Top-N loader and result set.
-#include "host/script/late_binding/ranking.h"
-
 #include "host/script/late_binding/adapters.h"
 #include "host/script/late_binding/late_bound.h"
-#include "host/script/script_page.h"
 #include "kalvo/platform/conversion.h"
 
 namespace kalvo::host {
@@ -49,36 +46,6 @@ std::shared_ptr<RankedResults> Adapt<RankedResults>(Engine& engine, duk_idx_t in
 template <>
 std::shared_ptr<TopNLoader> Adapt<TopNLoader>(Engine& engine, duk_idx_t index) {
   return std::make_shared<ScriptTopNLoader>(engine, index);
-}
-
-// Null where the session declares nothing of that name.
-template <typename T>
-std::shared_ptr<T> PageRanking::Declared(const char* name) {
-  const Value declared = page_.PageSessionObject()->Static(name);
-  if (IsEmpty(declared)) return nullptr;
-  Engine& engine = page_.ScriptEngine();
-  std::shared_ptr<T> object;
-  engine.Protected([&] {
-    PushValue(engine, declared);
-    if (IsScriptFunction(engine.Context(), -1)) duk_new(engine.Context(), 0);
-    object = InterfaceAt<T>(engine, -1);
-  });
-  return object;
-}
-
-std::shared_ptr<RankedResults> PageRanking::NewResults() {
-  auto declared = Declared<RankedResults>("gTopNResults");
-  return declared ? declared : own_.NewResults();
-}
-
-std::shared_ptr<TopNLoader> PageRanking::NewServerLoader() {
-  auto declared = Declared<TopNLoader>("gTopNServerLoader");
-  return declared ? declared : own_.NewServerLoader();
-}
-
-std::shared_ptr<TopNLoader> PageRanking::NewMailboxGroupLoader() {
-  auto declared = Declared<TopNLoader>("gTopNMailboxGroupLoader");
-  return declared ? declared : own_.NewMailboxGroupLoader();
 }
 
 }  // namespace kalvo::host

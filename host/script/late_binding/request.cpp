@@ -1,7 +1,7 @@
 // A script object as the page's request. `QueryString` may be a function of the key, an object of keys, or one of
 // the callable intrinsic collections; the values of a key may be a text, an array, or an object with Count and Item.
-#include "host/script/request.h"
 #include "host/script/late_binding/adapters.h"
+#include "host/script/late_binding/collections.h"
 #include "host/script/late_binding/late_bound.h"
 #include "kalvo/platform/conversion.h"
 

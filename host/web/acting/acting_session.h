@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "host/audit/record.h"
-#include "host/script/page.h"
+#include "host/script/page/page_session.h"
 
 namespace kalvo::audit {
 class Trail;

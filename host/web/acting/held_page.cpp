@@ -5,7 +5,7 @@
 #include "adapters/mail/text.h"
 #include "host/audit/deed.h"
 #include "host/audit/json.h"
-#include "host/script/text.h"
+#include "host/script/text/text.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/live_mailbox.h"

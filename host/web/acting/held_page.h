@@ -6,7 +6,7 @@
 
 #include "adapters/mail/holding_desk.h"
 #include "host/audit/record.h"
-#include "host/script/host_objects.h"
+#include "host/script/binding/classes/host_objects.h"
 
 namespace kalvo {
 class LiveContainer;

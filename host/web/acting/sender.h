@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "host/script/page.h"
+#include "host/script/page/page_request.h"
 
 namespace kalvo::web {
 

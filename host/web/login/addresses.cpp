@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "host/script/encoding.h"
-#include "host/script/text.h"
+#include "host/script/text/encoding.h"
+#include "host/script/text/text.h"
 #include "kalvo/platform/conversion.h"
 
 namespace kalvo::web::login {

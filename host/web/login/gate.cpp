@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "host/parts/memory_session.h"
-#include "host/script/request.h"
+#include "host/script/text/named_values.h"
 #include "host/web/acting/sender.h"
 #include "host/web/log.h"
 #include "host/web/login/addresses.h"

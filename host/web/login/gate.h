@@ -10,7 +10,9 @@
 #include <vector>
 
 #include "host/audit/trail.h"
-#include "host/script/page.h"
+#include "host/script/page/page_request.h"
+#include "host/script/page/page_result.h"
+#include "host/script/page/page_session.h"
 #include "host/web/login/session_store.h"
 #include "host/web/login/throttle.h"
 #include "host/web/login/users.h"

@@ -1,7 +1,7 @@
 #include "host/web/login/password_change.h"
 
 #include "host/parts/setting_error.h"
-#include "host/script/request.h"
+#include "host/script/text/named_values.h"
 #include "host/web/log.h"
 #include "host/web/login/password.h"
 #include "host/web/login/password_rules.h"

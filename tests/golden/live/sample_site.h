@@ -7,7 +7,7 @@
 
 #include "host/audit/trail.h"
 #include "host/parts/parts.h"
-#include "host/script/page.h"
+#include "host/script/page/site.h"
 #include "host/web/acting/tokens.h"
 #include "support/temporary_folder.h"
 

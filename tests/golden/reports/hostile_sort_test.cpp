@@ -4,7 +4,7 @@
 
 #include "database/sample_databases.h"
 #include "golden/reports/report_cases.h"
-#include "host/script/text.h"
+#include "host/script/text/text.h"
 #include "source_folder.h"
 
 namespace kalvo::test {

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <unordered_map>
+
+#include "host/script/binding/class_binding.h"
+#include "host/script/engine/object_bridge.h"
+
+namespace kalvo::host {
+
+// The script objects that stand for objects of the program in one script state: each has one, made when script first
+// sees it, with the members of its class. It outlives the state, and is the bridge of that state alone.
+class Wrappers : public ObjectBridge {
+ public:
+  explicit Wrappers(std::span<const ClassBinding> classes) : classes_(classes) {}
+
+  void Push(Engine& engine, const std::shared_ptr<Object>& object) override;
+  std::shared_ptr<Object> At(duk_context* context, duk_idx_t index) const override;
+
+  std::span<const ClassBinding> Classes() const { return classes_; }
+
+  // How many objects have one now.
+  std::size_t Count() const { return wrappers_.size(); }
+
+  // An object whose script object is gone.
+  void Forget(const Object& object) { wrappers_.erase(&object); }
+
+ private:
+  std::size_t ClassIndexOf(const Object& object) const;
+  void PushNew(Engine& engine, const std::shared_ptr<Object>& object);
+
+  std::span<const ClassBinding> classes_;
+  std::unordered_map<const void*, void*> wrappers_;  // the script objects by the address of the program's
+};
+
+}  // namespace kalvo::host

@@ -1,0 +1,228 @@
+#include "host/script/engine/engine.h"
+
+#include <malloc.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+#include "host/script/engine/engine_text.h"
+
+namespace kalvo::host {
+
+namespace {
+
+// A page that is given less than this part of its limit between two collections of garbage is at its limit.
+constexpr std::size_t kProgress = 64;
+constexpr std::size_t kReserve = 8;  // the part of the limit that a page has on top to end in
+
+}  // namespace
+
+// The memory of the state and of what is charged to it.
+struct Engine::Memory {
+  std::size_t limit = 0;
+  std::size_t used = 0;
+  std::size_t sinceRefusal = SIZE_MAX;  // what was given since a request was last refused
+
+  bool Fits(std::size_t bytes) const { return bytes <= limit && used <= limit - bytes; }
+
+  // Whether the engine may have that much more. It collects its garbage when it is refused and asks again: a page
+  // for which that does not help for long is at its limit, and is left some room to end in.
+  static bool Grants(Engine& engine, std::size_t bytes) {
+    Memory& memory = *engine.memory_;
+    const bool fits = memory.Fits(bytes);
+    if (fits) {
+      memory.sinceRefusal += std::min(bytes, SIZE_MAX - memory.sinceRefusal);
+      return true;
+    }
+    const bool collecting = memory.sinceRefusal < memory.limit / kProgress;
+    memory.sinceRefusal = 0;
+    if (!collecting) return false;
+    if (!engine.HasEnded()) {
+      engine.cause_ = EndCause::MemoryLimit;
+      memory.limit += memory.limit / kReserve;
+    }
+    if (engine.context_ != nullptr) kalvo_engine_ask_now(engine.context_);
+    return memory.Fits(bytes);
+  }
+
+  static void* Allocate(void* udata, duk_size_t size) {
+    Engine& engine = *static_cast<Engine*>(udata);
+    Memory& memory = *engine.memory_;
+    if (size == 0 || !Grants(engine, size)) return nullptr;
+    void* block = std::malloc(size);
+    if (block != nullptr) memory.used += malloc_usable_size(block);
+    return block;
+  }
+
+  static void* Reallocate(void* udata, void* old, duk_size_t size) {
+    if (old == nullptr) return Allocate(udata, size);
+    if (size == 0) {
+      Free(udata, old);
+      return nullptr;
+    }
+    Engine& engine = *static_cast<Engine*>(udata);
+    Memory& memory = *engine.memory_;
+    const std::size_t before = malloc_usable_size(old);
+    if (size > before && !Grants(engine, size - before)) return nullptr;
+    void* block = std::realloc(old, size);
+    if (block != nullptr) memory.used = memory.used - before + malloc_usable_size(block);
+    return block;
+  }
+
+  static void Free(void* udata, void* block) {
+    if (block == nullptr) return;
+    static_cast<Engine*>(udata)->memory_->used -= malloc_usable_size(block);
+    std::free(block);
+  }
+};
+
+namespace {
+
+// Longer limits are none: the clock's own range ends somewhere.
+constexpr double kLongestSeconds = 1e8;
+
+std::chrono::steady_clock::duration Duration(double seconds) {
+  const double bounded = seconds > 0 ? std::fmin(seconds, kLongestSeconds) : 0;
+  return std::chrono::duration_cast<std::chrono::steady_clock::duration>(std::chrono::duration<double>(bounded));
+}
+
+[[noreturn]] void Fatal(void*, const char* message) { throw std::runtime_error(message); }
+
+}  // namespace
+
+Engine::Engine(const PageLimits& limits, ObjectBridge* bridge, const Locale& locale, std::function<bool()> isWanted)
+    : memory_(std::make_unique<Memory>()),
+      deadline_(std::chrono::steady_clock::now() + Duration(limits.seconds)),
+      isWanted_(std::move(isWanted)),
+      bridge_(bridge),
+      locale_(locale) {
+  constexpr std::size_t kMebibyte = 1 << 20;
+  memory_->limit = limits.mebibytes > SIZE_MAX / kMebibyte ? SIZE_MAX : limits.mebibytes * kMebibyte;
+  context_ = duk_create_heap(Memory::Allocate, Memory::Reallocate, Memory::Free, this, Fatal);
+  if (context_ == nullptr) throw std::bad_alloc();
+  if (Attempt([&] { Install(); })) MarkEnded(EndCause::MemoryLimit);
+}
+
+Engine::~Engine() { Close(); }
+
+void Engine::Close() {
+  *home_ = nullptr;
+  if (context_ == nullptr) return;
+  duk_destroy_heap(context_);
+  context_ = nullptr;
+}
+
+Engine& Engine::Of(duk_context* context) {
+  duk_memory_functions functions;
+  duk_get_memory_functions(context, &functions);
+  return *static_cast<Engine*>(functions.udata);
+}
+
+duk_uarridx_t Engine::TakeSlot() {
+  if (freeSlots_.empty()) return slots_++;
+  const duk_uarridx_t slot = freeSlots_.back();
+  freeSlots_.pop_back();
+  return slot;
+}
+
+void Engine::Install() {
+  duk_push_heap_stash(context_);
+  duk_push_array(context_);
+  duk_put_prop_literal(context_, -2, "kept");
+  duk_push_array(context_);
+  duk_put_prop_literal(context_, -2, "prototypes");
+  duk_pop(context_);
+  duk_get_global_literal(context_, "Duktape");
+  duk_push_c_function(context_, NoteThrow, 1);
+  duk_put_prop_literal(context_, -2, "errThrow");
+  duk_pop(context_);
+  duk_push_global_object(context_);
+  duk_del_prop_literal(context_, -1, "Duktape");  // threads, finalizers and the like are no business of a page
+  duk_pop(context_);
+}
+
+// Remembers where a value was thrown that carries no place of its own, such as a text.
+duk_ret_t Engine::NoteThrow(duk_context* context) {
+  Engine& engine = Of(context);
+  if (duk_is_error(context, 0)) return 1;
+  for (duk_int_t level = -2; level > -6; --level) {
+    duk_inspect_callstack_entry(context, level);
+    if (!duk_is_object(context, -1)) break;
+    duk_get_prop_literal(context, -1, "lineNumber");
+    duk_get_prop_literal(context, -2, "function");
+    duk_get_prop_literal(context, -1, "fileName");
+    const int line = duk_get_int_default(context, -3, 0);
+    if (line > 0 && duk_is_string(context, -1)) {
+      engine.throwLine_ = line;
+      engine.throwFile_ = TextAt(context, -1);
+      break;
+    }
+    duk_pop_n(context, 4);
+  }
+  duk_dup(context, 0);
+  return 1;
+}
+
+void Engine::MarkEnded(EndCause cause) {
+  if (!HasEnded()) cause_ = cause;
+  kalvo_engine_ask_now(context_);
+}
+
+void Engine::End(EndCause cause) {
+  MarkEnded(cause);
+  throw PageEnd{};
+}
+
+void Engine::EndIfOverdue() {
+  if (HasEnded()) return;
+  if (std::chrono::steady_clock::now() >= deadline_) {
+    MarkEnded(EndCause::TimeLimit);
+  } else if (isWanted_ && !isWanted_()) {
+    MarkEnded(EndCause::Sink);
+  }
+}
+
+void Engine::CheckLimits() {
+  EndIfOverdue();
+  if (HasEnded()) throw PageEnd{};
+}
+
+void Engine::Charge(std::ptrdiff_t bytes) {
+  if (bytes < 0) {
+    memory_->used -= static_cast<std::size_t>(-bytes);
+  } else if (!memory_->Fits(static_cast<std::size_t>(bytes))) {
+    End(EndCause::MemoryLimit);
+  } else {
+    memory_->used += static_cast<std::size_t>(bytes);
+  }
+}
+
+ScriptFailure Engine::TakeFailure() {
+  const bool hasPlace = duk_is_error(context_, -1);
+  ScriptFailure failure = TakeThrown(context_);
+  if (!hasPlace) {
+    failure.file = throwFile_;
+    failure.line = throwLine_;
+  }
+  return failure;
+}
+
+void Engine::PushEnd(duk_context* context) {
+  kalvo_engine_ask_now(context);
+  duk_push_error_object(context, DUK_ERR_ERROR, "the page has ended");
+}
+
+}  // namespace kalvo::host
+
+int kalvo_engine_must_stop(void* heap) {
+  auto& engine = *static_cast<kalvo::host::Engine*>(heap);
+  engine.EndIfOverdue();
+  return engine.HasEnded() ? 1 : 0;
+}
+
+void kalvo_engine_out_of_memory(void* heap) {
+  auto& engine = *static_cast<kalvo::host::Engine*>(heap);
+  if (!engine.HasEnded()) engine.cause_ = kalvo::host::EndCause::MemoryLimit;
+  if (engine.context_ != nullptr) kalvo_engine_ask_now(engine.context_);
+}

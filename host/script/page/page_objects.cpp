@@ -1,0 +1,95 @@
+#include "host/script/page/page_objects.h"
+
+#include <cmath>
+
+#include "host/script/late_binding/adapters.h"
+#include "host/script/text/encoding.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+
+namespace kalvo::host {
+namespace {
+
+constexpr std::string_view kLiveDriller = "gLiveDriller";
+
+// What a session keeps: a text, a number, a boolean, a date that is one, null or empty.
+bool IsKept(const Value& value) {
+  if (const auto* date = std::get_if<Date>(&value)) return std::isfinite(date->serial);
+  return !std::holds_alternative<std::shared_ptr<Object>>(value);
+}
+
+}  // namespace
+
+// ---- Server ----------------------------------------------------------------------------------------------------
+
+void ServerObject::HTMLEncode(std::string& out, std::string_view text) { AppendHtmlEncoded(out, text); }
+
+void ServerObject::URLEncode(std::string& out, std::string_view text) { AppendUrlEncoded(out, text); }
+
+std::string ServerObject::EncodedHtml(std::string_view text) {
+  return Built([&](std::string& out) { HTMLEncode(out, text); });
+}
+
+std::string ServerObject::EncodedUrl(std::string_view text) {
+  return Built([&](std::string& out) { URLEncode(out, text); });
+}
+
+std::string ServerObject::MapPath(std::string_view path) const {
+  auto file = MappedPath(place_, path);
+  if (!file) throw Error(codes::kFailed, "The path leads out of the site");
+  return *std::move(file);
+}
+
+// ---- Session ---------------------------------------------------------------------------------------------------
+
+void SessionObject::PushStatic(std::string_view name) {
+  const std::string key = ToLower(name);
+  const auto made = statics_.find(key);
+  if (made != statics_.end()) return made->second->Push();
+  duk_context* context = engine_.Context();
+  for (const ScriptStatic& candidate : declared_) {
+    if (!EqualsIgnoringCase(candidate.name, name)) continue;
+    PushText(context, candidate.text);
+    PushText(context, candidate.file);
+    duk_compile(context, DUK_COMPILE_EVAL);
+    duk_call(context, 0);
+    statics_.emplace(key, std::make_unique<ScriptReference>(engine_, -1));
+    return;
+  }
+  if (EqualsIgnoringCase(name, kLiveDriller)) {
+    if (!drillerAsked_) driller_ = session_.LiveDriller();
+    drillerAsked_ = true;
+    if (driller_ != nullptr) return PushObject(engine_, driller_);
+  }
+  const auto [known, isNew] = hostObjects_.try_emplace(key);
+  if (isNew) known->second = session_.HostObject(name);
+  if (known->second != nullptr) return PushObject(engine_, known->second);
+  duk_push_undefined(context);
+}
+
+Value SessionObject::Static(std::string_view name) {
+  Value value;
+  engine_.Protected([&] {
+    PushStatic(name);
+    value = ValueAt(engine_, -1);
+  });
+  return value;
+}
+
+std::shared_ptr<LiveContainer> SessionObject::StaticObject(std::string_view name) {
+  std::shared_ptr<LiveContainer> container;
+  engine_.Protected([&] {
+    PushStatic(name);
+    container = InterfaceAt<LiveContainer>(engine_, -1);
+  });
+  return container;
+}
+
+Value SessionObject::Access(std::string_view name, std::optional<Value> value) {
+  if (!value) return Item(name);
+  if (!IsKept(*value)) throw TypeMismatch();
+  session_.Set(name, *value);
+  return Empty{};
+}
+
+}  // namespace kalvo::host

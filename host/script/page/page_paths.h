@@ -1,0 +1,22 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kalvo::host {
+
+// A path below the root without "." and "..", or nothing when it leads out. `base` is the folder it starts from.
+std::optional<std::string> PathBelowRoot(std::string_view base, std::string_view path);
+
+// Where a running page stands.
+struct PagePlace {
+  std::filesystem::path root;
+  std::string page;  // its path below the root
+};
+
+// The file of a path: "/a.asp" from the root, "a.asp" from the page's folder. Nothing for one outside of the root.
+std::optional<std::string> MappedPath(const PagePlace& place, std::string_view path);
+
+}  // namespace kalvo::host

@@ -1,0 +1,182 @@
+#include "host/script/page/script_page.h"
+
+#include <charconv>
+#include <utility>
+
+#include "kalvo/enumerations.h"
+#include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+
+namespace kalvo::host {
+namespace {
+
+struct Constant {
+  const char* name;
+  std::int32_t value;
+};
+
+#define KALVO_CONSTANT(name, value) {#name, value},
+constexpr Constant kConstants[] = {KALVO_ALL_ENUMERATIONS(KALVO_CONSTANT)};
+#undef KALVO_CONSTANT
+
+// Defines the value on the top of the stack as a property of the global object below it that script cannot change.
+void DefineFixed(duk_context* context, const char* name) {
+  duk_push_string(context, name);
+  duk_insert(context, -2);
+  duk_def_prop(context, -3, DUK_DEFPROP_HAVE_VALUE | DUK_DEFPROP_CLEAR_WEC);
+}
+
+// The function that runs knows its page.
+constexpr const char* kPage = DUK_HIDDEN_SYMBOL("page");
+
+ScriptPage& PageOf(duk_context* context) {
+  duk_push_current_function(context);
+  duk_get_prop_string(context, -1, kPage);
+  void* page = duk_get_pointer(context, -1);
+  duk_pop_2(context);
+  return *static_cast<ScriptPage*>(page);
+}
+
+duk_ret_t NewActiveXObject(duk_context* context) {
+  return Engine::Guarded(context, [&] {
+    Engine& engine = Engine::Of(context);
+    engine.CheckLimits();
+    PushObject(engine, PageOf(context).Maker().Make(TextOf(engine, 0)));
+    return 1;
+  });
+}
+
+// __text(3): writes a text of the page.
+duk_ret_t WritePageText(duk_context* context) {
+  return Engine::Guarded(context, [&] {
+    ScriptPage& page = PageOf(context);
+    const auto& texts = page.Compiled().source.texts;
+    const auto number = static_cast<std::size_t>(duk_get_uint_default(context, 0, 0));
+    if (!duk_is_number(context, 0) || number >= texts.size()) throw SubscriptOutOfRange();
+    page.PageResponse().Write(texts[number]);
+    return 0;
+  });
+}
+
+// __write(value): writes what "<%= value %>" says.
+duk_ret_t WritePageValue(duk_context* context) {
+  return Engine::Guarded(context, [&] {
+    static constexpr Parameter kText[] = {{"text"}};
+    ScriptPage& page = PageOf(context);
+    CallFrame frame{Engine::Of(context), page.PageResponse(), kText, 1};
+    page.PageResponse().Write(Argument<const Printed&>(ArgumentSource{frame, 0}).Get().text);
+    return 0;
+  });
+}
+
+// "Error: Subscript out of range (0x9)": the number where the error has one.
+std::string MessageOf(const ScriptFailure& failure) {
+  if (failure.number == codes::kFailed) return failure.message;
+  char digits[8];
+  const auto bits = static_cast<std::uint32_t>(failure.number);
+  const char* end = std::to_chars(digits, digits + sizeof digits, bits, 16).ptr;
+  return Built([&](std::string& out) {
+    Append(out, failure.message, " (0x", ToUpperAscii({digits, static_cast<std::size_t>(end - digits)}), ")");
+  });
+}
+
+FailureKind KindOf(EndCause cause) {
+  return cause == EndCause::MemoryLimit ? FailureKind::MemoryLimit : FailureKind::TimeLimit;
+}
+
+}  // namespace
+
+ScriptPage::ScriptPage(const SiteParts& site, const CompiledPage& compiled, const PageRequest& request,
+                       PageSession& session, PageSink& sink, const PageOptions& options)
+    : compiled_(compiled),
+      engine_(options.limits, &wrappers_, site.platform.locale, options.isWanted),
+      request_(std::make_shared<RequestObject>(request)),
+      response_(std::make_shared<ResponseObject>(engine_, sink)),
+      session_(std::make_shared<SessionObject>(engine_, session, options.statics)),
+      ranking_(engine_, *session_, site.platform.topN),
+      platform_{site.platform.database, ranking_, site.platform.clock, site.platform.locale},
+      maker_(engine_, platform_),
+      server_(std::make_shared<ServerObject>(
+          PagePlace{site.root, compiled.source.files.front()},
+          [this](std::string_view name) { return maker_.MakeStarted(name, *context_); })),
+      context_(std::make_shared<ScriptingContextObject>(request_, response_, server_, session_)) {}
+
+// What script holds goes first: it may hold what the page's parts serve.
+ScriptPage::~ScriptPage() { engine_.Close(); }
+
+void ScriptPage::InstallGlobals() {
+  duk_context* context = engine_.Context();
+  duk_push_global_object(context);
+  const std::pair<const char*, std::shared_ptr<Object>> kIntrinsics[] = {
+      {"Request", request_}, {"Response", response_},        {"Server", server_},
+      {"Session", session_}, {"ScriptingContext", context_},
+  };
+  for (const auto& [name, object] : kIntrinsics) {
+    PushObject(engine_, object);
+    DefineFixed(context, name);
+  }
+  const std::pair<const char*, duk_c_function> kFunctions[] = {
+      {"ActiveXObject", NewActiveXObject}, {"__text", WritePageText}, {"__write", WritePageValue}};
+  for (const auto& [name, function] : kFunctions) {
+    duk_push_c_function(context, function, 1);
+    duk_push_pointer(context, this);
+    duk_put_prop_string(context, -2, kPage);
+    DefineFixed(context, name);
+  }
+  for (const Constant& constant : kConstants) {
+    duk_push_int(context, constant.value);
+    DefineFixed(context, constant.name);
+  }
+  duk_pop(context);
+}
+
+void ScriptPage::RunCode() {
+  duk_context* context = engine_.Context();
+  void* code = duk_push_fixed_buffer(context, compiled_.code.size());
+  compiled_.code.copy(static_cast<char*>(code), compiled_.code.size());
+  duk_load_function(context);
+  duk_call(context, 0);
+}
+
+PageResult ScriptPage::Run() {
+  ClearError();
+  PageResult result;
+  result.failure = FailureOf(engine_.Attempt([&] {
+    InstallGlobals();
+    RunCode();
+  }));
+  maker_.EndAll();
+  if (!result.failure && engine_.Cause() != EndCause::Sink) {
+    const auto failure = engine_.Attempt([&] { response_->Finish(); });
+    if (failure && engine_.Cause() != EndCause::Sink) result.failure = FailureOf(failure);
+  }
+  if (const std::exception_ptr sinkFailure = response_->SinkFailure()) std::rethrow_exception(sinkFailure);
+  result.headSent = response_->HeadSent();
+  result.head = response_->Head();
+  if (result.failure) result.unsent = response_->TakeBuffer();
+  return result;
+}
+
+std::optional<PageFailure> ScriptPage::FailureOf(const std::optional<ScriptFailure>& failure) const {
+  const EndCause cause = engine_.Cause();
+  if (cause == EndCause::Response || cause == EndCause::Sink) return std::nullopt;
+  if (!failure && cause == EndCause::None) return std::nullopt;
+  PageFailure page;
+  page.kind = cause == EndCause::None ? FailureKind::Script : KindOf(cause);
+  if (failure) {
+    page.message = MessageOf(*failure);
+    page.file = failure->file;
+    page.line = failure->line;
+  }
+  if (cause == EndCause::TimeLimit) page.message = "the page has run for longer than its time limit";
+  if (cause == EndCause::MemoryLimit) page.message = "the page needs more memory than its limit";
+  if (page.file == compiled_.source.files.front()) {
+    const LinePlace place = compiled_.source.PlaceOf(page.line);
+    page.file = compiled_.source.files[place.file];
+    page.line = static_cast<int>(place.line);
+  }
+  if (page.file.empty()) page.file = compiled_.source.files.front();
+  return page;
+}
+
+}  // namespace kalvo::host
