@@ -228,7 +228,7 @@ std::optional<std::string_view> KalvodbDataSrc::GetIdentifier(std::string_view s
 
 std::optional<std::int32_t> KalvodbDataSrc::StoredField(std::string_view name) {
   if (!rows_ || !rows_->HasValues() || Held(context_)->bDebug("Dictionary")) return std::nullopt;
-  return fields_.Find(name);
+  return fields_->Find(name);
 }
 
 const StoredValue* KalvodbDataSrc::StoredRow() { return RowIsLoaded() ? rows_->Values(rowIndex_ - 1) : nullptr; }
