@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kFarewell{200};
 constexpr std::size_t kAnswerShown = 200;
+constexpr std::string_view kLogin = "LOGIN";
 
 bool Succeeded(int code) {
   return code == MAILIMAP_NO_ERROR || code == MAILIMAP_NO_ERROR_AUTHENTICATED ||
@@ -63,7 +64,10 @@ Connection::~Connection() {
   session_.reset();
 }
 
-void Connection::Begin(const Deadline& deadline) { transport_->Begin(deadline); }
+void Connection::Begin(const Deadline& deadline) {
+  transport_->Begin(deadline);
+  hasRefused_ = false;
+}
 
 void Connection::Connect(const ServerAddress& address) {
   constexpr auto kStep = "connecting";
@@ -85,7 +89,7 @@ void Connection::Connect(const ServerAddress& address) {
 
 void Connection::LogIn(const Login& login) {
   Command();
-  Check(mailimap_login(session_->imap, login.user.c_str(), login.password.c_str()), "LOGIN");
+  Check(mailimap_login(session_->imap, login.user.c_str(), login.password.c_str()), kLogin);
   mailimap_capability_data* data = nullptr;
   Command();
   Check(mailimap_capability(session_->imap, &data), "CAPABILITY");
@@ -108,7 +112,10 @@ void Connection::Fail(int code, std::string_view step) {
     what = guard_->Refusal();
   } else if (!transport_->Trouble().empty()) {
     const bool connecting = code == MAILIMAP_ERROR_CONNECTION_REFUSED || code == MAILIMAP_ERROR_SSL;
-    fault = transport_->TimedOut() ? Fault::TimedOut : connecting ? Fault::Unreachable : Fault::Lost;
+    fault = transport_->IsSilent()   ? Fault::Silent
+            : transport_->TimedOut() ? Fault::TooSlow
+            : connecting             ? Fault::Unreachable
+                                     : Fault::Lost;
     what = transport_->Trouble();
   } else if (code == MAILIMAP_ERROR_STREAM || code == MAILIMAP_ERROR_FATAL ||
              code == MAILIMAP_ERROR_DONT_ACCEPT_CONNECTION) {
@@ -121,11 +128,17 @@ void Connection::Fail(int code, std::string_view step) {
     throw std::bad_alloc();
   } else {
     what = "refused";
+    hasRefused_ = true;
+    if (step == kLogin) fault = Fault::LoginRefused;
     const auto answer = Shown(session_ ? session_->imap->imap_response : nullptr);
     if (!answer.empty()) Append(what, ": ", answer);
   }
-  throw ImapError(
-      fault, Built([&](std::string& out) { Append(out, "The mail server ", name_, " ", what, " (", step, ")."); }));
+  // A server without such a mailbox often has no other answer.
+  const bool noMailbox = step == kLogin && fault == Fault::Lost;
+  throw ImapError(fault, Built([&](std::string& out) {
+                    Append(out, "The mail server ", name_, " ", what, " (", step, ").");
+                    if (noMailbox) Append(out, " Does it have this mailbox?");
+                  }));
 }
 
 bool Connection::Has(const char* capability) { return mailimap_has_extension(session_->imap, capability) != 0; }

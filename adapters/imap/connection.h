@@ -76,6 +76,9 @@ class Connection {
   // All that follows shares this deadline.
   void Begin(const Deadline& deadline);
 
+  // Whether the server has refused anything since.
+  bool HasRefused() const { return hasRefused_; }
+
   bool Has(const char* capability);
 
   // What stands between the names of a folder and those below it; '\0' where the server has no tree.
@@ -106,7 +109,9 @@ class Connection {
   // Those that the server takes to have no date, or one before 1971.
   std::vector<std::uint32_t> WithoutSentDate();
   void FetchSummaries(std::uint32_t firstUid, std::uint32_t lastUid, std::vector<Summary>& summaries);
-  std::vector<Fetched> Fetch(std::span<const std::uint32_t> uids);
+  enum class Parts : bool { No, Yes };
+  // `Parts::No`: without the structure, which some servers cannot tell of a damaged message.
+  std::vector<Fetched> Fetch(std::span<const std::uint32_t> uids, Parts parts = Parts::Yes);
   bool Exists(std::uint32_t uid);
   void Mark(std::uint32_t uid, std::string_view flag, bool set);
   void Expunge(std::uint32_t uid);
@@ -141,6 +146,7 @@ class Connection {
   std::unique_ptr<Session> session_;
   std::string openFolder_;
   FolderState openState_;
+  bool hasRefused_ = false;
   bool knowsNamespaces_ = false;
   char separator_ = 0;
   std::string personal_;

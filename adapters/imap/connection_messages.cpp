@@ -96,11 +96,13 @@ void Connection::FetchSummaries(std::uint32_t firstUid, std::uint32_t lastUid, s
   });
 }
 
-std::vector<Fetched> Connection::Fetch(std::span<const std::uint32_t> uids) {
+std::vector<Fetched> Connection::Fetch(std::span<const std::uint32_t> uids, Parts parts) {
   const auto set = SetOf(uids);
-  const auto wanted =
-      FetchOf(mailimap_fetch_att_new_uid, mailimap_fetch_att_new_rfc822_size, mailimap_fetch_att_new_internaldate,
-              mailimap_fetch_att_new_envelope, mailimap_fetch_att_new_bodystructure);
+  const auto wanted = FetchOf(mailimap_fetch_att_new_uid, mailimap_fetch_att_new_rfc822_size,
+                              mailimap_fetch_att_new_internaldate, mailimap_fetch_att_new_envelope);
+  if (parts == Parts::Yes) {
+    mailimap_fetch_type_new_fetch_att_list_add(wanted.get(), mailimap_fetch_att_new_bodystructure());
+  }
   OwnedList found(mailimap_fetch_list_free);
   Fetch(set.get(), wanted.get(), found);
   std::vector<Fetched> messages;

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "adapters/imap/connection.h"
 #include "adapters/imap/deadline.h"
@@ -27,8 +28,9 @@ class ConnectionPool {
  public:
   explicit ConnectionPool(Settings settings) : settings_(std::move(settings)) {}
 
-  // Runs `step` on a connection of that server and user. A kept connection may have died since it was last used,
-  // and a server may have been started anew: a lost connection is opened again once and the step repeated.
+  // Runs `step` on a connection of that server and user. A kept connection may have died since it was last used, a
+  // server may have been started anew, or a folder repaired behind the back of a session that has it open: a connection
+  // that is lost, or kept and refuses, is opened again once and the step repeated.
   template <typename Step>
   auto With(const std::string& server, const std::string& user, Step&& step) {
     return With(server, user, Deadline(settings_.limits.operation), step);
@@ -37,12 +39,14 @@ class ConnectionPool {
   template <typename Step>
   auto With(const std::string& server, const std::string& user, const Deadline& deadline, Step&& step) {
     const ServerAddress& address = settings_.AddressOf(server);
-    RefuseWhileSilent(address);
+    RefuseAgain(address, user);
     try {
       return Try(address, user, deadline, step);
     } catch (const ImapError& error) {
-      if (error.What() != Fault::Lost) throw;
+      const bool keptRefuses = error.What() == Fault::Refused && !madeNow_;
+      if (error.What() != Fault::Lost && !keptRefuses) throw;
     }
+    Drop(address, user);
     return Try(address, user, deadline, step);
   }
 
@@ -59,7 +63,7 @@ class ConnectionPool {
   auto WithOwnOnce(const std::string& server, const std::string& user, Step&& step) {
     const ServerAddress& address = settings_.AddressOf(server);
     const Closing closing(*this, address, user);
-    RefuseWhileSilent(address);
+    RefuseAgain(address, user);
     return Try(address, user, Deadline(settings_.limits.operation), step);
   }
 
@@ -74,15 +78,23 @@ class ConnectionPool {
     std::unique_ptr<Connection> connection;
   };
 
+  struct Taken {
+    Connection& connection;
+    bool isNew;
+  };
+
   template <typename Step>
   auto Try(const ServerAddress& address, const std::string& user, const Deadline& deadline, Step& step) {
+    madeNow_ = true;
     try {
-      Connection& connection = Get(address, user, deadline);
-      const Counting counting(*this, connection);
-      return step(connection);
+      const Taken taken = Get(address, user, deadline);
+      madeNow_ = taken.isNew;
+      const GivingUp givingUp(*this, taken, address, user);
+      const Counting counting(*this, taken.connection);
+      return step(taken.connection);
     } catch (const ImapError& error) {
       if (error.What() != Fault::Refused) Drop(address, user);
-      if (error.What() == Fault::TimedOut) NoteSilence(address, error);
+      Note(address, user, error);
       throw;
     }
   }
@@ -104,6 +116,24 @@ class ConnectionPool {
     const std::string& user_;
   };
 
+  // A kept connection that refused a part of a step is not kept any longer: a new one may see more.
+  class GivingUp {
+   public:
+    GivingUp(ConnectionPool& pool, const Taken& taken, const ServerAddress& address, const std::string& user)
+        : pool_(pool), taken_(taken), address_(address), user_(user) {}
+    ~GivingUp() {
+      if (!taken_.isNew && taken_.connection.HasRefused()) pool_.Drop(address_, user_);
+    }
+    GivingUp(const GivingUp&) = delete;
+    GivingUp& operator=(const GivingUp&) = delete;
+
+   private:
+    ConnectionPool& pool_;
+    const Taken& taken_;
+    const ServerAddress& address_;
+    const std::string& user_;
+  };
+
   // Adds what a step reads to the cost.
   class Counting {
    public:
@@ -119,19 +149,20 @@ class ConnectionPool {
     std::size_t before_;
   };
 
-  Connection& Get(const ServerAddress& address, const std::string& user, const Deadline& deadline);
+  Taken Get(const ServerAddress& address, const std::string& user, const Deadline& deadline);
   void Drop(const ServerAddress& address, const std::string& user);
-  void NoteSilence(const ServerAddress& address, const ImapError& error);
-  void RefuseWhileSilent(const ServerAddress& address);
+  void Note(const ServerAddress& address, const std::string& user, const ImapError& error);
+  void RefuseAgain(const ServerAddress& address, const std::string& user);
 
-  struct Silence {
+  struct Refusal {
     Deadline::Clock::time_point until;
     ImapError error;
   };
 
   const Settings settings_;
-  std::list<Kept> kept_;  // the one used last first
-  std::map<const ServerAddress*, Silence> silent_;
+  std::list<Kept> kept_;                                                      // the one used last first
+  bool madeNow_ = true;                                                       // the connection of the last attempt
+  std::map<std::pair<const ServerAddress*, std::string>, Refusal> refusing_;  // of a silent server the user is ""
   Traffic cost_;
 };
 

@@ -7,11 +7,13 @@
 namespace kalvo::imap {
 
 enum class Fault {
-  Refused,      // the server answered NO: the connection is as good as before
-  Lost,         // the connection is gone: another one may do
-  TimedOut,     // the server is silent or slow
-  Unreachable,  // no connection can be made
-  Nonsense,     // what came is not what the protocol has, or more than we take
+  Refused,       // the server answered NO: the connection is as good as before
+  LoginRefused,  // it does not let us in
+  Lost,          // the connection is gone: another one may do
+  Silent,        // not a byte for too long: nobody need ask it again for a while
+  TooSlow,       // the step took more than its time; the server may be well
+  Unreachable,   // no connection can be made
+  Nonsense,      // what came is not what the protocol has, or more than we take
 };
 
 // A failure of a mail server; 0x80004005 and a sentence that names the server, the step and what went wrong. It may
@@ -22,6 +24,9 @@ class ImapError : public Error {
       : Error(codes::kFailed, InDescription(description)), fault_(fault) {}
 
   Fault What() const { return fault_; }
+
+  // Whether a damaged message can be behind it: servers end the session over one, or tell what no message has.
+  bool MayBeTheMessage() const { return fault_ == Fault::Lost || fault_ == Fault::Nonsense; }
 
  private:
   Fault fault_;

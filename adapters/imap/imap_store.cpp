@@ -12,6 +12,7 @@
 #include "adapters/imap/removal.h"
 #include "adapters/mail/directory_file.h"
 #include "adapters/mail/errors.h"
+#include "adapters/mail/folder_path.h"
 #include "adapters/mail/text.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
@@ -41,6 +42,12 @@ std::string LeafName(std::string_view folder, char separator) {
   if (EqualsIgnoringAsciiCase(folder, "INBOX")) return "Inbox";
   const auto end = separator == 0 ? folder.npos : folder.rfind(separator);
   return mail::FromModifiedUtf7(end == folder.npos ? folder : folder.substr(end + 1));
+}
+
+// "INBOX." is the inbox's name and the separator, in any case.
+bool IsPrefix(std::string_view prefix, std::string_view folder, char separator) {
+  return prefix.size() == folder.size() + 1 && prefix.back() == separator &&
+         EqualsIgnoringAsciiCase(prefix.substr(0, folder.size()), folder);
 }
 
 bool CanBeSent(std::string_view name) {
@@ -100,7 +107,8 @@ std::vector<Folder> ImapStore::Below(const mail::Tree& tree, Connection& connect
   std::string prefix(folder);
   if (folder.empty()) {
     prefix = root.prefix;
-  } else if (separator == 0) {
+  } else if (separator == 0 || IsPrefix(root.prefix, folder, separator)) {
+    // Where all folders of a mailbox stand below its inbox, they are the root's and not the inbox's.
     return {};
   } else {
     prefix += separator;
@@ -128,19 +136,16 @@ std::vector<Folder> ImapStore::Below(const mail::Tree& tree, Connection& connect
 
 std::string ImapStore::FindFolder(const mail::Tree& tree, const mail::FolderPath& path) {
   return pool_->With(tree.server, UserOf(tree), [&](Connection& connection) {
-    std::string folder;
-    for (const auto& name : path) {
-      const auto found = Below(tree, connection, folder);
-      const auto named = [&](auto&& same) {
-        return std::find_if(found.begin(), found.end(),
-                            [&](const Folder& each) { return same(LeafName(each.name, connection.Separator())); });
-      };
-      auto match = named([&](const std::string& leaf) { return leaf == name; });
-      if (match == found.end()) match = named([&](const std::string& leaf) { return EqualsIgnoringCase(leaf, name); });
-      if (match == found.end()) throw NoFolder(name);
-      folder = match->name;
-    }
-    return folder;
+    const auto found = mail::FolderAt(path, [&](const std::string& folder) {
+      std::vector<mail::NamedFolder> named;
+      for (Folder& each : Below(tree, connection, folder)) {
+        std::string name = mail::FolderName(LeafName(each.name, connection.Separator()));
+        named.push_back({std::move(each.name), std::move(name)});
+      }
+      return named;
+    });
+    if (!found) throw NoFolder(mail::PathText(path));
+    return *found;
   });
 }
 
@@ -162,7 +167,7 @@ mail::FolderPath ImapStore::PathOf(const mail::Tree& tree, std::string_view fold
       path.push_back(path.empty() ? LeafName(name, separator) : mail::FromModifiedUtf7(name));
       rest.remove_prefix(std::min(end + 1, rest.size()));
     }
-    for (auto& name : path) name = mail::CleanText(name);
+    for (auto& name : path) name = mail::FolderName(name);
     return path;
   });
 }
@@ -174,7 +179,7 @@ std::vector<mail::FolderInfo> ImapStore::Folders(const mail::Tree& tree, std::st
     for (const auto& found : Below(tree, connection, folder)) {
       auto info = found.selectable ? Describe({tree.server, user, found.name}, connection) : mail::FolderInfo();
       info.key = found.name;
-      info.name = mail::CleanText(LeafName(found.name, connection.Separator()));
+      info.name = mail::FolderName(LeafName(found.name, connection.Separator()));
       folders.push_back(std::move(info));
     }
     std::stable_sort(folders.begin(), folders.end(), [](const mail::FolderInfo& a, const mail::FolderInfo& b) {
@@ -202,6 +207,8 @@ mail::FolderInfo ImapStore::Describe(const Place& place, Connection& connection)
   } catch (const ImapError& error) {
     // A folder that may be seen but not opened is shown without its contents.
     if (error.What() != Fault::Refused) throw;
+    info.size.reset();
+    info.messageCount.reset();
   }
   return info;
 }
@@ -219,11 +226,21 @@ std::unique_ptr<mail::MessageSource> ImapStore::Messages(const mail::Tree& tree,
 mail::MessageDetails ImapStore::Message(const mail::Tree& tree, std::string_view folder, std::string_view message) {
   const auto number = ReadMessageKey(message);
   if (!number) throw mail::NoSuchMessage();
+  try {
+    return Details(tree, folder, *number, Connection::Parts::Yes);
+  } catch (const ImapError& error) {
+    if (!error.MayBeTheMessage()) throw;
+  }
+  return Details(tree, folder, *number, Connection::Parts::No);
+}
+
+mail::MessageDetails ImapStore::Details(const mail::Tree& tree, std::string_view folder, const MessageNumber& number,
+                                        Connection::Parts parts) {
   return pool_->With(tree.server, UserOf(tree), [&](Connection& connection) -> mail::MessageDetails {
     const auto state = OpenListed(connection, std::string(folder), Access::Read);
-    if (!state || state->uidValidity != number->uidValidity) throw mail::NoSuchMessage();
-    for (auto& found : connection.Fetch(std::span(&number->uid, 1))) {
-      if (found.uid != number->uid) continue;
+    if (!state || state->uidValidity != number.uidValidity) throw mail::NoSuchMessage();
+    for (auto& found : connection.Fetch(std::span(&number.uid, 1), parts)) {
+      if (found.uid != number.uid) continue;
       return {std::move(found.subject), std::move(found.sender),     found.size, found.sent,
               found.received,           std::move(found.attachments)};
     }

@@ -48,6 +48,8 @@ class ImapStore : public mail::MailStore {
 
   std::string UserOf(const mail::Tree& tree) const;
   std::vector<std::string> Servers();
+  mail::MessageDetails Details(const mail::Tree& tree, std::string_view folder, const MessageNumber& number,
+                               Connection::Parts parts);
   mail::HeldMessage Described(const mail::Tree& tree, std::string_view folder, std::string_view message,
                               const mail::Deletion& deletion);
   Root RootOf(const mail::Tree& tree, Connection& connection);

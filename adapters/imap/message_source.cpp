@@ -69,24 +69,32 @@ std::vector<Fetched> ImapMessages::Fetch(std::span<const std::uint32_t> uids) {
   return fetched;
 }
 
-// A message that the server tells more of than we take, or what no message has, is looked for by halves: it has a row
-// that says so, and the others have theirs.
+// A message that the server tells more of than we take, or what no message has, or over which it ends the session, is
+// looked for by halves: it has a row that says so, and the others have theirs.
 void ImapMessages::FetchReadable(std::span<const std::uint32_t> uids, std::vector<Fetched>& fetched, int& unreadable) {
   try {
     auto found = Ask([&](Connection& connection) { return connection.Fetch(uids); });
     std::move(found.begin(), found.end(), std::back_inserter(fetched));
     return;
   } catch (const ImapError& error) {
-    if (error.What() != Fault::Nonsense) throw;
+    if (!error.MayBeTheMessage()) throw;
     if (uids.size() == 1 && ++unreadable > kUnreadableAtMost) throw;
   }
-  if (uids.size() == 1) {
-    fetched.emplace_back().uid = uids.front();
-    fetched.back().subject = mail::kUnreadable;
-    return;
-  }
+  if (uids.size() == 1) return FetchDamaged(uids, fetched);
   FetchReadable(uids.first(uids.size() / 2), fetched, unreadable);
   FetchReadable(uids.subspan(uids.size() / 2), fetched, unreadable);
+}
+
+// Of a damaged message a server may know what its head says, and stumble over its parts.
+void ImapMessages::FetchDamaged(std::span<const std::uint32_t> uid, std::vector<Fetched>& fetched) {
+  try {
+    auto found = Ask([&](Connection& connection) { return connection.Fetch(uid, Connection::Parts::No); });
+    std::move(found.begin(), found.end(), std::back_inserter(fetched));
+  } catch (const ImapError& error) {
+    if (!error.MayBeTheMessage()) throw;
+    fetched.emplace_back().uid = uid.front();
+    fetched.back().subject = mail::kUnreadable;
+  }
 }
 
 mail::MessageRow ImapMessages::Row(std::span<const std::int32_t> upcoming) {

@@ -43,6 +43,7 @@ class ImapMessages : public mail::MessageSource {
   std::optional<std::vector<std::uint32_t>> Undated(std::vector<std::uint32_t> candidates);
   std::vector<Fetched> Fetch(std::span<const std::uint32_t> uids);
   void FetchReadable(std::span<const std::uint32_t> uids, std::vector<Fetched>& fetched, int& unreadable);
+  void FetchDamaged(std::span<const std::uint32_t> uid, std::vector<Fetched>& fetched);
 
   // Runs a step on the folder, which is open then. All steps of a listing share the time of one.
   template <typename Step>

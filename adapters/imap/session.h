@@ -3,6 +3,7 @@
 #include <libetpan/libetpan.h>
 
 #include <memory>
+#include <string_view>
 
 #include "adapters/imap/connection.h"
 
@@ -27,6 +28,16 @@ struct Released {
 template <typename Handle>
 using Owned = std::unique_ptr<Handle, Released>;
 
+inline std::string_view View(const char* text) { return text == nullptr ? std::string_view() : text; }
+
+template <typename Item, typename Visit>
+void ForEach(clist* list, Visit&& visit) {
+  if (list == nullptr) return;
+  for (auto* each = clist_begin(list); each != nullptr; each = clist_next(each)) {
+    visit(*static_cast<const Item*>(clist_content(each)));
+  }
+}
+
 // A list that the library answered, freed by the function that goes with it.
 class OwnedList {
  public:
@@ -39,10 +50,7 @@ class OwnedList {
 
   template <typename Item, typename Visit>
   void ForEach(Visit&& visit) const {
-    if (list == nullptr) return;
-    for (auto* each = clist_begin(list); each != nullptr; each = clist_next(each)) {
-      visit(*static_cast<const Item*>(clist_content(each)));
-    }
+    imap::ForEach<Item>(list, visit);
   }
 
   clist* list = nullptr;

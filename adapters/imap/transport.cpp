@@ -60,9 +60,10 @@ std::ptrdiff_t Transport::Fail(std::string_view trouble) {
   return -1;
 }
 
-std::ptrdiff_t Transport::TimeOut(std::string_view trouble) {
+std::ptrdiff_t Transport::TimeOut() {
   timedOut_ = true;
-  return Fail(trouble);
+  silent_ = !deadline_.Passed();
+  return Fail(silent_ ? "did not answer in time" : "took too long");
 }
 
 bool Transport::WaitFor(short events) {
@@ -71,7 +72,7 @@ bool Transport::WaitFor(short events) {
     const int ready = poll(&waited, 1, deadline_.Wait(limits_.silence));
     if (ready > 0 && !deadline_.Passed()) return true;
     if (ready < 0 && errno == EINTR) continue;
-    TimeOut(deadline_.Passed() ? "took too long" : "did not answer in time");
+    TimeOut();
     return false;
   }
 }
@@ -120,13 +121,26 @@ bool Transport::StartTls() {
     if (!WaitFor(tls_->Wanted())) return false;
     code = 0;
   }
-  Fail(std::string("has no TLS that can be trusted: ") + gnutls_strerror(code));
+  const std::string why =
+      code == GNUTLS_E_CERTIFICATE_VERIFICATION_ERROR ? CertificateTrouble() : gnutls_strerror(code);
+  Fail(Built([&](std::string& out) { Append(out, "has no TLS that can be trusted: ", why); }));
   return false;
+}
+
+// Which of the reasons it is: expired, of another name, from an authority that is not trusted.
+std::string Transport::CertificateTrouble() const {
+  gnutls_datum_t text{};
+  const auto status = gnutls_session_get_verify_cert_status(tls_->session);
+  if (gnutls_certificate_verification_status_print(status, GNUTLS_CRT_X509, &text, 0) < 0) return "its certificate";
+  std::string why(reinterpret_cast<const char*>(text.data), text.size);
+  gnutls_free(text.data);
+  while (why.ends_with(' ') || why.ends_with('.')) why.pop_back();
+  return why;
 }
 
 std::ptrdiff_t Transport::Read(char* bytes, std::size_t size) {
   if (!trouble_.empty()) return -1;
-  if (deadline_.Passed()) return TimeOut("took too long");
+  if (deadline_.Passed()) return TimeOut();
   for (;;) {
     const std::ptrdiff_t count = tls_ ? gnutls_record_recv(tls_->session, bytes, size) : recv(socket_, bytes, size, 0);
     if (count > 0) {
@@ -136,7 +150,11 @@ std::ptrdiff_t Transport::Read(char* bytes, std::size_t size) {
     if (count == 0) return Fail("closed the connection");
     const bool again = tls_ ? gnutls_error_is_fatal(static_cast<int>(count)) == 0
                             : errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
-    if (!again) return Fail(tls_ ? gnutls_strerror(static_cast<int>(count)) : std::strerror(errno));
+    if (!again && count == GNUTLS_E_PREMATURE_TERMINATION) return Fail("closed the connection");
+    if (!again) {
+      const char* why = tls_ ? gnutls_strerror(static_cast<int>(count)) : std::strerror(errno);
+      return Fail(Built([&](std::string& out) { Append(out, "broke the connection: ", why); }));
+    }
     if (!WaitFor(tls_ ? tls_->Wanted() : POLLIN)) return -1;
   }
 }

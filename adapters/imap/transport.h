@@ -38,6 +38,7 @@ class Transport {
   // What went wrong, as the end of a sentence about the server; "" while all is well.
   const std::string& Trouble() const { return trouble_; }
   bool TimedOut() const { return timedOut_; }
+  bool IsSilent() const { return silent_; }
 
   std::size_t BytesRead() const { return bytesRead_; }
 
@@ -47,7 +48,8 @@ class Transport {
   bool ConnectTo(const void* address, std::size_t size, int family);
   bool WaitFor(short events);
   std::ptrdiff_t Fail(std::string_view trouble);
-  std::ptrdiff_t TimeOut(std::string_view trouble);
+  std::ptrdiff_t TimeOut();
+  std::string CertificateTrouble() const;
 
   const ServerAddress& address_;
   const Limits& limits_;
@@ -56,6 +58,7 @@ class Transport {
   std::unique_ptr<Tls> tls_;
   std::string trouble_;
   bool timedOut_ = false;
+  bool silent_ = false;  // timed out because nothing came, not because all took too long
   std::size_t bytesRead_ = 0;
 };
 

@@ -23,7 +23,7 @@ Directory::Directory(std::vector<MailServer> servers, std::vector<Mailbox> mailb
   for (std::size_t i = 0; i < mailboxes_.size(); ++i) {
     const Mailbox& mailbox = mailboxes_[i];
     for (const std::string& address : mailbox.addresses) AddExact(address, i);
-    AddExact(mailbox.distinguishedName, i);
+    if (!mailbox.distinguishedName.empty()) exact_.emplace(ToLower(mailbox.distinguishedName), i);
     AddExact(mailbox.account, i);
     accounts_.emplace(ToLower(WithoutDomain(mailbox.account)), i);
     names_.emplace_back(ToLower(mailbox.name), i);

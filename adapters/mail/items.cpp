@@ -42,6 +42,11 @@ constexpr ListingField kAddressFields[] = {
 };
 // clang-format on
 
+Value NumberValue(std::optional<std::int64_t> number) {
+  if (!number) return Empty();
+  return *number;
+}
+
 // Items that are all at hand.
 template <typename Item>
 class HeldItems : public ListingItems {
@@ -73,8 +78,8 @@ class FolderItems : public HeldItems<FolderInfo> {
     switch (field) {
       case kFolderName: return folder.name;
       case kFolderId: return FolderIdentifier(binding_.Bound(), folder.key);
-      case kFolderSize: return folder.size;
-      case kFolderMessages: return std::int64_t{folder.messageCount};
+      case kFolderSize: return NumberValue(folder.size);
+      case kFolderMessages: return NumberValue(folder.messageCount);
       case kFolderCreated: return DateValue(folder.created);
       default: return DateValue(folder.modified);
     }

@@ -29,9 +29,9 @@ struct Tree {
 // call to call and from process to process. The root's key is "".
 struct FolderInfo {
   std::string key;
-  std::string name;       // UTF-8, cleaned for showing (`CleanText`)
-  std::int64_t size = 0;  // bytes of its own messages
-  std::int32_t messageCount = 0;
+  std::string name;                      // UTF-8, cleaned for showing (`CleanText`)
+  std::optional<std::int64_t> size = 0;  // bytes of its own messages; nothing for a folder that may not be opened
+  std::optional<std::int32_t> messageCount = 0;
   std::optional<std::int64_t> created;  // seconds since 1970, UTC
   std::optional<std::int64_t> modified;
 };

@@ -82,13 +82,15 @@ std::string SenderText(std::string_view name, std::string_view address) {
 }
 
 bool IsAttachment(std::string_view type, std::string_view disposition, bool hasFileName) {
-  return hasFileName || EqualsIgnoringAsciiCase(disposition, "attachment") || !EqualsIgnoringAsciiCase(type, "text");
+  return hasFileName || EqualsIgnoringAsciiCase(disposition, "attachment") ||
+         !(type.empty() || EqualsIgnoringAsciiCase(type, "text"));
 }
 
 std::string AttachmentName(std::string_view fileName, std::string_view type, std::string_view subtype) {
   std::string name = CleanText(fileName.substr(fileName.find_last_of("/\\") + 1));
-  if (name.empty()) name = CleanText(Built([&](std::string& out) { Append(out, type, "/", subtype); }));
-  return name;
+  if (!name.empty()) return name;
+  if (type.empty()) return "text/plain";
+  return CleanText(ToLowerAscii(Built([&](std::string& out) { Append(out, type, "/", subtype); })));
 }
 
 Value DateValue(std::optional<std::int64_t> seconds) {

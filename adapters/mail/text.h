@@ -21,10 +21,11 @@ inline constexpr std::string_view kUnreadable = "(this message cannot be read)";
 std::string SenderText(std::string_view name, std::string_view address);
 
 // Whether a leaf part of a message counts as an attachment: it has a file name, is marked as one, or is no text.
-// Words are matched without regard to case.
+// Words are matched without regard to case. No type is plain text.
 bool IsAttachment(std::string_view type, std::string_view disposition, bool hasFileName);
 
-// The name that an attachment is listed by, cleaned: its file name without folders, else its media type.
+// The name that an attachment is listed by, cleaned: its file name without folders, else its media type in small
+// letters.
 std::string AttachmentName(std::string_view fileName, std::string_view type, std::string_view subtype);
 
 // Seconds since 1970 as a date of the host's time zone; empty for none and for years that no date has.

@@ -8,7 +8,7 @@ namespace kalvo::maildir {
 namespace {
 
 // Index files are for the machine that wrote them; another byte order makes a damaged one.
-constexpr std::string_view kMagic = "KALVOIX1";
+constexpr std::string_view kMagic = "KALVOIX2";
 constexpr std::uint8_t kIsNew = 1, kHasAttachment = 2, kHasSent = 4;
 constexpr std::size_t kCheckBytes = 8;
 

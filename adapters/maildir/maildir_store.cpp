@@ -12,6 +12,7 @@
 #include "adapters/mail/browser.h"
 #include "adapters/mail/directory_file.h"
 #include "adapters/mail/errors.h"
+#include "adapters/mail/folder_path.h"
 #include "adapters/mail/sizes.h"
 #include "adapters/mail/text.h"
 #include "adapters/maildir/folder.h"
@@ -30,9 +31,7 @@ constexpr const char* kOwnFolder = ".kalvo";
 constexpr const char* kKeyFile = "key";
 
 std::string ShownName(std::string_view raw, bool isInbox) {
-  if (isInbox) return "Inbox";
-  std::string name = mail::CleanText(mail::FromModifiedUtf7(raw));
-  return name.empty() ? "Unnamed" : name;
+  return isInbox ? "Inbox" : mail::FolderName(mail::FromModifiedUtf7(raw));
 }
 
 // The name of a folder's index: any bytes of location and key, made short.
@@ -96,19 +95,13 @@ class MaildirStore::Trees : public mail::MailStore {
 
   std::string FindFolder(const mail::Tree& tree, const mail::FolderPath& path) override {
     const std::set<std::string> keys = KeysOf(tree);
-    std::string at;
-    for (const std::string& name : path) {
-      const std::vector<std::string> below = Below(keys, at);
-      const auto named = [&](auto&& matches) {
-        return std::find_if(below.begin(), below.end(),
-                            [&](const std::string& key) { return matches(NameOf(key), name); });
-      };
-      auto found = named([](std::string_view a, std::string_view b) { return a == b; });
-      if (found == below.end()) found = named(EqualsIgnoringCase);
-      if (found == below.end()) throw mail::NoSuchFolder("There is no such folder in the mailbox.");
-      at = *found;
-    }
-    return at;
+    const auto found = mail::FolderAt(path, [&](const std::string& folder) {
+      std::vector<mail::NamedFolder> named;
+      for (const std::string& key : Below(keys, folder)) named.push_back({key, NameOf(key)});
+      return named;
+    });
+    if (!found) throw mail::NoSuchFolder("There is no such folder in the mailbox.");
+    return *found;
   }
 
   mail::FolderPath PathOf(const mail::Tree& tree, std::string_view folder) override {

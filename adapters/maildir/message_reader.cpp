@@ -8,6 +8,8 @@
 #include <new>
 #include <string_view>
 
+#include "adapters/mail/charset.h"
+#include "adapters/mail/header_text.h"
 #include "adapters/mail/limits.h"
 #include "adapters/mail/text.h"
 #include "adapters/maildir/message_scan.h"
@@ -24,11 +26,9 @@ constexpr std::string_view kNesting = ":(<";
 constexpr std::ptrdiff_t kDeepestSender = 100;
 
 struct Free {
-  void operator()(char* text) const { g_free(text); }
   void operator()(GDateTime* date) const { g_date_time_unref(date); }
   void operator()(GObject* object) const { g_object_unref(object); }
 };
-using OwnedText = std::unique_ptr<char, Free>;
 
 // An object of the library, by its own type.
 template <typename T>
@@ -48,60 +48,106 @@ class Ref {
 
 std::string_view Text(const char* text) { return text ? std::string_view(text) : std::string_view(); }
 
-// A field's text on one line, at most so much of it.
-OwnedText Unfolded(std::string_view field, std::size_t most) {
-  return OwnedText(g_mime_utils_header_unfold(std::string(field.substr(0, most)).c_str()));
-}
-
-std::string Decoded(std::string_view field, std::size_t most) {
-  const OwnedText decoded(g_mime_utils_header_decode_text(nullptr, Unfolded(field, most).get()));
-  return mail::CleanText(Text(decoded.get()));
-}
-
-std::string SenderOf(std::string_view from) {
-  const OwnedText field = Unfolded(from, mail::kLongestSender);
-  const std::string_view text = Text(field.get());
-  const auto deep = std::count_if(text.begin(), text.end(), [](char c) { return kNesting.find(c) != kNesting.npos; });
-  if (deep <= kDeepestSender) {
-    const Ref<InternetAddressList> list(internet_address_list_parse(nullptr, field.get()));
-    if (list.get() && internet_address_list_length(list.get()) > 0) {
-      InternetAddress* first = internet_address_list_get_address(list.get(), 0);
-      const char* address =
-          INTERNET_ADDRESS_IS_MAILBOX(first) ? internet_address_mailbox_get_addr(INTERNET_ADDRESS_MAILBOX(first)) : "";
-      const std::string sender = mail::SenderText(Text(internet_address_get_name(first)), Text(address));
-      if (!sender.empty()) return mail::CleanText(sender);
+// The sender that an address list tells: its first address, whether it stands alone or in a group, else the first
+// group's name.
+std::string SenderIn(InternetAddressList* list) {
+  std::string group;
+  for (int i = 0; list != nullptr && i < internet_address_list_length(list); ++i) {
+    InternetAddress* each = internet_address_list_get_address(list, i);
+    if (INTERNET_ADDRESS_IS_MAILBOX(each)) {
+      return mail::SenderText(Text(internet_address_get_name(each)),
+                              Text(internet_address_mailbox_get_addr(INTERNET_ADDRESS_MAILBOX(each))));
     }
+    const std::string member = SenderIn(internet_address_group_get_members(INTERNET_ADDRESS_GROUP(each)));
+    if (!member.empty()) return member;
+    if (group.empty()) group = Text(internet_address_get_name(each));
+  }
+  return group;
+}
+
+// A name behind an address: "root (Cron Daemon)".
+std::string NameBehind(std::string_view from, std::string_view charset) {
+  const std::size_t end = from.find_last_not_of(" \t\r\n"), begin = from.find('(');
+  if (end == from.npos || from[end] != ')' || begin == from.npos) return "";
+  return mail::HeaderText(from.substr(begin + 1, end - begin - 1), charset);
+}
+
+std::string SenderOf(std::string_view from, std::string_view charset) {
+  from = from.substr(0, mail::kLongestSender);
+  const std::string field = mail::PlainWords(from, charset);
+  const auto deep = std::count_if(field.begin(), field.end(), [](char c) { return kNesting.find(c) != kNesting.npos; });
+  if (deep <= kDeepestSender) {
+    const Ref<InternetAddressList> list(internet_address_list_parse(nullptr, field.c_str()));
+    std::string sender = SenderIn(list.get());
+    // Behind a local user's name the parser does not look for one.
+    if (sender.find_first_of("@<") == sender.npos) sender = mail::SenderText(NameBehind(from, charset), sender);
+    if (!sender.empty()) return mail::CleanText(mail::OneLine(sender));
   }
   // A sender that is no address is shown as it stands.
-  return Decoded(from, mail::kLongestSender);
+  return mail::CleanText(mail::HeaderText(from, charset));
 }
 
 std::optional<std::int64_t> SentOf(std::string_view date) {
   const std::unique_ptr<GDateTime, Free> sent(
-      g_mime_utils_header_decode_date(Unfolded(date, mail::kLongestWord).get()));
+      g_mime_utils_header_decode_date(mail::PlainDate(date.substr(0, mail::kLongestWord)).c_str()));
   return sent ? std::optional<std::int64_t>(g_date_time_to_unix(sent.get())) : std::nullopt;
 }
 
-Ref<GMimeContentType> TypeOf(const Head& head, bool isMessage) {
-  const OwnedText field = Unfolded(head.contentType, mail::kLongestParameters);
+// Parameters for the parser that knows all ways to write them.
+std::string Parameters(std::string_view field, std::string_view charset) {
+  return mail::PlainWords(field.substr(0, mail::kLongestParameters), charset);
+}
+
+Ref<GMimeContentType> TypeOf(const Head& head, bool isMessage, std::string_view charset) {
   if (head.contentType.data() == nullptr) {
     return Ref<GMimeContentType>(isMessage ? g_mime_content_type_new("message", "rfc822")
                                            : g_mime_content_type_new("text", "plain"));
   }
-  return Ref<GMimeContentType>(g_mime_content_type_parse(nullptr, field.get()));
+  return Ref<GMimeContentType>(g_mime_content_type_parse(nullptr, Parameters(head.contentType, charset).c_str()));
 }
 
 std::optional<Multipart> MultipartOf(const Head& head) {
-  const auto type = TypeOf(head, false);
+  const auto type = TypeOf(head, false, {});
   if (!g_mime_content_type_is_type(type.get(), "multipart", "*")) return std::nullopt;
   return Multipart{std::string(Text(g_mime_content_type_get_parameter(type.get(), "boundary"))),
                    g_mime_content_type_is_type(type.get(), "multipart", "digest") != 0};
 }
 
+// The charset of a message's text, for bytes in its heads that name none. Looked for when it is first needed.
+class MessageCharset {
+ public:
+  explicit MessageCharset(std::string_view message) : message_(message) {}
+
+  // "" for bytes that are UTF-8 as they stand.
+  std::string_view For(std::string_view field) {
+    if (mail::IsUtf8(field)) return {};
+    if (!charset_) charset_ = Find();
+    return *charset_;
+  }
+
+ private:
+  std::string Find() const {
+    MessageScan scan(message_, MultipartOf);
+    std::string charset = NamedIn(scan.Top());
+    while (charset.empty()) {
+      const auto leaf = scan.Next();
+      if (!leaf) break;
+      charset = NamedIn(leaf->head);
+    }
+    return charset;
+  }
+  static std::string NamedIn(const Head& head) {
+    return std::string(Text(g_mime_content_type_get_parameter(TypeOf(head, false, {}).get(), "charset")));
+  }
+
+  std::string_view message_;
+  std::optional<std::string> charset_;
+};
+
 std::int64_t DecodedSize(std::string_view content, std::string_view encodingField) {
-  const OwnedText field = Unfolded(encodingField, mail::kLongestWord);
+  const std::string field = mail::HeaderText(encodingField.substr(0, mail::kLongestWord));
   GMimeEncoding decoder;
-  g_mime_encoding_init_decode(&decoder, g_mime_content_encoding_from_string(g_strstrip(field.get())));
+  g_mime_encoding_init_decode(&decoder, g_mime_content_encoding_from_string(field.c_str()));
   if (decoder.encoding == GMIME_CONTENT_ENCODING_DEFAULT || decoder.encoding == GMIME_CONTENT_ENCODING_7BIT ||
       decoder.encoding == GMIME_CONTENT_ENCODING_8BIT || decoder.encoding == GMIME_CONTENT_ENCODING_BINARY) {
     return static_cast<std::int64_t>(content.size());
@@ -115,20 +161,27 @@ std::int64_t DecodedSize(std::string_view content, std::string_view encodingFiel
   return size + static_cast<std::int64_t>(g_mime_encoding_flush(&decoder, content.data(), content.size(), out.data()));
 }
 
-void ReadLeaf(const Leaf& leaf, Read what, MessageContent& content) {
-  const auto type = TypeOf(leaf.head, leaf.isMessage);
-  const std::string_view media = Text(g_mime_content_type_get_media_type(type.get()));
+// A type without a subtype is none, and what has no type is plain text.
+std::string_view MediaOf(const Leaf& leaf, GMimeContentType* type) {
+  const std::string_view field = leaf.head.contentType;
+  const bool isWhole = field.data() == nullptr || field.substr(0, field.find(';')).find('/') != field.npos;
+  return isWhole ? Text(g_mime_content_type_get_media_type(type)) : "";
+}
+
+void ReadLeaf(const Leaf& leaf, MessageCharset& charset, Read what, MessageContent& content) {
+  const auto type = TypeOf(leaf.head, leaf.isMessage, charset.For(leaf.head.contentType));
+  const std::string_view media = MediaOf(leaf, type.get());
   const Ref<GMimeContentDisposition> disposition(
       leaf.head.contentDisposition.data() == nullptr
           ? nullptr
-          : g_mime_content_disposition_parse(nullptr,
-                                             Unfolded(leaf.head.contentDisposition, mail::kLongestParameters).get()));
+          : g_mime_content_disposition_parse(
+                nullptr, Parameters(leaf.head.contentDisposition, charset.For(leaf.head.contentDisposition)).c_str()));
   std::string_view word, name;
   if (disposition.get()) {
     word = Text(g_mime_content_disposition_get_disposition(disposition.get()));
     name = Text(g_mime_content_disposition_get_parameter(disposition.get(), "filename"));
   }
-  if (name.empty() && media != "message") name = Text(g_mime_content_type_get_parameter(type.get(), "name"));
+  if (name.empty()) name = Text(g_mime_content_type_get_parameter(type.get(), "name"));
   if (!mail::IsAttachment(media, word, !name.empty())) return;
   content.hasAttachment = true;
   if (what != Read::Attachments) return;
@@ -140,11 +193,13 @@ void ReadLeaf(const Leaf& leaf, Read what, MessageContent& content) {
 MessageContent ReadText(std::string_view text, Read what) {
   MessageContent content;
   MessageScan scan(text, MultipartOf);
-  content.subject = Decoded(scan.Top().subject, mail::kLongestField);
-  content.sender = SenderOf(scan.Top().from);
+  MessageCharset charset(text);
+  const std::string_view subject = scan.Top().subject.substr(0, mail::kLongestField);
+  content.subject = mail::CleanText(mail::HeaderText(subject, charset.For(subject)));
+  content.sender = SenderOf(scan.Top().from, charset.For(scan.Top().from));
   content.sent = SentOf(scan.Top().date);
   while (const auto leaf = scan.Next()) {
-    ReadLeaf(*leaf, what, content);
+    ReadLeaf(*leaf, charset, what, content);
     if (what == Read::Listing && content.hasAttachment) break;
   }
   return content;

@@ -21,6 +21,8 @@ constexpr struct { std::string_view name; std::string_view Head::*field; } kFiel
 };
 // clang-format on
 
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 
 std::string_view WithoutEnd(std::string_view line) {
@@ -46,6 +48,9 @@ void Keep(std::string_view field, Head& head) {
 
 MessageScan::MessageScan(std::string_view message, AskMultipart askMultipart)
     : text_(message), askMultipart_(std::move(askMultipart)) {
+  // Some programs put a mark of the encoding, or blanks and empty lines, before the first field.
+  if (text_.starts_with(kByteOrderMark)) text_.remove_prefix(kByteOrderMark.size());
+  text_.remove_prefix(std::min(text_.find_first_not_of(" \t\r\n"), text_.size()));
   top_ = head_ = ReadHead();
 }
 

@@ -211,6 +211,27 @@ TEST_F(HostileServer, OnlyTheFirstQuestionOfAPageWaitsForASilentOne) {
   EXPECT_TRUE(!stillSilent || server_.Commands().size() == asked) << "the second did not ask it";
 }
 
+TEST_F(HostileServer, AStepThatTakesTooLongKeepsNobodyElseFromTheServer) {
+  server_.Misbehave("UID SEARCH", [](Talk& talk, const std::string&) {
+    while (talk.Send(" ")) std::this_thread::sleep_for(milliseconds(100));
+  });
+  EXPECT_NE(Page().find("took too long"), std::string::npos);
+  server_.Behave();
+  EXPECT_EQ(Page(), good_) << "at once";
+}
+
+TEST_F(HostileServer, ARefusedLoginIsNotTriedTwiceByAPage) {
+  server_.Misbehave("LOGIN",
+                    [](Talk& talk, const std::string& tag) { talk.Send(tag + " NO Authentication failed\r\n"); });
+  EXPECT_NE(Page().find("Authentication failed (LOGIN)"), std::string::npos) << Page();
+  EXPECT_EQ(server_.Connections(), 1);
+}
+
+TEST_F(HostileServer, OneThatHangsUpAtTheLoginMayNotHaveTheMailbox) {
+  server_.Misbehave("LOGIN", [](Talk& talk, const std::string&) { talk.Close(); });
+  EXPECT_NE(Page().find(" closed the connection (LOGIN). Does it have this mailbox?"), std::string::npos) << Page();
+}
+
 TEST_F(HostileServer, ALostConnectionIsOpenedAgainOnce) {
   EXPECT_EQ(Page(), good_);
   EXPECT_EQ(server_.Connections(), 1);

@@ -283,11 +283,89 @@ TEST_F(ImapStoreTest, OddMessagesAreListedLikeAnyOther) {
   EXPECT_EQ(names[13], "inner");
   const auto senders = FieldsOf(*listed, "Sender");
   EXPECT_EQ(senders[6], "\"(( <a@b.example>");
-  EXPECT_EQ(senders[9], "");
+  EXPECT_EQ(senders[9], "undisclosed-recipients");
   EXPECT_EQ(senders[10], "A <a@b.example>");
   for (const auto& id : FieldsOf(*listed, "ExchangeId")) {
     EXPECT_EQ(Failure([&] { live->GotoMsgAttachment("EX01", "alice", id, 0); }), "");
     live->Attachments();
+  }
+}
+
+TEST_F(ImapStoreTest, SubjectAndSenderAreWhatPeopleRead) {
+  const struct {
+    const char* why;
+    std::string head, subject, sender;
+  } cases[] = {
+      {"words that are padded",
+       "Subject: =?utf-8?B?R3LDvMOfZQ==?=\n =?utf-8?B?IGF1cyBNw7xuY2hlbg==?=\n"
+       "From: =?utf-8?B?R3LDvMOfZQ==?=\n =?utf-8?B?IGF1cw==?= <x@y>\n",
+       "Gr\xC3\xBC\xC3\x9F"
+       "e aus M\xC3\xBCnchen",
+       "Gr\xC3\xBC\xC3\x9F"
+       "e aus <x@y>"},
+      {"a local user", "From: root (Cron Daemon)\n", "", "Cron Daemon <root>"},
+      {"a local user without a name", "From: root\n", "", "root"},
+      {"a name alone", "From: \"Somebody\" <>\n", "", "Somebody"},
+      {"a group", "From: Team: ann@x, bob@x;\n", "", "ann@x"},
+      {"raw bytes in the message's charset",
+       "Subject: \xC1\nFrom: \xC1 <x@y>\nContent-Type: text/plain; charset=koi8-r\n", "\xD0\xB0", "\xD0\xB0 <x@y>"},
+      {"raw bytes in none", "Subject: caf\xE9\n", "caf\xC3\xA9", ""},
+  };
+  PlainImap imap(server_.Port(), "alice");
+  std::int64_t received = 915148800;
+  for (const auto& c : cases) imap.Append("INBOX", c.head + "\nBody.\n", received--);
+  const auto live = Browse(Store());
+  OpenInbox(*live);
+  const auto messages = live->Messages();
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.why);
+    EXPECT_EQ(ToText(messages->Field("Name")), c.subject);
+    EXPECT_EQ(ToText(messages->Field("Sender")), c.sender);
+    messages->MoveNext();
+  }
+}
+
+TEST_F(ImapStoreTest, DatesHaveZonesInAnyCase) {
+  const char* dates[] = {"Tue, 28 May 1996 12:24:23 cst", "Tue, 28 May 1996 12:24:23 -600", "28 may 1996 18:24:23 gmt"};
+  PlainImap imap(server_.Port(), "alice");
+  for (const char* date : dates) imap.Append("INBOX", std::string("Date: ") + date + "\n\nx\n", 915148800);
+  const auto live = Browse(Store());
+  OpenInbox(*live);
+  for (const auto& sent : FieldsOf(*live->Messages(), "CreateDate")) EXPECT_EQ(sent, "5/28/1996 6:24:23 PM");
+}
+
+TEST_F(ImapStoreTest, AttachmentsHaveTheNamesThatOthersShow) {
+  const struct {
+    const char* why;
+    std::string head, name;  // "": it is none
+  } cases[] = {
+      {"a type without subtype is text", "Content-Type: text\n", ""},
+      {"a type that makes no sense is text", "Content-Type: image\n", ""},
+      {"an unknown type by its name", "Content-Type: APPLICATION/X-BE2\n", "application/x-be2"},
+      {"an attached message by the name of its type", "Content-Type: message/rfc822; name=\"Forwarded.eml\"\n",
+       "Forwarded.eml"},
+      {"a name in raw bytes",
+       "Content-Type: text/plain\nContent-Disposition: attachment; filename=\"Fr\xF6sche.txt\"\n",
+       "Fr\xC3\xB6sche.txt"},
+      {"a name in raw bytes of the message's charset", "Content-Type: text/plain; charset=koi8-r; name=\"\xC1.txt\"\n",
+       "\xD0\xB0.txt"},
+      {"a name in several words",
+       "Content-Type: image/png; name=\"=?utf-8?B?R3LDvMOfZQ==?=\n =?utf-8?B?IGF1cy5wbmc=?=\"\n",
+       "Gr\xC3\xBC\xC3\x9F"
+       "e aus.png"},
+  };
+  PlainImap imap(server_.Port(), "alice");
+  std::int64_t received = 915148800;
+  for (const auto& c : cases) imap.Append("INBOX", c.head + "\nBody.\n", received--);
+  const auto live = Browse(Store());
+  OpenInbox(*live);
+  const auto messages = live->Messages();
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.why);
+    EXPECT_EQ(ToText(messages->Field("HasAttachment")), c.name.empty() ? "0" : "1");
+    live->GotoMsgAttachment("EX01", "alice", ToText(messages->Field("ExchangeId")), 0);
+    EXPECT_EQ(FieldsOf(*live->Attachments(), "LongFileName"), c.name.empty() ? Texts() : Texts{c.name});
+    messages->MoveNext();
   }
 }
 

@@ -176,6 +176,15 @@ TEST_F(LiveMailboxContract, EveryFolderIsFoundByItsIdentifier) {
   }
 }
 
+TEST_F(LiveMailboxContract, EveryFolderIsFoundByThePathThatIsShown) {
+  live_->GotoContainer("EX01", "alice", "", 0, kMailboxFolder);
+  for (const std::string& name : Texts(*live_->Folders(), "Name")) {
+    SCOPED_TRACE(name);
+    live_->GotoContainer("EX01", "alice", name, 0, kMailboxFolder);
+    EXPECT_EQ(live_->CurrentContainerName(), name);
+  }
+}
+
 TEST_F(LiveMailboxContract, FoldersHaveCountsAndSizesWithTotals) {
   live_->GotoContainer("EX01", "alice", "", 0, kMailboxFolder);
   const auto folders = live_->Folders();

@@ -70,6 +70,14 @@ TEST(Directory, AnAccountWithoutDomainCountsWhereNoNameBeginsSo) {
   EXPECT_EQ(directory.Find("A", "d\\BOB").name, "Robert Smith");
 }
 
+TEST(Directory, AnyDistinguishedNameIsFound) {
+  for (const char* name : {"/o=x/cn=ann", "uid=ann,ou=people,dc=x", "cn=Ann Archer", "ann"}) {
+    const Directory directory({{"A", ""}}, {{"A", "Bob", "D\\bob", {"b@x"}, "cn=Ann", "b"},
+                                            {"A", "Someone Else", "D\\x", {"a@x"}, name, "a"}});
+    EXPECT_EQ(directory.Find("A", name).location, "a") << name;
+  }
+}
+
 TEST(Directory, TheProductsMailboxIsNeverFound) {
   const Directory directory({{"A", ""}}, {{"A", "Kalvo A", "D\\k", {"k@x"}, "", "k"}});
   for (const char* typed : {"Kalvo A", "kalvo a", "=Kalvo A"}) {

@@ -94,6 +94,9 @@ TEST_F(HostileTree, OddFolderNamesAreShownAndOpened) {
        "byte"},
       {".&bad", "&bad"},
       {".&AAoACg-", "Unnamed"},
+      {". leading", "leading"},
+      {".trailing ", "trailing"},
+      {".two\\\\slashes\\", "two\\\\slashes\\"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.shown);
@@ -108,6 +111,8 @@ TEST_F(HostileTree, OddFolderNamesAreShownAndOpened) {
     ASSERT_FALSE(id.empty());
     live->GotoContainerById("EX01", id, live::kByPath);
     EXPECT_EQ(Names(*live->Messages()), std::vector<std::string>{"Here"});
+    live->GotoContainer("EX01", "=Ken", c.shown, 0, live::kByPath);
+    EXPECT_EQ(Names(*live->Messages()), std::vector<std::string>{"Here"}) << "by its path";
     fs::remove_all(tree_ / c.folder);
   }
 }
@@ -136,7 +141,7 @@ TEST_F(HostileTree, MessagesThatMakeNoSenseAreListed) {
       {"no header at all", "Just a line", ""},
       {"only line ends", "\n\n\n", ""},
       {"deep nesting", nested, "Nested"},
-      {"bytes of zero", std::string("Subject: a\0b\n\n\0\0\0", 17), "a"},
+      {"bytes of zero", std::string("Subject: a\0b\n\n\0\0\0", 17), "a b"},
       {"a subject of a megabyte", "Subject: " + std::string(1 << 20, 'x') + "\n\n",
        std::string(500, 'x') + "\xE2\x80\xA6"},
       {"raw bytes", "Subject: caf\xC3\xA9\n\n", "caf\xC3\xA9"},

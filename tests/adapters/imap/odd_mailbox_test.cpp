@@ -1,0 +1,122 @@
+// Mailboxes as they are out there: damaged messages, repaired folders, folders that may not be opened, other layouts.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <vector>
+
+#include "adapters/imap/imap_under_test.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/error.h"
+#include "kalvo/platform/live_mailbox.h"
+
+namespace kalvo::tests {
+namespace {
+
+namespace fs = std::filesystem;
+
+using Texts = std::vector<std::string>;
+
+Texts FieldsOf(Listing& listing, std::string_view field) {
+  Texts texts;
+  listing.MoveFirst();
+  for (std::int32_t i = 0; i < listing.Count(); ++i, listing.MoveNext()) texts.push_back(ToText(listing.Field(field)));
+  return texts;
+}
+
+class OddMailbox : public ::testing::Test {
+ protected:
+  void Start(std::string_view moreSettings = "") {
+    server_ = std::make_unique<DovecotServer>(FixtureUsers(), moreSettings);
+    store_ = std::make_shared<imap::ImapStore>(imap::ReadSettings(StoreAddress(*server_)));
+    live_ = Browse(store_);
+  }
+
+  void Go(std::string_view path) { live_->GotoContainer("EX01", "alice", path, 0, live::kByPath); }
+  fs::path Mail() const { return server_->Folder() + "/users/alice/Maildir"; }
+
+  std::unique_ptr<DovecotServer> server_;
+  std::shared_ptr<imap::ImapStore> store_;
+  std::shared_ptr<LiveContainer> live_;
+};
+
+TEST_F(OddMailbox, AMessageThatTheServerStumblesOverIsARowLikeTheOthers) {
+  Start();
+  PlainImap imap(server_->Port(), "alice");
+  for (int i = 0; i < 6; ++i) imap.Append("INBOX", "Subject: good\n\nx\n", 915148800 + i);
+  // The size in its name is wrong, as moves and restores leave it.
+  server_->Write("users/alice/Maildir/cur/1700000003.M3.b,S=5000:2,S", "Subject: damaged\nFrom: a@b\n\nx\n");
+  for (int look = 0; look < 2; ++look) {
+    Go("Inbox");
+    EXPECT_EQ(FieldsOf(*live_->Messages(), "Name"), (Texts{"damaged", "good", "good", "good", "good", "good", "good"}));
+  }
+  live_->GotoMsgAttachment("EX01", "alice", ToText(live_->Messages()->Field("ExchangeId")), 0);
+  EXPECT_EQ(ToText(live_->MessageSubject()), "damaged");
+  EXPECT_EQ(live_->Attachments()->Count(), 0);
+}
+
+TEST_F(OddMailbox, AFolderThatIsRepairedWhileItIsOpenIsReadAgain) {
+  Start();
+  PlainImap imap(server_->Port(), "alice");
+  imap.Run("CREATE Work");
+  imap.Append("Work", "Subject: here\n\nx\n", 915148800);
+  Go("Work");
+  EXPECT_EQ(FieldsOf(*live_->Messages(), "Name"), Texts{"here"});
+  for (const auto& entry : fs::directory_iterator(Mail() / ".Work")) {
+    if (entry.path().filename().string().starts_with("dovecot")) fs::remove(entry.path());
+  }
+  Go("Work");
+  EXPECT_EQ(FieldsOf(*live_->Messages(), "Name"), Texts{"here"});
+}
+
+TEST_F(OddMailbox, AFolderThatMayNotBeOpenedShowsNoNumbers) {
+  Start();
+  PlainImap imap(server_->Port(), "alice");
+  imap.Run("CREATE Closed");
+  imap.Append("Closed", "Subject: secret\n\nx\n", 915148800);
+  server_->Write("users/alice/Maildir/.Closed/dovecot-acl", "owner l\n");
+  Go("");
+  const auto folders = live_->Folders();
+  EXPECT_EQ(FieldsOf(*folders, "Name"), (Texts{"Closed", "Inbox"}));
+  EXPECT_EQ(FieldsOf(*folders, "MessageCount"), (Texts{"", "0"}));
+  EXPECT_EQ(FieldsOf(*folders, "FolderSize"), (Texts{"", "0"}));
+  EXPECT_EQ(ToText(folders->Total("MessageCount")), "0");
+}
+
+TEST_F(OddMailbox, FoldersBelowAPrefixThatIsTheInboxAreListedOnce) {
+  Start(
+      "namespace inbox {\n  separator = .\n  prefix = INBOX.\n}\nnamespace public {\n  separator = .\n"
+      "  prefix = Public.\n}\n");
+  PlainImap imap(server_->Port(), "alice");
+  for (const char* folder : {"INBOX.Work", "INBOX.Work.Old"}) imap.Run(std::string("CREATE ") + folder);
+  imap.Append("INBOX.Work.Old", "Subject: deep\n\nx\n", 915148800);
+  Go("");
+  EXPECT_EQ(FieldsOf(*live_->Folders(), "Name"), (Texts{"Inbox", "Work"}));
+  Go("Inbox");
+  EXPECT_EQ(live_->FolderCount(), 0);
+  Go("Work\\Old");
+  EXPECT_EQ(live_->CurrentContainerName(), "Work\\Old");
+  EXPECT_EQ(FieldsOf(*live_->Messages(), "Name"), Texts{"deep"});
+}
+
+TEST_F(OddMailbox, OddFolderNamesAreFoundByThePathThatIsShown) {
+  Start();
+  const struct {
+    const char *folder, *shown;
+  } cases[] = {
+      {" leading", "leading"}, {"trailing ", "trailing"}, {"two\\\\slashes", "two\\\\slashes"},
+      {"&IC4-", "Unnamed"},    {"a&ICg-b", "a b"},
+  };
+  PlainImap imap(server_->Port(), "alice");
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.shown);
+    imap.Run("CREATE " + Quoted(c.folder));
+    imap.Append(c.folder, "Subject: here\n\nx\n", 915148800);
+    Go(c.shown);
+    EXPECT_EQ(live_->CurrentContainerName(), c.shown);
+    EXPECT_EQ(FieldsOf(*live_->Messages(), "Name"), Texts{"here"});
+  }
+}
+
+}  // namespace
+}  // namespace kalvo::tests
