@@ -58,6 +58,7 @@ TEST_F(Format, NumbersAreGroupedAndRounded) {
       {"nor without decimals", -0.4, false, "0"},
       {"a negative zero", -0.0, true, "0.00"},
       {"digits behind the fifteenth are zeros", 12345678901234567890.0, false, "12,345,678,901,234,600,000"},
+      {"six groups of them", 123456789012345678.0, false, "123,456,789,012,346,000"},
       {"the largest integers that are exact", 999999999999999.0, false, "999,999,999,999,999"},
       {"beyond the fast path", 1234567.125, true, "1,234,567.13"},
       {"64 bits", std::int64_t{5000000000}, false, "5,000,000,000"},

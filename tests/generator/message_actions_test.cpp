@@ -160,6 +160,13 @@ TEST(UserPermissions, WithoutAServerTheSessionIsNotTouched) {
   EXPECT_NE(page.Text().find("Get the live container object."), std::string::npos);
 }
 
+TEST(UserPermissions, ASessionThatDoesNotTellMakesNoAdministrator) {
+  MessageFixture page;
+  page.page->request->variables["LOGON_USER"] = "DOMAIN\\bob";
+  page.page->session->values["KalvoAdministrator"] = std::make_shared<fakes::FakeSession>();
+  EXPECT_FALSE(page.generator->CheckUserPermissions("EXCH01", "Ken"));
+}
+
 TEST(UserPermissions, TheRightToDrillDownIsNotOne) {
   MessageFixture page;
   page.live->owner = "DOMAIN\\bob";

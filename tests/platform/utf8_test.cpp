@@ -44,6 +44,33 @@ TEST(Utf8, IsReadCharacterByCharacter) {
   }
 }
 
+// What may stand behind each first byte: nothing overlong, no surrogate, nothing beyond U+10FFFF.
+TEST(Utf8, HasASecondByteOfItsFirstBytesRange) {
+  const struct {
+    Encoding encoding;
+    int from, to;  // first bytes
+    std::size_t length;
+    int low, high;  // second bytes
+  } kCases[] = {
+      {Encoding::Utf8, 0xC2, 0xDF, 2, 0x80, 0xBF},  {Encoding::Utf8, 0xE0, 0xE0, 3, 0xA0, 0xBF},
+      {Encoding::Utf8, 0xE1, 0xEC, 3, 0x80, 0xBF},  {Encoding::Utf8, 0xED, 0xED, 3, 0x80, 0x9F},
+      {Encoding::Utf8, 0xEE, 0xEF, 3, 0x80, 0xBF},  {Encoding::Utf8, 0xF0, 0xF0, 4, 0x90, 0xBF},
+      {Encoding::Utf8, 0xF1, 0xF3, 4, 0x80, 0xBF},  {Encoding::Utf8, 0xF4, 0xF4, 4, 0x80, 0x8F},
+      {Encoding::Cesu8, 0xC2, 0xDF, 2, 0x80, 0xBF}, {Encoding::Cesu8, 0xE0, 0xE0, 3, 0xA0, 0xBF},
+      {Encoding::Cesu8, 0xE1, 0xEF, 3, 0x80, 0xBF},
+  };
+  for (const auto& c : kCases) {
+    for (int first = c.from; first <= c.to; ++first) {
+      for (int second = 0; second < 0x100; ++second) {
+        const char text[] = {static_cast<char>(first), static_cast<char>(second), '\x80', '\x80'};
+        const bool fits = second >= c.low && second <= c.high;
+        EXPECT_EQ(CharacterAt({text, sizeof text}, 0, c.encoding).length, fits ? c.length : 1)
+            << first << ' ' << second;
+      }
+    }
+  }
+}
+
 TEST(Utf8, OfUnitsHasSurrogatesAndNothingLonger) {
   EXPECT_EQ(CharacterAt("\xED\xA0\x80", 0, Encoding::Cesu8).code, 0xD800U);
   EXPECT_EQ(CharacterAt("\xED\xBF\xBF", 0, Encoding::Cesu8).code, 0xDFFFU);

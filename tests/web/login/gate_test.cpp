@@ -8,6 +8,7 @@
 #include "host/web/log.h"
 #include "host/web/login/addresses.h"
 #include "host/web/login/password.h"
+#include "support/full_disk.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::web::login {
@@ -417,6 +418,13 @@ TEST_F(Proxied, StrangersAreRefused) {
     EXPECT_EQ(std::get<Answer>(decision).head.status, 403);
   }
   EXPECT_LT(test::ReadFile(folder_.Path() / "log").size(), 4000u) << "a line of the log has an end";
+}
+
+TEST_F(Proxied, UsersWaitWhileNoSessionCanBeKept) {
+  const test::FullDisk full(0);
+  const Decision decision = By("bob");
+  ASSERT_TRUE(std::holds_alternative<Answer>(decision));
+  EXPECT_EQ(std::get<Answer>(decision).head.status, 503);
 }
 
 TEST_F(Proxied, UsersNeitherSignInNorOut) {

@@ -39,5 +39,22 @@ TEST(PasswordRules, SayWhatIsWrong) {
   for (const auto& c : kCases) EXPECT_EQ(WrongWithPassword(c.password, "COTE\\dr.livingstone"), c.wrong) << c.why;
 }
 
+TEST(PasswordRules, KnowWhatPeopleTakeFirst) {
+  for (const char* word :
+       {"abc",      "abcdef",     "abcdefgh",       "abcdefghijkl", "admin",    "administrator",
+        "baseball", "changeit",   "changeme",       "company",      "computer", "console",
+        "default",  "dragon",     "exchange",       "football",     "iloveyou", "kalvo",
+        "letmein",  "login",      "mail",           "manager",      "master",   "monkey",
+        "pass",     "passphrase", "passwort",       "password",     "princess", "qazwsxedc",
+        "qwerty",   "qwertyuiop", "qwertyuiopasdf", "qwertz",       "root",     "secret",
+        "server",   "starwars",   "sunshine",       "superman",     "test",     "trustno",
+        "user",     "welcome",    "welcometo",      "whatever",     "zxcvbnm",  "correcthorsebatterystaple"}) {
+    EXPECT_NE(WrongWithPassword(std::string(word) + "4711081512345", "KALVO\\alice"), "") << word;
+  }
+  for (const char* asItStands : {"q1w2e3r4t5y6", "zaq12wsxzaq12wsx"}) {
+    EXPECT_NE(WrongWithPassword(asItStands, "KALVO\\alice"), "") << asItStands;
+  }
+}
+
 }  // namespace
 }  // namespace kalvo::web::login

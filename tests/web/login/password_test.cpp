@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <ctime>
+#include <functional>
 
 namespace kalvo::web::login {
 namespace {
@@ -49,6 +51,25 @@ TEST(Password, OfNobodyIsCheckedLikeAnybodys) {
   EXPECT_EQ(parameters(kNobodysHash), parameters(hash)) << "as much work";
   EXPECT_EQ(kNobodysHash.size(), hash.size());
   EXPECT_FALSE(PasswordFits(kNobodysHash, "correct horse"));
+}
+
+// Processor time of this thread, whatever else the machine does.
+double SecondsOf(const std::function<void()>& work) {
+  const auto now = [] {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+  };
+  const double before = now();
+  work();
+  return now() - before;
+}
+
+TEST(Password, OfNobodyTakesAsLongToCheck) {
+  const std::string hash = HashPassword("correct horse");
+  const double somebodys = SecondsOf([&] { PasswordFits(hash, "wrong horse"); });
+  const double nobodys = SecondsOf([] { PretendToCheck("wrong horse"); });
+  EXPECT_GT(nobodys, somebodys / 4);
 }
 
 TEST(Token, IsAnotherEachTime) {

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -16,6 +15,7 @@
 #include "host/web/log.h"
 #include "host/web/login/password.h"
 #include "kalvo/platform/live_mailbox.h"
+#include "support/full_disk.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::web::login {
@@ -271,25 +271,10 @@ TEST_F(Sessions, EndAtOnceAlsoWhileAPageRuns) {
   store.EndOne("../" + id);
 }
 
-// A process that may not write files longer than some bytes finds every disk full.
-class FullDisk {
- public:
-  explicit FullDisk(rlim_t bytes) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    getrlimit(RLIMIT_FSIZE, &before_);
-    const rlimit full{bytes, before_.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &full);
-  }
-  ~FullDisk() { setrlimit(RLIMIT_FSIZE, &before_); }
-
- private:
-  rlimit before_{};
-};
-
 TEST_F(Sessions, AreRefusedOnAFullDiskAndNotHandedOutEmpty) {
   SessionStore store = Store();
   for (const rlim_t bytes : {rlim_t{0}, rlim_t{20}}) {
-    const FullDisk full(bytes);
+    const test::FullDisk full(bytes);
     EXPECT_THROW(store.Create(kAlice), NotKept);
   }
   EXPECT_EQ(Files(), 0u);
@@ -300,7 +285,7 @@ TEST_F(Sessions, StayAsTheyWereOnAFullDisk) {
   const std::string id = store.Create(kAlice);
   store.Open(id, {})->Set("x", std::int32_t{1});
   {
-    const FullDisk full(20);
+    const test::FullDisk full(20);
     store.Open(id, {})->Set("x", std::int32_t{2});
   }
   EXPECT_EQ(store.Open(id, {})->Get("x"), Value(std::int32_t{1}));

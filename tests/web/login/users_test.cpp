@@ -1,16 +1,15 @@
 #include "host/web/login/users.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <functional>
 #include <thread>
 
 #include "host/parts/setting_error.h"
 #include "host/web/login/password.h"
+#include "support/full_disk.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::web::login {
@@ -66,6 +65,7 @@ TEST_F(Users, AreWhatTheFileSays) {
   ASSERT_TRUE(bob && carol);
   EXPECT_FALSE(bob->administrator || bob->drillDown || carol->administrator);
   EXPECT_TRUE(carol->drillDown);
+  EXPECT_EQ(bob->hash, kHash) << "the line ends in a carriage return";
   EXPECT_FALSE(users_.Find("KALVO\\dave"));
   EXPECT_FALSE(users_.Find("KALVO\\al"));
 }
@@ -223,13 +223,10 @@ TEST_F(Users, GetAnotherHashAndKeepWhatElseChangedMeanwhile) {
 TEST_F(Users, LeaveNothingBehindWhenTheFileCannotBeWritten) {
   users_.Put({"KALVO\\alice", false, false, kHash});
   const std::string before = test::ReadFile(file_);
-  rlimit full{};
-  getrlimit(RLIMIT_FSIZE, &full);
-  std::signal(SIGXFSZ, SIG_IGN);
-  const rlimit tight{8, full.rlim_max};
-  setrlimit(RLIMIT_FSIZE, &tight);
-  EXPECT_THROW(users_.Put({"KALVO\\bob", true, false, kHash}), host::SettingError);
-  setrlimit(RLIMIT_FSIZE, &full);
+  {
+    const test::FullDisk full(8);
+    EXPECT_THROW(users_.Put({"KALVO\\bob", true, false, kHash}), host::SettingError);
+  }
   EXPECT_EQ(test::ReadFile(file_), before);
   EXPECT_FALSE(std::filesystem::exists(file_.string() + ".new"));
 }
