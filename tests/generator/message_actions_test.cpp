@@ -196,6 +196,12 @@ TEST(DeleteMessage, RemovesTheMessageThatTheFormNames) {
   }
 }
 
+TEST(DeleteMessage, AfterThePageThereIsNothingToRead) {
+  MessageFixture page(std::string(kQuery) + "0");
+  page.generator->OnEndPage();
+  EXPECT_EQ(ErrorOf([&] { page.Delete(); }), 91);
+}
+
 TEST(DeleteMessage, ReadsTheQueryStringAlone) {
   MessageFixture page("", kQuery);
   EXPECT_TRUE(page.Delete());
