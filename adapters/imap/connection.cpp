@@ -64,10 +64,7 @@ Connection::~Connection() {
   session_.reset();
 }
 
-void Connection::Begin(const Deadline& deadline) {
-  transport_->Begin(deadline);
-  hasRefused_ = false;
-}
+void Connection::Begin(const Deadline& deadline) { transport_->Begin(deadline); }
 
 void Connection::Connect(const ServerAddress& address) {
   constexpr auto kStep = "connecting";
@@ -128,7 +125,6 @@ void Connection::Fail(int code, std::string_view step) {
     throw std::bad_alloc();
   } else {
     what = "refused";
-    hasRefused_ = true;
     if (step == kLogin) fault = Fault::LoginRefused;
     const auto answer = Shown(session_ ? session_->imap->imap_response : nullptr);
     if (!answer.empty()) Append(what, ": ", answer);

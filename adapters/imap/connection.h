@@ -76,9 +76,6 @@ class Connection {
   // All that follows shares this deadline.
   void Begin(const Deadline& deadline);
 
-  // Whether the server has refused anything since.
-  bool HasRefused() const { return hasRefused_; }
-
   bool Has(const char* capability);
 
   // What stands between the names of a folder and those below it; '\0' where the server has no tree.
@@ -108,9 +105,11 @@ class Connection {
   std::vector<std::uint32_t> SortedUids(std::span<const ServerSort> keys);
   // Those that the server takes to have no date, or one before 1971.
   std::vector<std::uint32_t> WithoutSentDate();
-  void FetchSummaries(std::uint32_t firstUid, std::uint32_t lastUid, std::vector<Summary>& summaries);
+  // Of a damaged message servers cannot tell all; without `Sizes` it counts none, without `Parts` only its head is
+  // asked for.
+  enum class Sizes : bool { No, Yes };
+  void FetchSummaries(std::uint32_t firstUid, std::uint32_t lastUid, Sizes sizes, std::vector<Summary>& summaries);
   enum class Parts : bool { No, Yes };
-  // `Parts::No`: without the structure, which some servers cannot tell of a damaged message.
   std::vector<Fetched> Fetch(std::span<const std::uint32_t> uids, Parts parts = Parts::Yes);
   bool Exists(std::uint32_t uid);
   void Mark(std::uint32_t uid, std::string_view flag, bool set);
@@ -146,7 +145,6 @@ class Connection {
   std::unique_ptr<Session> session_;
   std::string openFolder_;
   FolderState openState_;
-  bool hasRefused_ = false;
   bool knowsNamespaces_ = false;
   char separator_ = 0;
   std::string personal_;

@@ -82,10 +82,12 @@ std::vector<std::uint32_t> Connection::WithoutSentDate() {
   return Numbers(found);
 }
 
-void Connection::FetchSummaries(std::uint32_t firstUid, std::uint32_t lastUid, std::vector<Summary>& summaries) {
+void Connection::FetchSummaries(std::uint32_t firstUid, std::uint32_t lastUid, Sizes sizes,
+                                std::vector<Summary>& summaries) {
   const Owned<mailimap_set> set(mailimap_set_new_interval(firstUid, lastUid));
-  const auto wanted =
-      FetchOf(mailimap_fetch_att_new_uid, mailimap_fetch_att_new_rfc822_size, mailimap_fetch_att_new_internaldate);
+  const auto wanted = FetchOf(mailimap_fetch_att_new_uid, mailimap_fetch_att_new_internaldate);
+  if (sizes == Sizes::Yes)
+    mailimap_fetch_type_new_fetch_att_list_add(wanted.get(), mailimap_fetch_att_new_rfc822_size());
   OwnedList found(mailimap_fetch_list_free);
   Fetch(set.get(), wanted.get(), found);
   found.ForEach<mailimap_msg_att>([&](const mailimap_msg_att& answer) {
@@ -98,9 +100,10 @@ void Connection::FetchSummaries(std::uint32_t firstUid, std::uint32_t lastUid, s
 
 std::vector<Fetched> Connection::Fetch(std::span<const std::uint32_t> uids, Parts parts) {
   const auto set = SetOf(uids);
-  const auto wanted = FetchOf(mailimap_fetch_att_new_uid, mailimap_fetch_att_new_rfc822_size,
-                              mailimap_fetch_att_new_internaldate, mailimap_fetch_att_new_envelope);
+  const auto wanted =
+      FetchOf(mailimap_fetch_att_new_uid, mailimap_fetch_att_new_internaldate, mailimap_fetch_att_new_envelope);
   if (parts == Parts::Yes) {
+    mailimap_fetch_type_new_fetch_att_list_add(wanted.get(), mailimap_fetch_att_new_rfc822_size());
     mailimap_fetch_type_new_fetch_att_list_add(wanted.get(), mailimap_fetch_att_new_bodystructure());
   }
   OwnedList found(mailimap_fetch_list_free);

@@ -67,6 +67,9 @@ class ConnectionPool {
     return Try(address, user, Deadline(settings_.limits.operation), step);
   }
 
+  // Ends what is kept of that user's connection: a new one may see more.
+  void GiveUp(const std::string& server, const std::string& user) { Drop(settings_.AddressOf(server), user); }
+
   const Settings& Config() const { return settings_; }
   const Traffic& Cost() const { return cost_; }
   void CountFetched(std::size_t messages) { cost_.messagesFetched += messages; }
@@ -89,7 +92,6 @@ class ConnectionPool {
     try {
       const Taken taken = Get(address, user, deadline);
       madeNow_ = taken.isNew;
-      const GivingUp givingUp(*this, taken, address, user);
       const Counting counting(*this, taken.connection);
       return step(taken.connection);
     } catch (const ImapError& error) {
@@ -112,24 +114,6 @@ class ConnectionPool {
 
    private:
     ConnectionPool& pool_;
-    const ServerAddress& address_;
-    const std::string& user_;
-  };
-
-  // A kept connection that refused a part of a step is not kept any longer: a new one may see more.
-  class GivingUp {
-   public:
-    GivingUp(ConnectionPool& pool, const Taken& taken, const ServerAddress& address, const std::string& user)
-        : pool_(pool), taken_(taken), address_(address), user_(user) {}
-    ~GivingUp() {
-      if (!taken_.isNew && taken_.connection.HasRefused()) pool_.Drop(address_, user_);
-    }
-    GivingUp(const GivingUp&) = delete;
-    GivingUp& operator=(const GivingUp&) = delete;
-
-   private:
-    ConnectionPool& pool_;
-    const Taken& taken_;
     const ServerAddress& address_;
     const std::string& user_;
   };

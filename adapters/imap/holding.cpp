@@ -209,7 +209,7 @@ bool Holding::IsThereAlready(const mail::HeldMessage& held, const std::string& f
     if (uids.empty()) return false;
     const auto [first, last] = std::minmax_element(uids.begin(), uids.end());
     std::vector<Summary> summaries;
-    connection.FetchSummaries(*first, *last, summaries);
+    connection.FetchSummaries(*first, *last, Connection::Sizes::Yes, summaries);
     return std::any_of(summaries.begin(), summaries.end(), [&](const Summary& summary) {
       return summary.size == static_cast<std::int64_t>(message.text.size()) && summary.received == message.received &&
              connection.FetchWhole(summary.uid).text == message.text;

@@ -174,48 +174,72 @@ mail::FolderPath ImapStore::PathOf(const mail::Tree& tree, std::string_view fold
 
 std::vector<mail::FolderInfo> ImapStore::Folders(const mail::Tree& tree, std::string_view folder) {
   const std::string user = UserOf(tree);
-  return pool_->With(tree.server, user, [&](Connection& connection) {
-    std::vector<mail::FolderInfo> folders;
-    for (const auto& found : Below(tree, connection, folder)) {
-      auto info = found.selectable ? Describe({tree.server, user, found.name}, connection) : mail::FolderInfo();
-      info.key = found.name;
-      info.name = mail::FolderName(LeafName(found.name, connection.Separator()));
-      folders.push_back(std::move(info));
-    }
-    std::stable_sort(folders.begin(), folders.end(), [](const mail::FolderInfo& a, const mail::FolderInfo& b) {
-      return ToLower(a.name) < ToLower(b.name);
-    });
-    return folders;
+  const Deadline deadline(pool_->Config().limits.operation);
+  const auto connections = pool_->Cost().connections;
+  char separator = 0;
+  const auto listed = pool_->With(tree.server, user, deadline, [&](Connection& connection) {
+    separator = connection.Separator();
+    return Below(tree, connection, folder);
   });
+  std::vector<mail::FolderInfo> folders;
+  for (const Folder& found : listed) {
+    auto info = found.selectable ? Describe({tree.server, user, found.name}, deadline) : mail::FolderInfo();
+    info.key = found.name;
+    info.name = mail::FolderName(LeafName(found.name, separator));
+    folders.push_back(std::move(info));
+  }
+  // What a session that was open for long refuses a new one may show.
+  const bool someAreClosed = std::any_of(folders.begin(), folders.end(), [](const auto& each) { return !each.size; });
+  if (someAreClosed && pool_->Cost().connections == connections) pool_->GiveUp(tree.server, user);
+  std::stable_sort(folders.begin(), folders.end(), [](const mail::FolderInfo& a, const mail::FolderInfo& b) {
+    return ToLower(a.name) < ToLower(b.name);
+  });
+  return folders;
+}
+
+// Runs a step that brings what is known of a folder up to date, again and again where a damaged message is in the way.
+template <typename Step>
+auto ImapStore::Learn(const Place& place, const Deadline& deadline, Step&& step) {
+  for (;;) {
+    try {
+      return pool_->With(place.server, place.user, deadline, step);
+    } catch (const ImapError& error) {
+      if (!error.MayBeTheMessage() || deadline.Passed() || !cache_.Narrow(PlaceText(place))) throw;
+    }
+  }
 }
 
 // A folder's dates are those of its first and last arrival: servers tell no others.
-mail::FolderInfo ImapStore::Describe(const Place& place, Connection& connection) {
-  mail::FolderInfo info;
-  try {
-    auto state = connection.Status(place.folder);
-    auto known = cache_.Find(PlaceText(place), state);
-    if (!known && state.messages > 0) {
+mail::FolderInfo ImapStore::Describe(const Place& place, const Deadline& deadline) {
+  const auto known = Learn(place, deadline, [&](Connection& connection) -> std::shared_ptr<KnownFolder> {
+    try {
+      auto state = connection.Status(place.folder);
+      if (auto current = cache_.Find(PlaceText(place), state)) return current;
+      if (state.messages == 0) return NothingKnown();
       state = connection.Open(place.folder, Access::Read);
-      known = cache_.Update(PlaceText(place), state, connection);
+      return cache_.Update(PlaceText(place), state, connection);
+    } catch (const ImapError& error) {
+      // A folder that may be seen but not opened is shown without its contents.
+      if (error.What() != Fault::Refused) throw;
+      return nullptr;
     }
-    if (!known || known->messages->empty()) return info;
+  });
+  mail::FolderInfo info;
+  if (!known) {
+    info.size.reset();
+    info.messageCount.reset();
+  } else if (!known->messages->empty()) {
     info.size = known->TotalSize();
     info.messageCount = static_cast<std::int32_t>(known->messages->size());
     info.created = known->messages->back().received;
     info.modified = known->messages->front().received;
-  } catch (const ImapError& error) {
-    // A folder that may be seen but not opened is shown without its contents.
-    if (error.What() != Fault::Refused) throw;
-    info.size.reset();
-    info.messageCount.reset();
   }
   return info;
 }
 
 std::unique_ptr<mail::MessageSource> ImapStore::Messages(const mail::Tree& tree, std::string_view folder) {
   Place place{tree.server, UserOf(tree), std::string(folder)};
-  auto known = pool_->With(tree.server, place.user, [&](Connection& connection) {
+  auto known = Learn(place, Deadline(pool_->Config().limits.operation), [&](Connection& connection) {
     const auto state = place.folder.empty() ? std::nullopt : OpenListed(connection, place.folder, Access::Read);
     if (!state) return NothingKnown();
     return cache_.Update(PlaceText(place), *state, connection);

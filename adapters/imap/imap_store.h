@@ -54,7 +54,9 @@ class ImapStore : public mail::MailStore {
                               const mail::Deletion& deletion);
   Root RootOf(const mail::Tree& tree, Connection& connection);
   std::vector<Folder> Below(const mail::Tree& tree, Connection& connection, std::string_view folder);
-  mail::FolderInfo Describe(const Place& place, Connection& connection);
+  mail::FolderInfo Describe(const Place& place, const Deadline& deadline);
+  template <typename Step>
+  auto Learn(const Place& place, const Deadline& deadline, Step&& step);
 
   std::shared_ptr<ConnectionPool> pool_;
   FolderCache cache_;

@@ -46,6 +46,11 @@ ImapMessages::ImapMessages(std::shared_ptr<ConnectionPool> pool, Place place, st
       messages_(folder_->messages),
       timeLeft_(pool_->Config().limits.operation) {}
 
+// They are asked for again by the next listing.
+ImapMessages::~ImapMessages() {
+  for (const auto uid : doubtful_) folder_->rows.erase(uid);
+}
+
 template <typename Step>
 auto ImapMessages::Ask(Step&& step) {
   struct Counting {
@@ -66,6 +71,10 @@ std::vector<Fetched> ImapMessages::Fetch(std::span<const std::uint32_t> uids) {
   int unreadable = 0;
   FetchReadable(uids, fetched, unreadable);
   pool_->CountFetched(fetched.size());
+  if (std::all_of(fetched.begin(), fetched.end(),
+                  [](const Fetched& each) { return each.subject == mail::kUnreadable; })) {
+    for (const Fetched& each : fetched) doubtful_.push_back(each.uid);
+  }
   return fetched;
 }
 

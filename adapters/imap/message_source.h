@@ -29,6 +29,8 @@ class ImapMessages : public mail::MessageSource {
  public:
   ImapMessages(std::shared_ptr<ConnectionPool> pool, Place place, std::shared_ptr<KnownFolder> folder);
 
+  ~ImapMessages() override;
+
   std::int32_t Count() override { return static_cast<std::int32_t>(messages_->size()); }
   mail::MessageRow Row(std::span<const std::int32_t> upcoming) override;
   std::int64_t TotalSize() override { return folder_->TotalSize(); }
@@ -57,6 +59,7 @@ class ImapMessages : public mail::MessageSource {
   std::int32_t expected_ = -1;  // the message after the last window
   std::size_t window_ = 0;
   std::chrono::milliseconds timeLeft_;
+  std::vector<std::uint32_t> doubtful_;  // unreadable, perhaps for the server's sake
 };
 
 // "validity-uid", the key of a message in its folder.
