@@ -38,8 +38,8 @@ std::string Message(int number, int count) {
          "\n--b\nContent-Type: application/pdf; name=a.pdf\nContent-Transfer-Encoding: base64\n\nQUJD\n--b--\n";
 }
 
-void Fill(const tests::DovecotServer& server, int count) {
-  tests::PlainImap(server.Port(), "alice").Run("SELECT INBOX");
+void Fill(const test::DovecotServer& server, int count) {
+  test::PlainImap(server.Port(), "alice").Run("SELECT INBOX");
   const auto folder = server.Folder() + "/users/alice/Maildir/cur/";
   struct stat owner {};
   stat(folder.c_str(), &owner);
@@ -53,7 +53,7 @@ void Fill(const tests::DovecotServer& server, int count) {
 }
 
 // Takes away what the server has remembered of the folder.
-void Forget(tests::DovecotServer& server) {
+void Forget(test::DovecotServer& server) {
   server.Kill();
   for (const auto& entry : fs::directory_iterator(server.Folder() + "/users/alice/Maildir")) {
     const auto name = entry.path().filename().string();
@@ -98,7 +98,7 @@ void Print(const char* what, const char* state, const std::shared_ptr<imap::Imap
 // The argument is the number of messages, when not 50 000.
 int main(int argumentCount, char** arguments) {
   const int messageCount = argumentCount > 1 ? std::atoi(arguments[1]) : 50'000;
-  tests::DovecotServer server({"alice"});
+  test::DovecotServer server({"alice"});
   Fill(server, messageCount);
   server.Write("directory",
                "[server EX01]\n[mailbox Alice]\nserver = EX01\naccount = K\\alice\n"
@@ -128,7 +128,7 @@ int main(int argumentCount, char** arguments) {
     Print(page.what, "next page", store, [&] { Page(store, page.field); });
   }
   const auto bare = [&] {
-    tests::PlainImap imap(server.Port(), "alice");
+    test::PlainImap imap(server.Port(), "alice");
     imap.Run("EXAMINE INBOX");
     imap.Run("UID SORT (REVERSE DATE) UTF-8 ALL");
     imap.Run("FETCH 1:50 (UID RFC822.SIZE INTERNALDATE ENVELOPE BODYSTRUCTURE)");

@@ -14,8 +14,10 @@
 #include "host/parts/setting_error.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::audit {
+namespace kalvo::test {
 namespace {
+
+using namespace audit;
 
 namespace fs = std::filesystem;
 
@@ -24,9 +26,9 @@ class Journals : public testing::Test {
   Record Write(const Journal& journal, const std::string& text = "x") const {
     return journal.Append(Event::SignedIn, {"KALVO\\alice", "127.0.0.1"}, {{"text", text}});
   }
-  std::string Content() const { return test::ReadFile(CurrentFile(log_)); }
+  std::string Content() const { return ReadFile(CurrentFile(log_)); }
 
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   fs::path log_ = folder_.Path() / "below" / "audit";
 };
 
@@ -53,7 +55,7 @@ TEST_F(Journals, TheFolderIsPrivate) {
 }
 
 TEST_F(Journals, AFolderThatCannotBeMadeIsAWrongSetting) {
-  test::WriteFile(folder_.Path() / "file", "");
+  WriteFile(folder_.Path() / "file", "");
   EXPECT_THROW(Journal(folder_.Path() / "file" / "audit"), host::SettingError);
 }
 
@@ -116,7 +118,7 @@ TEST_F(Journals, TheChainGoesOnWhereANewFileWasNotBegun) {
   EXPECT_EQ(Write(journal).number, 3);
   EXPECT_TRUE(Verify(log_).whole);
   fs::rename(CurrentFile(log_), FullFile(log_, 2));
-  test::WriteFile(CurrentFile(log_), "");
+  WriteFile(CurrentFile(log_), "");
   EXPECT_EQ(Write(journal).number, 5);
   EXPECT_TRUE(Verify(log_).whole);
 }
@@ -129,7 +131,7 @@ TEST_F(Journals, AnUnfinishedLineIsNotedAndTheChainGoesOn) {
   const std::string whole = Content();
   for (std::size_t size = before.size() + 1; size + 1 < whole.size(); size += 7) {
     SCOPED_TRACE(size);
-    test::WriteFile(CurrentFile(log_), whole.substr(0, size));
+    WriteFile(CurrentFile(log_), whole.substr(0, size));
     const Verification open = Verify(log_);
     EXPECT_TRUE(open.whole);
     ASSERT_EQ(open.noted.size(), 1u);
@@ -149,7 +151,7 @@ TEST_F(Journals, AnUnfinishedLineIsNotedAndTheChainGoesOn) {
 TEST_F(Journals, ALineThatLacksItsEndAloneCounts) {
   const Journal journal(log_);
   Write(journal);
-  test::WriteFile(CurrentFile(log_), Content().substr(0, Content().size() - 1));
+  WriteFile(CurrentFile(log_), Content().substr(0, Content().size() - 1));
   EXPECT_EQ(Verify(log_).lines, 1);
   EXPECT_EQ(Write(journal).number, 2);
   EXPECT_EQ(Verify(log_).lines, 2);
@@ -159,7 +161,7 @@ TEST_F(Journals, ALineThatLacksItsEndAloneCounts) {
 TEST_F(Journals, AnUnfinishedLineAtTheEndOfAFullFileIsNotedInTheNext) {
   const Journal journal(log_, 600);
   Write(journal);
-  test::WriteFile(CurrentFile(log_), Content() + std::string(600, 'x'));
+  WriteFile(CurrentFile(log_), Content() + std::string(600, 'x'));
   EXPECT_EQ(Write(journal).number, 4);
   const Verification found = Verify(log_);
   EXPECT_TRUE(found.whole) << testing::PrintToString(found.broken);
@@ -218,18 +220,18 @@ TEST_F(Journals, AWriterThatIsKilledLeavesALogThatGoesOn) {
 TEST_F(Journals, AFileThatIsNoLogIsNotWrittenTo) {
   const Journal journal(log_);
   const std::string foreign(2 * kLongestLine + 1, '\n');
-  test::WriteFile(CurrentFile(log_), foreign);
+  WriteFile(CurrentFile(log_), foreign);
   EXPECT_THROW(Write(journal), AuditError);
   EXPECT_EQ(Content(), foreign);
 }
 
 TEST_F(Journals, ALinkInTheFilesPlaceIsNotFollowed) {
   const Journal journal(log_);
-  test::WriteFile(folder_.Path() / "target", "");
+  WriteFile(folder_.Path() / "target", "");
   fs::create_symlink(folder_.Path() / "target", CurrentFile(log_));
   EXPECT_THROW(Write(journal), AuditError);
-  EXPECT_EQ(test::ReadFile(folder_.Path() / "target"), "");
+  EXPECT_EQ(ReadFile(folder_.Path() / "target"), "");
 }
 
 }  // namespace
-}  // namespace kalvo::audit
+}  // namespace kalvo::test

@@ -13,9 +13,12 @@
 #include "host/audit/verification.h"
 #include "kalvo/platform/conversion.h"
 #include "support/killed_process.h"
+#include "support/temporary_folder.h"
 
-namespace kalvo::audit {
+namespace kalvo::test {
 namespace {
+
+using namespace audit;
 
 namespace fs = std::filesystem;
 
@@ -25,8 +28,8 @@ const Visitor kKen{"K\\k", "127.0.0.1"};
 class KilledActs : public ::testing::Test {
  protected:
   void SetUp() override {
-    tests::WriteFile(mail_ / "mailboxes.txt",
-                     "[server EX01]\n[mailbox Ken]\nserver = EX01\naccount = K\\k\naddress = k@k\nlocation = ken\n");
+    WriteFile(mail_ / "mailboxes.txt",
+              "[server EX01]\n[mailbox Ken]\nserver = EX01\naccount = K\\k\naddress = k@k\nlocation = ken\n");
     Renew();
     identifier_ = Identifier();
   }
@@ -36,8 +39,8 @@ class KilledActs : public ::testing::Test {
     fs::remove_all(mail_ / "ken");
     fs::remove_all(mail_ / ".kalvo" / "held");
     fs::remove_all(log_);
-    tests::MakeMaildir(mail_ / "ken");
-    tests::Deliver(mail_ / "ken", "1.host:2,S", kText, 900'000'000);
+    MakeMaildir(mail_ / "ken");
+    Deliver(mail_ / "ken", "1.host:2,S", kText, 900'000'000);
   }
 
   std::shared_ptr<mail::MailStore> Store() const { return maildir::MaildirStore(mail_.string()).Store(); }
@@ -65,7 +68,7 @@ class KilledActs : public ::testing::Test {
     std::size_t shown = 0;
     for (const char* list : {"cur", "new"}) {
       for (const auto& entry : fs::directory_iterator(mail_ / "ken" / list)) {
-        EXPECT_EQ(tests::ReadFile(entry.path()), kText);
+        EXPECT_EQ(ReadFile(entry.path()), kText);
         ++shown;
       }
     }
@@ -90,15 +93,15 @@ class KilledActs : public ::testing::Test {
     EXPECT_TRUE(after.whole) << testing::PrintToString(after.broken);
   }
 
-  tests::TemporaryFolder folder_{"/dev/shm"};  // every step is written through, which takes a disk its time
+  TemporaryFolder folder_{"/dev/shm"};  // every step is written through, which takes a disk its time
   fs::path mail_ = folder_.Path(), log_ = folder_.Path() / "audit";
   std::string identifier_;
 };
 
 TEST_F(KilledActs, ADeleteLeavesOneMessageAndAWholeLog) {
   bool sawIntentAlone = false, sawMoveWithoutOutcome = false;
-  const int kills = test::KillAtEveryMoment(
-      test::Calls::All, [this] { Renew(); }, [this] { Delete(); },
+  const int kills = KillAtEveryMoment(
+      Calls::All, [this] { Renew(); }, [this] { Delete(); },
       [&] {
         Check(Held() == 1, Event::DeleteIntended, Event::Deleted);
         sawIntentAlone = sawIntentAlone || (Written(Event::DeleteIntended) == 1 && Shown() == 1);
@@ -111,8 +114,8 @@ TEST_F(KilledActs, ADeleteLeavesOneMessageAndAWholeLog) {
 }
 
 TEST_F(KilledActs, ARestoreLeavesOneMessageAndAWholeLog) {
-  const int kills = test::KillAtEveryMoment(
-      test::Calls::All,
+  const int kills = KillAtEveryMoment(
+      Calls::All,
       [this] {
         Renew();
         Delete();
@@ -123,4 +126,4 @@ TEST_F(KilledActs, ARestoreLeavesOneMessageAndAWholeLog) {
 }
 
 }  // namespace
-}  // namespace kalvo::audit
+}  // namespace kalvo::test

@@ -4,8 +4,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace kalvo::audit {
+namespace kalvo::test {
 namespace {
+
+using namespace audit;
 
 TEST(LineLimit, LetsOneLineThroughASecondAndKey) {
   LineLimit limit;
@@ -42,4 +44,4 @@ TEST(LineLimit, CountsANetworkAsOneAddress) {
 }
 
 }  // namespace
-}  // namespace kalvo::audit
+}  // namespace kalvo::test

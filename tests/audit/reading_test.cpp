@@ -6,8 +6,10 @@
 #include "host/audit/log_files.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::audit {
+namespace kalvo::test {
 namespace {
+
+using namespace audit;
 
 class Reading : public testing::Test {
  protected:
@@ -27,7 +29,7 @@ class Reading : public testing::Test {
     return numbers;
   }
 
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   Journal journal_{folder_.Path()};
 };
 
@@ -63,11 +65,11 @@ TEST_F(Reading, AFilterTakesByEventUserAndTime) {
 
 TEST_F(Reading, GoesBackOverSeveralFilesAndPastWhatIsNoLine) {
   std::filesystem::rename(CurrentFile(folder_.Path()), FullFile(folder_.Path(), 1));
-  test::WriteFile(CurrentFile(folder_.Path()), "garbage\n" + std::string(3 * kLongestLine, 'x') + "\n");
+  WriteFile(CurrentFile(folder_.Path()), "garbage\n" + std::string(3 * kLongestLine, 'x') + "\n");
   EXPECT_EQ(Numbers({}, 2, 1), "3 2 ");
   EXPECT_EQ(Newest(folder_.Path(), {}, 9, 0, 1).size(), 0u);
   EXPECT_EQ(Newest(folder_.Path(), {}, 9, 0, 2).size(), 4u);
 }
 
 }  // namespace
-}  // namespace kalvo::audit
+}  // namespace kalvo::test

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
-namespace kalvo::audit {
+namespace kalvo::test {
 namespace {
+
+using namespace audit;
 
 Record Sample() {
   return {7,
@@ -96,4 +98,4 @@ TEST(Events, AreKnownByTheirNames) {
 }
 
 }  // namespace
-}  // namespace kalvo::audit
+}  // namespace kalvo::test

@@ -6,12 +6,14 @@
 #include "host/audit/reading.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::audit {
+namespace kalvo::test {
 namespace {
+
+using namespace audit;
 
 class Trails : public testing::Test {
  protected:
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   std::vector<std::string> told_;
   Trail trail_{folder_.Path(), [this](std::string_view line) { told_.emplace_back(line); }};
   const Visitor alice_{"KALVO\\alice", "127.0.0.1"}, stranger_{"", "127.0.0.9"};
@@ -62,4 +64,4 @@ TEST_F(Trails, StrangersOfManyAddressesAreLimitedTogether) {
 }
 
 }  // namespace
-}  // namespace kalvo::audit
+}  // namespace kalvo::test

@@ -12,8 +12,10 @@
 #include "host/audit/log_files.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::audit {
+namespace kalvo::test {
 namespace {
+
+using namespace audit;
 
 class Verifying : public testing::Test {
  protected:
@@ -25,7 +27,7 @@ class Verifying : public testing::Test {
 
   std::vector<std::string> Lines() const {
     std::vector<std::string> lines;
-    const std::string content = test::ReadFile(CurrentFile(folder_.Path()));
+    const std::string content = ReadFile(CurrentFile(folder_.Path()));
     for (std::size_t from = 0, to; (to = content.find('\n', from)) != std::string::npos; from = to + 1) {
       lines.push_back(content.substr(from, to - from));
     }
@@ -34,10 +36,10 @@ class Verifying : public testing::Test {
   void Put(const std::vector<std::string>& lines) const {
     std::string content;
     for (const std::string& line : lines) content += line + "\n";
-    test::WriteFile(CurrentFile(folder_.Path()), content);
+    WriteFile(CurrentFile(folder_.Path()), content);
   }
 
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   Journal journal_{folder_.Path()};
   std::vector<std::string> hashes_;
 };
@@ -144,10 +146,10 @@ TEST_F(Verifying, AFileThatIsPutAsideMeanwhileIsNotMissing) {
 }
 
 TEST_F(Verifying, AnEmptyFolderIsAWholeLogOfNoLines) {
-  const test::TemporaryFolder empty;
+  const TemporaryFolder empty;
   EXPECT_TRUE(Verify(empty.Path()).whole);
   EXPECT_EQ(Verify(empty.Path()).lines, 0);
 }
 
 }  // namespace
-}  // namespace kalvo::audit
+}  // namespace kalvo::test

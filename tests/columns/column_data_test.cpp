@@ -1,12 +1,10 @@
 #include <gtest/gtest.h>
 
 #include "column_fixture.h"
-#include "fakes/error_of.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
-
-using fakes::ErrorOf;
 
 TEST(ColumnData, ACellHasTheColumnsLayout) {
   ColumnFixture page;
@@ -105,14 +103,14 @@ TEST(ColumnData, AValueThatTheFormatCannotReadFails) {
     ColumnFixture page;
     page.column.formatType = c.format;
     page.row.fields = {{"Value", c.value}};
-    EXPECT_EQ(ErrorOf([&] { page.Data(); }), c.error);
+    EXPECT_EQ(ErrorOf([&] { page.Data(); }).Number(), c.error);
   }
 }
 
 TEST(ColumnData, AFailingRowFailsTheCell) {
   ColumnFixture page;
   page.row.steps.Fail("GetField", 7);
-  EXPECT_EQ(ErrorOf([&] { page.Data(); }), 7);
+  EXPECT_EQ(ErrorOf([&] { page.Data(); }).Number(), 7);
 }
 
 TEST(ColumnData, ABackupIsMissingOrItsServerWasNeverScanned) {
@@ -236,7 +234,7 @@ TEST(ColumnData, ADeleteFormKnowsItsMessageAndWhereToGoOn) {
 // ---- a row that turns back ------------------------------------------------------------------------------
 
 // Answers every question in the same buffer, and counts its answers.
-class OneBuffer : public fakes::FakeRowSource {
+class OneBuffer : public FakeRowSource {
  public:
   std::string_view GetField(std::string_view name) override {
     answer_ = "answer " + std::to_string(++answers_) + " to ";
@@ -334,4 +332,4 @@ TEST(ColumnData, ADeleteFormHasTheScopeFromBeforeItsMessageWasRead) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

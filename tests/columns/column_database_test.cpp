@@ -4,14 +4,12 @@
 
 #include <set>
 
-#include "fakes/error_of.h"
 #include "kalvo/column.h"
 #include "kalvo/control_column.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
-
-using fakes::ErrorOf;
 
 class ColumnDatabase : public testing::Test {
  protected:
@@ -51,8 +49,8 @@ TEST_F(ColumnDatabase, TwoColumnsAreControls) {
 TEST_F(ColumnDatabase, AnIdOutsideOfTheSlotsFails) {
   for (const int id : {129, 0, -1, 32767, -32768}) {
     SCOPED_TRACE(id);
-    EXPECT_EQ(ErrorOf([&] { database_.GetColumn(static_cast<std::int16_t>(id)); }), 9);
-    EXPECT_EQ(ErrorOf([&] { database_.Column(static_cast<std::int16_t>(id)); }), 9);
+    EXPECT_EQ(ErrorOf([&] { database_.GetColumn(static_cast<std::int16_t>(id)); }).Number(), 9);
+    EXPECT_EQ(ErrorOf([&] { database_.Column(static_cast<std::int16_t>(id)); }).Number(), 9);
   }
 }
 
@@ -203,4 +201,4 @@ TEST_F(ColumnDatabase, EachInitializerMakesItsOwnGroup) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -8,10 +8,10 @@
 #include "fakes/row_source.h"
 #include "kalvo/column.h"
 
-namespace kalvo {
+namespace kalvo::test {
 
 // A column over one row of a page.
-struct ColumnFixture : fakes::PageFixture {
+struct ColumnFixture : PageFixture {
   explicit ColumnFixture(std::string_view query = "", std::string_view form = "") : PageFixture(query, form) {
     column.align = "";
     column.databaseField = "Value";
@@ -19,7 +19,7 @@ struct ColumnFixture : fakes::PageFixture {
   }
 
   ColumnDefinition column;
-  fakes::FakeRowSource row;
+  FakeRowSource row;
 
   std::string Header() { return KalvoColumn(column).ConstructHTMLHeader(*context, *display); }
   std::string Data() { return KalvoColumn(column).ConstructHTMLData(*context, *display, row); }
@@ -59,4 +59,4 @@ struct ColumnFixture : fakes::PageFixture {
   }
 };
 
-}  // namespace kalvo
+}  // namespace kalvo::test

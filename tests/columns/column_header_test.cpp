@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "column_fixture.h"
-#include "fakes/error_of.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 constexpr char kPage[] = "/KalvoforExchange/Tasks/Page.asp?";
@@ -31,9 +31,9 @@ TEST(ColumnHeader, CarriesThePageSizeAsARoundedNumber) {
 
 TEST(ColumnHeader, ASortableColumnFailsWithAPageSizeBeyond16Bits) {
   ColumnFixture page("PageSize=40000");
-  EXPECT_EQ(fakes::ErrorOf([&] { page.Header(); }), 0);
+  EXPECT_EQ(ErrorOf([&] { page.Header(); }).Number(), 0);
   page.column.sortColumn = true;
-  EXPECT_EQ(fakes::ErrorOf([&] { page.Header(); }), 6);
+  EXPECT_EQ(ErrorOf([&] { page.Header(); }).Number(), 6);
 }
 
 TEST(ColumnHeader, ChartLinksAreAcceptedAndShowNothing) {
@@ -109,4 +109,4 @@ TEST(ColumnHeader, TheFirstTotalStateKeepsTheTotal) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

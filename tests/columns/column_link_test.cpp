@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "column_fixture.h"
-#include "fakes/error_of.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 using Fields = std::map<std::string, std::string, std::less<>>;
@@ -223,8 +223,8 @@ TEST(ColumnLink, AFailingFieldFailsTheCell) {
   ColumnFixture page;
   page.column.hyperLinkType = HYPERLINK_TOPN_MAILBOX;
   page.row.steps.Fail("GetField", 7, "gone", 2);
-  EXPECT_EQ(fakes::ErrorOf([&] { page.Data(); }), 7);
+  EXPECT_EQ(ErrorOf([&] { page.Data(); }).Number(), 7);
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "column_fixture.h"
-#include "fakes/error_of.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 TEST(ColumnTotal, TheFirstCellCarriesTheLabelWhateverItsColumnIs) {
@@ -82,7 +82,7 @@ TEST(ColumnTotal, ASumThatIsNoNumberFails) {
   ColumnFixture page;
   page.column.formatType = FORMATTYPE_NUMBER;
   page.row.fields = {{"Value", "  "}};  // two blanks are not one
-  EXPECT_EQ(fakes::ErrorOf([&] { page.Total(); }), 13);
+  EXPECT_EQ(ErrorOf([&] { page.Total(); }).Number(), 13);
 }
 
 TEST(ColumnTotal, ASumIsReadBeforeItsCellIsMade) {
@@ -101,4 +101,4 @@ TEST(ColumnTotal, ASumIsReadBeforeItsCellIsMade) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

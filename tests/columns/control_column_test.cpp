@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "fakes/error_of.h"
 #include "fakes/page_fixture.h"
 #include "fakes/row_source.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 class ControlColumn : public testing::Test {
@@ -21,8 +21,8 @@ class ControlColumn : public testing::Test {
     return Data();
   }
 
-  fakes::PageFixture page_;
-  fakes::FakeRowSource row_;
+  PageFixture page_;
+  FakeRowSource row_;
   KalvoControlColumn column_;
 };
 
@@ -104,7 +104,7 @@ TEST_F(ControlColumn, ABoxThatFailsIsNobodys) {
   page_.Administrator();
   Define(FORMATTYPE_QVCHECKBOX);
   page_.page->server->fails = true;
-  EXPECT_EQ(fakes::ErrorOf([&] { Row("1", "Ann"); }), codes::kFailed);
+  EXPECT_EQ(ErrorOf([&] { Row("1", "Ann"); }).Number(), codes::kFailed);
   page_.page->server->fails = false;
   EXPECT_EQ(Row("2", "Ann"), Box("2"));
 }
@@ -158,15 +158,15 @@ TEST_F(ControlColumn, HasNoTotals) {
   Define(FORMATTYPE_CHECKBOX);
   std::string out;
   bool firstCell = true;
-  EXPECT_EQ(fakes::ErrorOf([&] { column_.AppendTotal(out, *page_.context, *page_.display, row_, firstCell); }), 438);
+  EXPECT_EQ(ErrorOf([&] { column_.AppendTotal(out, *page_.context, *page_.display, row_, firstCell); }).Number(), 438);
   EXPECT_TRUE(firstCell);
 }
 
 TEST_F(ControlColumn, NeedsTheSession) {
   Define(FORMATTYPE_CHECKBOX);
   page_.context->OnEndPage();
-  EXPECT_EQ(fakes::ErrorOf([&] { Header(); }), 91);
+  EXPECT_EQ(ErrorOf([&] { Header(); }).Number(), 91);
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

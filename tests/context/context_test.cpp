@@ -2,14 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "fakes/error_of.h"
 #include "fakes/page_fixture.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
-
-using fakes::ErrorOf;
-using fakes::PageFixture;
 
 // What the request's query string leaves for the links of table 1.
 std::string Kept(std::string_view query) {
@@ -20,15 +17,15 @@ std::string Kept(std::string_view query) {
 }
 
 TEST(Context, TakesTheHostObjectsInTheirOrder) {
-  const auto page = std::make_shared<fakes::FakePage>();
+  const auto page = std::make_shared<FakePage>();
   Context().OnStartPage(*page);
   EXPECT_EQ(page->steps.done, (std::vector<std::string>{"Response()", "Request()", "Session()", "Server()"}));
 }
 
 TEST(Context, AFailingHostFailsTheStart) {
-  const auto page = std::make_shared<fakes::FakePage>();
+  const auto page = std::make_shared<FakePage>();
   page->steps.Fail("Session", 7);
-  EXPECT_EQ(ErrorOf([&] { Context().OnStartPage(*page); }), 7);
+  EXPECT_EQ(ErrorOf([&] { Context().OnStartPage(*page); }).Number(), 7);
 }
 
 TEST(Context, StartingAPageWritesNothing) {
@@ -62,16 +59,16 @@ TEST(Context, KeepsEveryParameterThatIsNotATablesOwn) {
 }
 
 TEST(Context, APairWhoseValueCannotBeEncodedIsLeftOutWhole) {
-  class RefusingServer : public fakes::FakeServer {
+  class RefusingServer : public FakeServer {
    public:
     void URLEncode(std::string& out, std::string_view text) override {
       if (text == "bad") throw Error(70, "Refused.");
-      fakes::FakeServer::URLEncode(out, text);
+      FakeServer::URLEncode(out, text);
     }
   };
   PageFixture page("a=1&b=bad&c=3");
   page.page->server = std::make_shared<RefusingServer>();
-  EXPECT_EQ(ErrorOf([&] { page.Start(); }), 70);
+  EXPECT_EQ(ErrorOf([&] { page.Start(); }).Number(), 70);
   EXPECT_EQ(page.context->TableURL("", "", "", ""), "/KalvoforExchange/Tasks/Page.asp?a=1");
 }
 
@@ -86,7 +83,7 @@ TEST(Context, NumbersItsTablesFromOne) {
 TEST(Context, MoreTablesThan16BitsCountOverflow) {
   PageFixture page;
   for (int i = 0; i < 32767; ++i) page.context->IncrementTableIndex();
-  EXPECT_EQ(ErrorOf([&] { page.context->IncrementTableIndex(); }), 6);
+  EXPECT_EQ(ErrorOf([&] { page.context->IncrementTableIndex(); }).Number(), 6);
   EXPECT_EQ(page.context->TableIndex(), 32767);
 }
 
@@ -94,8 +91,8 @@ TEST(Context, AParameterRepeatedMoreOftenThan16BitsCountOverflows) {
   std::string query;
   for (int i = 0; i < 32767; ++i) query += "First=&";
   PageFixture page(query);
-  const auto more = std::make_shared<fakes::FakePage>(query + "first=1");
-  EXPECT_EQ(ErrorOf([&] { page.context->OnStartPage(*more); }), 6);
+  const auto more = std::make_shared<FakePage>(query + "first=1");
+  EXPECT_EQ(ErrorOf([&] { page.context->OnStartPage(*more); }).Number(), 6);
 }
 
 TEST(Context, AnotherStartBeginsThePageAnewButNotTheScope) {
@@ -146,16 +143,16 @@ TEST(Context, NeedsAPageForEverythingOfTheHost) {
   page.context->IncrementTableIndex();
   page.context->OnEndPage();
   Context& context = *page.context;
-  EXPECT_EQ(ErrorOf([&] { context.GetSession(); }), 91);
-  EXPECT_EQ(ErrorOf([&] { context.GetRequest(); }), 91);
-  EXPECT_EQ(ErrorOf([&] { context.ServerHTMLEncode("x"); }), 91);
-  EXPECT_EQ(ErrorOf([&] { context.ServerURLEncode("x"); }), 91);
-  EXPECT_EQ(ErrorOf([&] { context.TableURL("", "", "", ""); }), 91);
-  EXPECT_EQ(ErrorOf([&] { context.TableSortFieldInformation(); }), 91);
-  EXPECT_EQ(ErrorOf([&] { context.FailureMessage("x"); }), 91);
-  EXPECT_EQ(ErrorOf([&] { context.DebugOutput("SQL", "x"); }), 91);
-  EXPECT_EQ(ErrorOf([&] { context.bDebug("SQL"); }), 91);
-  EXPECT_EQ(ErrorOf([&] { context.KalvoAdministrator(); }), 91);
+  EXPECT_EQ(ErrorOf([&] { context.GetSession(); }).Number(), 91);
+  EXPECT_EQ(ErrorOf([&] { context.GetRequest(); }).Number(), 91);
+  EXPECT_EQ(ErrorOf([&] { context.ServerHTMLEncode("x"); }).Number(), 91);
+  EXPECT_EQ(ErrorOf([&] { context.ServerURLEncode("x"); }).Number(), 91);
+  EXPECT_EQ(ErrorOf([&] { context.TableURL("", "", "", ""); }).Number(), 91);
+  EXPECT_EQ(ErrorOf([&] { context.TableSortFieldInformation(); }).Number(), 91);
+  EXPECT_EQ(ErrorOf([&] { context.FailureMessage("x"); }).Number(), 91);
+  EXPECT_EQ(ErrorOf([&] { context.DebugOutput("SQL", "x"); }).Number(), 91);
+  EXPECT_EQ(ErrorOf([&] { context.bDebug("SQL"); }).Number(), 91);
+  EXPECT_EQ(ErrorOf([&] { context.KalvoAdministrator(); }).Number(), 91);
   EXPECT_EQ(context.GetName(), "EXCH01");
   EXPECT_EQ(context.TableIndex(), 1);
 }
@@ -168,4 +165,4 @@ TEST(Context, CountsNoTableBeforeItsFirst) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -1,13 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "fakes/error_of.h"
 #include "fakes/page_fixture.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
-
-using fakes::ErrorOf;
-using fakes::PageFixture;
 
 TEST(Failure, IsReportedWhenAnErrorIsPending) {
   PageFixture page;
@@ -63,7 +60,7 @@ TEST(Failure, AReportThatCannotBeWrittenFails) {
   PageFixture page;
   page.page->response->refused = "Error Generating";
   LeaveError(Overflow());
-  EXPECT_EQ(ErrorOf([&] { page.context->Failure("x"); }), codes::kFailed);
+  EXPECT_EQ(ErrorOf([&] { page.context->Failure("x"); }).Number(), codes::kFailed);
 }
 
 TEST(Debug, IsSwitchedOnByTypeOrForAll) {
@@ -123,7 +120,7 @@ TEST(Debug, TableTracingIsDecidedWhenThePageStarts) {
   page.context->TableDebugOutput("<p>x</p>");
   EXPECT_EQ(page.Taken(), "<p>x</p>");
   EXPECT_EQ(page.page->response->flushes, 1);
-  page.page->request = std::make_shared<fakes::FakeRequest>("Debug=SQL");
+  page.page->request = std::make_shared<FakeRequest>("Debug=SQL");
   EXPECT_TRUE(page.context->bDebugTable());
   page.Start();
   EXPECT_FALSE(page.context->bDebugTable());
@@ -137,4 +134,4 @@ TEST(Debug, AMessageThatNobodySeesIsNotMade) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

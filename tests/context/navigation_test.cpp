@@ -2,10 +2,8 @@
 
 #include "fakes/page_fixture.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
-
-using fakes::PageFixture;
 
 constexpr char kUpgrade[] =
     "<p>You have attempted to scan an Kalvo Exchange Edition agent with an earlier version. In order to successfully "
@@ -26,7 +24,7 @@ class Navigation : public testing::Test {
   }
 
   PageFixture page_;
-  fakes::Steps& steps_ = page_.live->steps;
+  Steps& steps_ = page_.live->steps;
 };
 
 using ContainerNavigation = Navigation;
@@ -79,7 +77,7 @@ TEST_F(ContainerNavigation, NeverRaises) {
 }
 
 TEST_F(ContainerNavigation, IsTraced) {
-  page_.page->request = std::make_shared<fakes::FakeRequest>("Debug=Table");
+  page_.page->request = std::make_shared<FakeRequest>("Debug=Table");
   page_.Start();
   GoToContainer();
   GoToContainer();
@@ -161,7 +159,7 @@ TEST_F(MessageNavigation, AnAgentWithoutMessageReportsKeepsTheEarlierResult) {
 }
 
 TEST_F(MessageNavigation, IsTraced) {
-  page_.page->request = std::make_shared<fakes::FakeRequest>("Debug=Table");
+  page_.page->request = std::make_shared<FakeRequest>("Debug=Table");
   page_.Start();
   GoToMessage();
   GoToMessage();
@@ -179,4 +177,4 @@ TEST_F(MessageNavigation, NeverRaises) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

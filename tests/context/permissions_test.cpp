@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "fakes/error_of.h"
 #include "fakes/page_fixture.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
-using fakes::PageFixture;
 using std::string_literals::operator""s;
 
 TEST(Permissions, OnlyYesItselfGrants) {
@@ -102,7 +101,7 @@ TEST(Permissions, AnUnknownOwnerMatchesOnlyAUserWhoDidNotLogOn) {
 TEST(Permissions, AskingNeverRaises) {
   PageFixture page;
   page.context->OnEndPage();
-  EXPECT_EQ(fakes::ErrorOf([&] { EXPECT_FALSE(page.context->DrillDownPermission("S", "M")); }), 0);
+  EXPECT_EQ(ErrorOf([&] { EXPECT_FALSE(page.context->DrillDownPermission("S", "M")); }).Number(), 0);
 }
 
 TEST(Permissions, TheProductsMailboxIsNamedAfterItsServer) {
@@ -112,4 +111,4 @@ TEST(Permissions, TheProductsMailboxIsNamedAfterItsServer) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -1,13 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "fakes/error_of.h"
 #include "fakes/page_fixture.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
-
-using fakes::ErrorOf;
-using fakes::PageFixture;
 
 // A page whose table of that number is being built.
 struct TablePage : PageFixture {
@@ -102,15 +99,15 @@ TEST(TableState, ANumberBeyond16BitsOverflows) {
   for (const char* text : {"32768", "-32769", "40000", "1e9", "1e400"}) {
     SCOPED_TRACE(text);
     TablePage page(std::string("First=") + text + "&PageSize=" + text, 1);
-    EXPECT_EQ(ErrorOf([&] { page.context->TableFirstRowInformation(); }), 6);
-    EXPECT_EQ(ErrorOf([&] { page.context->TablePageSizeInformation(); }), 6);
+    EXPECT_EQ(ErrorOf([&] { page.context->TableFirstRowInformation(); }).Number(), 6);
+    EXPECT_EQ(ErrorOf([&] { page.context->TablePageSizeInformation(); }).Number(), 6);
   }
 }
 
 TEST(TableState, BeforeTheFirstTableTheRequestIsAskedForItemZero) {
   TablePage page("Sort=Name", 0);
-  EXPECT_EQ(ErrorOf([&] { page.context->TableSortFieldInformation(); }), 9);
+  EXPECT_EQ(ErrorOf([&] { page.context->TableSortFieldInformation(); }).Number(), 9);
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

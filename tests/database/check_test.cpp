@@ -13,8 +13,10 @@
 #include "kalvo/platform/ranking.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 struct Outcome {
   int status;
@@ -25,7 +27,7 @@ struct Outcome {
 Outcome Checked(const std::string& file) {
   sqlite::SqliteDatabase database(file);
   const auto ranking = ranking::MakeRanking(database);
-  fakes::FakeClock clock;
+  FakeClock clock;
   std::ostringstream out;
   const int status = RunCheck({database, *ranking, clock}, {"sqlite:" + file, "a driver", {}}, out);
   return {status, out.str()};
@@ -50,7 +52,7 @@ class CheckOfADatabase : public testing::Test {
   std::string File() const { return (folder_.Path() / "kalvo.db").string(); }
 
  private:
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
 };
 
 TEST_F(CheckOfADatabase, FindsAllReportsOfTheSampleWorking) {
@@ -112,16 +114,16 @@ TEST(CheckOfNoDatabase, SaysThatItDoesNotOpen) {
   EXPECT_TRUE(outcome.Says("Connection  fails: [")) << outcome.text;
 }
 
-class CheckOfAnEngine : public testing::TestWithParam<test::Engine> {};
+class CheckOfAnEngine : public testing::TestWithParam<Engine> {};
 
 TEST_P(CheckOfAnEngine, FindsAllReportsWorking) {
   std::ostringstream out;
-  EXPECT_EQ(RunCheck(test::SampleDatabases::Shared().PlatformOf(GetParam()), {"odbc", "", {}}, out), 0) << out.str();
+  EXPECT_EQ(RunCheck(SampleDatabases::Shared().PlatformOf(GetParam()), {"odbc", "", {}}, out), 0) << out.str();
 }
 
 INSTANTIATE_TEST_SUITE_P(Engines, CheckOfAnEngine,
-                         testing::Values(test::Engine::SqliteOdbc, test::Engine::Postgresql, test::Engine::Mariadb),
-                         [](const auto& engine) { return test::NameOf(engine.param); });
+                         testing::Values(Engine::SqliteOdbc, Engine::Postgresql, Engine::Mariadb),
+                         [](const auto& engine) { return NameOf(engine.param); });
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

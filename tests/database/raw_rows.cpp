@@ -33,7 +33,7 @@ std::vector<RawRow> RowsOf(const Platform& platform, std::string_view table) {
 
 ReportRows RowsOfReport(const Platform& platform, int id, const Scope& scope, const std::vector<std::string>& fields,
                         const std::vector<std::string>& totals) {
-  const auto page = std::make_shared<fakes::FakePage>("");
+  const auto page = std::make_shared<FakePage>("");
   const auto context = std::make_shared<Context>();
   context->OnStartPage(*page);
   context->SetOrg(scope.organization);

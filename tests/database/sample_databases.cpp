@@ -73,7 +73,7 @@ class SampleDatabases::Started {
  private:
   std::unique_ptr<Database> database_;
   std::unique_ptr<TopNFactory> ranking_;
-  fakes::FakeClock clock_;
+  FakeClock clock_;
 
  public:
   const Platform platform;

@@ -10,10 +10,13 @@
 #include "database/sample/script_writer.h"
 #include "database/sample/steps.h"
 #include "kalvo/platform/error.h"
+#include "support/error_of.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::sample {
+namespace kalvo::test {
 namespace {
+
+using namespace sample;
 
 Organization Made(SampleSize size, std::uint64_t seed) {
   SilentProgress progress;
@@ -86,45 +89,33 @@ TEST(Sample, OfLargeSizeHasAThousandServersAndAMillionMailboxes) {
 }
 
 TEST(Sample, RefusesASizeThatIsNone) {
-  try {
-    SampleSizeFromName("huge");
-    FAIL() << "it was taken";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Description(), "There is no sample of size \"huge\"; the sizes are small, medium and large.");
-  }
+  const Error error = ErrorOf([&] { SampleSizeFromName("huge"); });
+  EXPECT_EQ(error.Description(), "There is no sample of size \"huge\"; the sizes are small, medium and large.");
 }
 
 TEST(Sample, HasTheMailOfAllOfItsTwoUsersOrOfNobody) {
   EXPECT_EQ(SampleMailFromName("all"), SampleMail::All);
   EXPECT_EQ(SampleMailFromName("users"), SampleMail::Users);
   EXPECT_EQ(SampleMailFromName("none"), SampleMail::None);
-  try {
-    SampleMailFromName("some");
-    FAIL() << "it was taken";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Description(), "There is no sample with the mail of \"some\"; it has that of all, users or none.");
-  }
+  const Error error = ErrorOf([&] { SampleMailFromName("some"); });
+  EXPECT_EQ(error.Description(), "There is no sample with the mail of \"some\"; it has that of all, users or none.");
 }
 
 TEST(Sample, ReplacesAnEarlierOneAndLeavesNothingElse) {
-  test::TemporaryFolder folder;
-  test::WriteFile(folder.Path() / "kalvo.db", "not a database");
+  TemporaryFolder folder;
+  WriteFile(folder.Path() / "kalvo.db", "not a database");
   SilentProgress progress;
   MakeSample({folder.Path()}, progress);
-  EXPECT_TRUE(test::ReadFile(folder.Path() / "kalvo.db").starts_with("SQLite format 3"));
+  EXPECT_TRUE(ReadFile(folder.Path() / "kalvo.db").starts_with("SQLite format 3"));
   EXPECT_FALSE(exists(folder.Path() / "kalvo.db.part"));
 }
 
 TEST(Sample, SaysWhichFolderItCannotMake) {
-  test::TemporaryFolder folder;
-  test::WriteFile(folder.Path() / "file", "");
+  TemporaryFolder folder;
+  WriteFile(folder.Path() / "file", "");
   SilentProgress progress;
-  try {
-    MakeSample({folder.Path() / "file" / "below"}, progress);
-    FAIL() << "it was made";
-  } catch (const Error& error) {
-    EXPECT_NE(error.Description().find((folder.Path() / "file" / "below").string()), std::string::npos);
-  }
+  const Error error = ErrorOf([&] { MakeSample({folder.Path() / "file" / "below"}, progress); });
+  EXPECT_NE(error.Description().find((folder.Path() / "file" / "below").string()), std::string::npos);
 }
 
 TEST(Sample, TellsItsProgress) {
@@ -145,4 +136,4 @@ TEST(Moments, AreWrittenAsDatesAndTimes) {
 }
 
 }  // namespace
-}  // namespace kalvo::sample
+}  // namespace kalvo::test

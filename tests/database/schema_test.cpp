@@ -9,7 +9,7 @@
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/database.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 TEST(Schema, HasNoWordLeftOpenForAnyEngine) {
@@ -42,22 +42,22 @@ TEST(Schema, SaysWhatARowOfEachTableIs) {
   }
 }
 
-class SchemaOnEngine : public testing::TestWithParam<test::Engine> {};
+class SchemaOnEngine : public testing::TestWithParam<Engine> {};
 
 // The same tables with the same columns and as many rows, whichever engine holds the sample.
 TEST_P(SchemaOnEngine, HoldsTheWholeSample) {
-  const auto rowsOf = [](test::Engine engine, const std::string& table) {
+  const auto rowsOf = [](Engine engine, const std::string& table) {
     const std::string sql = "select count(*) as n from " + table;
-    const auto connection = test::SampleDatabases::Shared().PlatformOf(engine).database.Connect("KalvoDB");
+    const auto connection = SampleDatabases::Shared().PlatformOf(engine).database.Connect("KalvoDB");
     const auto records = connection->Execute({sql, sql, ""});
     std::string scratch;
     EXPECT_FALSE(records->IsEmpty());
     return std::string(records->GetRows().Text(0, 0, scratch));
   };
   for (const sample::SchemaTable& table : sample::SchemaTables()) {
-    EXPECT_EQ(rowsOf(GetParam(), table.name), rowsOf(test::Engine::Sqlite, table.name)) << table.name;
+    EXPECT_EQ(rowsOf(GetParam(), table.name), rowsOf(Engine::Sqlite, table.name)) << table.name;
     const std::string sql = "select * from " + table.name + " where (1 = 0)";
-    const auto connection = test::SampleDatabases::Shared().PlatformOf(GetParam()).database.Connect("KalvoDB");
+    const auto connection = SampleDatabases::Shared().PlatformOf(GetParam()).database.Connect("KalvoDB");
     const auto records = connection->Execute({sql, sql, ""});
     std::vector<std::string> expected, actual;
     for (const std::string& column : table.columns) expected.push_back(ToLower(column));
@@ -67,9 +67,8 @@ TEST_P(SchemaOnEngine, HoldsTheWholeSample) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Engines, SchemaOnEngine,
-                         testing::Values(test::Engine::Sqlite, test::Engine::SqliteOdbc, test::Engine::Postgresql,
-                                         test::Engine::Mariadb),
-                         [](const auto& engine) { return test::NameOf(engine.param); });
+                         testing::Values(Engine::Sqlite, Engine::SqliteOdbc, Engine::Postgresql, Engine::Mariadb),
+                         [](const auto& engine) { return NameOf(engine.param); });
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

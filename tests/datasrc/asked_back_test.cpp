@@ -12,14 +12,14 @@
 #include "kalvo/table.h"
 #include "kalvo/topn_data_src.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 using std::string_literals::operator""s;
 
 constexpr char kLong[] = "a text that is too long for the buffer that a string has of its own";
 
-struct ServedPage : fakes::PageFixture {
+struct ServedPage : PageFixture {
   explicit ServedPage(std::string_view query) : PageFixture(query) {
     Administrator();
     MayDrillDown();
@@ -64,15 +64,15 @@ Served MakeServed(ServedPage& page) {
   return {source, [&page, own = source.get()] { page.Initialise(*own, Type, Id); }};
 }
 
-fakes::Steps& OfResponse(ServedPage& page) { return page.page->response->steps; }
-fakes::Steps& OfRanking(ServedPage& page) { return page.ranking.steps; }
-fakes::Steps& OfLive(ServedPage& page) { return page.live->steps; }
+Steps& OfResponse(ServedPage& page) { return page.page->response->steps; }
+Steps& OfRanking(ServedPage& page) { return page.ranking.steps; }
+Steps& OfLive(ServedPage& page) { return page.live->steps; }
 
 // A source, and who serves it: the steps at which a script would be asked.
 struct Kind {
   const char* name;
   Served (*make)(ServedPage&);
-  fakes::Steps& (*server)(ServedPage&);
+  Steps& (*server)(ServedPage&);
   std::vector<const char*> steps;
 };
 
@@ -145,7 +145,7 @@ TEST(AskedBack, ASourceOutlivesWhateverItsServersDo) {
             ServedPage page(query);
             const Served served = kind.make(page);
             served.initialise();
-            fakes::Steps& server = kind.server(page);
+            Steps& server = kind.server(page);
             server.When(step, [&] { action.run(served); });
             if (fails) server.Fail(step);
             Render(*served.source);
@@ -196,4 +196,4 @@ TEST(AskedBack, ADatabaseSourceThatIsOpenedAgainLetsGoInOrder) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

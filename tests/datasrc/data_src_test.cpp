@@ -5,11 +5,11 @@
 #include "fakes/page_fixture.h"
 #include "kalvo/table.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 TEST(DataSrc, OpensMovesAndClosesWithoutRows) {
-  fakes::PageFixture page;
+  PageFixture page;
   const auto table = std::make_shared<Table>(page.platform);
   DataSrc source;
   EXPECT_EQ(source.GetRowIndex(), 0);
@@ -25,7 +25,7 @@ TEST(DataSrc, OpensMovesAndClosesWithoutRows) {
 }
 
 TEST(DataSrc, KeepsItsTableAndContext) {
-  fakes::PageFixture page;
+  PageFixture page;
   std::weak_ptr<Table> kept;
   DataSrc source;
   {
@@ -37,4 +37,4 @@ TEST(DataSrc, KeepsItsTableAndContext) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -2,14 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include "fakes/error_of.h"
 #include "fakes/page_fixture.h"
 #include "kalvo/table.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
-using fakes::ErrorOf;
 using std::string_literals::operator""s;
 
 std::string Report(const std::string& text, const std::string& number, const std::string& description) {
@@ -20,7 +19,7 @@ std::string Report(const std::string& text, const std::string& number, const std
 std::string Message(const std::string& text) { return "<p>Error Generating Table: &nbsp;" + text + "</p>\r\n"; }
 
 // The source of a table on a page whose first table it is.
-struct SourceFixture : fakes::PageFixture {
+struct SourceFixture : PageFixture {
   explicit SourceFixture(std::string_view query = "") : PageFixture(query) {
     context->IncrementTableIndex();
     Use("select * from T order by %SORT%");
@@ -291,7 +290,7 @@ TEST(DbDataSrc, TheRowNumberOverflows16Bits) {
   for (int i = 0; i < 32766; ++i) page.source->MoveNext();
   EXPECT_EQ(page.source->GetRowIndex(), 32767);
   page.source->MoveNext();
-  EXPECT_EQ(ErrorOf([&] { page.source->GetRowIndex(); }), 6);
+  EXPECT_EQ(ErrorOf([&] { page.source->GetRowIndex(); }).Number(), 6);
   EXPECT_EQ(page.source->MoveNext(), 0);
 }
 
@@ -460,4 +459,4 @@ TEST(DbDataSrc, FieldNamesAreTracedAsTheDatabaseSpellsThem) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

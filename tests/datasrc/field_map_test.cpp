@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "fakes/error_of.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 TEST(FieldMap, FindsNamesWhateverTheirCase) {
@@ -32,7 +32,7 @@ TEST(FieldMap, FindsNamesOfEveryAlphabet) {
 TEST(FieldMap, ANameThatIsThereAlreadyFails) {
   FieldMap map;
   map.Add("Name");
-  EXPECT_EQ(fakes::ErrorOf([&] { map.Add("NAME"); }), 457);
+  EXPECT_EQ(ErrorOf([&] { map.Add("NAME"); }).Number(), 457);
   EXPECT_EQ(map.Count(), 1);
 }
 
@@ -58,4 +58,4 @@ TEST(FieldMap, AlwaysHasAFreePlace) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -5,7 +5,7 @@
 #include "fakes/page_fixture.h"
 #include "kalvo/table.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 using std::string_literals::operator""s;
@@ -21,7 +21,7 @@ std::string Message(const std::string& text) { return "<p>Error Generating Table
 
 constexpr char kRefusedFolder[] = "Mailbox or folder does not exist, or you are not the owner.";
 
-struct SourceFixture : fakes::PageFixture {
+struct SourceFixture : PageFixture {
   explicit SourceFixture(KalvoTableConstants id, std::string_view query = "") : PageFixture(query) {
     context->IncrementTableIndex();
     context->SetName("EXCH01");
@@ -439,4 +439,4 @@ TEST(MapiDataSrc, TheScopeIsTakenBeforeAnybodyIsAsked) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -2,20 +2,20 @@
 
 #include <gtest/gtest.h>
 
-#include "fakes/error_of.h"
 #include "fakes/page_fixture.h"
 #include "kalvo/db_data_src.h"
 #include "kalvo/mapi_data_src.h"
 #include "kalvo/table.h"
 #include "kalvo/topn_data_src.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 using std::string_literals::operator""s;
 
 // A page with two rows, Ann and Bob, and a total of 30 behind each kind of source.
-struct ThreeSources : fakes::PageFixture {
+struct ThreeSources : PageFixture {
   ThreeSources() {
     context->IncrementTableIndex();
     context->SetName("EXCH01");
@@ -41,7 +41,7 @@ struct ThreeSources : fakes::PageFixture {
 };
 
 // What has been reported since the last look: "[Move next.]" for each.
-std::string Reported(fakes::PageFixture& page) {
+std::string Reported(PageFixture& page) {
   std::string reported;
   const std::string text = page.Taken();
   constexpr std::string_view kStart = "<p>Error Generating Table: &nbsp;";
@@ -53,24 +53,24 @@ std::string Reported(fakes::PageFixture& page) {
 }
 
 // What one operation does: its answer, or "!91" for a failure, and what it reported.
-std::string Done(fakes::PageFixture& page, RowSource& source, const std::string& operation) {
+std::string Done(PageFixture& page, RowSource& source, const std::string& operation) {
   std::string answer;
-  const std::int32_t error = fakes::ErrorOf([&] {
-    if (operation == "open") answer = std::to_string(source.OpenDS());
-    if (operation == "close") answer = std::to_string(source.CloseDS());
-    if (operation == "first") answer = std::to_string(source.MoveFirst());
-    if (operation == "next") answer = std::to_string(source.MoveNext());
-    if (operation == "totals") answer = std::to_string(source.MoveTotals());
-    if (operation == "field") answer = source.GetField("7");
-    if (operation == "count") answer = std::to_string(source.RecordCount());
-    if (operation == "row") answer = std::to_string(source.GetRowIndex());
-  });
+  const std::int32_t error = ErrorOf([&] {
+                               if (operation == "open") answer = std::to_string(source.OpenDS());
+                               if (operation == "close") answer = std::to_string(source.CloseDS());
+                               if (operation == "first") answer = std::to_string(source.MoveFirst());
+                               if (operation == "next") answer = std::to_string(source.MoveNext());
+                               if (operation == "totals") answer = std::to_string(source.MoveTotals());
+                               if (operation == "field") answer = source.GetField("7");
+                               if (operation == "count") answer = std::to_string(source.RecordCount());
+                               if (operation == "row") answer = std::to_string(source.GetRowIndex());
+                             }).Number();
   if (error != 0) answer = "!" + std::to_string(error);
   return operation + "=" + answer + Reported(page);
 }
 
 // The operations one after the other.
-std::string Did(fakes::PageFixture& page, RowSource& source, std::string_view operations) {
+std::string Did(PageFixture& page, RowSource& source, std::string_view operations) {
   std::string did;
   while (!operations.empty()) {
     const std::string operation(operations.substr(0, operations.find(' ')));
@@ -200,15 +200,15 @@ TEST(RowSources, AnswerInEveryOrderOfCalls) {
 
 TEST(RowSources, AnUninitialisedOneOpensNeitherFolderNorMessage) {
   const auto source = std::make_shared<MapiDataSrc>();
-  EXPECT_EQ(fakes::ErrorOf([&] { source->OpenFolderDS(); }), 91);
-  EXPECT_EQ(fakes::ErrorOf([&] { source->OpenMessageDS(); }), 91);
+  EXPECT_EQ(ErrorOf([&] { source->OpenFolderDS(); }).Number(), 91);
+  EXPECT_EQ(ErrorOf([&] { source->OpenMessageDS(); }).Number(), 91);
 }
 
 TEST(RowSources, AnUninitialisedTopNSourceWithRowsOfItsPagesOwnFails) {
   ThreeSources page;
   const auto source = std::make_shared<TopnDataSrc>(page.platform);
   source->SetgRecordCount(7);
-  EXPECT_EQ(fakes::ErrorOf([&] { source->MoveFirst(); }), 91);
+  EXPECT_EQ(ErrorOf([&] { source->MoveFirst(); }).Number(), 91);
   EXPECT_EQ(source->gRecordCount(), 7);
 }
 
@@ -236,4 +236,4 @@ TEST(RowSources, TheRowNumberStaysWithin32Bits) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -4,14 +4,13 @@
 
 #include <limits>
 
-#include "fakes/error_of.h"
 #include "fakes/page_fixture.h"
 #include "kalvo/table.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
-using fakes::ErrorOf;
 using std::string_literals::operator""s;
 
 std::string Report(const std::string& text) {
@@ -21,7 +20,7 @@ std::string Report(const std::string& text) {
 
 std::string Message(const std::string& text) { return "<p>Error Generating Table: &nbsp;" + text + "</p>\r\n"; }
 
-struct SourceFixture : fakes::PageFixture {
+struct SourceFixture : PageFixture {
   explicit SourceFixture(std::string_view query = "", KalvoTableTopN scope = TOPN_SINGLESERVER,
                          KalvoTableConstants id = TABLE_TOPN_MBSPACE)
       : PageFixture(query) {
@@ -251,7 +250,7 @@ TEST(TopnDataSrc, ItsTwoNumbersMayBeSet) {
   EXPECT_EQ(page.source->GetRowIndex(), 32767);
   page.source->SetgRowIndex(32768);
   EXPECT_EQ(page.source->gRowIndex(), 32768);
-  EXPECT_EQ(ErrorOf([&] { page.source->GetRowIndex(); }), 6);
+  EXPECT_EQ(ErrorOf([&] { page.source->GetRowIndex(); }).Number(), 6);
 }
 
 TEST(TopnDataSrc, AFieldIdentifiesItsRowAsItReads) {
@@ -262,4 +261,4 @@ TEST(TopnDataSrc, AFieldIdentifiesItsRowAsItReads) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

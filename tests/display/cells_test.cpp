@@ -3,14 +3,14 @@
 #include "fakes/page_fixture.h"
 #include "kalvo/display.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 using std::string_literals::operator""s;
 
 class Cells : public testing::Test {
  protected:
-  fakes::PageFixture page_;
+  PageFixture page_;
   Display& display_ = *page_.display;
 };
 
@@ -168,4 +168,4 @@ TEST_F(Cells, NoWrapIsExactlyTrueOrMinusOne) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

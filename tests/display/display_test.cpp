@@ -2,23 +2,22 @@
 
 #include <gtest/gtest.h>
 
-#include "fakes/error_of.h"
 #include "fakes/page_fixture.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
-using fakes::ErrorOf;
 using std::string_literals::operator""s;
 
 TEST(Display, TakesTheHostObjectsInTheirOrder) {
-  const auto page = std::make_shared<fakes::FakePage>();
+  const auto page = std::make_shared<FakePage>();
   Display().OnStartPage(*page);
   EXPECT_EQ(page->steps.done, (std::vector<std::string>{"Response()", "Request()", "Session()", "Server()"}));
 }
 
 TEST(Display, WritesNothingToTheResponse) {
-  fakes::PageFixture page;
+  PageFixture page;
   page.display->DetailTableStart("1chart");
   page.display->TableHeaderCell("Size", "u", "d", "l", "h");
   page.display->DeleteMessageForm("S", "M", "F", "I", 0, "C");
@@ -27,14 +26,14 @@ TEST(Display, WritesNothingToTheResponse) {
 
 TEST(Display, BuildersThatEncodeNeedAPage) {
   Display display;
-  EXPECT_EQ(ErrorOf([&] { display.AnchorStart("x.asp"); }), 91);
-  EXPECT_EQ(ErrorOf([&] { display.AddInputField("name"s, "value"s); }), 91);
-  EXPECT_EQ(ErrorOf([&] { display.AddParamToURL("x.asp", "a", "1"); }), 91);
-  EXPECT_EQ(ErrorOf([&] { display.MultipleRowData("x", true, 1, 1, "left"s, ""s, false, ""s); }), 91);
+  EXPECT_EQ(ErrorOf([&] { display.AnchorStart("x.asp"); }).Number(), 91);
+  EXPECT_EQ(ErrorOf([&] { display.AddInputField("name"s, "value"s); }).Number(), 91);
+  EXPECT_EQ(ErrorOf([&] { display.AddParamToURL("x.asp", "a", "1"); }).Number(), 91);
+  EXPECT_EQ(ErrorOf([&] { display.MultipleRowData("x", true, 1, 1, "left"s, ""s, false, ""s); }).Number(), 91);
 
-  fakes::PageFixture page;
+  PageFixture page;
   page.display->OnEndPage();
-  EXPECT_EQ(ErrorOf([&] { page.display->AnchorStart("x.asp"); }), 91);
+  EXPECT_EQ(ErrorOf([&] { page.display->AnchorStart("x.asp"); }).Number(), 91);
 }
 
 TEST(Display, BuildersThatDoNotEncodeNeedNone) {
@@ -51,9 +50,9 @@ TEST(Display, BuildersThatDoNotEncodeNeedNone) {
 }
 
 TEST(Display, AFailingEncoderFailsTheBuilder) {
-  fakes::PageFixture page;
+  PageFixture page;
   page.page->server->fails = true;
-  EXPECT_EQ(ErrorOf([&] { page.display->AnchorStart("x.asp"); }), codes::kFailed);
+  EXPECT_EQ(ErrorOf([&] { page.display->AnchorStart("x.asp"); }).Number(), codes::kFailed);
 }
 
 TEST(Display, ImagesThatAPageMayReplaceBeginAsTheConsoles) {
@@ -83,7 +82,7 @@ TEST(Display, AReplacedImageIsShown) {
 }
 
 TEST(Display, ABookmarkLastsUntilTheNextTableOrPage) {
-  fakes::PageFixture page;
+  PageFixture page;
   const auto link = [&] { return page.display->TableHeaderCell("", "u", "d", "", ""); };
   EXPECT_NE(link().find("href=\"u\""), std::string::npos);
   page.display->DetailTableStart("r 1");
@@ -94,4 +93,4 @@ TEST(Display, ABookmarkLastsUntilTheNextTableOrPage) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -2,21 +2,20 @@
 
 #include <limits>
 
-#include "fakes/error_of.h"
 #include "fakes/page_fixture.h"
 #include "kalvo/display.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
-using fakes::ErrorOf;
 using std::string_literals::operator""s;
 
 class Thing : public Object {};
 
 class Format : public testing::Test {
  protected:
-  fakes::PageFixture page_;
+  PageFixture page_;
   Display& display_ = *page_.display;
 };
 
@@ -81,11 +80,11 @@ TEST_F(Format, ANullNumberBecomesZeroInTheCallersVariable) {
 
 TEST_F(Format, WhatIsNoNumberFails) {
   Value text = "abc"s;
-  EXPECT_EQ(ErrorOf([&] { display_.Kalvo_FormatNumber(text, false); }), 13);
-  EXPECT_EQ(ErrorOf([&] { display_.Kalvo_FormatNumericValue("abc"s, 1, ""s, ""s); }), 13);
-  EXPECT_EQ(ErrorOf([&] { display_.Kalvo_FormatNumericValue(""s, 1, ""s, ""s); }), 13);
+  EXPECT_EQ(ErrorOf([&] { display_.Kalvo_FormatNumber(text, false); }).Number(), 13);
+  EXPECT_EQ(ErrorOf([&] { display_.Kalvo_FormatNumericValue("abc"s, 1, ""s, ""s); }).Number(), 13);
+  EXPECT_EQ(ErrorOf([&] { display_.Kalvo_FormatNumericValue(""s, 1, ""s, ""s); }).Number(), 13);
   Value infinite = std::numeric_limits<double>::infinity();
-  EXPECT_EQ(ErrorOf([&] { display_.Kalvo_FormatNumber(infinite, false); }), 6);
+  EXPECT_EQ(ErrorOf([&] { display_.Kalvo_FormatNumber(infinite, false); }).Number(), 6);
 }
 
 TEST_F(Format, ABlankBetweenGroupsDoesNotBreak) {
@@ -119,8 +118,8 @@ TEST_F(Format, ValuesAreScaledAndNegativeOnesStandInBrackets) {
     EXPECT_EQ(display_.Kalvo_FormatNumericValue(c.number, c.scale, std::string(c.units), std::string(c.fallback)),
               c.text);
   }
-  EXPECT_EQ(ErrorOf([&] { display_.Kalvo_FormatNumericValue(std::int32_t{1}, 0, ""s, ""s); }), 11);
-  EXPECT_EQ(ErrorOf([&] { display_.Kalvo_FormatNumericValue(-1.0, 0.0, ""s, ""s); }), 11);
+  EXPECT_EQ(ErrorOf([&] { display_.Kalvo_FormatNumericValue(std::int32_t{1}, 0, ""s, ""s); }).Number(), 11);
+  EXPECT_EQ(ErrorOf([&] { display_.Kalvo_FormatNumericValue(-1.0, 0.0, ""s, ""s); }).Number(), 11);
   EXPECT_EQ(display_.Kalvo_FormatNumericValue(Null{}, 1, ""s, std::int32_t{7}), "7");
 }
 
@@ -268,4 +267,4 @@ TEST_F(Format, AParameterIsAddedToAUrl) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

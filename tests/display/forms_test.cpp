@@ -3,14 +3,14 @@
 #include "fakes/page_fixture.h"
 #include "kalvo/display.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 using std::string_literals::operator""s;
 
 class Forms : public testing::Test {
  protected:
-  fakes::PageFixture page_;
+  PageFixture page_;
   Display& display_ = *page_.display;
 };
 
@@ -100,4 +100,4 @@ TEST_F(Forms, TheDeleteFormEncodesNothing) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

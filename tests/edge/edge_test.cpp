@@ -6,8 +6,10 @@
 #include "host/script/page/page_directive.h"
 #include "host/script/page/request.h"
 
-namespace kalvo::edge {
+namespace kalvo::test {
 namespace {
+
+using namespace edge;
 
 class EdgeTest : public testing::Test {
  protected:
@@ -26,9 +28,9 @@ class EdgeTest : public testing::Test {
     return values;
   }
 
-  fakes::FakeDatabase database_;
-  fakes::FakeRanking ranking_;
-  fakes::FakeClock clock_;
+  FakeDatabase database_;
+  FakeRanking ranking_;
+  FakeClock clock_;
   Platform platform_{database_, ranking_, clock_};
   Edge edge_{platform_};
   host::PageDirective page_;
@@ -121,4 +123,4 @@ TEST_F(EdgeTest, HidesTracesAndSaysSo) {
 }
 
 }  // namespace
-}  // namespace kalvo::edge
+}  // namespace kalvo::test

@@ -4,8 +4,10 @@
 
 #include "host/script/page/page_request.h"
 
-namespace kalvo::edge {
+namespace kalvo::test {
 namespace {
+
+using namespace edge;
 
 std::string Times(int count, const std::string& part) {
   std::string text;
@@ -48,4 +50,4 @@ TEST(LimitsTest, SayHowMuchIsTaken) {
 }
 
 }  // namespace
-}  // namespace kalvo::edge
+}  // namespace kalvo::test

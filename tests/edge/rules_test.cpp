@@ -15,8 +15,10 @@
 #include "source_folder.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::edge {
+namespace kalvo::test {
 namespace {
+
+using namespace edge;
 
 constexpr Judgement kFits = Judgement::Fits, kUnfit = Judgement::Unfit, kTooLarge = Judgement::TooLarge;
 
@@ -28,9 +30,9 @@ class RulesTest : public testing::Test {
     return FindRule(parameter)->judge(value, {words_, page_});
   }
 
-  fakes::FakeDatabase database_;
-  fakes::FakeRanking ranking_;
-  fakes::FakeClock clock_;
+  FakeDatabase database_;
+  FakeRanking ranking_;
+  FakeClock clock_;
   Platform platform_{database_, ranking_, clock_};
   SortWords words_{platform_};
   host::PageDirective page_;
@@ -164,7 +166,7 @@ TEST(PlaceholderTest, IsFoundAnywhereInAValue) {
 
 // The documents say what the code does.
 TEST(EdgeDocumentTest, HoldsEveryRuleAndLimit) {
-  const std::string document = test::ReadFile(std::filesystem::path(KALVO_SOURCE_DIR) / "docs/edge.md");
+  const std::string document = ReadFile(std::filesystem::path(KALVO_SOURCE_DIR) / "docs/edge.md");
   std::string table = "| Parameter | Takes |\n|---|---|\n";
   for (const Rule& rule : Rules()) Append(table, "| `", rule.parameter, "` | ", rule.takes, " |\n");
   EXPECT_NE(document.find(table), std::string::npos) << "the rules read:\n" << table;
@@ -178,4 +180,4 @@ TEST(EdgeDocumentTest, HoldsEveryRuleAndLimit) {
 }
 
 }  // namespace
-}  // namespace kalvo::edge
+}  // namespace kalvo::test

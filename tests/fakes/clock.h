@@ -2,7 +2,7 @@
 
 #include "kalvo/platform/clock.h"
 
-namespace kalvo::fakes {
+namespace kalvo::test {
 
 // Stands at 1999-01-02 15:04:05; each reading of the timer is a step later.
 class FakeClock : public Clock {
@@ -19,4 +19,4 @@ class FakeClock : public Clock {
   }
 };
 
-}  // namespace kalvo::fakes
+}  // namespace kalvo::test

@@ -9,7 +9,7 @@
 #include "kalvo/row_source.h"
 #include "kalvo/table_column.h"
 
-namespace kalvo::fakes {
+namespace kalvo::test {
 
 // Cells that say what they are: "[Name]" in the header, "[Name=value]" of the field of its name, "[+Name]" in the
 // totals, "[TOTAL]" for the first of them. Steps: Header, Data and Total with the column's name before a point.
@@ -57,4 +57,4 @@ class FakeColumns : public ColumnCatalogue {
   std::map<std::int16_t, std::shared_ptr<TableColumn>> columns_;
 };
 
-}  // namespace kalvo::fakes
+}  // namespace kalvo::test

@@ -12,7 +12,7 @@
 #include "kalvo/platform/database.h"
 #include "kalvo/platform/value.h"
 
-namespace kalvo::fakes {
+namespace kalvo::test {
 
 // What one statement gives.
 struct FakeResult {
@@ -121,4 +121,4 @@ inline std::unique_ptr<RecordSet> FakeConnection::Execute(const Batch& batch) {
 
 inline void FakeConnection::Close() { database_.steps.Do("Connection.Close"); }
 
-}  // namespace kalvo::fakes
+}  // namespace kalvo::test

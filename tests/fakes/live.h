@@ -9,7 +9,7 @@
 #include "fakes/steps.h"
 #include "kalvo/platform/live_mailbox.h"
 
-namespace kalvo::fakes {
+namespace kalvo::test {
 
 using LiveItem = std::map<std::string, Value>;
 
@@ -101,4 +101,4 @@ class FakeLive : public LiveContainer {
   static std::int32_t Size(const FakeListing& listing) { return static_cast<std::int32_t>(listing.items.size()); }
 };
 
-}  // namespace kalvo::fakes
+}  // namespace kalvo::test

@@ -2,7 +2,7 @@
 
 #include "kalvo/platform/conversion.h"
 
-namespace kalvo::fakes {
+namespace kalvo::test {
 
 namespace {
 
@@ -135,4 +135,4 @@ std::shared_ptr<LiveContainer> FakeSession::StaticObject(std::string_view name) 
   return found->second;
 }
 
-}  // namespace kalvo::fakes
+}  // namespace kalvo::test

@@ -11,7 +11,7 @@
 #include "kalvo/platform/live_mailbox.h"
 #include "kalvo/platform/page_host.h"
 
-namespace kalvo::fakes {
+namespace kalvo::test {
 
 // Collects what is written. Steps: Write, Flush.
 class FakeResponse : public Response {
@@ -98,4 +98,4 @@ class FakePage : public ScriptingContext {
   std::shared_ptr<Server> GetServer() override { return steps.Do("Server"), server; }
 };
 
-}  // namespace kalvo::fakes
+}  // namespace kalvo::test

@@ -14,7 +14,7 @@
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/platform.h"
 
-namespace kalvo::fakes {
+namespace kalvo::test {
 
 // A page under way: the outside in memory, and a context and a display that have been started on it.
 struct PageFixture {
@@ -49,4 +49,4 @@ struct PageFixture {
   std::shared_ptr<Display> display = std::make_shared<Display>();
 };
 
-}  // namespace kalvo::fakes
+}  // namespace kalvo::test

@@ -10,7 +10,7 @@
 #include "fakes/steps.h"
 #include "kalvo/platform/ranking.h"
 
-namespace kalvo::fakes {
+namespace kalvo::test {
 
 using RankedRow = std::map<std::int16_t, Value>;
 
@@ -84,4 +84,4 @@ class FakeRanking : public TopNFactory {
   }
 };
 
-}  // namespace kalvo::fakes
+}  // namespace kalvo::test

@@ -9,7 +9,7 @@
 #include "fakes/steps.h"
 #include "kalvo/row_source.h"
 
-namespace kalvo::fakes {
+namespace kalvo::test {
 
 // One row whose fields are written down; a field that it does not have reads "". Steps: GetField, GetIdentifier.
 class FakeRowSource : public RowSource {
@@ -38,4 +38,4 @@ class FakeRowSource : public RowSource {
   std::int16_t GetRowIndex() override { return 1; }
 };
 
-}  // namespace kalvo::fakes
+}  // namespace kalvo::test

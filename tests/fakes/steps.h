@@ -12,7 +12,7 @@
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/error.h"
 
-namespace kalvo::fakes {
+namespace kalvo::test {
 
 // What a fake was asked to do, in order, and what it refuses to do. A step is recorded with its arguments,
 // "Load(2, EXCH01)", and refused by its name alone.
@@ -78,4 +78,4 @@ class Steps {
   bool acting_ = false;
 };
 
-}  // namespace kalvo::fakes
+}  // namespace kalvo::test

@@ -9,7 +9,7 @@
 #include "fuzz/targets.h"
 #include "source_folder.h"
 
-namespace kalvo::fuzz {
+namespace kalvo::test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -48,4 +48,4 @@ INSTANTIATE_TEST_SUITE_P(Fuzz, Corpus, testing::ValuesIn(Targets().begin(), Targ
 TEST(Corpus, ABrokenWordIsNoticed) { EXPECT_THROW(Require(false, "broken"), Broken); }
 
 }  // namespace
-}  // namespace kalvo::fuzz
+}  // namespace kalvo::test

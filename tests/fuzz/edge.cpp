@@ -10,14 +10,14 @@
 #include "host/script/text/named_values.h"
 #include "kalvo/platform/platform.h"
 
-namespace kalvo::fuzz {
+namespace kalvo::test {
 namespace {
 
 // The edge of a program whose outside is in memory.
 struct Program {
-  fakes::FakeDatabase database;
-  fakes::FakeRanking ranking;
-  fakes::FakeClock clock;
+  FakeDatabase database;
+  FakeRanking ranking;
+  FakeClock clock;
   Platform platform{database, ranking, clock};
   edge::Edge edge{platform};
 };
@@ -58,4 +58,4 @@ void Edge(std::string_view bytes) {
   Require(!again.refusal && again.takenAway.empty(), "what passed once passes again");
 }
 
-}  // namespace kalvo::fuzz
+}  // namespace kalvo::test

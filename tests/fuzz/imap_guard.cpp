@@ -8,7 +8,7 @@
 #include "adapters/imap/response_guard.h"
 #include "fuzz/targets.h"
 
-namespace kalvo::fuzz {
+namespace kalvo::test {
 namespace {
 
 constexpr imap::Limits kLimits = {.lineBytes = 4096, .literalBytes = 4096, .answerBytes = 65536, .depth = 50};
@@ -79,4 +79,4 @@ void ImapGuard(std::string_view bytes) {
   }
 }
 
-}  // namespace kalvo::fuzz
+}  // namespace kalvo::test

@@ -8,8 +8,8 @@
 #include "fuzz/targets.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const kalvo::fuzz::Target& target =
-      *std::ranges::find(kalvo::fuzz::Targets(), KALVO_FUZZ_TARGET, &kalvo::fuzz::Target::name);
+  static const kalvo::test::Target& target =
+      *std::ranges::find(kalvo::test::Targets(), KALVO_FUZZ_TARGET, &kalvo::test::Target::name);
   target.run({reinterpret_cast<const char*>(data), size});
   return 0;
 }

@@ -9,7 +9,7 @@
 #include "fuzz/targets.h"
 #include "host/script/text/text.h"
 
-namespace kalvo::fuzz {
+namespace kalvo::test {
 
 void MimeMessage(std::string_view bytes) {
   const maildir::File file(memfd_create("message", MFD_CLOEXEC));
@@ -26,4 +26,4 @@ void MimeMessage(std::string_view bytes) {
   }
 }
 
-}  // namespace kalvo::fuzz
+}  // namespace kalvo::test

@@ -6,7 +6,7 @@
 
 #include "fuzz/targets.h"
 
-namespace kalvo::fuzz {
+namespace kalvo::test {
 namespace {
 
 // Bytes up to the first NUL are the page, what is behind it is the one file that it may include.
@@ -43,4 +43,4 @@ void PageParser(std::string_view bytes) {
   }
 }
 
-}  // namespace kalvo::fuzz
+}  // namespace kalvo::test

@@ -6,7 +6,7 @@
 #include "host/script/text/text.h"
 #include "kalvo/platform/conversion.h"
 
-namespace kalvo::fuzz {
+namespace kalvo::test {
 namespace {
 
 void HoldsNames(const host::NamedValues& names, std::size_t mostValues) {
@@ -29,4 +29,4 @@ void QueryAndForm(std::string_view bytes) {
   HoldsNames(host::NamedValues::FromCookies(bytes), cookies);
 }
 
-}  // namespace kalvo::fuzz
+}  // namespace kalvo::test

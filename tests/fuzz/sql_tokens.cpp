@@ -7,7 +7,7 @@
 #include "fuzz/targets.h"
 #include "kalvo/platform/error.h"
 
-namespace kalvo::fuzz {
+namespace kalvo::test {
 namespace {
 
 bool IsWithin(std::string_view part, std::string_view whole) {
@@ -52,4 +52,4 @@ void SqlTokens(std::string_view bytes) {
   }
 }
 
-}  // namespace kalvo::fuzz
+}  // namespace kalvo::test

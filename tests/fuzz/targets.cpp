@@ -1,6 +1,6 @@
 #include "fuzz/targets.h"
 
-namespace kalvo::fuzz {
+namespace kalvo::test {
 
 std::span<const Target> Targets() {
   // clang-format off
@@ -17,4 +17,4 @@ std::span<const Target> Targets() {
   return kTargets;
 }
 
-}  // namespace kalvo::fuzz
+}  // namespace kalvo::test

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string_view>
 
-namespace kalvo::fuzz {
+namespace kalvo::test {
 
 // What a parser of outside text has to hold for every input. A target takes any bytes; it throws `Broken`, or is
 // stopped by a sanitizer, when the parser breaks its word.
@@ -32,4 +32,4 @@ void Utf8(std::string_view bytes);
 void ImapGuard(std::string_view bytes);
 void MimeMessage(std::string_view bytes);
 
-}  // namespace kalvo::fuzz
+}  // namespace kalvo::test

@@ -4,7 +4,7 @@
 #include "fuzz/targets.h"
 #include "host/script/text/text.h"
 
-namespace kalvo::fuzz {
+namespace kalvo::test {
 
 void Utf8(std::string_view bytes) {
   const std::string wellFormed = host::WellFormed(bytes);
@@ -26,4 +26,4 @@ void Utf8(std::string_view bytes) {
   Require(mail::FromModifiedUtf7(mail::ToModifiedUtf7(wellFormed)) == wellFormed, "a folder's name comes back");
 }
 
-}  // namespace kalvo::fuzz
+}  // namespace kalvo::test

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "fakes/golden.h"
 #include "fakes/page_fixture.h"
 #include "fakes/row_source.h"
 #include "generator/table_rows.h"
@@ -16,17 +15,18 @@
 #include "kalvo/table_constants.h"
 #include "kalvo/table_database.h"
 #include "kalvo/topn_data_src.h"
+#include "support/golden.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 using std::string_literals::operator""s;
 
 // Answers every field with its own name in brackets, but for those that are written down.
-class NamedFields : public fakes::FakeRowSource {
+class NamedFields : public FakeRowSource {
  public:
   std::string_view GetField(std::string_view name) override {
-    if (fields.contains(name)) return fakes::FakeRowSource::GetField(name);
+    if (fields.contains(name)) return FakeRowSource::GetField(name);
     return answer_ = "[" + std::string(name) + "]";
   }
   std::optional<std::string_view> GetIdentifier(std::string_view name) override { return GetField(name); }
@@ -50,7 +50,7 @@ void AppendDefinition(std::string& out, const ColumnDefinition& column) {
 }
 
 TEST(ApprovedFacts, Columns) {
-  fakes::PageFixture page;
+  PageFixture page;
   page.Administrator();
   NamedFields row;
   const KalvoColumnDatabase catalogue;
@@ -68,11 +68,11 @@ TEST(ApprovedFacts, Columns) {
       out += '\n';
     }
   }
-  fakes::ExpectGolden("catalogues/columns.txt", out);
+  ExpectGolden("catalogues/columns.txt", out);
 }
 
 // The cell that a definition makes of a row.
-std::string CellOf(fakes::PageFixture& page, const ColumnDefinition& column, RowSource& row) {
+std::string CellOf(PageFixture& page, const ColumnDefinition& column, RowSource& row) {
   try {
     return KalvoColumn(column).ConstructHTMLData(*page.context, *page.display, row);
   } catch (const Error& error) {
@@ -81,7 +81,7 @@ std::string CellOf(fakes::PageFixture& page, const ColumnDefinition& column, Row
 }
 
 TEST(ApprovedFacts, Links) {
-  fakes::PageFixture page("Container=c&ContainerId=ci&PublicFolderId=pi");
+  PageFixture page("Container=c&ContainerId=ci&PublicFolderId=pi");
   page.context->SetName("Name");
   page.context->SetMailbox("Mailbox");
   NamedFields row;
@@ -104,11 +104,11 @@ TEST(ApprovedFacts, Links) {
       Append(out, kind, " ", code, " ", CellOf(page, column, row), "\n");
     }
   }
-  fakes::ExpectGolden("catalogues/links.txt", out);
+  ExpectGolden("catalogues/links.txt", out);
 }
 
 TEST(ApprovedFacts, Pictures) {
-  fakes::PageFixture page("Container=c&ContainerId=ci&PublicFolderId=pi");
+  PageFixture page("Container=c&ContainerId=ci&PublicFolderId=pi");
   page.context->SetName("Name");
   page.context->SetMailbox("Mailbox");
   NamedFields row;
@@ -120,7 +120,7 @@ TEST(ApprovedFacts, Pictures) {
     const std::string cell = CellOf(page, column, row);
     if (cell != "<td>&nbsp;</td>") Append(out, id, " ", cell, "\n");
   }
-  fakes::ExpectGolden("catalogues/pictures.txt", out);
+  ExpectGolden("catalogues/pictures.txt", out);
 }
 
 // ---- tables ---------------------------------------------------------------------------------------------
@@ -133,7 +133,7 @@ std::string_view KindOf(const std::shared_ptr<RowSource>& source) {
 
 // What of a table's settings a page shows of one row.
 void AppendShown(std::string& out, const Table& table) {
-  fakes::PageFixture page;
+  PageFixture page;
   page.Administrator();
   page.MayDrillDown();
   page.context->SetName("Name");
@@ -153,7 +153,7 @@ void AppendShown(std::string& out, const Table& table) {
 }
 
 TEST(ApprovedFacts, Tables) {
-  fakes::PageFixture page;
+  PageFixture page;
   page.context->SetTopN(TOPN_SITE);
   const KalvoTableDatabase catalogue(page.platform);
   std::string out;
@@ -170,7 +170,7 @@ TEST(ApprovedFacts, Tables) {
     const std::string_view fixed = TableConstants().TableSQL(static_cast<KalvoTableConstants>(id));
     if (!fixed.empty()) Append(out, "fixed: ", fixed, "\n");
   }
-  fakes::ExpectGolden("catalogues/tables.txt", out);
+  ExpectGolden("catalogues/tables.txt", out);
 }
 
 // What no page shows of a table, as it stands in the list itself.
@@ -181,7 +181,7 @@ TEST(ApprovedFacts, WhatNoPageShowsOfATable) {
            Spelled(row.charts == tables::ShowCharts), " | last scan ", Spelled(row.lastScan == tables::ShowScan),
            " | entries ", Spelled(row.entries == tables::ShowEntries), "\n");
   }
-  fakes::ExpectGolden("catalogues/unshown.txt", out);
+  ExpectGolden("catalogues/unshown.txt", out);
 }
 
 // ---- names ----------------------------------------------------------------------------------------------
@@ -193,8 +193,8 @@ TEST(ApprovedFacts, Names) {
 #undef KALVO_APPEND_NAME
   const TableConstants constants;
   Append(out, constants.TABLES_DSN(), " ", constants.gszAscendingSort(), " ", constants.gszDescendingSort(), "\n");
-  fakes::ExpectGolden("catalogues/names.txt", out);
+  ExpectGolden("catalogues/names.txt", out);
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -3,7 +3,7 @@
 #include "fakes/page_fixture.h"
 #include "kalvo/table_generator.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 using std::string_literals::operator""s;
@@ -16,7 +16,7 @@ std::string Report(const std::string& text, const std::string& number = "8000400
 }
 
 // The path of a live listing on a page; the user may drill down, and names mean the address "ken@x".
-struct PathFixture : fakes::PageFixture {
+struct PathFixture : PageFixture {
   explicit PathFixture(std::string_view query = "") : PageFixture(query) {
     generator->OnStartPage(*page);
     MayDrillDown();
@@ -283,4 +283,4 @@ TEST(FolderPath, OfAPublicFolderTheIdentifierComesBeforeTheContainer) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -2,18 +2,17 @@
 
 #include <limits>
 
-#include "fakes/error_of.h"
 #include "fakes/page_fixture.h"
 #include "kalvo/table_generator.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
-using fakes::ErrorOf;
 using std::string_literals::operator""s;
 using Steps = std::vector<std::string>;
 
-struct MessageFixture : fakes::PageFixture {
+struct MessageFixture : PageFixture {
   explicit MessageFixture(std::string_view query = "", std::string_view form = "") : PageFixture(query, form) {
     generator->OnStartPage(*page);
     MayDrillDown();
@@ -163,7 +162,7 @@ TEST(UserPermissions, WithoutAServerTheSessionIsNotTouched) {
 TEST(UserPermissions, ASessionThatDoesNotTellMakesNoAdministrator) {
   MessageFixture page;
   page.page->request->variables["LOGON_USER"] = "DOMAIN\\bob";
-  page.page->session->values["KalvoAdministrator"] = std::make_shared<fakes::FakeSession>();
+  page.page->session->values["KalvoAdministrator"] = std::make_shared<FakeSession>();
   EXPECT_FALSE(page.generator->CheckUserPermissions("EXCH01", "Ken"));
 }
 
@@ -199,7 +198,7 @@ TEST(DeleteMessage, RemovesTheMessageThatTheFormNames) {
 TEST(DeleteMessage, AfterThePageThereIsNothingToRead) {
   MessageFixture page(std::string(kQuery) + "0");
   page.generator->OnEndPage();
-  EXPECT_EQ(ErrorOf([&] { page.Delete(); }), 91);
+  EXPECT_EQ(ErrorOf([&] { page.Delete(); }).Number(), 91);
 }
 
 TEST(DeleteMessage, ReadsTheQueryStringAlone) {
@@ -227,17 +226,17 @@ TEST(DeleteMessage, AnOwnerMayDelete) {
 TEST(DeleteMessage, AFailingStepIsRaisedAndNamed) {
   MessageFixture page(kQuery);
   page.live->steps.Fail("RemoveMessage", 77);
-  EXPECT_EQ(ErrorOf([&] { page.Delete(); }), 77);
+  EXPECT_EQ(ErrorOf([&] { page.Delete(); }).Number(), 77);
   EXPECT_EQ(page.errorString, "Delete Message");
   page.page->session->objects.clear();
-  EXPECT_EQ(ErrorOf([&] { page.Delete(); }), 424);
+  EXPECT_EQ(ErrorOf([&] { page.Delete(); }).Number(), 424);
   EXPECT_EQ(page.errorString, "Get the live container object.");
   EXPECT_EQ(page.Text(), "");
 }
 
 TEST(DeleteMessage, FlagsBeyond16BitsAreRaised) {
   MessageFixture page(kQuery + "32768"s);
-  EXPECT_EQ(ErrorOf([&] { page.Delete(); }), 6);
+  EXPECT_EQ(ErrorOf([&] { page.Delete(); }).Number(), 6);
   EXPECT_EQ(page.errorString, "Unknown Error");
   EXPECT_TRUE(page.live->steps.done.empty());
 }
@@ -258,4 +257,4 @@ TEST(DeleteMessage, AnUnknownOwnerMakesAnAnonymousDeleteDoubtful) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

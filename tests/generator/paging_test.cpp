@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 TEST(Paging, ChoosesTheRowsOfAPage) {
@@ -48,4 +48,4 @@ TEST(Paging, ChoosesTheRowsOfAPage) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

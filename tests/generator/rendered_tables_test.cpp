@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "fakes/golden.h"
 #include "fakes/page_fixture.h"
 #include "kalvo/table_generator.h"
+#include "support/golden.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 using std::string_literals::operator""s;
@@ -43,7 +43,7 @@ const Rendered kTables[] = {
     {"folders_refused", TABLE_MAPI_PUBLICFOLDER_FOLDERS, ""},
 };
 
-fakes::FakeResult AlertRows() {
+FakeResult AlertRows() {
   const auto alert = [](std::uint8_t id, const char* kind, const char* resource, const char* server, const char* code,
                         const char* missing) -> std::vector<Value> {
     return {Bytes{0xA0, id},
@@ -67,7 +67,7 @@ fakes::FakeResult AlertRows() {
            alert(4, "Public folder", "\\A\\B", "EXCH01", "5004", "0"), alert(5, "Server Group", "", "", "5001", "")}};
 }
 
-std::deque<fakes::FakeResult> ResultsOf(KalvoTableConstants table) {
+std::deque<FakeResult> ResultsOf(KalvoTableConstants table) {
   const std::int32_t one = 1;
   switch (table) {
     case TABLE_CURRENTALERTS: return {AlertRows()};
@@ -94,7 +94,7 @@ std::deque<fakes::FakeResult> ResultsOf(KalvoTableConstants table) {
   }
 }
 
-void Fill(fakes::PageFixture& page, KalvoTableConstants table) {
+void Fill(PageFixture& page, KalvoTableConstants table) {
   page.database.results = ResultsOf(table);
   page.ranking.rows = {{{2, "Ann"s},
                         {7, std::int32_t{1500}},
@@ -137,27 +137,27 @@ void Fill(fakes::PageFixture& page, KalvoTableConstants table) {
 TEST(RenderedTables, AreTheGoldenOnes) {
   for (const Rendered& rendered : kTables) {
     SCOPED_TRACE(rendered.golden);
-    fakes::PageFixture page(rendered.query);
+    PageFixture page(rendered.query);
     if (rendered.user == User::Administrator) page.Administrator();
     Fill(page, rendered.table);
     KalvoforExchangeTableGenerator generator(page.platform);
     generator.OnStartPage(*page.page);
     generator.BuildTable(rendered.table, "EXCH01", "Org", "Site", "Ken", "\\Inbox", rendered.scope,
                          "There are no items in this report.", rendered.title);
-    fakes::ExpectGolden("rendering/"s + rendered.golden + ".html", page.Text());
+    ExpectGolden("rendering/"s + rendered.golden + ".html", page.Text());
   }
 }
 
 TEST(RenderedTables, TwoOfAPageKeepTheirStatesApart) {
-  fakes::PageFixture page("Sort=&Sort=MbName&SortOrder=&SortOrder=DESC&PageSize=2");
+  PageFixture page("Sort=&Sort=MbName&SortOrder=&SortOrder=DESC&PageSize=2");
   KalvoforExchangeTableGenerator generator(page.platform);
   generator.OnStartPage(*page.page);
   for (const auto table : {TABLE_CURRENTALERTS, TABLE_AmbiguousAddressResolution}) {
     Fill(page, table);
     generator.BuildTable(table, "EXCH01");
   }
-  fakes::ExpectGolden("rendering/two_tables.html", page.Text());
+  ExpectGolden("rendering/two_tables.html", page.Text());
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 std::string Sql(int table) { return std::string(TableConstants().TableSQL(static_cast<KalvoTableConstants>(table))); }
@@ -85,4 +85,4 @@ TEST(TableConstants, TheShortQueriesAreTheseToTheLetter) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

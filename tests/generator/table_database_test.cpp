@@ -6,7 +6,6 @@
 #include <map>
 #include <set>
 
-#include "fakes/error_of.h"
 #include "fakes/page_fixture.h"
 #include "kalvo/column.h"
 #include "kalvo/column_database.h"
@@ -14,11 +13,11 @@
 #include "kalvo/platform/conversion.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
-using fakes::ErrorOf;
 using std::string_literals::operator""s;
 
 constexpr int kFirst = 2, kLast = 67;
@@ -28,7 +27,7 @@ class TableDatabase : public testing::Test {
   Table& Of(int id) { return *database_.GetTable(id); }
   std::string Sql(int id) { return Of(id).GetSQL(); }
 
-  fakes::PageFixture page_;
+  PageFixture page_;
   KalvoTableDatabase database_{page_.platform};
   KalvoColumnDatabase columns_;
 };
@@ -56,8 +55,8 @@ TEST_F(TableDatabase, SixtySixSlotsAreFilled) {
 TEST_F(TableDatabase, AnIdOutsideOfTheSlotsFails) {
   for (const int id : {0, 69, 70, 71, 72, 73, 74, 75, -5}) {
     SCOPED_TRACE(id);
-    EXPECT_EQ(ErrorOf([&] { database_.GetTable(id); }), 9);
-    EXPECT_EQ(ErrorOf([&] { database_.IsTableNull(id); }), 9);
+    EXPECT_EQ(ErrorOf([&] { database_.GetTable(id); }).Number(), 9);
+    EXPECT_EQ(ErrorOf([&] { database_.IsTableNull(id); }).Number(), 9);
   }
 }
 
@@ -191,7 +190,7 @@ TEST_F(TableDatabase, TablesShowWhatTheirSettingsSay) {
                                 50, 51, 52, 53, 56, 57, 58, 59, 60, 61, 62, 63, 64, 65, 66, 67};
   for (int id = kFirst; id <= kLast; ++id) {
     SCOPED_TRACE(id);
-    fakes::PageFixture page(id == 66 || id == 67 ? "MessageId=m" : "");
+    PageFixture page(id == 66 || id == 67 ? "MessageId=m" : "");
     page.Administrator();
     page.MayDrillDown();
     page.context->SetName("EXCH01");
@@ -214,7 +213,7 @@ TEST_F(TableDatabase, TablesShowWhatTheirSettingsSay) {
 TEST_F(TableDatabase, EachTableReadsTheSourceOfItsType) {
   for (int id = kFirst; id <= kLast; ++id) {
     SCOPED_TRACE(id);
-    fakes::PageFixture page("Debug=Table");
+    PageFixture page("Debug=Table");
     KalvoTableDatabase database(page.platform);
     database.GetTable(id)->BuildHTML(*page.context, *page.page->response, *page.display, columns_, "", "");
     const char* label = id <= 43 ? "(KalvoDB Table)" : id <= 61 ? "(TopN Table)" : "(MAPI Table)";
@@ -392,4 +391,4 @@ TEST_F(TableDatabase, ScopesAreAskedForWhereATableHasOne) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -2,16 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include "fakes/error_of.h"
 #include "fakes/page_fixture.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
-using fakes::ErrorOf;
 using std::string_literals::operator""s;
 
-struct GeneratorFixture : fakes::PageFixture {
+struct GeneratorFixture : PageFixture {
   explicit GeneratorFixture(std::string_view query = "") : PageFixture(query) { generator->OnStartPage(*page); }
 
   std::string Sql() const { return database.sql; }
@@ -21,8 +20,8 @@ struct GeneratorFixture : fakes::PageFixture {
 };
 
 TEST(TableGenerator, TakesTheHostObjectsInTheirOrderAndStartsItsOwn) {
-  fakes::PageFixture host;
-  const auto page = std::make_shared<fakes::FakePage>();
+  PageFixture host;
+  const auto page = std::make_shared<FakePage>();
   const std::vector<std::string> once = {"Response()", "Request()", "Session()", "Server()"};
   std::vector<std::string> thrice;
   for (int i = 0; i < 3; ++i) thrice.insert(thrice.end(), once.begin(), once.end());
@@ -48,7 +47,7 @@ TEST(TableGenerator, IdsWithoutASlotFailAndWriteNothing) {
   for (const int id : {0, 69, 70, 71, 72, 73, 74, 75, -1, 999}) {
     SCOPED_TRACE(id);
     GeneratorFixture page;
-    EXPECT_EQ(ErrorOf([&] { page.generator->BuildTable(static_cast<KalvoTableConstants>(id)); }), 9);
+    EXPECT_EQ(ErrorOf([&] { page.generator->BuildTable(static_cast<KalvoTableConstants>(id)); }).Number(), 9);
     EXPECT_EQ(page.Text(), "");
   }
 }
@@ -92,7 +91,7 @@ TEST(TableGenerator, EachTableOfAPageIsSortedByItsOwnPosition) {
 }
 
 TEST(TableGenerator, GivesTheFixedSqlWithoutAPage) {
-  fakes::PageFixture host;
+  PageFixture host;
   const KalvoforExchangeTableGenerator generator(host.platform);
   EXPECT_EQ(generator.GetTableSQL(TABLE_TASK_STORAGEADVISORY_MISSINGSERVERS),
             "SELECT s.* FROM EXDB_SERVER s Where s.Missing = 1 and s.serverstate = 2");
@@ -113,23 +112,23 @@ TEST(TableGenerator, TearDownChangesNothing) {
 TEST(TableGenerator, AfterThePageItsOwnWritesFailAndATablesAreSkipped) {
   GeneratorFixture page;
   page.generator->OnEndPage();
-  EXPECT_EQ(ErrorOf([&] { page.generator->BuildTable(TABLE_ALLMANAGEDCOMPUTERS); }), 91);
-  EXPECT_EQ(ErrorOf([&] { page.generator->BuildTable(TABLE_CURRENTALERTS); }), 0);
+  EXPECT_EQ(ErrorOf([&] { page.generator->BuildTable(TABLE_ALLMANAGEDCOMPUTERS); }).Number(), 91);
+  EXPECT_EQ(ErrorOf([&] { page.generator->BuildTable(TABLE_CURRENTALERTS); }).Number(), 0);
   EXPECT_EQ(page.Text(), "");
 }
 
 TEST(TableGenerator, WorksWithoutAPageAtAll) {
-  fakes::PageFixture host;
+  PageFixture host;
   KalvoforExchangeTableGenerator generator(host.platform);
-  EXPECT_EQ(ErrorOf([&] { generator.OnEndPage(); }), 0);
-  EXPECT_EQ(ErrorOf([&] { generator.BuildTable(TABLE_CURRENTALERTS); }), 0);
+  EXPECT_EQ(ErrorOf([&] { generator.OnEndPage(); }).Number(), 0);
+  EXPECT_EQ(ErrorOf([&] { generator.BuildTable(TABLE_CURRENTALERTS); }).Number(), 0);
 }
 
 TEST(TableGenerator, WithoutAPageATableThatOpensWritesNowhere) {
-  fakes::PageFixture page;
+  PageFixture page;
   page.ranking.rows = {{{2, std::string("Ann")}}};
   KalvoforExchangeTableGenerator generator(page.platform);
-  EXPECT_EQ(fakes::ErrorOf([&] { generator.BuildTable(TABLE_TOPN_MBCNT, "", "", "", "", "", TOPN_SITE); }), 0);
+  EXPECT_EQ(ErrorOf([&] { generator.BuildTable(TABLE_TOPN_MBCNT, "", "", "", "", "", TOPN_SITE); }).Number(), 0);
   EXPECT_EQ(page.ranking.steps.Count("MoveFirst"), 1u);
   EXPECT_EQ(page.Text(), "");
 }
@@ -140,11 +139,11 @@ TEST(TableGenerator, TablesOutlastThePage) {
   page.generator->BuildTable(TABLE_RES_SERVERGROUPS_MAILBOXESSUMMARY);
   EXPECT_NE(page.Taken().find("Number of Entries:"), std::string::npos);
   page.generator->OnEndPage();
-  page.page->request = std::make_shared<fakes::FakeRequest>("");
+  page.page->request = std::make_shared<FakeRequest>("");
   page.generator->OnStartPage(*page.page);
   page.generator->BuildTable(TABLE_RES_SERVERGROUPS_MAILBOXESSUMMARY);
   EXPECT_NE(page.Taken().find("Number of Entries:"), std::string::npos) << "shown from then on";
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -5,12 +5,12 @@
 #include <stdexcept>
 
 #include "fakes/columns.h"
-#include "fakes/error_of.h"
 #include "fakes/page_fixture.h"
 #include "kalvo/column_database.h"
 #include "kalvo/table.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 using std::string_literals::operator""s;
@@ -18,7 +18,7 @@ using std::string_literals::operator""s;
 constexpr std::int16_t kId = 1, kName = 2;
 
 // A table of two columns over as many rows as wanted, numbered from 1, with a totals row.
-struct RenderingFixture : fakes::PageFixture {
+struct RenderingFixture : PageFixture {
   explicit RenderingFixture(std::string_view query = "", int records = 2) : PageFixture(query) {
     columns.Add(kId, "Id");
     columns.Add(kName, "Name");
@@ -42,7 +42,7 @@ struct RenderingFixture : fakes::PageFixture {
   KalvoTableType type = TABLETYPE_KALVODB;
   bool totals = false, charts = false, lastScan = false, form = false, entries = false;
   std::vector<std::int16_t> ids = {kId};
-  fakes::FakeColumns columns;
+  FakeColumns columns;
   std::shared_ptr<Table> table = std::make_shared<Table>(platform);
 };
 
@@ -257,7 +257,7 @@ TEST(TableRendering, EntriesAreShownWhenTheTableSaysSo) {
 TEST(TableRendering, APagedTableShowsItsEntriesFromThenOn) {
   RenderingFixture page("PageSize=1");
   EXPECT_NE(page.Render().find("Number of Entries:"), std::string::npos);
-  page.page->request = std::make_shared<fakes::FakeRequest>("");
+  page.page->request = std::make_shared<FakeRequest>("");
   page.Start();
   EXPECT_NE(page.Render().find("Number of Entries:"), std::string::npos);
 }
@@ -394,7 +394,7 @@ TEST(TableRendering, AfterThePageNothingIsRaised) {
   RenderingFixture page;
   page.context->OnEndPage();
   page.display->OnEndPage();
-  EXPECT_EQ(fakes::ErrorOf([&] { page.Render(); }), 0);
+  EXPECT_EQ(ErrorOf([&] { page.Render(); }).Number(), 0);
 }
 
 class EndingColumn : public TableColumn {
@@ -557,4 +557,4 @@ TEST(TableRendering, ANavigationRowThatCannotBeMadeIsLeftOut) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -7,7 +7,7 @@
 #include "kalvo/mapi_data_src.h"
 #include "kalvo/topn_data_src.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 class TableDefinition : public testing::Test {
@@ -17,7 +17,7 @@ class TableDefinition : public testing::Test {
                        "OrderBy", "DESC");
   }
 
-  fakes::PageFixture page_;
+  PageFixture page_;
   std::shared_ptr<Table> table_ = std::make_shared<Table>(page_.platform);
 };
 
@@ -105,4 +105,4 @@ TEST_F(TableDefinition, EachRenderingHasASourceOfItsOwn) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

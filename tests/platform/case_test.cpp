@@ -2,7 +2,7 @@
 
 #include "kalvo/platform/conversion.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 TEST(Case, IsTheSimpleMappingOfEveryCharacter) {
@@ -77,4 +77,4 @@ TEST(Case, OfAWordOfAProtocolIsThatOfAsciiLetters) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -5,13 +5,12 @@
 #include <limits>
 #include <memory>
 
-#include "fakes/error_of.h"
 #include "kalvo/platform/append.h"
+#include "support/error_of.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
-using fakes::ErrorOf;
 using std::string_literals::operator""s;
 
 class Thing : public Object {};
@@ -54,7 +53,7 @@ TEST(Text, EveryKindOfValueHasAText) {
 }
 
 TEST(Text, AnObjectHasNone) {
-  EXPECT_EQ(ErrorOf([] { ToText(std::shared_ptr<Object>(std::make_shared<Thing>())); }), 438);
+  EXPECT_EQ(ErrorOf([] { ToText(std::shared_ptr<Object>(std::make_shared<Thing>())); }).Number(), 438);
 }
 
 TEST(Text, ASinglePrecisionNumberHasAsFewDigitsAsTellItApart) {
@@ -144,12 +143,12 @@ TEST(Number, IsMadeOfAnyValueThatHasOne) {
   EXPECT_EQ(ToDouble(false), 0);
   EXPECT_EQ(ToDouble(Date{2.5}), 2.5);
   EXPECT_EQ(ToDouble(" 7 "s), 7);
-  EXPECT_EQ(ErrorOf([] { ToDouble(Null{}); }), 94);
-  EXPECT_EQ(ErrorOf([] { ToDouble(Date{std::numeric_limits<double>::quiet_NaN()}); }), 13);
-  EXPECT_EQ(ErrorOf([] { ToDouble(Date{std::numeric_limits<double>::infinity()}); }), 13);
-  EXPECT_EQ(ErrorOf([] { ToDouble("abc"s); }), 13);
-  EXPECT_EQ(ErrorOf([] { ToDouble(""s); }), 13);
-  EXPECT_EQ(ErrorOf([] { ToDouble(Bytes{1}); }), 13);
+  EXPECT_EQ(ErrorOf([] { ToDouble(Null{}); }).Number(), 94);
+  EXPECT_EQ(ErrorOf([] { ToDouble(Date{std::numeric_limits<double>::quiet_NaN()}); }).Number(), 13);
+  EXPECT_EQ(ErrorOf([] { ToDouble(Date{std::numeric_limits<double>::infinity()}); }).Number(), 13);
+  EXPECT_EQ(ErrorOf([] { ToDouble("abc"s); }).Number(), 13);
+  EXPECT_EQ(ErrorOf([] { ToDouble(""s); }).Number(), 13);
+  EXPECT_EQ(ErrorOf([] { ToDouble(Bytes{1}); }).Number(), 13);
 }
 
 TEST(Number, IntegersRoundHalvesToEvenAndOverflow) {
@@ -166,15 +165,15 @@ TEST(Number, IntegersRoundHalvesToEvenAndOverflow) {
     SCOPED_TRACE(c.why);
     EXPECT_EQ(ToInt16(c.number), c.rounded);
   }
-  EXPECT_EQ(ErrorOf([] { ToInt16(32767.5); }), 6);
-  EXPECT_EQ(ErrorOf([] { ToInt16(-32769.0); }), 6);
-  EXPECT_EQ(ErrorOf([] { ToInt32(2147483648.0); }), 6);
-  EXPECT_EQ(ErrorOf([] { ToInt32(std::numeric_limits<double>::quiet_NaN()); }), 6);
+  EXPECT_EQ(ErrorOf([] { ToInt16(32767.5); }).Number(), 6);
+  EXPECT_EQ(ErrorOf([] { ToInt16(-32769.0); }).Number(), 6);
+  EXPECT_EQ(ErrorOf([] { ToInt32(2147483648.0); }).Number(), 6);
+  EXPECT_EQ(ErrorOf([] { ToInt32(std::numeric_limits<double>::quiet_NaN()); }).Number(), 6);
   EXPECT_EQ(ToInt32(Value(2147483647.0)), 2147483647);
   EXPECT_EQ(ToInt16(std::string_view("15")), 15);
   EXPECT_EQ(ToInt16(Value(" 15.5 "s)), 16);
-  EXPECT_EQ(ErrorOf([] { ToInt16(Value(Null{})); }), 94);
-  EXPECT_EQ(ErrorOf([] { ToInt16(std::string_view("Name")); }), 13);
+  EXPECT_EQ(ErrorOf([] { ToInt16(Value(Null{})); }).Number(), 94);
+  EXPECT_EQ(ErrorOf([] { ToInt16(std::string_view("Name")); }).Number(), 13);
 }
 
 TEST(Boolean, IsTrueForAnyNumberButZero) {
@@ -199,9 +198,9 @@ TEST(Boolean, IsTrueForAnyNumberButZero) {
     SCOPED_TRACE(c.why);
     EXPECT_EQ(ToBoolean(c.value), c.truth);
   }
-  EXPECT_EQ(ErrorOf([] { ToBoolean("Yes"s); }), 13);
-  EXPECT_EQ(ErrorOf([] { ToBoolean(""s); }), 13);
+  EXPECT_EQ(ErrorOf([] { ToBoolean("Yes"s); }).Number(), 13);
+  EXPECT_EQ(ErrorOf([] { ToBoolean(""s); }).Number(), 13);
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

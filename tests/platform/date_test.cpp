@@ -6,7 +6,7 @@
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 std::string Written(double serial, const char* locale = "en-US") {
@@ -191,4 +191,4 @@ TEST(Date, OnlyWhatTheCalendarHasCanBeMade) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 TEST(Error, TheProgramsOwnHaveTheirNumbersAndDescriptions) {
@@ -80,4 +80,4 @@ TEST(Trap, CatchesErrorsAlone) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

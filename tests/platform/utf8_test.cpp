@@ -4,7 +4,7 @@
 
 #include "kalvo/platform/append.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 TEST(Utf8, IsReadCharacterByCharacter) {
@@ -93,4 +93,4 @@ TEST(Utf8, IsAsciiUpToTheFirstByteThatIsNot) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -6,8 +6,10 @@
 #include "kalvo/table_constants.h"
 #include "script/page_runner.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 class Arguments : public PageTest {
  protected:
@@ -337,4 +339,4 @@ TEST(ScriptReferences, OutliveTheirEngineHarmlessly) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

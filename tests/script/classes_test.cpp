@@ -3,8 +3,10 @@
 #include "kalvo/enumerations.h"
 #include "script/page_runner.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 // Every class with its members as they are published: parameters by name, with their defaults.
 struct PublishedClass {
@@ -160,4 +162,4 @@ TEST(Signatures, ListWhatADocumentMustName) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

@@ -1,7 +1,9 @@
 #include "script/page_runner.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 class Errors : public PageTest {
  protected:
@@ -185,4 +187,4 @@ TEST_F(Errors, WrittenByAssigningToASessionCallNameTheLine) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

@@ -5,8 +5,10 @@
 #include "host/script/page/classes.h"
 #include "script/page_runner.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 // The intrinsic objects' classes, and how a page comes by one.
 const std::map<std::string_view, const char*> kInner = {
@@ -82,7 +84,7 @@ constexpr const char* kWalk = R"(
 class EveryMember : public PageTest {
  protected:
   EveryMember() {
-    session.driller = std::make_shared<fakes::FakeLive>();
+    session.driller = std::make_shared<FakeLive>();
     session.values["kalvodrilldownauth"] = std::string("Yes");
     request.queryString = "a=1&a=2&Sort=x&First=3&Debug=All";
     options.limits.seconds = 100;
@@ -137,4 +139,4 @@ TEST_F(EveryMember, OfAnIntrinsicObjectLeavesThePageRunning) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

@@ -3,8 +3,10 @@
 #include "host/script/page/classes.h"
 #include "script/page_runner.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 // A script list of a class's methods: ["name", [its parameters' names]].
 std::string Methods(const ClassBinding& binding) {
@@ -94,11 +96,11 @@ constexpr const char* kMischief = R"(
 class HostileObjects : public PageTest {};
 
 TEST_F(HostileObjects, LeaveThePageRunningWhateverTheyChangeWhileTheyAreAsked) {
-  session.driller = std::make_shared<fakes::FakeLive>();
+  session.driller = std::make_shared<FakeLive>();
   session.values["kalvodrilldownauth"] = std::string("Yes");
   request.queryString = "a=1&Sort=x&Sort=y&First=3&Debug=All";
   options.limits.seconds = 100;
-  const fakes::FakeResult rows = {{"Name", "Id"}, {{std::string("one"), 1}, {std::string("two"), 2}}};
+  const FakeResult rows = {{"Name", "Id"}, {{std::string("one"), 1}, {std::string("two"), 2}}};
   database.results = {rows, rows};
   for (const ClassBinding& binding : Classes()) {
     if (binding.make == nullptr) continue;
@@ -111,4 +113,4 @@ TEST_F(HostileObjects, LeaveThePageRunningWhateverTheyChangeWhileTheyAreAsked) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

@@ -1,7 +1,9 @@
 #include "script/page_runner.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 class Intrinsics : public PageTest {};
 
@@ -149,7 +151,7 @@ TEST_F(Intrinsics, NameTheFileOfAFailingStatic) {
 }
 
 TEST_F(Intrinsics, AskForTheLiveDrillerOncePerPage) {
-  session.driller = std::make_shared<fakes::FakeLive>();
+  session.driller = std::make_shared<FakeLive>();
   EXPECT_EQ(Script("var d = Session.StaticObjects('gLiveDriller'); Response.Write(d.MailboxOwner('s', 'm'));"
                    "Response.Write(d === Session.StaticObjects('glivedriller'));"),
             "DOMAIN\\kenTrue");
@@ -175,4 +177,4 @@ TEST_F(Intrinsics, OfferNoBackDoorsOfTheEngine) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

@@ -5,9 +5,12 @@
 #include "kalvo/context.h"
 #include "kalvo/display.h"
 #include "script/page_runner.h"
+#include "support/error_of.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 // ---- script objects that serve the library -------------------------------------------------------------------------
 
@@ -23,17 +26,6 @@ class Adapters : public testing::Test {
     });
     if (failure) throw Error(failure->number, failure->description);
     return made;
-  }
-
-  // The number of the error that a step fails with; 0 for none.
-  template <typename Step>
-  static std::int32_t NumberOf(Step&& step) {
-    try {
-      step();
-      return 0;
-    } catch (const Error& error) {
-      return error.Number();
-    }
   }
 
   std::string Text(const std::string& expression) {
@@ -60,8 +52,8 @@ TEST_F(Adapters, CallFunctionsAndReadOtherMembers) {
   EXPECT_EQ(live->FolderCount(), 3);
   EXPECT_EQ(live->MessageSender(), Value(Null{}));
   EXPECT_EQ(live->MessageCreationDate(), Value(Empty{}));
-  EXPECT_EQ(NumberOf([&] { live->MailboxHomeServer("s", "m"); }), 438);
-  EXPECT_EQ(NumberOf([&] { live->Folders(); }), 438);
+  EXPECT_EQ(ErrorOf([&] { live->MailboxHomeServer("s", "m"); }).Number(), 438);
+  EXPECT_EQ(ErrorOf([&] { live->Folders(); }).Number(), 438);
 }
 
 TEST_F(Adapters, FindInheritedMembersAndAccessors) {
@@ -86,22 +78,18 @@ TEST_F(Adapters, TurnWhatScriptThrowsIntoErrors) {
       "({MoveFirst: function () { var e = new Error('m'); e.number = -507445201;"
       "e.description = 'd'; throw e; }, Sort: function () { nosuch(); },"
       "get Count() { throw 'text'; }, Field: function () { return {}; }})");
-  try {
-    listing->MoveFirst();
-    FAIL();
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), codes::kNoSuchFolder);
-    EXPECT_EQ(error.Description(), "d");
-  }
-  EXPECT_EQ(NumberOf([&] { listing->Sort(); }), codes::kFailed);
-  EXPECT_EQ(NumberOf([&] { listing->Count(); }), codes::kFailed);
+  const Error error = ErrorOf([&] { listing->MoveFirst(); });
+  EXPECT_EQ(error.Number(), codes::kNoSuchFolder);
+  EXPECT_EQ(error.Description(), "d");
+  EXPECT_EQ(ErrorOf([&] { listing->Sort(); }).Number(), codes::kFailed);
+  EXPECT_EQ(ErrorOf([&] { listing->Count(); }).Number(), codes::kFailed);
 }
 
 TEST_F(Adapters, NeedAnObject) {
   for (const char* value : {"null", "undefined", "7", "'text'"}) {
-    EXPECT_EQ(NumberOf([&] { Make<Listing>(value); }), 424) << value;
+    EXPECT_EQ(ErrorOf([&] { Make<Listing>(value); }).Number(), 424) << value;
     const auto live = Make<LiveContainer>(std::string("({Folders: function () { return ") + value + "; }})");
-    EXPECT_EQ(NumberOf([&] { live->Folders(); }), 424) << value;
+    EXPECT_EQ(ErrorOf([&] { live->Folders(); }).Number(), 424) << value;
   }
 }
 
@@ -123,7 +111,7 @@ TEST_F(Adapters, AreRowSources) {
   EXPECT_EQ(source->RecordCount(), 2);
   EXPECT_EQ(source->GetRowIndex(), 2);
   EXPECT_EQ(source->MoveTotals(), -1);
-  EXPECT_EQ(NumberOf([&] { source->OpenDS(); }), 438);
+  EXPECT_EQ(ErrorOf([&] { source->OpenDS(); }).Number(), 438);
 }
 
 TEST_F(Adapters, AreColumnsThatGetWrappersAndABox) {
@@ -142,7 +130,7 @@ TEST_F(Adapters, AreColumnsThatGetWrappersAndABox) {
   column->AppendTotal(out, *context, *display, *source, first);
   EXPECT_EQ(out, "True");
   EXPECT_FALSE(first);
-  EXPECT_EQ(NumberOf([&] { column->AppendData(out, *context, *display, *source); }), 438);
+  EXPECT_EQ(ErrorOf([&] { column->AppendData(out, *context, *display, *source); }).Number(), 438);
 }
 
 TEST_F(Adapters, GiveTheBoxBackFromAColumnThatFails) {
@@ -154,7 +142,7 @@ TEST_F(Adapters, GiveTheBoxBackFromAColumnThatFails) {
   auto display = std::make_shared<Display>();
   std::string out;
   bool first = true;
-  EXPECT_EQ(NumberOf([&] { column->AppendTotal(out, *context, *display, *source, first); }), 9);
+  EXPECT_EQ(ErrorOf([&] { column->AppendTotal(out, *context, *display, *source, first); }).Number(), 9);
   EXPECT_FALSE(first);
 }
 
@@ -164,7 +152,7 @@ TEST_F(Adapters, AnswerColumns) {
       "return id === 1 ? {ConstructHTMLHeader: function () { return 'h'; }} : id === 2 ? null : undefined; }})");
   const std::shared_ptr<TableColumn> column = catalogue->Column(1);
   ASSERT_NE(column, nullptr);
-  EXPECT_EQ(NumberOf([&] { catalogue->Column(4); }), 9);
+  EXPECT_EQ(ErrorOf([&] { catalogue->Column(4); }).Number(), 9);
   auto context = std::make_shared<Context>();
   auto display = std::make_shared<Display>();
   std::string out;
@@ -193,8 +181,8 @@ TEST_F(Adapters, AreSessions) {
   }
   const auto session = Make<Session>("({StaticObjects: {gLiveDriller: {CurrentMailboxName: 'm'}}})");
   EXPECT_EQ(session->StaticObject("gLiveDriller")->CurrentMailboxName(), "m");
-  EXPECT_EQ(NumberOf([&] { session->StaticObject("none"); }), 424);
-  EXPECT_EQ(NumberOf([&] { session->Item("a"); }), 438);
+  EXPECT_EQ(ErrorOf([&] { session->StaticObject("none"); }).Number(), 424);
+  EXPECT_EQ(ErrorOf([&] { session->Item("a"); }).Number(), 438);
 }
 
 TEST_F(Adapters, AreRequests) {
@@ -221,8 +209,8 @@ TEST_F(Adapters, AreRequests) {
     EXPECT_EQ(request->QueryCount("none"), 0);
     EXPECT_EQ(request->Item("a"), "1, 2");
     EXPECT_EQ(request->Item("none"), "");
-    EXPECT_EQ(NumberOf([&] { request->QueryItem("B", 2); }), 9);
-    EXPECT_EQ(NumberOf([&] { request->ServerVariable("URL"); }), 438);
+    EXPECT_EQ(ErrorOf([&] { request->QueryItem("B", 2); }).Number(), 9);
+    EXPECT_EQ(ErrorOf([&] { request->ServerVariable("URL"); }).Number(), 438);
   }
   EXPECT_EQ(Make<Request>("({ServerVariables: function (n) { return '/' + n; }})")->ServerVariable("x"), "/x");
   EXPECT_EQ(Make<Request>("(function (n) { return n + '?'; })")->Item("a"), "a?");
@@ -237,11 +225,11 @@ TEST_F(Adapters, AskARequestForNothingThatIsNotNeeded) {
   EXPECT_EQ(Text("object.log"), "?n");
   EXPECT_EQ(request->QueryItem("k", 3), "v3");
   EXPECT_EQ(Text("object.log"), "?n?3");
-  EXPECT_EQ(NumberOf([&] { request->QueryItem("k", 2); }), 70);
-  EXPECT_EQ(NumberOf([&] { request->QueryText("k"); }), 70);
+  EXPECT_EQ(ErrorOf([&] { request->QueryItem("k", 2); }).Number(), 70);
+  EXPECT_EQ(ErrorOf([&] { request->QueryText("k"); }).Number(), 70);
   EXPECT_EQ(Text("object.log"), "?n?3?2?n12");
   const auto bare = Make<Request>("({QueryString: function () { return {Count: 1}; }})");
-  EXPECT_EQ(NumberOf([&] { bare->QueryItem("k", 1); }), 438);
+  EXPECT_EQ(ErrorOf([&] { bare->QueryItem("k", 1); }).Number(), 438);
 }
 
 TEST_F(Adapters, FindAPlainRequestsKeysWhateverTheirCase) {
@@ -259,8 +247,8 @@ TEST_F(Adapters, AreScriptingContextsReadInAnyForm) {
   std::string out;
   context->GetServer()->HTMLEncode(out, "x");
   EXPECT_EQ(out, "<x>");
-  EXPECT_EQ(NumberOf([&] { context->GetSession(); }), 424);
-  EXPECT_EQ(NumberOf([&] { context->GetRequest(); }), 438);
+  EXPECT_EQ(ErrorOf([&] { context->GetSession(); }).Number(), 424);
+  EXPECT_EQ(ErrorOf([&] { context->GetRequest(); }).Number(), 438);
 }
 
 // ---- in whole pages --------------------------------------------------------------------------------------------
@@ -368,7 +356,7 @@ TEST_F(LateBinding, StartsOnARequestOfWhichNobodyNeedsAllItems) {
 }
 
 TEST_F(LateBinding, ServesScriptsWithANativeDriller) {
-  auto live = std::make_shared<fakes::FakeLive>();
+  auto live = std::make_shared<FakeLive>();
   live->folders->items = {{{"Name", std::string("Inbox")}, {"Size", 7}}};
   session.driller = live;
   EXPECT_EQ(Script("var d = Session.StaticObjects('gLiveDriller'); d.GotoContainer('s', 'm', '', 0, 1);"
@@ -379,14 +367,14 @@ TEST_F(LateBinding, ServesScriptsWithANativeDriller) {
 }
 
 TEST_F(LateBinding, UsesANativeDrillerInThePagesSession) {
-  session.driller = std::make_shared<fakes::FakeLive>();
+  session.driller = std::make_shared<FakeLive>();
   request.logonName = "domain\\KEN";
   EXPECT_EQ(Script("Response.Write(Server.CreateObject('KalvoTables.Context').DrillDownPermission('s', 'm'));"),
             "True");
 }
 
 TEST_F(LateBinding, ReleasesCyclesBetweenScriptAndLibrary) {
-  session.driller = std::make_shared<fakes::FakeLive>();
+  session.driller = std::make_shared<FakeLive>();
   const std::weak_ptr<LiveContainer> driller = session.driller;
   Script(
       "var x = new ActiveXObject('KalvoTables.Context'); var own = {x: x, d: Session.StaticObjects('gLiveDriller'),"
@@ -398,4 +386,4 @@ TEST_F(LateBinding, ReleasesCyclesBetweenScriptAndLibrary) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

@@ -2,8 +2,10 @@
 
 #include "script/page_runner.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 class Limits : public PageTest {
  protected:
@@ -209,4 +211,4 @@ TEST_F(Limits, OfNothingEndAtOnce) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

@@ -2,8 +2,10 @@
 
 #include "script/page_runner.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 class GermanPages : public PageTest {
  protected:
@@ -71,4 +73,4 @@ TEST_F(GermanPages, ShowADateOfARowSourceAsTheDayItIs) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

@@ -4,8 +4,10 @@
 
 #include "host/script/page/page_parser.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 class MapFiles : public PageFiles {
  public:
@@ -202,4 +204,4 @@ TEST_F(PageParser, FindsNoPageOutsideOfTheRoot) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 TEST(PathBelowRootTest, RemovesDotsAndRefusesToLeave) {
   EXPECT_EQ(PathBelowRoot("", "/a/./b//c"), "a/b/c");
@@ -34,4 +36,4 @@ TEST(MappedPathTest, StartsAtThePagesFolderOrAtTheRoot) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

@@ -17,23 +17,23 @@
 #include "kalvo/platform/platform.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 
 // Keeps what it receives.
-class KeepingSink : public PageSink {
+class KeepingSink : public host::PageSink {
  public:
-  std::vector<PageHead> heads;
+  std::vector<host::PageHead> heads;
   std::string body;
   int pieces = 0;
 
-  void Head(const PageHead& head) override { heads.push_back(head); }
+  void Head(const host::PageHead& head) override { heads.push_back(head); }
   void Body(std::string_view bytes) override {
     body += bytes;
     ++pieces;
   }
 };
 
-class KeepingSession : public PageSession {
+class KeepingSession : public host::PageSession {
  public:
   std::map<std::string, Value> values;
   std::shared_ptr<LiveContainer> driller;
@@ -57,7 +57,7 @@ class PageTest : public testing::Test {
  protected:
   void Put(const std::string& path, const std::string& text) {
     std::filesystem::create_directories((folder.Path() / path).parent_path());
-    test::WriteFile(folder.Path() / path, text);
+    WriteFile(folder.Path() / path, text);
   }
 
   // Runs a page of this text and answers what it wrote, also when it failed.
@@ -73,24 +73,24 @@ class PageTest : public testing::Test {
     sink = KeepingSink();
     if (request.url.empty()) request.url = "/" + path;
     result = site.Run(path, request, session, sink, options);
-    if (result.failure) SendRest(result, sink);
+    if (result.failure) host::SendRest(result, sink);
     return sink.body;
   }
 
   // "page.asp:3: Error: x", or "" for a page that ran to its end.
-  std::string Failure() const { return result.failure ? Describe(*result.failure) : ""; }
+  std::string Failure() const { return result.failure ? host::Describe(*result.failure) : ""; }
 
-  test::TemporaryFolder folder;
-  fakes::FakeDatabase database;
-  fakes::FakeRanking ranking;
-  fakes::FakeClock clock;
+  TemporaryFolder folder;
+  FakeDatabase database;
+  FakeRanking ranking;
+  FakeClock clock;
   Platform platform{database, ranking, clock};
-  Site site{folder.Path(), platform};
-  PageRequest request;
-  PageOptions options;
+  host::Site site{folder.Path(), platform};
+  host::PageRequest request;
+  host::PageOptions options;
   KeepingSession session;
   KeepingSink sink;
-  PageResult result;
+  host::PageResult result;
 };
 
-}  // namespace kalvo::host
+}  // namespace kalvo::test

@@ -2,8 +2,10 @@
 
 #include "script/page_runner.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 constexpr const char* kResults = R"((function () {
   var at = 0, order = "";
@@ -99,4 +101,4 @@ TEST_F(ScriptRanking, IsTheHostsWhereTheSessionDeclaresNone) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

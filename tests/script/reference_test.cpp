@@ -9,8 +9,10 @@
 #include "source_folder.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 std::string Reference() {
   return Built([](std::string& page) {
@@ -29,11 +31,11 @@ std::string Reference() {
 
 TEST(ReferencePage, ListsWhatIsBound) {
   const std::filesystem::path page = std::filesystem::path(KALVO_SOURCE_DIR) / "docs/page-script-reference.md";
-  const std::string expected = exists(page) ? test::ReadFile(page) : "";
+  const std::string expected = exists(page) ? ReadFile(page) : "";
   const std::string actual = Reference();
-  if (actual != expected) test::WriteFile(page.string() + ".actual", actual);
+  if (actual != expected) WriteFile(page.string() + ".actual", actual);
   EXPECT_EQ(expected, actual) << "accept with tests/approve ../docs/page-script-reference.md";
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

@@ -9,8 +9,10 @@
 #include "kalvo/platform/error.h"
 #include "support/names_of_one_hash.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 using Texts = std::vector<std::string>;
 
@@ -56,7 +58,7 @@ double SecondsToRead(const std::string& query) {
 }
 
 TEST(NamedValuesTest, ReadsNamesThatShareAHashLikeAnyOthers) {
-  const std::vector<std::string> names = test::NamesOfOneHash(4000);
+  const std::vector<std::string> names = NamesOfOneHash(4000);
   for (const std::string& name : names) {
     ASSERT_EQ(std::hash<std::string>()(name), std::hash<std::string>()(names.front()));
   }
@@ -119,4 +121,4 @@ TEST(RequestObjectTest, LooksThroughItsCollectionsInOrder) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

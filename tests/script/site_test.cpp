@@ -2,8 +2,10 @@
 
 #include "script/page_runner.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 class SiteTest : public PageTest {};
 
@@ -49,8 +51,8 @@ TEST_F(SiteTest, PreparesPagesAhead) {
 }
 
 TEST_F(SiteTest, FollowsNoLinkOutOfTheRoot) {
-  test::TemporaryFolder outside;
-  test::WriteFile(outside.Path() / "secret.inc", "secret");
+  TemporaryFolder outside;
+  WriteFile(outside.Path() / "secret.inc", "secret");
   std::filesystem::create_symlink(outside.Path() / "secret.inc", folder.Path() / "link.inc");
   EXPECT_EQ(Run("<!--#include file=\"link.inc\"-->"), "");
   EXPECT_EQ(Failure(), "page.asp:1: there is no include \"link.inc\"");
@@ -98,4 +100,4 @@ TEST_F(SiteTest, DescribesFailures) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

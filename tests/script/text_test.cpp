@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 std::string ForEngine(std::string_view text) {
   std::string out;
@@ -86,4 +88,4 @@ TEST(Text, UrlsAreDecoded) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

@@ -23,7 +23,7 @@
 
 #include "support/process.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 namespace fs = std::filesystem;
 
@@ -123,7 +123,7 @@ void GiveAway(const fs::path& path) {
 }  // namespace
 
 DovecotServer::DovecotServer(const std::vector<std::string>& users, std::string_view moreSettings)
-    : port_(static_cast<std::uint16_t>(test::FreePort())) {
+    : port_(static_cast<std::uint16_t>(FreePort())) {
   fs::permissions(folder_.Path(), fs::perms(0755));
   for (const char* name : {"users", "public"}) {
     fs::create_directory(folder_.Path() / name);
@@ -268,4 +268,4 @@ std::string Quoted(std::string_view name) {
   return quoted + "\"";
 }
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

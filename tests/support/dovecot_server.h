@@ -9,7 +9,7 @@
 
 #include "support/temporary_folder.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 // A Dovecot of the tests' own: its settings, its mail and its sockets are in a temporary folder, which goes with it.
 // Its users have the password "pw"; "USER*master" with the password "pw" opens any of their mailboxes; the user
@@ -45,7 +45,7 @@ class DovecotServer {
   void WriteSettings(const std::vector<std::string>& users, std::string_view moreSettings) const;
   void Signal(int signal) const;
 
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   std::uint16_t port_;
   pid_t process_ = 0;
 };
@@ -72,4 +72,4 @@ class PlainImap {
 // The name in quotes, as a command has it; non-ASCII names have to be encoded before.
 std::string Quoted(std::string_view name);
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

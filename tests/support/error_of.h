@@ -1,21 +1,20 @@
 #pragma once
 
-#include <cstdint>
 #include <utility>
 
 #include "kalvo/platform/error.h"
 
-namespace kalvo::fakes {
+namespace kalvo::test {
 
-// The number of the error that the operation fails with; 0 when it does not.
+// The error that the operation fails with; one of number 0 and no words when it does not fail.
 template <typename Operation>
-std::int32_t ErrorOf(Operation&& operation) {
+Error ErrorOf(Operation&& operation) {
   try {
     std::forward<Operation>(operation)();
   } catch (const Error& error) {
-    return error.Number();
+    return error;
   }
-  return 0;
+  return Error(0, "");
 }
 
-}  // namespace kalvo::fakes
+}  // namespace kalvo::test

@@ -1,4 +1,4 @@
-#include "fakes/golden.h"
+#include "support/golden.h"
 #include "source_folder.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 #include <fstream>
 #include <iterator>
 
-namespace kalvo::fakes {
+namespace kalvo::test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -47,4 +47,4 @@ void ExpectGolden(const std::string& name, const std::string& text, const Golden
   ADD_FAILURE() << golden.filename() << " differs " << FirstDifference(expected, text) << "\nsee " << actual.filename();
 }
 
-}  // namespace kalvo::fakes
+}  // namespace kalvo::test

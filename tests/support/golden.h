@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-namespace kalvo::fakes {
+namespace kalvo::test {
 
 // What may stand in for the golden file, or pass beside it.
 struct GoldenOptions {
@@ -21,4 +21,4 @@ void ExpectGolden(const std::string& name, const std::string& text, const Golden
 // The golden text; "" where there is none yet.
 std::string GoldenText(const std::string& name);
 
-}  // namespace kalvo::fakes
+}  // namespace kalvo::test

@@ -10,8 +10,8 @@
 
 namespace kalvo::test {
 
-TemporaryFolder::TemporaryFolder() {
-  std::string name = (std::filesystem::temp_directory_path() / "kalvo-test-XXXXXX").string();
+TemporaryFolder::TemporaryFolder(const std::filesystem::path& below) {
+  std::string name = (below / "kalvo-test-XXXXXX").string();
   if (!mkdtemp(name.data())) throw std::runtime_error("cannot make a folder " + name);
   path_ = name;
 }
@@ -28,7 +28,7 @@ void TemporaryFolder::GiveTo(const std::string& user) const {
   }
 }
 
-void WriteFile(const std::filesystem::path& file, const std::string& text) {
+void WriteFile(const std::filesystem::path& file, std::string_view text) {
   std::ofstream out(file, std::ios::binary);
   out << text;
   if (!out.flush()) throw std::runtime_error("cannot write " + file.string());

@@ -2,13 +2,14 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 namespace kalvo::test {
 
-// A folder of its own below the system's temporary folder, removed with everything in it.
+// A folder of its own, below the system's temporary folder unless another is named; removed with everything in it.
 class TemporaryFolder {
  public:
-  TemporaryFolder();
+  explicit TemporaryFolder(const std::filesystem::path& below = std::filesystem::temp_directory_path());
   ~TemporaryFolder();
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
@@ -23,7 +24,7 @@ class TemporaryFolder {
 };
 
 // A file with this text.
-void WriteFile(const std::filesystem::path& file, const std::string& text);
+void WriteFile(const std::filesystem::path& file, std::string_view text);
 std::string ReadFile(const std::filesystem::path& file);
 
 }  // namespace kalvo::test

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
-namespace kalvo::web {
+namespace kalvo::test {
 namespace {
+
+using namespace web;
 
 TEST(Address, IsTaken) {
   const struct {
@@ -84,4 +86,4 @@ TEST(Address, OfAHostIsANameOrAnAddress) {
 }
 
 }  // namespace
-}  // namespace kalvo::web
+}  // namespace kalvo::test

@@ -4,14 +4,14 @@
 
 #include "support/temporary_folder.h"
 
-namespace kalvo::web {
+namespace kalvo::test {
 namespace {
 
-using test::TemporaryFolder;
+using namespace web;
 
 TEST(ErrorPages, ArePlainUnlessThereAreOthers) {
   const TemporaryFolder custom, written;
-  test::WriteFile(custom.Path() / "404.html", "<p>Lost?</p>");
+  WriteFile(custom.Path() / "404.html", "<p>Lost?</p>");
   WriteErrorPages(written.Path(), custom.Path());
   EXPECT_EQ(ReadErrorPage(written.Path(), 404), "<p>Lost?</p>");
   EXPECT_NE(ReadErrorPage(written.Path(), 500).find("<h1>Internal Server Error</h1>"), std::string::npos);
@@ -29,7 +29,7 @@ TEST(ErrorPages, EveryStatusHasOne) {
 
 TEST(ErrorPages, SayWhatWasWrongBelowTheirText) {
   const TemporaryFolder custom, written;
-  test::WriteFile(custom.Path() / "413.html", "Too much.");
+  WriteFile(custom.Path() / "413.html", "Too much.");
   WriteErrorPages(written.Path(), custom.Path());
   EXPECT_TRUE(ReadErrorPage(written.Path(), 400, "No <b> & no \"x\".")
                   .ends_with("understood.</p>\n<p>No &lt;b&gt; &amp; no &quot;x&quot;.</p>\n</body>\n</html>\n"));
@@ -42,4 +42,4 @@ TEST(ErrorPages, WithoutAFileTheReasonIsSaid) {
 }
 
 }  // namespace
-}  // namespace kalvo::web
+}  // namespace kalvo::test

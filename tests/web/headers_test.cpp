@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 #include <sodium.h>
 
-namespace kalvo::web {
+namespace kalvo::test {
 namespace {
+
+using namespace web;
 
 constexpr const char* kPolicy =
     "default-src 'self'; script-src 'self' 'unsafe-hashes' 'sha256-BpXhXx2vRLHwaBAlwgc7ySqE/qjSuaDmk4N/0EX3KB4='; "
@@ -48,4 +50,4 @@ TEST(HeadersTest, LeaveKeepingToThePageThatSpeaksOfIt) {
 }
 
 }  // namespace
-}  // namespace kalvo::web
+}  // namespace kalvo::test

@@ -12,8 +12,10 @@
 #include "kalvo/platform/error.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::web {
+namespace kalvo::test {
 namespace {
+
+using namespace web;
 
 namespace fs = std::filesystem;
 
@@ -23,28 +25,28 @@ class HoldingSweepTest : public ::testing::Test {
  protected:
   HoldingSweepTest() {
     fs::create_directories(folder_.Path() / "mail" / "ken" / "cur");
-    test::WriteFile(folder_.Path() / "mail" / "mailboxes.txt",
-                    "[server EX01]\n[mailbox Ken]\nserver = EX01\naccount = K\\k\naddress = k@k\nlocation = ken\n");
+    WriteFile(folder_.Path() / "mail" / "mailboxes.txt",
+              "[server EX01]\n[mailbox Ken]\nserver = EX01\naccount = K\\k\naddress = k@k\nlocation = ken\n");
     store_ = host::OpenMail("maildir:" + (folder_.Path() / "mail").string());
   }
 
   void Delete(std::int64_t daysAgo) {
     const std::string name = std::to_string(++number_) + ".host";
-    test::WriteFile(folder_.Path() / "mail" / "ken" / "cur" / (name + ":2,S"), "Subject: s\n\nx\n");
+    WriteFile(folder_.Path() / "mail" / "ken" / "cur" / (name + ":2,S"), "Subject: s\n\nx\n");
     const auto names = store_->Mailboxes();
     store_->Remove({"EX01", &names->Find("EX01", "Ken")}, "INBOX", name, {"", std::time(nullptr) - daysAgo * kDay});
   }
 
   std::size_t Held() { return store_->Held(nullptr).size(); }
   HoldingSweep Sweep(int days = 14) { return {folder_.Path(), store_.get(), days, log_}; }
-  std::string Told() { return test::ReadFile(folder_.Path() / "log"); }
+  std::string Told() { return ReadFile(folder_.Path() / "log"); }
 
   // As if so many seconds had gone by since somebody swept.
   void Wait(int seconds) {
     fs::last_write_time(folder_.Path() / "swept", fs::file_time_type::clock::now() - std::chrono::seconds(seconds));
   }
 
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   Log log_{(folder_.Path() / "log").string()};
   std::shared_ptr<mail::MailStore> store_;
   int number_ = 0;
@@ -118,4 +120,4 @@ TEST_F(HoldingSweepTest, AStoreThatFailsIsToldOfAndTriedAnHourLater) {
 }
 
 }  // namespace
-}  // namespace kalvo::web
+}  // namespace kalvo::test

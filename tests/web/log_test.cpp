@@ -7,10 +7,10 @@
 #include "host/parts/setting_error.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::web {
+namespace kalvo::test {
 namespace {
 
-using test::TemporaryFolder;
+using namespace web;
 
 TEST(Log, WritesOneLineAnEvent) {
   const TemporaryFolder folder;
@@ -20,7 +20,7 @@ TEST(Log, WritesOneLineAnEvent) {
   const std::regex kLines(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d \[\d+\] first
 \d{4}-\d\d-\d\d \d\d:\d\d:\d\d \[\d+\] a\\x0Aforged line\\x1B\[31m
 )");
-  EXPECT_TRUE(std::regex_match(test::ReadFile(folder.Path() / "log"), kLines)) << test::ReadFile(folder.Path() / "log");
+  EXPECT_TRUE(std::regex_match(ReadFile(folder.Path() / "log"), kLines)) << ReadFile(folder.Path() / "log");
 }
 
 TEST(Log, ShowsWhatWouldHide) {
@@ -49,7 +49,7 @@ TEST(Log, ShowsWhatWouldHide) {
     SCOPED_TRACE(c.why);
     const TemporaryFolder folder;
     Log((folder.Path() / "log").string()).Write(c.text);
-    const std::string line = test::ReadFile(folder.Path() / "log");
+    const std::string line = ReadFile(folder.Path() / "log");
     EXPECT_EQ(line.substr(line.find("] ") + 2), c.written + "\n");
   }
 }
@@ -69,12 +69,12 @@ TEST(Log, IsOpenedAnewAfterItWasMovedAway) {
   std::filesystem::rename(folder.Path() / "log", folder.Path() / "log.1");
   log.Reopen();
   log.Write("new");
-  EXPECT_NE(test::ReadFile(folder.Path() / "log.1").find("old"), std::string::npos);
-  EXPECT_NE(test::ReadFile(folder.Path() / "log").find("new"), std::string::npos);
-  EXPECT_EQ(test::ReadFile(folder.Path() / "log").find("old"), std::string::npos);
+  EXPECT_NE(ReadFile(folder.Path() / "log.1").find("old"), std::string::npos);
+  EXPECT_NE(ReadFile(folder.Path() / "log").find("new"), std::string::npos);
+  EXPECT_EQ(ReadFile(folder.Path() / "log").find("old"), std::string::npos);
 }
 
 TEST(Log, AFileThatCannotBeWrittenIsRefused) { EXPECT_THROW(Log("/nowhere/log"), host::SettingError); }
 
 }  // namespace
-}  // namespace kalvo::web
+}  // namespace kalvo::test

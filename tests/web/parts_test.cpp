@@ -6,15 +6,17 @@
 #include "kalvo/platform/ranking.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 constexpr std::int16_t kMessages = 1, kOldMessages = 8;  // kinds of rankings
 
 class RankedParts : public testing::Test {
  protected:
   static void SetUpTestSuite() {
-    folder_ = new test::TemporaryFolder;
+    folder_ = new TemporaryFolder;
     sample::SilentProgress quiet;
     sample::MakeSample({folder_->Path()}, quiet);
   }
@@ -30,7 +32,7 @@ class RankedParts : public testing::Test {
     return results->Count();
   }
 
-  static inline test::TemporaryFolder* folder_ = nullptr;
+  static inline TemporaryFolder* folder_ = nullptr;
 };
 
 TEST_F(RankedParts, RankAsManyRowsAsTheSettingsSay) {
@@ -45,4 +47,4 @@ TEST_F(RankedParts, CallAMessageOldAfterTheDaysOfTheSettings) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

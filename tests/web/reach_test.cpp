@@ -8,13 +8,15 @@
 #include "host/web/settings.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::web {
+namespace kalvo::test {
 namespace {
+
+using namespace web;
 
 class Reach : public testing::Test {
  protected:
   Reach() {
-    for (const char* name : {"users", "certificate", "key"}) test::WriteFile(File(name), "");
+    for (const char* name : {"users", "certificate", "key"}) WriteFile(File(name), "");
     settings_.site = folder_.Path();
   }
 
@@ -35,7 +37,7 @@ class Reach : public testing::Test {
     }
   }
 
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   Settings settings_;
 };
 
@@ -83,4 +85,4 @@ TEST_F(Reach, WithHalfACertificateIsRefused) {
 }
 
 }  // namespace
-}  // namespace kalvo::web
+}  // namespace kalvo::test

@@ -5,10 +5,10 @@
 #include "host/parts/setting_error.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::web {
+namespace kalvo::test {
 namespace {
 
-using test::TemporaryFolder;
+using namespace web;
 
 namespace fs = std::filesystem;
 
@@ -30,7 +30,7 @@ TEST(RunFolder, IsHeldByOneServerAtATime) {
 
 TEST(RunFolder, IsNoFileAndNoLink) {
   const TemporaryFolder folder;
-  test::WriteFile(folder.Path() / "file", "");
+  WriteFile(folder.Path() / "file", "");
   EXPECT_THROW(RunFolder(folder.Path() / "file"), host::SettingError);
   fs::create_directory(folder.Path() / "real");
   fs::create_directory_symlink(folder.Path() / "real", folder.Path() / "link");
@@ -46,9 +46,9 @@ TEST(RunFolder, FilesAreWrittenAsAWhole) {
   const TemporaryFolder folder;
   WriteFile(folder.Path() / "file", "old and long");
   WriteFile(folder.Path() / "file", "new");
-  EXPECT_EQ(test::ReadFile(folder.Path() / "file"), "new");
+  EXPECT_EQ(ReadFile(folder.Path() / "file"), "new");
   EXPECT_THROW(WriteFile(folder.Path() / "missing" / "file", ""), host::SettingError);
 }
 
 }  // namespace
-}  // namespace kalvo::web
+}  // namespace kalvo::test

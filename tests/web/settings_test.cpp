@@ -6,13 +6,13 @@
 #include "source_folder.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::web {
+namespace kalvo::test {
 namespace {
 
-using test::TemporaryFolder;
+using namespace web;
 
 Settings Read(const TemporaryFolder& folder, const std::string& text) {
-  test::WriteFile(folder.Path() / "kalvo.toml", text);
+  WriteFile(folder.Path() / "kalvo.toml", text);
   return ReadSettings(folder.Path() / "kalvo.toml");
 }
 
@@ -207,4 +207,4 @@ TEST(Settings, AreCompletedAndChecked) {
 }
 
 }  // namespace
-}  // namespace kalvo::web
+}  // namespace kalvo::test

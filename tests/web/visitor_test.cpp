@@ -7,8 +7,10 @@
 #include <chrono>
 #include <thread>
 
-namespace kalvo::web {
+namespace kalvo::test {
 namespace {
+
+using namespace web;
 
 class Visitors : public testing::Test {
  protected:
@@ -76,4 +78,4 @@ TEST_F(Visitors, DoNotStandForTheNext) {
 }
 
 }  // namespace
-}  // namespace kalvo::web
+}  // namespace kalvo::test

@@ -13,8 +13,10 @@
 #include "host/web/log.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::web {
+namespace kalvo::test {
 namespace {
+
+using namespace web;
 
 // A pool without pages: what its workers do is each test's own.
 class Pools : public testing::Test {
@@ -51,11 +53,9 @@ class Pools : public testing::Test {
     EXPECT_TRUE(happened());
   }
 
-  bool LogHas(const std::string& text) {
-    return test::ReadFile(folder_.Path() / "log").find(text) != std::string::npos;
-  }
+  bool LogHas(const std::string& text) { return ReadFile(folder_.Path() / "log").find(text) != std::string::npos; }
 
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   Log log_{(folder_.Path() / "log").string()};
   audit::Trail trail_{folder_.Path() / "audit", [this](std::string_view line) { log_.Write(line); }};
   std::unique_ptr<WorkerPool> pool_;
@@ -73,7 +73,7 @@ TEST_F(Pools, LoseAWorkerThatThrowsAndNothingElse) {
       [&](Generation&, WorkerSlot& slot, pid_t) -> int {
         slot.pages = 1;
         if (!std::filesystem::exists(throwing)) {
-          test::WriteFile(throwing, "");
+          WriteFile(throwing, "");
           throw std::runtime_error("the cupboard is bare");
         }
         StayForEver();
@@ -98,10 +98,10 @@ TEST_F(Pools, ReplaceAWorkerThatEnded) {
       [&](Generation&, WorkerSlot& slot, pid_t) -> int {
         slot.pages = 1;
         if (!std::filesystem::exists(first)) {
-          test::WriteFile(first, "");
+          WriteFile(first, "");
           return 7;
         }
-        test::WriteFile(folder_.Path() / "second", "");
+        WriteFile(folder_.Path() / "second", "");
         StayForEver();
       },
       1);
@@ -113,4 +113,4 @@ TEST_F(Pools, ReplaceAWorkerThatEnded) {
 }
 
 }  // namespace
-}  // namespace kalvo::web
+}  // namespace kalvo::test

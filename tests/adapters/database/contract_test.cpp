@@ -10,6 +10,7 @@
 #include "adapters/database/test_engine.h"
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
+#include "support/error_of.h"
 
 namespace kalvo::test {
 namespace {
@@ -54,14 +55,8 @@ class DatabaseContract : public testing::TestWithParam<EngineCase> {
   std::unique_ptr<RecordSet> Records(const std::string& sql) { return Query(*connection_, sql); }
 
   // The error of a query, which must fail.
-  Error ErrorOf(const std::string& sql) {
-    try {
-      Records(sql);
-    } catch (const Error& error) {
-      return error;
-    }
-    ADD_FAILURE() << "no error from " << sql;
-    return Error(0, "");
+  Error ErrorOfQuery(const std::string& sql) {
+    return ErrorOf([&] { Records(sql); });
   }
 
   TestEngine* engine_ = nullptr;
@@ -117,12 +112,8 @@ TEST_P(DatabaseContract, GivesBytesAsTheyAre) {
   ASSERT_TRUE(bytes.has_value());
   EXPECT_EQ(std::vector<std::uint8_t>(bytes->begin(), bytes->end()), expected);
   EXPECT_FALSE(rows.Binary(0, 1).has_value());
-  try {
-    rows.Binary(1, 0);
-    FAIL() << "a number was taken for bytes";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), 13);
-  }
+  const Error error = ErrorOf([&] { rows.Binary(1, 0); });
+  EXPECT_EQ(error.Number(), 13);
 }
 
 TEST_P(DatabaseContract, GivesBoundColumnsTheSameTexts) {
@@ -189,24 +180,16 @@ TEST_P(DatabaseContract, RunsTheStatementsOfABatchOneByOne) {
 
 TEST_P(DatabaseContract, FailsWith91BehindTheLastStatementAndHarmsNothing) {
   const auto records = Records("select Id from Facts order by Id");
-  try {
-    records->NextRecordset();
-    FAIL() << "a statement that nobody wrote";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), 91);
-  }
+  const Error error = ErrorOf([&] { records->NextRecordset(); });
+  EXPECT_EQ(error.Number(), 91);
   EXPECT_EQ(TextOf(*records, 0, 2), "3");
 }
 
 TEST_P(DatabaseContract, ReportsTheErrorOfTheSecondStatementWhenItIsAskedFor) {
   const auto records = Records("select Id from Facts order by Id\r\n\r\nselect Id from Nowhere");
   EXPECT_EQ(records->GetRows().RowCount(), 3);
-  try {
-    records->NextRecordset();
-    FAIL() << "no error";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), codes::kUnknownTable);
-  }
+  const Error error = ErrorOf([&] { records->NextRecordset(); });
+  EXPECT_EQ(error.Number(), codes::kUnknownTable);
   EXPECT_EQ(TextOf(*records, 0, 0), "1");
   EXPECT_EQ(FirstText(*connection_, "select count(*) from Facts"), "3") << "the connection is usable";
 }
@@ -252,7 +235,7 @@ TEST_P(DatabaseContract, NumbersItsErrors) {
   const std::regex form("\\[[0-9A-Z]{5}\\] [^\r\n]+");
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.why);
-    const Error error = ErrorOf(c.sql);
+    const Error error = ErrorOfQuery(c.sql);
     EXPECT_EQ(error.Number(), c.number) << error.Description();
     EXPECT_TRUE(std::regex_match(error.Description(), form)) << error.Description();
   }
@@ -262,7 +245,7 @@ TEST_P(DatabaseContract, RefusesToWrite) {
   for (const char* sql : {"delete from Facts", "update Facts set Name = 'x'", "insert into Facts (Id) values (4)",
                           "drop table Facts", "create table Mine (Id integer)"}) {
     SCOPED_TRACE(sql);
-    EXPECT_EQ(ErrorOf(sql).Number(), codes::kFailed);
+    EXPECT_EQ(ErrorOfQuery(sql).Number(), codes::kFailed);
   }
   EXPECT_EQ(FirstText(*connection_, "select count(*) from Facts where Name = 'Ann'"), "1");
 }
@@ -270,14 +253,12 @@ TEST_P(DatabaseContract, RefusesToWrite) {
 TEST_P(DatabaseContract, StopsAStatementAtItsTimeLimit) {
   const auto impatient = Connect(*engine_, 300ms);
   const auto before = std::chrono::steady_clock::now();
-  try {
+  const Error error = ErrorOf([&] {
     Query(*impatient, "select sum(a.Id * b.Id + c.Id * d.Id) from Numbers a, Numbers b, Numbers c, Numbers d")
         ->GetRows();
-    FAIL() << "it ran to its end";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), codes::kFailed);
-    EXPECT_EQ(error.Description(), "[HYT00] The query was stopped after 0.3 seconds.");
-  }
+  });
+  EXPECT_EQ(error.Number(), codes::kFailed);
+  EXPECT_EQ(error.Description(), "[HYT00] The query was stopped after 0.3 seconds.");
   EXPECT_LT(std::chrono::steady_clock::now() - before, 5s);
   EXPECT_EQ(FirstText(*impatient, "select count(*) from Facts"), "3") << "the connection is usable";
 }
@@ -320,7 +301,7 @@ TEST_P(DatabaseContract, KnowsWhatIsClosed) {
   EXPECT_THROW(records->GetRows(), Error);
   EXPECT_THROW(records->Close(), Error);
   connection_->Close();
-  EXPECT_EQ(ErrorOf("select 1 as One").Number(), codes::kFailed);
+  EXPECT_EQ(ErrorOfQuery("select 1 as One").Number(), codes::kFailed);
 }
 
 TEST_P(DatabaseContract, ServesThreadsWithAConnectionEach) {

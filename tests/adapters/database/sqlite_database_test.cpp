@@ -9,6 +9,7 @@
 #include "adapters/sqlite/connection.h"
 #include "adapters/sqlite/guard.h"
 #include "kalvo/platform/error.h"
+#include "support/error_of.h"
 #include "support/odbc_data_source.h"
 #include "support/temporary_folder.h"
 
@@ -38,24 +39,12 @@ class SqliteFileTest : public testing::Test {
     return std::string(connection.Execute({sql, sql, ""})->GetRows().Text(field, row, scratch));
   }
 
-  static Error ErrorOf(Connection& connection, const std::string& sql) {
-    try {
-      connection.Execute({sql, sql, ""})->GetRows();
-    } catch (const Error& error) {
-      return error;
-    }
-    ADD_FAILURE() << "no error from " << sql;
-    return Error(0, "");
+  static Error ErrorOfQuery(Connection& connection, const std::string& sql) {
+    return ErrorOf([&] { connection.Execute({sql, sql, ""})->GetRows(); });
   }
 
   static Error ConnectError(Database& database, const std::string& name) {
-    try {
-      database.Connect(name);
-    } catch (const Error& error) {
-      return error;
-    }
-    ADD_FAILURE() << "connected to " << name;
-    return Error(0, "");
+    return ErrorOf([&] { database.Connect(name); });
   }
 
   TemporaryFolder folder_;
@@ -147,7 +136,7 @@ TEST_F(SqliteFileTest, NothingBesidesReadingIsAllowed) {
     for (const char* sql : {"select load_extension('libm.so.6')", "pragma query_only = 0", "attach 'x.db' as x",
                             "pragma journal_mode = delete", "create temporary table Mine (Id integer)", "vacuum",
                             "delete from T", "create trigger R after insert on T begin select 1; end"}) {
-      EXPECT_EQ(ErrorOf(*connection, sql).Number(), codes::kFailed) << sql;
+      EXPECT_EQ(ErrorOfQuery(*connection, sql).Number(), codes::kFailed) << sql;
     }
     EXPECT_EQ(Text(*connection, "select upper(Plain) as U from T where Id = 3"), "X");
   }
@@ -185,7 +174,7 @@ TEST_F(SqliteFileTest, OfTheHeapThereAre256Mebibytes) {
     return sql + " limit 1)";
   };
   EXPECT_EQ(Text(*connection, statement(1)), "50000000");
-  EXPECT_EQ(ErrorOf(*connection, statement(6)).Description(), "[HY001] out of memory");
+  EXPECT_EQ(ErrorOfQuery(*connection, statement(6)).Description(), "[HY001] out of memory");
   EXPECT_EQ(Text(*connection, "select count(*) as N from T"), "3") << "the connection is usable";
 }
 
@@ -202,7 +191,8 @@ TEST_F(SqliteFileTest, WhatAStatementTookOfTheHeapIsGivenBack) {
     ASSERT_EQ(Text(*connection, "select length(hex(zeroblob(1000000))) as L"), "2000000") << i;
     ASSERT_EQ(Text(*connection, grown(2000)), "2000000") << i;
   }
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(ErrorOf(*connection, grown(20'000)).Description(), "[HY001] out of memory");
+  for (int i = 0; i < 3; ++i)
+    EXPECT_EQ(ErrorOfQuery(*connection, grown(20'000)).Description(), "[HY001] out of memory");
   EXPECT_EQ(Text(*connection, grown(2000)), "2000000") << "what was refused took nothing";
   sqlite::PrepareLibrary();
 }
@@ -210,16 +200,17 @@ TEST_F(SqliteFileTest, WhatAStatementTookOfTheHeapIsGivenBack) {
 TEST_F(SqliteFileTest, AValueOfMoreThan64MebibytesIsRefused) {
   sqlite::SqliteDatabase database(File());
   const auto connection = database.Connect("KalvoDB");
-  EXPECT_EQ(ErrorOf(*connection, "select zeroblob(67108865) as B").Description(), "[54000] string or blob too big");
+  EXPECT_EQ(ErrorOfQuery(*connection, "select zeroblob(67108865) as B").Description(),
+            "[54000] string or blob too big");
   EXPECT_EQ(Text(*connection, "select length(zeroblob(67108864)) as L"), "67108864");
 }
 
 TEST_F(SqliteFileTest, ALibraryIsNotLoaded) {
   sqlite::SqliteDatabase database(File());
   const auto connection = database.Connect("KalvoDB");
-  EXPECT_EQ(ErrorOf(*connection, "select load_extension('libm.so.6')").Description().substr(0, 7), "[42501]");
-  EXPECT_EQ(ErrorOf(*connection, "select LOAD_EXTENSION('libm.so.6')").Description().substr(0, 7), "[42501]");
-  EXPECT_EQ(ErrorOf(*connection, "delete from T").Description().substr(0, 7), "[42501]");
+  EXPECT_EQ(ErrorOfQuery(*connection, "select load_extension('libm.so.6')").Description().substr(0, 7), "[42501]");
+  EXPECT_EQ(ErrorOfQuery(*connection, "select LOAD_EXTENSION('libm.so.6')").Description().substr(0, 7), "[42501]");
+  EXPECT_EQ(ErrorOfQuery(*connection, "delete from T").Description().substr(0, 7), "[42501]");
 }
 
 // The guard of connections that drivers open, as a driver meets it: a plain connection of SQLite's library.
@@ -247,7 +238,7 @@ TEST_F(SqliteFileTest, AConnectionOfOursMayNotEvenWhatADriverMay) {
   sqlite::SqliteDatabase database(File());
   const auto connection = database.Connect("KalvoDB");
   for (const char* sql : {"pragma table_info(T)", "begin", "pragma encoding"}) {
-    EXPECT_EQ(ErrorOf(*connection, sql).Description().substr(0, 7), "[42501]") << sql;
+    EXPECT_EQ(ErrorOfQuery(*connection, sql).Description().substr(0, 7), "[42501]") << sql;
   }
 }
 
@@ -266,7 +257,7 @@ TEST_F(SqliteFileTest, AClosedConnectionOrResultIsAnError) {
   EXPECT_THROW(records->FieldName(1), Error);
   EXPECT_EQ(records->FieldName(0), "Id");
   connection->Close();
-  EXPECT_EQ(ErrorOf(*connection, "select 1").Description(), "[08003] The connection is closed.");
+  EXPECT_EQ(ErrorOfQuery(*connection, "select 1").Description(), "[08003] The connection is closed.");
   EXPECT_EQ(records->GetRows().RowCount(), 3) << "who still reads keeps it open";
   records->Close();
   EXPECT_THROW(records->GetRows(), Error);
@@ -292,7 +283,7 @@ TEST_F(SqliteFileTest, TheHeapIsLimited) {
   options.heapLimit = 8 << 20;
   sqlite::SqliteDatabase database(File(), options);
   const auto connection = database.Connect("KalvoDB");
-  const Error error = ErrorOf(*connection, "select length(zeroblob(30000000) || 'x') as L");
+  const Error error = ErrorOfQuery(*connection, "select length(zeroblob(30000000) || 'x') as L");
   EXPECT_EQ(error.Number(), codes::kFailed);
   EXPECT_EQ(error.Description(), "[HY001] out of memory");
   EXPECT_EQ(Text(*connection, "select count(*) as N from T"), "3") << "the connection is usable";

@@ -2,7 +2,7 @@
 #include "adapters/imap/imap_under_test.h"
 #include "adapters/live_mailbox/fixture.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 namespace {
 
@@ -31,4 +31,4 @@ class ImapUnderTest : public StoreUnderTest {
 
 std::unique_ptr<StoreUnderTest> MakeStoreUnderTest() { return std::make_unique<ImapUnderTest>(); }
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

@@ -7,7 +7,7 @@
 
 #include <stdexcept>
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 namespace {
 
@@ -224,4 +224,4 @@ std::string FakeMailServer::FetchAnswer(const std::string& command) const {
   return answer;
 }
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

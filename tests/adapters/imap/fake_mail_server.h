@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 // What a test's server says to one connection. Every wait ends when the client hangs up or the server is to stop.
 class Talk {
@@ -76,4 +76,4 @@ class FakeMailServer {
   std::thread thread_;
 };
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

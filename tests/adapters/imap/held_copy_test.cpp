@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
-namespace kalvo::imap {
+namespace kalvo::test {
+
+using namespace imap;
 
 namespace {
 
@@ -69,4 +71,4 @@ TEST(HeldCopy, LinesOfOthersAreNotBelieved) {
 
 }  // namespace
 
-}  // namespace kalvo::imap
+}  // namespace kalvo::test

@@ -13,9 +13,10 @@
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/live_mailbox.h"
+#include "support/error_of.h"
 #include "support/killed_process.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 namespace {
 
 using std::chrono::milliseconds;
@@ -23,15 +24,6 @@ using Clock = std::chrono::steady_clock;
 
 const std::string kText = "From: a@kalvo.example\nSubject: once\n\nBody.\n";
 constexpr std::int64_t kReceived = 915148800;
-
-std::string Failure(const std::function<void()>& step) {
-  try {
-    step();
-  } catch (const Error& error) {
-    return error.Description();
-  }
-  return "";
-}
 
 class ImapHolding : public ::testing::Test {
  protected:
@@ -149,7 +141,7 @@ TEST_F(ImapHolding, AMessageOfSeveralPiecesComesBackAsItWas) {
 TEST_F(ImapHolding, WhatCannotBeHeldIsNotDeleted) {
   Fill();
   const auto store = Store("&holding-login=nobody-there");
-  const std::string failure = Failure([&] { Delete(*store); });
+  const std::string failure = ErrorOf([&] { Delete(*store); }).Description();
   EXPECT_TRUE(failure.starts_with("The message was not deleted, because it cannot be held. The mail server"))
       << failure;
   EXPECT_EQ(InInbox(), 1u);
@@ -158,7 +150,7 @@ TEST_F(ImapHolding, WhatCannotBeHeldIsNotDeleted) {
 TEST_F(ImapHolding, TheOwnersAccountIsNeverUsed) {
   for (const char* more :
        {"&holding-login={mailbox}*{admin}", "&holding=INBOX", "&holding=inbox", "&holding=", "&holding=%2A"}) {
-    EXPECT_NE(Failure([&] { Store(more); }), "") << more;
+    EXPECT_NE(ErrorOf([&] { Store(more); }).Description(), "") << more;
   }
 }
 
@@ -172,7 +164,8 @@ TEST_F(ImapHolding, AFolderThatDoesNotTakeItLeavesItHeldAndFreeForTheNext) {
   const std::string id = store->Remove(sales, "Public/Sales", std::string(messages->Row(first).key), {"", 1000});
   server_.Write("public/.Sales/dovecot-acl", "user=kalvo lrte\n");
   std::this_thread::sleep_for(milliseconds(1100));  // the server looks at it once a second
-  EXPECT_NE(Failure([&] { Store()->Restore(sales, id, std::nullopt); }).find("refused"), std::string::npos);
+  EXPECT_NE(ErrorOf([&] { Store()->Restore(sales, id, std::nullopt); }).Description().find("refused"),
+            std::string::npos);
   EXPECT_EQ(PlainImap(server_.Port(), "kalvo").Run("LIST \"\" \"Kalvo held *\"").find("* LIST"), std::string::npos);
   ASSERT_EQ(Store()->Held(&sales).size(), 1u);
   server_.Write("public/.Sales/dovecot-acl", "user=kalvo lrwstipekxa\n");
@@ -207,10 +200,12 @@ TEST_F(ImapHolding, OfManyWhoRestoreOneSucceeds) {
   for (int i = 0; i < kProcesses; ++i) {
     const pid_t process = fork();
     if (process == 0) {
-      _exit(Failure([&] {
+      _exit(ErrorOf([&] {
               imap::ImapStore store(settings);
               store.Restore(Alice(store), id, std::nullopt);
-            }).empty()
+            })
+                    .Description()
+                    .empty()
                 ? 1
                 : 0);
     }
@@ -246,8 +241,8 @@ TEST_F(ImapHolding, MessagesThatOthersPutThereAreLeftAlone) {
 TEST_F(ImapHolding, ADeleteKilledAtAnyMomentLeavesTheMessageInOnePlace) {
   std::shared_ptr<imap::ImapStore> store;
   std::string key;
-  const int kills = test::KillAtEveryMoment(
-      test::Calls::ThatSend,
+  const int kills = KillAtEveryMoment(
+      Calls::ThatSend,
       [&] {
         Empty("alice", "INBOX");
         Empty("kalvo", "Kalvo held");
@@ -276,8 +271,8 @@ TEST_F(ImapHolding, ADeleteKilledAtAnyMomentLeavesTheMessageInOnePlace) {
 TEST_F(ImapHolding, ARestoreKilledAtAnyMomentLosesNothingAndDoublesNothing) {
   std::shared_ptr<imap::ImapStore> store;
   std::string id;
-  const int kills = test::KillAtEveryMoment(
-      test::Calls::ThatSend,
+  const int kills = KillAtEveryMoment(
+      Calls::ThatSend,
       [&] {
         Empty("alice", "INBOX");
         Empty("kalvo", "Kalvo held");
@@ -291,7 +286,7 @@ TEST_F(ImapHolding, ARestoreKilledAtAnyMomentLosesNothingAndDoublesNothing) {
         const auto until = Clock::now() + std::chrono::seconds(20);
         do {
           const auto again = Store();
-          Failure([&] { again->Restore(Alice(*again), id, std::nullopt); });
+          ErrorOf([&] { again->Restore(Alice(*again), id, std::nullopt); }).Description();
         } while (!Held().empty() && Clock::now() < until);
         ASSERT_EQ(InInbox(), 1u);
         ASSERT_EQ(Held().size(), 0u);
@@ -313,7 +308,7 @@ TEST_F(ImapHolding, WhatAStoppedDeleteLeavesBehindIsSweptLater) {
     return imap.Run("STATUS \"Kalvo held\" (MESSAGES)").find("MESSAGES 0") == std::string::npos;
   };
   while (!copies() && ++calls < 100) {
-    test::RunAndKillAt(calls, test::Calls::ThatSend, [&] {
+    RunAndKillAt(calls, Calls::ThatSend, [&] {
       const auto killed = Store();
       killed->Remove(Alice(*killed), "INBOX", key, {"", std::time(nullptr) - 4000});
     });
@@ -326,4 +321,4 @@ TEST_F(ImapHolding, WhatAStoppedDeleteLeavesBehindIsSweptLater) {
 }
 
 }  // namespace
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

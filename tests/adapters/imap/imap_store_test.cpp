@@ -14,9 +14,10 @@
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/live_mailbox.h"
+#include "support/error_of.h"
 #include "support/patience.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 namespace {
 
 using std::chrono::milliseconds;
@@ -28,15 +29,6 @@ Texts FieldsOf(Listing& listing, std::string_view field) {
   listing.MoveFirst();
   for (std::int32_t i = 0; i < listing.Count(); ++i, listing.MoveNext()) texts.push_back(ToText(listing.Field(field)));
   return texts;
-}
-
-std::string Failure(const std::function<void()>& step) {
-  try {
-    step();
-  } catch (const Error& error) {
-    return error.Description();
-  }
-  return "";
 }
 
 class ImapStoreTest : public ::testing::Test {
@@ -286,7 +278,7 @@ TEST_F(ImapStoreTest, OddMessagesAreListedLikeAnyOther) {
   EXPECT_EQ(senders[9], "undisclosed-recipients");
   EXPECT_EQ(senders[10], "A <a@b.example>");
   for (const auto& id : FieldsOf(*listed, "ExchangeId")) {
-    EXPECT_EQ(Failure([&] { live->GotoMsgAttachment("EX01", "alice", id, 0); }), "");
+    EXPECT_EQ(ErrorOf([&] { live->GotoMsgAttachment("EX01", "alice", id, 0); }).Description(), "");
     live->Attachments();
   }
 }
@@ -376,15 +368,18 @@ TEST_F(ImapStoreTest, ANameCannotEndACommand) {
                               imap::Deadline(settings.limits.operation));
   const std::string evil[] = {"x\r\nA1 DELETE INBOX", "x\nA1 DELETE INBOX", std::string("x\0y", 3), "x\x7F"};
   for (const auto& name : evil) {
-    EXPECT_NE(Failure([&] { connection.Open(name, imap::Access::Read); }).find("control character"), std::string::npos);
-    EXPECT_NE(Failure([&] { connection.Status(name); }).find("control character"), std::string::npos);
-    EXPECT_NE(Failure([&] { connection.List(name, ""); }).find("control character"), std::string::npos);
-    EXPECT_NE(Failure([&] { connection.Rights(name); }).find("control character"), std::string::npos);
+    EXPECT_NE(ErrorOf([&] { connection.Open(name, imap::Access::Read); }).Description().find("control character"),
+              std::string::npos);
+    EXPECT_NE(ErrorOf([&] { connection.Status(name); }).Description().find("control character"), std::string::npos);
+    EXPECT_NE(ErrorOf([&] { connection.List(name, ""); }).Description().find("control character"), std::string::npos);
+    EXPECT_NE(ErrorOf([&] { connection.Rights(name); }).Description().find("control character"), std::string::npos);
   }
-  EXPECT_NE(Failure([&] {
+  EXPECT_NE(ErrorOf([&] {
               imap::Connection(settings.server, {"alice\r\nA1 LOGOUT", "pw"}, settings.limits,
                                imap::Deadline(settings.limits.operation));
-            }).find("control character"),
+            })
+                .Description()
+                .find("control character"),
             std::string::npos);
   EXPECT_EQ(connection.Open("INBOX", imap::Access::Read).messages, 1u);
 }
@@ -394,7 +389,7 @@ TEST_F(ImapStoreTest, AWrongPasswordIsTold) {
   auto settings = imap::ReadSettings(StoreAddress(server_));
   settings.password = "wrong";
   const auto live = Browse(std::make_shared<imap::ImapStore>(settings));
-  EXPECT_NE(Failure([&] { OpenInbox(*live); }).find("refused"), std::string::npos);
+  EXPECT_NE(ErrorOf([&] { OpenInbox(*live); }).Description().find("refused"), std::string::npos);
 }
 
 TEST_F(ImapStoreTest, WithoutTheRightNothingIsDeleted) {
@@ -406,7 +401,7 @@ TEST_F(ImapStoreTest, WithoutTheRightNothingIsDeleted) {
   for (const char* rights : {"lrs", "lrst", "lrse"}) {
     server_.Write("public/.Sales/dovecot-acl", std::string("user=kalvo ") + rights + "\n");
     const auto live = Browse(Store());  // the server reads the rights at the beginning of a connection
-    EXPECT_EQ(Failure([&] { live->RemoveMessage("EX01", "", "", id, live::kPublicFolders); }),
+    EXPECT_EQ(ErrorOf([&] { live->RemoveMessage("EX01", "", "", id, live::kPublicFolders); }).Description(),
               "Deleting messages is not allowed in this folder.");
   }
   EXPECT_EQ(server_.AllMessages().size(), 1u);
@@ -438,7 +433,7 @@ TEST_F(ImapStoreTest, AServerKilledWhileItDeletesLosesNothingElse) {
       std::this_thread::sleep_for(milliseconds(2 * i));
       server_.Kill();
     });
-    const auto failure = Failure([&] { live->RemoveMessage("EX01", "alice", "", id, 0); });
+    const auto failure = ErrorOf([&] { live->RemoveMessage("EX01", "alice", "", id, 0); }).Description();
     killer.join();
     server_.Start();
     const auto after = server_.AllMessages();
@@ -465,14 +460,15 @@ TEST_F(ImapStoreTest, AStoppedServerGivesAnErrorAndTheNextPageWorks) {
   for (int i = 0; i < 60; ++i) messages->MoveNext();
   server_.Pause();
   const auto begin = Clock::now();
-  const auto failure = Failure([&] { messages->Field("Name"); });
+  const auto failure = ErrorOf([&] { messages->Field("Name"); }).Description();
   EXPECT_NE(failure.find("did not answer in time"), std::string::npos) << failure;
-  EXPECT_NE(Failure([&] { Browse(store)->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath); }), "");
+  EXPECT_NE(ErrorOf([&] { Browse(store)->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath); }).Description(),
+            "");
   EXPECT_LT(Clock::now() - begin, milliseconds(15'000));
   server_.Resume();
   const auto next = Browse(store);
   // For a while nobody asks a server that was silent again.
-  EXPECT_TRUE(test::Eventually([&] { return Failure([&] { OpenInbox(*next); }).empty(); }));
+  EXPECT_TRUE(Eventually([&] { return ErrorOf([&] { OpenInbox(*next); }).Description().empty(); }));
   EXPECT_EQ(FieldsOf(*next->Messages(), "Name").size(), 120u);
 }
 
@@ -486,7 +482,7 @@ TEST_F(ImapStoreTest, AKilledServerGivesAnErrorAndTheNextPageWorks) {
   for (int i = 0; i < 60; ++i) messages->MoveNext();
   server_.Kill();
   const auto begin = Clock::now();
-  const auto failure = Failure([&] { messages->Field("Name"); });
+  const auto failure = ErrorOf([&] { messages->Field("Name"); }).Description();
   EXPECT_NE(failure.find("cannot be reached"), std::string::npos) << failure;
   EXPECT_LT(Clock::now() - begin, milliseconds(15'000));
   server_.Start();
@@ -512,11 +508,14 @@ TEST_F(ImapStoreTest, OnlyConfiguredServersAreConnectedTo) {
   const auto store = Store();
   const auto live = Browse(store);
   for (const char* name : {"127.0.0.2", "localhost:1", "evil.example", ""}) {
-    EXPECT_NE(Failure([&] { live->GotoContainer(name, "alice", "", 0, live::kByPath); }), "");
-    EXPECT_NE(Failure([&] { live->GotoContainer(name, "Kalvo x", "", 0, live::kByPath | live::kPublicFolders); }), "");
+    EXPECT_NE(ErrorOf([&] { live->GotoContainer(name, "alice", "", 0, live::kByPath); }).Description(), "");
+    EXPECT_NE(ErrorOf([&] {
+                live->GotoContainer(name, "Kalvo x", "", 0, live::kByPath | live::kPublicFolders);
+              }).Description(),
+              "");
   }
   EXPECT_EQ(store->Cost().connections, 0u);
 }
 
 }  // namespace
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

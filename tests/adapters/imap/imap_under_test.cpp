@@ -6,7 +6,7 @@
 #include "adapters/mail/browser.h"
 #include "adapters/mail/text.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 std::string ServerName(const std::vector<std::string>& names, bool isPublic) {
   std::string name = isPublic ? "Public" : "";
@@ -56,4 +56,4 @@ std::shared_ptr<LiveContainer> Browse(const std::shared_ptr<imap::ImapStore>& st
   return std::make_shared<mail::Browser>(store);
 }
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

@@ -11,7 +11,7 @@ namespace kalvo {
 class LiveContainer;
 }
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 // The address of a store on that port with the contract's directory; `more` is added to it ("&sort=no"). The files
 // that it names are put into the server's folder.
@@ -29,4 +29,4 @@ std::vector<std::string> FixtureUsers();
 
 std::shared_ptr<LiveContainer> Browse(const std::shared_ptr<imap::ImapStore>& store);
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

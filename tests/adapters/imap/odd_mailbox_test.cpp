@@ -10,7 +10,7 @@
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/live_mailbox.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -119,4 +119,4 @@ TEST_F(OddMailbox, OddFolderNamesAreFoundByThePathThatIsShown) {
 }
 
 }  // namespace
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

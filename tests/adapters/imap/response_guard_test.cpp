@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
-namespace kalvo::imap {
+namespace kalvo::test {
 namespace {
+
+using namespace imap;
 
 Limits SmallLimits() {
   Limits limits;
@@ -112,4 +114,4 @@ TEST(ResponseGuard, RefusesForGood) {
 }
 
 }  // namespace
-}  // namespace kalvo::imap
+}  // namespace kalvo::test

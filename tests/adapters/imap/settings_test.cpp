@@ -3,14 +3,17 @@
 #include <gtest/gtest.h>
 
 #include "kalvo/platform/error.h"
+#include "support/error_of.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::imap {
+namespace kalvo::test {
 namespace {
+
+using namespace imap;
 
 class ImapSettings : public ::testing::Test {
  protected:
-  ImapSettings() { test::WriteFile(folder_.Path() / "pw", "secret word\r\nand a note\n"); }
+  ImapSettings() { WriteFile(folder_.Path() / "pw", "secret word\r\nand a note\n"); }
 
   std::string With(std::string_view place, std::string_view more = "") const {
     return std::string(place) + "?directory=mail.txt&password-file=" + (folder_.Path() / "pw").string() +
@@ -18,16 +21,12 @@ class ImapSettings : public ::testing::Test {
   }
 
   std::string Refusal(const std::string& url) const {
-    try {
-      ReadSettings(url);
-    } catch (const Error& error) {
-      EXPECT_EQ(error.Number(), codes::kFailed);
-      return error.Description();
-    }
-    return "";
+    const Error error = ErrorOf([&] { ReadSettings(url); });
+    EXPECT_EQ(error.Number(), error.Description().empty() ? 0 : codes::kFailed);
+    return error.Description();
   }
 
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
 };
 
 TEST_F(ImapSettings, HaveLimitsUnlessTheAddressNamesOthers) {
@@ -103,9 +102,9 @@ TEST_F(ImapSettings, RefuseWhatTheyDoNotUnderstand) {
 }
 
 TEST_F(ImapSettings, RefuseAPasswordThatCouldEndACommand) {
-  test::WriteFile(folder_.Path() / "pw", std::string("x\x01y\n"));
+  WriteFile(folder_.Path() / "pw", std::string("x\x01y\n"));
   EXPECT_NE(Refusal(With("imap://a@h/")).find("control character"), std::string::npos);
 }
 
 }  // namespace
-}  // namespace kalvo::imap
+}  // namespace kalvo::test

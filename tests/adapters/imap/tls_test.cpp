@@ -10,10 +10,11 @@
 #include "adapters/imap/imap_under_test.h"
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/live_mailbox.h"
+#include "support/error_of.h"
 #include "support/process.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 namespace {
 
 // A certificate for `host` that vouches for itself, and its key, as PEM files.
@@ -34,7 +35,7 @@ void MakeCertificate(const std::string& host, const std::string& certificateFile
   gnutls_x509_crt_set_key(certificate, key);
   gnutls_x509_crt_sign2(certificate, certificate, key, GNUTLS_DIG_SHA256, 0);
   const auto write = [](const std::string& file, gnutls_datum_t& text) {
-    test::WriteFile(file, std::string(reinterpret_cast<const char*>(text.data), text.size));
+    WriteFile(file, std::string(reinterpret_cast<const char*>(text.data), text.size));
     gnutls_free(text.data);
   };
   gnutls_datum_t text{};
@@ -51,7 +52,7 @@ class ImapTls : public ::testing::Test {
   // Serves with a certificate for that host, STARTTLS on one port and TLS on another.
   void Serve(const std::string& host) {
     MakeCertificate(host, CertificateFile(), Key());
-    tlsPort_ = test::FreePort();
+    tlsPort_ = FreePort();
     server_ = std::make_unique<DovecotServer>(
         FixtureUsers(), "ssl = required\nssl_cert = <" + CertificateFile() + "\nssl_key = <" + Key() +
                             "\nservice imap-login {\n  inet_listener imaps {\n    port = " + std::to_string(tlsPort_) +
@@ -68,15 +69,11 @@ class ImapTls : public ::testing::Test {
     settings.server.security = security;
     settings.server.certificateFile = authorities;
     if (security == imap::Security::Tls) settings.server.port = static_cast<std::uint16_t>(tlsPort_);
-    try {
-      Browse(std::make_shared<imap::ImapStore>(settings))->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath);
-    } catch (const Error& error) {
-      return error.Description();
-    }
-    return "";
+    const auto live = Browse(std::make_shared<imap::ImapStore>(settings));
+    return ErrorOf([&] { live->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath); }).Description();
   }
 
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   std::unique_ptr<DovecotServer> server_;
   int tlsPort_ = 0;
 };
@@ -104,16 +101,13 @@ TEST_F(ImapTls, AServerOfAnotherNameIsNot) {
 
 // What comes of asking a server for STARTTLS that answers so.
 std::string AskedForTls(const std::string& answer) {
-  const test::TemporaryFolder folder;
+  const TemporaryFolder folder;
   FakeMailServer server;
   server.Misbehave("STARTTLS", [&](Talk& talk, const std::string& tag) { talk.Send(tag + answer); });
   auto settings = imap::ReadSettings(StoreAddress(folder.Path().string(), server.Port(), "&tls=starttls&silence=1"));
-  std::string failure;
-  try {
-    Browse(std::make_shared<imap::ImapStore>(settings))->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath);
-  } catch (const Error& error) {
-    failure = error.Description();
-  }
+  const auto live = Browse(std::make_shared<imap::ImapStore>(settings));
+  const std::string failure =
+      ErrorOf([&] { live->GotoContainer("EX01", "alice", "Inbox", 0, live::kByPath); }).Description();
   for (const auto& command : server.Commands()) EXPECT_FALSE(command.starts_with("LOGIN")) << "the password was told";
   return failure;
 }
@@ -129,4 +123,4 @@ TEST(ImapStartTls, BelievesNothingThatCameBefore) {
 }
 
 }  // namespace
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

@@ -8,8 +8,9 @@
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/live_mailbox.h"
+#include "support/error_of.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 namespace {
 
@@ -23,13 +24,9 @@ std::string Hex(std::int32_t number) {
 
 // The number of the error that an operation raises, in hexadecimal; "0" for none.
 std::string Raised(const std::function<void()>& operation) {
-  try {
-    operation();
-  } catch (const Error& error) {
-    EXPECT_FALSE(error.Description().empty());
-    return Hex(error.Number());
-  }
-  return "0";
+  const Error error = ErrorOf(operation);
+  EXPECT_EQ(error.Description().empty(), error.Number() == 0);
+  return Hex(error.Number());
 }
 
 constexpr const char* kNoFolder = "E1C1002F";
@@ -433,4 +430,4 @@ TEST_F(LiveMailboxContract, IdentifiersStayTheSameFromSessionToSession) {
 
 }  // namespace
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

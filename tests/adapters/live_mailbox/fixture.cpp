@@ -1,6 +1,6 @@
 #include "adapters/live_mailbox/fixture.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 namespace {
 
@@ -129,4 +129,4 @@ const std::vector<FixtureTree>& FixtureTrees() {
   return trees;
 }
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

@@ -13,7 +13,7 @@ namespace kalvo::mail {
 class MailStore;
 }
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 // What every mail store is loaded with before the contract is tested on it.
 struct FixtureMessage {
@@ -55,4 +55,4 @@ class StoreUnderTest {
 // Each store's tests define this: a store freshly loaded with the fixture.
 std::unique_ptr<StoreUnderTest> MakeStoreUnderTest();
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

@@ -11,21 +11,13 @@
 #include "adapters/mail/text.h"
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
+#include "support/error_of.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 namespace {
 
 constexpr std::int32_t kByPath = live::kByPath, kPublic = live::kPublicFolders;
-
-std::string FailureOf(const std::function<void()>& step) {
-  try {
-    step();
-  } catch (const Error& error) {
-    return error.Description();
-  }
-  return "";
-}
 
 class HoldingContract : public ::testing::Test {
  protected:
@@ -131,7 +123,7 @@ TEST_F(HoldingContract, AHeldMessageIsRestoredAsItWas) {
   EXPECT_EQ(Row("Inbox", "apple"), row);
   EXPECT_EQ(store_->AllMessages(), before) << "bit for bit";
   EXPECT_EQ(Desk().All().size(), 0u);
-  EXPECT_EQ(FailureOf([&] { Desk().Restore("EX01", "alice", held[0].message.id, 0); }),
+  EXPECT_EQ(ErrorOf([&] { Desk().Restore("EX01", "alice", held[0].message.id, 0); }).Description(),
             "The deleted message is not held any more.");
 }
 
@@ -153,11 +145,11 @@ TEST_F(HoldingContract, AHeldMessageBelongsToItsMailboxAlone) {
   EXPECT_EQ(Desk().Held("EX01", "bob", 0).size(), 0u);
   EXPECT_EQ(Desk().Held("EX01", "", kPublic).size(), 0u);
   for (const auto& [mailbox, flags] : {std::pair{"bob", 0}, {"", kPublic}}) {
-    EXPECT_EQ(FailureOf([&] { Desk().Restore("EX01", mailbox, id, flags); }),
+    EXPECT_EQ(ErrorOf([&] { Desk().Restore("EX01", mailbox, id, flags); }).Description(),
               "The deleted message is not held any more.");
   }
   for (const std::string made : {"", "../../x", "00112233445566778899aabbccddeeff", "* 1:*"}) {
-    EXPECT_EQ(FailureOf([&] { Desk().Restore("EX01", "alice", made, 0); }),
+    EXPECT_EQ(ErrorOf([&] { Desk().Restore("EX01", "alice", made, 0); }).Description(),
               "The deleted message is not held any more.");
     EXPECT_FALSE(Desk().Find(made));
   }
@@ -169,10 +161,10 @@ TEST_F(HoldingContract, WhereTheFolderIsGoneItSaysSoAndAnotherOneServes) {
   const std::string id = Desk().Held("EX01", "alice", 0).at(0).message.id;
   store_->RemoveFolder("alice", {"Inbox", "Projects"});
   EXPECT_EQ(
-      FailureOf([&] { Desk().Restore("EX01", "alice", id, 0); }),
+      ErrorOf([&] { Desk().Restore("EX01", "alice", id, 0); }).Description(),
       "The folder \"Inbox\\Projects\" does not exist any more; the message can be restored into another folder of "
       "the mailbox.");
-  EXPECT_NE(FailureOf([&] { Desk().Restore("EX01", "alice", id, 0, "Nowhere"); }), "");
+  EXPECT_NE(ErrorOf([&] { Desk().Restore("EX01", "alice", id, 0, "Nowhere"); }).Description(), "");
   EXPECT_EQ(Desk().Held("EX01", "alice", 0).size(), 1u) << "still held";
   EXPECT_EQ(Desk().Restore("EX01", "alice", id, 0, "sent items"), "Sent Items");
   EXPECT_NE(Row("Sent Items", "Plan"), "");
@@ -217,4 +209,4 @@ TEST_F(HoldingContract, TheLastDeletedComesFirst) {
 
 }  // namespace
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

@@ -4,18 +4,16 @@
 
 #include "adapters/mail/directory_file.h"
 #include "kalvo/platform/error.h"
+#include "support/error_of.h"
 
-namespace kalvo::mail {
+namespace kalvo::test {
+
+using namespace mail;
 
 namespace {
 
 std::string Refusal(std::string_view text) {
-  try {
-    ReadDirectory("mailboxes.txt", text);
-  } catch (const Error& error) {
-    return error.Description();
-  }
-  return "";
+  return ErrorOf([&] { ReadDirectory("mailboxes.txt", text); }).Description();
 }
 
 TEST(DirectoryFile, IsRead) {
@@ -97,4 +95,4 @@ TEST(Directory, OfTwoMailboxesElsewhereNoneIsMeant) {
 
 }  // namespace
 
-}  // namespace kalvo::mail
+}  // namespace kalvo::test

@@ -4,8 +4,11 @@
 
 #include "adapters/mail/directory.h"
 #include "adapters/mail/directory_file.h"
+#include "support/error_of.h"
 
-namespace kalvo::mail {
+namespace kalvo::test {
+
+using namespace mail;
 
 namespace {
 
@@ -37,12 +40,8 @@ TEST(MailErrors, HoldNoMarkupWhateverTheyAreMadeOf) {
 
 TEST(MailErrors, ThoseOfTheDirectoryHoldNoneEither) {
   const auto description = [](auto&& step) -> std::string {
-    try {
-      step();
-    } catch (const Error& error) {
-      return error.Description();
-    }
-    return "<no error>";
+    const Error error = ErrorOf(step);
+    return error.Number() == 0 ? "<no error>" : error.Description();
   };
   const std::string file = kMarkup.substr(0, 20);
   EXPECT_EQ(description([&] { ReadDirectory(file, "[" + file); }).find('<'), std::string::npos);
@@ -55,4 +54,4 @@ TEST(MailErrors, ThoseOfTheDirectoryHoldNoneEither) {
 
 }  // namespace
 
-}  // namespace kalvo::mail
+}  // namespace kalvo::test

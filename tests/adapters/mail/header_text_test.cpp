@@ -5,7 +5,9 @@
 
 #include "adapters/mail/charset.h"
 
-namespace kalvo::mail {
+namespace kalvo::test {
+
+using namespace mail;
 
 namespace {
 
@@ -97,4 +99,4 @@ TEST(HeaderText, CharsetsThatCannotBeAreNone) {
 
 }  // namespace
 
-}  // namespace kalvo::mail
+}  // namespace kalvo::test

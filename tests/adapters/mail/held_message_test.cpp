@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
-namespace kalvo::mail {
+namespace kalvo::test {
+
+using namespace mail;
 
 namespace {
 
@@ -84,4 +86,4 @@ TEST(HeldIds, AreNeverGivenTwiceAndAreNoPaths) {
 
 }  // namespace
 
-}  // namespace kalvo::mail
+}  // namespace kalvo::test

@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include "kalvo/platform/error.h"
+#include "support/error_of.h"
 
-namespace kalvo::mail {
+namespace kalvo::test {
+
+using namespace mail;
 
 namespace {
 
@@ -49,12 +52,8 @@ TEST(Identifiers, NoChangedOneIsTaken) {
 }
 
 TEST(Identifiers, TheRefusalIsThatThereIsNoSuchFolder) {
-  try {
-    ReadFolderIdentifier(kAlice, "made up");
-    FAIL();
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), codes::kNoSuchFolder);
-  }
+  const Error error = ErrorOf([&] { ReadFolderIdentifier(kAlice, "made up"); });
+  EXPECT_EQ(error.Number(), codes::kNoSuchFolder);
 }
 
 TEST(Identifiers, TheCheckIsThePublishedOne) {
@@ -75,4 +74,4 @@ TEST(Identifiers, CarryTheWholeCheck) {
 
 }  // namespace
 
-}  // namespace kalvo::mail
+}  // namespace kalvo::test

@@ -4,7 +4,9 @@
 
 #include "kalvo/platform/conversion.h"
 
-namespace kalvo::mail {
+namespace kalvo::test {
+
+using namespace mail;
 
 namespace {
 
@@ -102,4 +104,4 @@ TEST(MailText, DatesOutOfRangeAreNone) {
 
 }  // namespace
 
-}  // namespace kalvo::mail
+}  // namespace kalvo::test

@@ -5,8 +5,9 @@
 #include "adapters/maildir/maildir_fixture.h"
 #include "adapters/maildir/maildir_store.h"
 #include "kalvo/platform/live_mailbox.h"
+#include "support/temporary_folder.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 namespace {
 
@@ -41,4 +42,4 @@ class MaildirUnderTest : public StoreUnderTest {
 
 std::unique_ptr<StoreUnderTest> MakeStoreUnderTest() { return std::make_unique<MaildirUnderTest>(); }
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

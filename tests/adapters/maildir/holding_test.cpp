@@ -14,9 +14,11 @@
 #include "adapters/maildir/maildir_fixture.h"
 #include "adapters/maildir/maildir_store.h"
 #include "kalvo/platform/error.h"
+#include "support/error_of.h"
 #include "support/killed_process.h"
+#include "support/temporary_folder.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 namespace {
 
@@ -70,15 +72,6 @@ class MaildirHolding : public ::testing::Test {
     return files;
   }
 
-  std::string Failure(const std::function<void()>& step) {
-    try {
-      step();
-    } catch (const Error& error) {
-      return error.Description();
-    }
-    return "";
-  }
-
   TemporaryFolder folder_{"/dev/shm"};  // every move is written through, which takes a disk its time
   fs::path tree_ = folder_.Path() / "ken";
   std::shared_ptr<mail::MailStore> opened_;
@@ -118,7 +111,7 @@ TEST_F(MaildirHolding, WhatCannotBeHeldIsNotDeleted) {
   Deliver(tree_, "1.host:2,S", kText, kReceived);
   fs::create_directories(folder_.Path() / ".kalvo");
   WriteFile(folder_.Path() / ".kalvo" / "held", "no folder");
-  EXPECT_EQ(Failure([&] { Remove("1.host"); }),
+  EXPECT_EQ(ErrorOf([&] { Remove("1.host"); }).Description(),
             "The message was not deleted: the mail store's holding folder cannot take it (Not a directory).");
   EXPECT_EQ(InTree(), std::set<std::string>{"cur/1.host:2,S"});
 }
@@ -131,7 +124,9 @@ TEST_F(MaildirHolding, ADiskThatIsFullDeletesNothing) {
     std::signal(SIGXFSZ, SIG_IGN);
     const rlimit none{100, 100};  // bytes of a file: less than a record
     setrlimit(RLIMIT_FSIZE, &none);
-    const std::string failure = Failure([&] { store->Remove(Ken(*store), "INBOX", "1.host", {"K\\k", 1000}); });
+    const std::string failure = ErrorOf([&] {
+                                  store->Remove(Ken(*store), "INBOX", "1.host", {"K\\k", 1000});
+                                }).Description();
     _exit(failure.starts_with("The message was not deleted: the mail store's holding folder cannot take it") ? 0 : 1);
   }
   int status = 0;
@@ -146,7 +141,7 @@ TEST_F(MaildirHolding, NeitherALinkNorAFolderIsTakenForTheHoldingFolder) {
   TemporaryFolder outside;
   fs::create_directories(folder_.Path() / ".kalvo");
   fs::create_directory_symlink(outside.Path(), folder_.Path() / ".kalvo" / "held");
-  EXPECT_NE(Failure([&] { Remove("1.host"); }), "");
+  EXPECT_NE(ErrorOf([&] { Remove("1.host"); }).Description(), "");
   EXPECT_TRUE(fs::is_empty(outside.Path()));
   EXPECT_EQ(InTree(), std::set<std::string>{"cur/1.host:2,S"});
 }
@@ -156,7 +151,8 @@ TEST_F(MaildirHolding, AMessageOfTheSameNameIsNeverReplaced) {
   const std::string id = Remove("1.host");
   for (const char* other : {"1.host:2,S", "1.host:2,", "1.host"}) {
     Deliver(tree_, other, "Subject: other\n\n", kReceived);
-    EXPECT_EQ(Failure([&] { Restore(id); }), "The message was not restored: the folder has a message of its name.");
+    EXPECT_EQ(ErrorOf([&] { Restore(id); }).Description(),
+              "The message was not restored: the folder has a message of its name.");
     ASSERT_EQ(InTree().size(), 1u);
     EXPECT_EQ(ReadFile(tree_ / *InTree().begin()), "Subject: other\n\n");
     EXPECT_EQ(Held().size(), 1u);
@@ -172,7 +168,7 @@ TEST_F(MaildirHolding, ADamagedRecordHidesItsMessageUntilItsTimeIsOver) {
   for (const std::string record : {"", "held=1", "held=1 id=00112233445566778899aabbccddeeff end=1"}) {
     WriteFile(InHolding(".record").at(0), record);
     EXPECT_EQ(Held().size(), 0u);
-    EXPECT_EQ(Failure([&] { Restore(id); }), "The deleted message is not held any more.");
+    EXPECT_EQ(ErrorOf([&] { Restore(id); }).Description(), "The deleted message is not held any more.");
     EXPECT_EQ(Store()->Sweep(std::time(nullptr) - 3600), 0) << "it came here just now";
     EXPECT_EQ(InHolding(".mail").size(), 1u);
   }
@@ -187,15 +183,15 @@ TEST_F(MaildirHolding, ARecordNeverLeadsOutOfItsFolder) {
   for (const std::string name : {"cur/../../evil", "cur/", "cur/a/b", "x", ""}) {
     held.name = name;
     WriteFile(InHolding(".record").at(0), mail::WriteHeldRecord(held));
-    EXPECT_NE(Failure([&] { Restore(id); }), "") << name;
+    EXPECT_NE(ErrorOf([&] { Restore(id); }).Description(), "") << name;
     EXPECT_EQ(InHolding(".mail").size(), 1u) << name;
   }
   EXPECT_EQ(InTree().size(), 0u);
 }
 
 TEST_F(MaildirHolding, ADeleteKilledAtAnyMomentLeavesTheMessageInOnePlace) {
-  const int kills = test::KillAtEveryMoment(
-      test::Calls::All,
+  const int kills = KillAtEveryMoment(
+      Calls::All,
       [&] {
         fs::remove_all(folder_.Path() / ".kalvo");
         fs::remove_all(tree_);
@@ -220,8 +216,8 @@ TEST_F(MaildirHolding, ADeleteKilledAtAnyMomentLeavesTheMessageInOnePlace) {
 
 TEST_F(MaildirHolding, ARestoreKilledAtAnyMomentLeavesTheMessageInOnePlace) {
   std::string id;
-  const int kills = test::KillAtEveryMoment(
-      test::Calls::All,
+  const int kills = KillAtEveryMoment(
+      Calls::All,
       [&] {
         fs::remove_all(folder_.Path() / ".kalvo");
         fs::remove_all(tree_);
@@ -268,7 +264,7 @@ TEST_F(MaildirHolding, OfManyWhoRestoreOneSucceeds) {
     const pid_t process = fork();
     if (process == 0) {
       int restored = 0;
-      for (const std::string& id : ids) restored += Failure([&] { Restore(id); }).empty() ? 1 : 0;
+      for (const std::string& id : ids) restored += ErrorOf([&] { Restore(id); }).Description().empty() ? 1 : 0;
       _exit(restored);
     }
     processes.push_back(process);
@@ -286,4 +282,4 @@ TEST_F(MaildirHolding, OfManyWhoRestoreOneSucceeds) {
 
 }  // namespace
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

@@ -14,8 +14,9 @@
 #include "adapters/maildir/maildir_store.h"
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/live_mailbox.h"
+#include "support/temporary_folder.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 namespace {
 
@@ -257,4 +258,4 @@ TEST_F(HostileMessage, AListingThatIsKilledGoesOnWhereItWas) {
 
 }  // namespace
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

@@ -11,8 +11,9 @@
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/live_mailbox.h"
+#include "support/temporary_folder.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 namespace {
 
@@ -216,4 +217,4 @@ TEST_F(HostileTree, ADeleteThatIsKilledLeavesEveryOtherMessageAsItWas) {
 
 }  // namespace
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

@@ -11,8 +11,9 @@
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/live_mailbox.h"
 #include "support/patience.h"
+#include "support/temporary_folder.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 namespace {
 
@@ -184,7 +185,7 @@ TEST_F(MaildirIndex, ListersAndWritersAtOnceNeverBreakIt) {
 }
 
 TEST_F(MaildirIndex, TheSecondListingOfThousandsOfMessagesReadsNone) {
-  const int messages = test::Rounds(5000, 50'000);
+  const int messages = Rounds(5000, 50'000);
   const fs::path text = folder_.Path() / "one";
   WriteFile(text, Numbered(7));
   for (int i = 0; i < messages; ++i) {
@@ -200,4 +201,4 @@ TEST_F(MaildirIndex, TheSecondListingOfThousandsOfMessagesReadsNone) {
 
 }  // namespace
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

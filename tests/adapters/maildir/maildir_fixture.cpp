@@ -3,35 +3,13 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
-
 #include "adapters/live_mailbox/fixture.h"
 #include "adapters/mail/text.h"
+#include "support/temporary_folder.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 namespace fs = std::filesystem;
-
-TemporaryFolder::TemporaryFolder(const fs::path& below) {
-  std::string name = (below / "kalvo-maildir-XXXXXX").string();
-  path_ = mkdtemp(name.data());
-}
-
-TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  fs::remove_all(path_, ignored);
-}
-
-void WriteFile(const fs::path& file, std::string_view content) {
-  std::ofstream(file, std::ios::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
-}
-
-std::string ReadFile(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
 
 void MakeMaildir(const fs::path& folder) {
   for (const char* part : {"cur", "new", "tmp"}) fs::create_directories(folder / part);
@@ -70,4 +48,4 @@ void LoadFixture(const fs::path& store) {
   }
 }
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

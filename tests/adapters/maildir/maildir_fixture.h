@@ -6,21 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kalvo::tests {
-
-// A folder for one test, removed with everything in it.
-class TemporaryFolder {
- public:
-  explicit TemporaryFolder(const std::filesystem::path& below = std::filesystem::temp_directory_path());
-  ~TemporaryFolder();
-  const std::filesystem::path& Path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
-
-void WriteFile(const std::filesystem::path& file, std::string_view content);
-std::string ReadFile(const std::filesystem::path& file);
+namespace kalvo::test {
 
 // Makes "cur", "new" and "tmp".
 void MakeMaildir(const std::filesystem::path& folder);
@@ -35,4 +21,4 @@ void Deliver(const std::filesystem::path& folder, const std::string& name, std::
 // Loads the fixture of the contract into a store.
 void LoadFixture(const std::filesystem::path& store);
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

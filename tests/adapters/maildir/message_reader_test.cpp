@@ -7,8 +7,9 @@
 
 #include "adapters/maildir/files.h"
 #include "adapters/maildir/maildir_fixture.h"
+#include "support/temporary_folder.h"
 
-namespace kalvo::tests {
+namespace kalvo::test {
 
 namespace {
 
@@ -157,4 +158,4 @@ TEST_F(MaildirFiles, AReplaceThatFailsLeavesNothingBehind) {
 
 }  // namespace
 
-}  // namespace kalvo::tests
+}  // namespace kalvo::test

@@ -4,7 +4,9 @@
 
 #include "adapters/mail/limits.h"
 
-namespace kalvo::maildir {
+namespace kalvo::test {
+
+using namespace maildir;
 
 namespace {
 
@@ -114,4 +116,4 @@ TEST(MessageScan, WhatIsNestedTooDeepHasNoParts) {
 
 }  // namespace
 
-}  // namespace kalvo::maildir
+}  // namespace kalvo::test

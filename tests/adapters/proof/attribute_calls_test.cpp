@@ -2,6 +2,7 @@
 
 #include "adapters/database/test_engine.h"
 #include "kalvo/platform/error.h"
+#include "support/error_of.h"
 
 namespace kalvo::test {
 namespace {
@@ -11,12 +12,7 @@ std::string Sorted(TestEngine& engine, const std::string& sort) {
   const std::string pattern = "select n.Id, x.Twice from Numbers n, (select 2 as Twice) x order by %SORT%";
   std::string sql = pattern;
   sql.replace(sql.find("%SORT%"), 6, sort);
-  try {
-    Connect(engine)->Execute({sql, pattern, "n.Id"});
-    return "";
-  } catch (const Error& error) {
-    return error.Description();
-  }
+  return ErrorOf([&] { Connect(engine)->Execute({sql, pattern, "n.Id"}); }).Description();
 }
 
 TEST(AttributeCalls, AreNoSortTextsOfPostgreSql) {

@@ -4,6 +4,7 @@
 #include "host/parts/database_proof.h"
 #include "host/parts/proving_database.h"
 #include "kalvo/platform/error.h"
+#include "support/error_of.h"
 
 namespace kalvo::test {
 namespace {
@@ -163,13 +164,9 @@ TEST(ProvingDatabase, IsUsedByNobodyWhenItTakesWrites) {
     return host::DatabaseProof{broken, holds};
   });
   for (int i = 0; i < 2; ++i) {
-    try {
-      database.Connect("x");
-      ADD_FAILURE() << "opened";
-    } catch (const Error& error) {
-      EXPECT_EQ(error.Number(), codes::kFailed);
-      EXPECT_EQ(error.Description(), "[HY000] it took \u2039x\u203A");
-    }
+    const Error error = ErrorOf([&] { database.Connect("x"); });
+    EXPECT_EQ(error.Number(), codes::kFailed);
+    EXPECT_EQ(error.Description(), "[HY000] it took \u2039x\u203A");
   }
 }
 

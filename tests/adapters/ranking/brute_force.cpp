@@ -8,8 +8,10 @@
 
 #include "kalvo/platform/conversion.h"
 
-namespace kalvo::ranking {
+namespace kalvo::test {
 namespace {
+
+using namespace ranking;
 
 using Texts = std::vector<std::string>;
 
@@ -217,4 +219,4 @@ std::vector<ExpectedRow> BruteForce::Rank(std::int16_t kind, Scope scope, std::s
   return shown;
 }
 
-}  // namespace kalvo::ranking
+}  // namespace kalvo::test

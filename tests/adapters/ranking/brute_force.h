@@ -11,7 +11,9 @@
 
 #include "adapters/ranking/statement.h"
 
-namespace kalvo::ranking {
+namespace kalvo::test {
+
+using ranking::Scope;
 
 // A ranked row as it is expected: the texts of its fields by number. Fields that it does not name are "".
 using ExpectedRow = std::map<std::int16_t, std::string>;
@@ -58,4 +60,4 @@ class BruteForce {
   std::vector<std::string> mailboxGroups_;
 };
 
-}  // namespace kalvo::ranking
+}  // namespace kalvo::test

@@ -11,9 +11,12 @@
 #include "adapters/sqlite/sqlite_database.h"
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
+#include "support/error_of.h"
 
-namespace kalvo::ranking {
+namespace kalvo::test {
 namespace {
+
+using namespace ranking;
 
 class Ranking : public testing::Test {
  protected:
@@ -50,15 +53,6 @@ std::vector<ExpectedRow> AllRows(RankedResults& results) {
 std::vector<ExpectedRow> WithoutEmptyFields(std::vector<ExpectedRow> rows) {
   for (ExpectedRow& row : rows) std::erase_if(row, [](const auto& field) { return field.second.empty(); });
   return rows;
-}
-
-std::int32_t NumberOf(const std::function<void()>& step) {
-  try {
-    step();
-  } catch (const Error& error) {
-    return error.Number();
-  }
-  return 0;
 }
 
 TEST_F(Ranking, EqualsWhatALookAtEveryMailboxFolderAndMessageGives) {
@@ -104,8 +98,8 @@ TEST_F(Ranking, KnowsNoAgeThatWasNotRanked) {
 }
 
 TEST_F(Ranking, RefusesSettingsThatCannotBeMeant) {
-  EXPECT_EQ(NumberOf([&] { MakeRanking(database_, {.rows = 0}); }), codes::kFailed);
-  EXPECT_EQ(NumberOf([&] { MakeRanking(database_, {.oldDays = -1}); }), codes::kFailed);
+  EXPECT_EQ(ErrorOf([&] { MakeRanking(database_, {.rows = 0}); }).Number(), codes::kFailed);
+  EXPECT_EQ(ErrorOf([&] { MakeRanking(database_, {.oldDays = -1}); }).Number(), codes::kFailed);
 }
 
 TEST_F(Ranking, OfAnUnknownScopeIsEmpty) {
@@ -134,7 +128,7 @@ TEST_F(Ranking, OfPublicFoldersIsEmptyInAMailboxGroup) {
 TEST_F(Ranking, FailsForAKindThatTheLoaderDoesNotHave) {
   for (const std::int16_t kind : {-32768, -1, 0, 3, 10, 15, 16, 23, 32767}) {
     for (const Scope scope : kScopes) {
-      EXPECT_EQ(NumberOf([&] { Loaded(kind, scope, "Meridian"); }), codes::kFailed) << kind;
+      EXPECT_EQ(ErrorOf([&] { Loaded(kind, scope, "Meridian"); }).Number(), codes::kFailed) << kind;
     }
   }
 }
@@ -143,9 +137,9 @@ TEST_F(Ranking, OfAMailboxGroupHasNoOtherScope) {
   const auto factory = MakeRanking(database_);
   const auto results = factory->NewResults();
   const auto loader = factory->NewMailboxGroupLoader();
-  EXPECT_EQ(NumberOf([&] { loader->LoadGroup(1, "Everybody", *results); }), 438);
-  EXPECT_EQ(NumberOf([&] { loader->LoadSite(1, "Seattle", *results); }), 438);
-  EXPECT_EQ(NumberOf([&] { loader->LoadOrg(1, "Meridian", *results); }), 438);
+  EXPECT_EQ(ErrorOf([&] { loader->LoadGroup(1, "Everybody", *results); }).Number(), 438);
+  EXPECT_EQ(ErrorOf([&] { loader->LoadSite(1, "Seattle", *results); }).Number(), 438);
+  EXPECT_EQ(ErrorOf([&] { loader->LoadOrg(1, "Meridian", *results); }).Number(), 438);
 }
 
 TEST_F(Ranking, ReplacesTheRowsOfAnEarlierLoad) {
@@ -207,15 +201,15 @@ TEST_F(Ranking, FillsItsOwnResultSetsOnly) {
   };
   Foreign results;
   const auto factory = MakeRanking(database_);
-  EXPECT_EQ(NumberOf([&] { factory->NewServerLoader()->LoadOrg(1, "Meridian", results); }), 13);
+  EXPECT_EQ(ErrorOf([&] { factory->NewServerLoader()->LoadOrg(1, "Meridian", results); }).Number(), 13);
 }
 
 TEST_F(Ranking, FailsWithTheErrorOfADatabaseThatIsNotThere) {
   sqlite::SqliteDatabase missing("/nonexistent/kalvo.db");
   const auto factory = MakeRanking(missing);
   const auto results = factory->NewResults();
-  EXPECT_EQ(NumberOf([&] { factory->NewServerLoader()->LoadOrg(1, "Meridian", *results); }), codes::kFailed);
+  EXPECT_EQ(ErrorOf([&] { factory->NewServerLoader()->LoadOrg(1, "Meridian", *results); }).Number(), codes::kFailed);
 }
 
 }  // namespace
-}  // namespace kalvo::ranking
+}  // namespace kalvo::test

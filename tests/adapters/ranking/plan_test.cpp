@@ -9,8 +9,10 @@
 #include "database/sample/schema.h"
 #include "support/postgres_server.h"
 
-namespace kalvo::ranking {
+namespace kalvo::test {
 namespace {
+
+using namespace ranking;
 
 class Database {
  public:
@@ -58,7 +60,7 @@ TEST(RankingPlan, ReadsEveryTableOverAnIndex) {
 
 // PostgreSQL prefers to read a small table whole; told not to, it has to have an index for every one of them.
 TEST(RankingPlan, HasAnIndexForEveryTableOnPostgresql) {
-  test::PostgresServer server;
+  PostgresServer server;
   for (const std::string& statement : sample::TableStatements(sample::Engine::Postgresql)) server.Execute(statement);
   for (const std::string& statement : sample::IndexStatements(sample::Engine::Postgresql)) server.Execute(statement);
   for (const Kind& kind : AllKinds()) {
@@ -73,4 +75,4 @@ TEST(RankingPlan, HasAnIndexForEveryTableOnPostgresql) {
 }
 
 }  // namespace
-}  // namespace kalvo::ranking
+}  // namespace kalvo::test

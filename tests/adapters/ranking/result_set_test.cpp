@@ -11,9 +11,12 @@
 
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
+#include "support/error_of.h"
 
-namespace kalvo::ranking {
+namespace kalvo::test {
 namespace {
+
+using namespace ranking;
 
 using Texts = std::vector<std::string>;
 
@@ -31,15 +34,6 @@ Texts Listed(ResultSet& results, std::int16_t field) {
   results.MoveFirst();
   for (std::int32_t i = 0; i < results.Count(); ++i, results.MoveNext()) texts.push_back(ToText(results.Value(field)));
   return texts;
-}
-
-std::int32_t NumberOf(const std::function<void()>& step) {
-  try {
-    step();
-  } catch (const Error& error) {
-    return error.Number();
-  }
-  return 0;
 }
 
 TEST(ResultSet, HasNoRowsAtFirst) {
@@ -99,7 +93,7 @@ TEST(ResultSet, TotalsOfFieldsThatNoRowHasAreEmpty) {
 TEST(ResultSet, TotalsThatOverflowFail) {
   const Value most = std::numeric_limits<std::int64_t>::max();
   const auto results = Filled(kSpace, {most, most});
-  EXPECT_EQ(NumberOf([&] { results->MoveTotals(); }), 6);
+  EXPECT_EQ(ErrorOf([&] { results->MoveTotals(); }).Number(), 6);
 }
 
 TEST(ResultSet, SortsByType) {
@@ -155,17 +149,17 @@ TEST(ResultSet, StandsOnTheFirstRowWhenSorted) {
 TEST(ResultSet, SortingByANumberThatIsNoFieldFails) {
   const auto results = Filled(kMessages, {Value(std::int64_t{2})});
   for (const std::int16_t column : {-1, 0, 19, 32767}) {
-    EXPECT_EQ(NumberOf([&] { results->Sort(column, 1); }), 9) << column;
+    EXPECT_EQ(ErrorOf([&] { results->Sort(column, 1); }).Number(), 9) << column;
   }
-  EXPECT_EQ(NumberOf([&] { results->Sort(5, 1); }), 0) << "a field that no row has leaves the order as it is";
+  EXPECT_EQ(ErrorOf([&] { results->Sort(5, 1); }).Number(), 0) << "a field that no row has leaves the order as it is";
 }
 
 TEST(ResultSet, CannotBeSetBeforeItsFirstRowOrOutsideItsFields) {
   ResultSet results;
-  EXPECT_EQ(NumberOf([&] { results.Set(kMessages, std::int64_t{1}); }), 91);
+  EXPECT_EQ(ErrorOf([&] { results.Set(kMessages, std::int64_t{1}); }).Number(), 91);
   results.AddRow();
-  EXPECT_EQ(NumberOf([&] { results.Set(19, std::int64_t{1}); }), 9);
-  EXPECT_EQ(NumberOf([&] { results.Set(0, std::int64_t{1}); }), 9);
+  EXPECT_EQ(ErrorOf([&] { results.Set(19, std::int64_t{1}); }).Number(), 9);
+  EXPECT_EQ(ErrorOf([&] { results.Set(0, std::int64_t{1}); }).Number(), 9);
 }
 
 TEST(ResultSet, IsEmptyAgainWhenCleared) {
@@ -178,4 +172,4 @@ TEST(ResultSet, IsEmptyAgainWhenCleared) {
 }
 
 }  // namespace
-}  // namespace kalvo::ranking
+}  // namespace kalvo::test

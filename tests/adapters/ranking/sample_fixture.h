@@ -8,7 +8,9 @@
 #include "kalvo/platform/ranking.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::ranking {
+namespace kalvo::test {
+
+using ranking::Scope;
 
 inline constexpr Scope kScopes[] = {Scope::Server, Scope::ServerGroup, Scope::Site, Scope::Organization,
                                     Scope::MailboxGroup};
@@ -26,7 +28,7 @@ class SmallSample {
   static constexpr std::uint64_t kSeed = 1;
 
  private:
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
 };
 
 // Loads a ranking by the call that the scope asks for.
@@ -41,4 +43,4 @@ inline void Load(TopNFactory& factory, std::int16_t kind, Scope scope, std::stri
   }
 }
 
-}  // namespace kalvo::ranking
+}  // namespace kalvo::test

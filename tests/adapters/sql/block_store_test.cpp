@@ -6,9 +6,12 @@
 
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
+#include "support/error_of.h"
 
-namespace kalvo::sql {
+namespace kalvo::test {
 namespace {
+
+using namespace sql;
 
 std::string TextOf(const BlockStore& store, int field, int row) {
   std::string scratch = "left over";
@@ -86,12 +89,8 @@ TEST(BlockStore, GivesBytesOfBinaryValuesAlone) {
   EXPECT_FALSE(store.Binary(1, 0).has_value());
   ASSERT_TRUE(store.Binary(3, 0).has_value());
   EXPECT_TRUE(store.Binary(3, 0)->empty());
-  try {
-    store.Binary(2, 0);
-    FAIL() << "a text was taken for bytes";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), 13);
-  }
+  const Error error = ErrorOf([&] { store.Binary(2, 0); });
+  EXPECT_EQ(error.Number(), 13);
 }
 
 TEST(BlockStore, KeepsManyRowsOfMixedTypesAndLengths) {
@@ -124,12 +123,8 @@ TEST(BlockStore, FailsOutsideOfTheResult) {
   BlockStore store(1, kEnglishUnitedStates);
   store.AddInteger(1);
   for (const auto& [field, row] : {std::pair(0, 1), std::pair(1, 0), std::pair(-1, 0), std::pair(0, -1)}) {
-    try {
-      TextOf(store, field, row);
-      ADD_FAILURE() << field << ", " << row;
-    } catch (const Error& error) {
-      EXPECT_EQ(error.Number(), 9);
-    }
+    const Error error = ErrorOf([&] { TextOf(store, field, row); });
+    EXPECT_EQ(error.Number(), 9);
   }
 }
 
@@ -161,25 +156,19 @@ TEST(BlockStore, RefusesAResultOfTooManyRows) {
   BlockStore store(1, kEnglishUnitedStates);
   for (int i = 0; i < 10'240'000; ++i) store.AddNull();
   EXPECT_EQ(store.RowCount(), 10'240'000);
-  try {
-    store.AddNull();
-    ADD_FAILURE() << "a row too many was taken";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), codes::kFailed);
-    EXPECT_EQ(error.Description(), "[HY001] The result has more than 10240000 rows.");
-  }
+  const Error error = ErrorOf([&] { store.AddNull(); });
+  EXPECT_EQ(error.Number(), codes::kFailed);
+  EXPECT_EQ(error.Description(), "[HY001] The result has more than 10240000 rows.");
 }
 
 TEST(BlockStore, RefusesAResultThatIsTooLarge) {
   BlockStore store(1, kEnglishUnitedStates, 1 << 20);
-  try {
+  const Error error = ErrorOf([&] {
     for (int i = 0; i < 100; ++i) store.AddText(std::string(20'000, 'x'));
-    FAIL() << "two million bytes in one";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), codes::kFailed);
-    EXPECT_EQ(error.Description(), "[HY001] The result takes more than 1 MiB of memory.");
-  }
+  });
+  EXPECT_EQ(error.Number(), codes::kFailed);
+  EXPECT_EQ(error.Description(), "[HY001] The result takes more than 1 MiB of memory.");
 }
 
 }  // namespace
-}  // namespace kalvo::sql
+}  // namespace kalvo::test

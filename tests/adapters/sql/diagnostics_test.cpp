@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
-namespace kalvo::sql {
+namespace kalvo::test {
 namespace {
+
+using namespace sql;
 
 TEST(Diagnostics, NumbersFollowTheStateAndTheText) {
   const struct {
@@ -60,4 +62,4 @@ TEST(Diagnostics, ATimeoutTellsTheLimit) {
 }
 
 }  // namespace
-}  // namespace kalvo::sql
+}  // namespace kalvo::test

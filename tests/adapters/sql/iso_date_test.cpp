@@ -6,8 +6,10 @@
 
 #include "kalvo/platform/conversion.h"
 
-namespace kalvo::sql {
+namespace kalvo::test {
 namespace {
+
+using namespace sql;
 
 std::string Shown(std::optional<Date> date) { return date ? ToText(*date) : "no date"; }
 
@@ -48,4 +50,4 @@ TEST(IsoDate, Forms) {
 }
 
 }  // namespace
-}  // namespace kalvo::sql
+}  // namespace kalvo::test

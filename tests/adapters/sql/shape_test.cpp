@@ -5,9 +5,12 @@
 #include <string>
 
 #include "kalvo/platform/error.h"
+#include "support/error_of.h"
 
-namespace kalvo::sql {
+namespace kalvo::test {
 namespace {
+
+using namespace sql;
 
 const std::string kPattern = "select Id from T where Name = %NAME% order by %SORT%\r\n\r\nselect count(*) from T";
 
@@ -17,14 +20,10 @@ std::string Completed(const std::string& name, const std::string& sort) {
 }
 
 std::string Refusal(const Batch& batch) {
-  try {
-    CheckedStatements(batch);
-  } catch (const Error& error) {
-    EXPECT_EQ(error.Number(), codes::kSqlSyntax);
-    EXPECT_EQ(error.Description().substr(0, 8), "[42000] ");
-    return error.Description();
-  }
-  return "";
+  const Error error = ErrorOf([&] { CheckedStatements(batch); });
+  EXPECT_EQ(error.Number(), error.Description().empty() ? 0 : codes::kSqlSyntax);
+  EXPECT_TRUE(error.Description().empty() || error.Description().starts_with("[42000] "));
+  return error.Description();
 }
 
 TEST(Shape, GivesTheStatementsOfTheCompletedText) {
@@ -202,4 +201,4 @@ TEST(Shape, SaysWhatIsWrong) {
 }
 
 }  // namespace
-}  // namespace kalvo::sql
+}  // namespace kalvo::test

@@ -4,8 +4,10 @@
 
 #include <string>
 
-namespace kalvo::sql {
+namespace kalvo::test {
 namespace {
+
+using namespace sql;
 
 std::vector<std::string> Split(std::string_view sql) {
   std::vector<std::string> texts;
@@ -88,4 +90,4 @@ TEST(Statements, AreSplitWhereAQueryBegins) {
 }
 
 }  // namespace
-}  // namespace kalvo::sql
+}  // namespace kalvo::test

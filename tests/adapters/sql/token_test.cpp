@@ -4,8 +4,10 @@
 
 #include <string>
 
-namespace kalvo::sql {
+namespace kalvo::test {
 namespace {
+
+using namespace sql;
 
 // One letter a token, and the texts with blanks between them.
 std::pair<std::string, std::string> Read(std::string_view sql, Placeholders placeholders) {
@@ -86,4 +88,4 @@ TEST(Token, ReadsPlaceholdersOutsideOfTexts) {
 }
 
 }  // namespace
-}  // namespace kalvo::sql
+}  // namespace kalvo::test

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <regex>
 
-#include "fakes/golden.h"
 #include "golden/live/sample_mail_server.h"
 #include "source_folder.h"
+#include "support/golden.h"
 
 namespace kalvo::test {
 namespace {
@@ -29,8 +29,8 @@ class ImapPages : public testing::Test {
         {page.ends_with("Process.asp") ? kConsole : kPages, page, server_->Address(), query, logon, right});
   }
 
-  static void ExpectGolden(const std::string& name, const std::string& html) {
-    fakes::ExpectGolden("live/imap_" + name + ".html", WithoutIdentifiers(html));
+  static void ExpectPage(const std::string& name, const std::string& html) {
+    ExpectGolden("live/imap_" + name + ".html", WithoutIdentifiers(html));
   }
 
   // What the stores have in common: a server counts two bytes for the end of a line, our files have one.
@@ -52,35 +52,35 @@ class ImapPages : public testing::Test {
 const std::string kLargest = "&Sort=&SortOrder=&First=1&PageSize=20&Sort=Size&SortOrder=DESC&First=11&PageSize=10";
 const std::string kLargestFirst = "&Sort=&SortOrder=&Sort=Size&SortOrder=DESC";
 
-TEST_F(ImapPages, AMailboxHasFolders) { ExpectGolden("mailbox", Page("mailbox.asp", kAlice)); }
+TEST_F(ImapPages, AMailboxHasFolders) { ExpectPage("mailbox", Page("mailbox.asp", kAlice)); }
 
 TEST_F(ImapPages, AFolderHasTheVeryPageThatTheMaildirStoreShows) {
   const std::string html = Page("mailbox.asp", kAlice + "&Container=Inbox" + kLargest);
-  ExpectGolden("inbox", html);
-  EXPECT_EQ(Shape(html), Shape(fakes::GoldenText("live/inbox.html")));
+  ExpectPage("inbox", html);
+  EXPECT_EQ(Shape(html), Shape(GoldenText("live/inbox.html")));
 }
 
 TEST_F(ImapPages, AMessageThatAFolderLinksToHasDetailsAndAttachments) {
   const std::string inbox = Page("mailbox.asp", kAlice + "&Container=Inbox" + kLargestFirst);
   const std::string query = kAlice + "&Container=Inbox&MessageId=" + FirstMessage(inbox);
   const std::string html = Page("message.asp", query, "KALVO\\alice", kUser);
-  ExpectGolden("message", html);
-  EXPECT_EQ(Shape(html), Shape(fakes::GoldenText("live/message.html")));
+  ExpectPage("message", html);
+  EXPECT_EQ(Shape(html), Shape(GoldenText("live/message.html")));
 }
 
 TEST_F(ImapPages, PublicFoldersAreAnAdministrators) {
   const std::string sales = "Server=SEA-EX01&Mailbox=Sales%5COrders";
-  ExpectGolden("public", Page("public.asp", sales, "KALVO\\admin", kAdministrator));
-  ExpectGolden("public_refused", Page("public.asp", sales, "KALVO\\alice", kUser));
+  ExpectPage("public", Page("public.asp", sales, "KALVO\\admin", kAdministrator));
+  ExpectPage("public_refused", Page("public.asp", sales, "KALVO\\alice", kUser));
 }
 
 TEST_F(ImapPages, WhatIsGoneOrMadeUpIsToldOf) {
   const auto expect = [&](const std::string& name, const std::string& html) {
     SCOPED_TRACE(name);
-    EXPECT_EQ(html, fakes::GoldenText("live/" + name + ".html"));
+    EXPECT_EQ(html, GoldenText("live/" + name + ".html"));
   };
   expect("refused", Page("mailbox.asp", kAlice, "KALVO\\someone"));
-  ExpectGolden("no_folder", Page("mailbox.asp", kAlice + "&Container=Nowhere"));
+  ExpectPage("no_folder", Page("mailbox.asp", kAlice + "&Container=Nowhere"));
   expect("no_message", Page("message.asp", kAlice + "&MessageId=madeup", "KALVO\\alice", kUser));
 }
 

@@ -1,10 +1,10 @@
 // The live tables, the folder path and the details of a message over the sample's mail store.
 #include <gtest/gtest.h>
 
-#include "fakes/golden.h"
 #include "golden/live/sample_site.h"
 #include "kalvo/platform/live_mailbox.h"
 #include "source_folder.h"
+#include "support/golden.h"
 
 namespace kalvo::test {
 namespace {
@@ -19,9 +19,9 @@ class LivePages : public testing::Test {
   static void SetUpTestSuite() { site_ = new SampleSite; }
   static void TearDownTestSuite() { delete site_; }
 
-  static void ExpectGolden(const std::string& name, const std::string& page, const std::string& query,
-                           const std::string& logon, const std::vector<std::string>& rights = {}) {
-    fakes::ExpectGolden("live/" + name + ".html", site_->Run(kFolder, page, query, logon, rights).body);
+  static void ExpectPage(const std::string& name, const std::string& page, const std::string& query,
+                         const std::string& logon, const std::vector<std::string>& rights = {}) {
+    ExpectGolden("live/" + name + ".html", site_->Run(kFolder, page, query, logon, rights).body);
   }
 
   static std::string LargestMessage() {
@@ -37,43 +37,43 @@ const std::vector<std::string> kUser = {"KalvoDrillDownAuth"};
 const std::vector<std::string> kAdministrator = {"KalvoAdministrator", "KalvoDrillDownAuth"};
 const std::string kPaged = "&Sort=&SortOrder=&First=1&PageSize=20&Sort=Size&SortOrder=DESC&First=11&PageSize=10";
 
-TEST_F(LivePages, AMailboxHasFolders) { ExpectGolden("mailbox", "mailbox.asp", kAlice, "KALVO\\alice"); }
+TEST_F(LivePages, AMailboxHasFolders) { ExpectPage("mailbox", "mailbox.asp", kAlice, "KALVO\\alice"); }
 
 TEST_F(LivePages, AFolderHasPagesOfMessages) {
-  ExpectGolden("inbox", "mailbox.asp", kAlice + "&Container=Inbox" + kPaged, "KALVO\\alice");
+  ExpectPage("inbox", "mailbox.asp", kAlice + "&Container=Inbox" + kPaged, "KALVO\\alice");
 }
 
 TEST_F(LivePages, APathHasALinkForEachStep) {
-  ExpectGolden("path", "mailbox.asp", kAlice + "&Container=%5CProjects%5CAurora", "KALVO\\alice");
+  ExpectPage("path", "mailbox.asp", kAlice + "&Container=%5CProjects%5CAurora", "KALVO\\alice");
 }
 
 TEST_F(LivePages, AMessageHasDetailsAndAttachments) {
-  ExpectGolden("message", "message.asp", kAlice + "&Container=Inbox&MessageId=" + Encoded(LargestMessage()),
-               "KALVO\\alice", kUser);
+  ExpectPage("message", "message.asp", kAlice + "&Container=Inbox&MessageId=" + Encoded(LargestMessage()),
+             "KALVO\\alice", kUser);
 }
 
 TEST_F(LivePages, PublicFoldersAreAnAdministrators) {
   const std::string sales = "Server=SEA-EX01&Mailbox=Sales%5COrders";
-  ExpectGolden("public", "public.asp", sales, "KALVO\\admin", kAdministrator);
-  ExpectGolden("public_refused", "public.asp", sales, "KALVO\\alice", kUser);
+  ExpectPage("public", "public.asp", sales, "KALVO\\admin", kAdministrator);
+  ExpectPage("public_refused", "public.asp", sales, "KALVO\\alice", kUser);
   const auto live = site_->Live();
   live->GotoContainer("SEA-EX01", "Kalvo SEA-EX01", "Sales\\Orders", 0, live::kByPath | live::kPublicFolders);
-  ExpectGolden("public_message", "public_message.asp", sales + "&MessageId=" + Encoded(FirstBy(*live, "Size")),
-               "KALVO\\admin", kAdministrator);
+  ExpectPage("public_message", "public_message.asp", sales + "&MessageId=" + Encoded(FirstBy(*live, "Size")),
+             "KALVO\\admin", kAdministrator);
 }
 
 TEST_F(LivePages, NamesThatMeanNoOneMailboxAreExplained) {
-  ExpectGolden("ambiguous", "mailbox.asp", "Server=SEA-EX01&Mailbox=A", "KALVO\\admin", kAdministrator);
-  ExpectGolden("none", "mailbox.asp", "Server=SEA-EX01&Mailbox=Nobody", "KALVO\\admin", kAdministrator);
-  ExpectGolden("elsewhere", "mailbox.asp", "Server=SEA-EX02&Mailbox=Alice+Archer", "KALVO\\admin", kAdministrator);
-  ExpectGolden("refused", "mailbox.asp", kAlice, "KALVO\\someone");
+  ExpectPage("ambiguous", "mailbox.asp", "Server=SEA-EX01&Mailbox=A", "KALVO\\admin", kAdministrator);
+  ExpectPage("none", "mailbox.asp", "Server=SEA-EX01&Mailbox=Nobody", "KALVO\\admin", kAdministrator);
+  ExpectPage("elsewhere", "mailbox.asp", "Server=SEA-EX02&Mailbox=Alice+Archer", "KALVO\\admin", kAdministrator);
+  ExpectPage("refused", "mailbox.asp", kAlice, "KALVO\\someone");
 }
 
 TEST_F(LivePages, WhatIsGoneOrMadeUpIsToldOf) {
-  ExpectGolden("no_folder", "mailbox.asp", kAlice + "&Container=Nowhere", "KALVO\\alice");
-  ExpectGolden("no_folder_id", "mailbox.asp", kAlice + "&ContainerId=madeup", "KALVO\\alice");
-  ExpectGolden("no_message", "message.asp", kAlice + "&MessageId=madeup", "KALVO\\alice", kUser);
-  ExpectGolden("no_public_folder", "public.asp", "Server=SEA-EX01&Mailbox=Nowhere", "KALVO\\admin", kAdministrator);
+  ExpectPage("no_folder", "mailbox.asp", kAlice + "&Container=Nowhere", "KALVO\\alice");
+  ExpectPage("no_folder_id", "mailbox.asp", kAlice + "&ContainerId=madeup", "KALVO\\alice");
+  ExpectPage("no_message", "message.asp", kAlice + "&MessageId=madeup", "KALVO\\alice", kUser);
+  ExpectPage("no_public_folder", "public.asp", "Server=SEA-EX01&Mailbox=Nowhere", "KALVO\\admin", kAdministrator);
 }
 
 }  // namespace

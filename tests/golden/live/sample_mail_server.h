@@ -15,7 +15,7 @@ class SampleMailServer {
  public:
   SampleMailServer();
 
-  tests::DovecotServer& Server() { return server_; }
+  DovecotServer& Server() { return server_; }
 
   // The address of the store for `--mail`. `port`: another than the server's, for one that stands in between.
   std::string Address(std::string_view more = "", std::uint16_t port = 0) const;
@@ -29,7 +29,7 @@ class SampleMailServer {
   void WriteDirectory() const;
 
   TemporaryFolder sample_;
-  tests::DovecotServer server_;
+  DovecotServer server_;
 };
 
 struct ProgramPage {

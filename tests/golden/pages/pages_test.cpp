@@ -8,8 +8,8 @@
 
 #include "database/sample/sample.h"
 #include "database/sample_databases.h"
-#include "fakes/golden.h"
 #include "source_folder.h"
+#include "support/golden.h"
 #include "support/mariadb_server.h"
 #include "support/odbc_data_source.h"
 #include "support/postgres_server.h"
@@ -137,7 +137,7 @@ TEST_P(Pages, AreTheGoldenOnes) {
     SCOPED_TRACE(page.golden);
     // Where an engine's own wording shows, the page has a golden file of that engine.
     const std::string variant = GetParam() == Engine::Sqlite ? "" : NameOf(GetParam());
-    fakes::ExpectGolden("pages/" + std::string(page.golden) + ".html", RunPage(page, GetParam()), {variant, {}});
+    ExpectGolden("pages/" + std::string(page.golden) + ".html", RunPage(page, GetParam()), {variant, {}});
   }
 }
 

@@ -5,9 +5,9 @@
 #include <regex>
 
 #include "database/sample_databases.h"
-#include "fakes/golden.h"
 #include "golden/reports/report_cases.h"
 #include "source_folder.h"
+#include "support/golden.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::test {
@@ -68,7 +68,7 @@ TEST_P(ReportPages, AreTheGoldenOnes) {
     if (OrderIsTheEngines(report.id)) page.AddParameter("PageSize", "1000");
     const std::string html = page.Build(report.id, report.Scope());
     EXPECT_TRUE(host::FailuresOf(html).empty()) << host::FailuresOf(html).front();
-    fakes::GoldenOptions options;
+    GoldenOptions options;
     if (GetParam() != Engine::Sqlite) {
       options.variant = NameOf(GetParam());
       if (OrderIsTheEngines(report.id)) {
@@ -77,7 +77,7 @@ TEST_P(ReportPages, AreTheGoldenOnes) {
         };
       }
     }
-    fakes::ExpectGolden("reports/" + FileName(report.id), html, options);
+    ExpectGolden("reports/" + FileName(report.id), html, options);
   }
 }
 
@@ -96,7 +96,7 @@ TEST(ReportPagesOfOneEngine, AreExplained) {
 
 TEST(ReportPagesOfTheSample, ShowSomethingEach) {
   for (const ReportCase& report : ReportCases()) {
-    const std::string html = fakes::GoldenText("reports/" + FileName(report.id));
+    const std::string html = GoldenText("reports/" + FileName(report.id));
     EXPECT_EQ(html.find("There are no items in this report."), std::string::npos) << "report " << report.id;
   }
 }

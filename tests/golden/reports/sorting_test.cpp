@@ -17,7 +17,7 @@ namespace {
 // The values of one field, in the order in which the report has its rows for this query string.
 std::vector<std::string> Values(const Platform& platform, const ReportCase& report, const std::string& field,
                                 const std::string& query) {
-  const auto page = std::make_shared<fakes::FakePage>(query);
+  const auto page = std::make_shared<FakePage>(query);
   const auto context = std::make_shared<Context>();
   context->OnStartPage(*page);
   context->SetName(report.name);

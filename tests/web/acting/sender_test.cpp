@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
-namespace kalvo::web {
+namespace kalvo::test {
 namespace {
+
+using namespace web;
 
 TEST(Sender, IsToldByTheBrowser) {
   const struct {
@@ -38,4 +40,4 @@ TEST(Sender, IsToldByTheBrowser) {
 }
 
 }  // namespace
-}  // namespace kalvo::web
+}  // namespace kalvo::test

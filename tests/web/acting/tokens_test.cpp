@@ -8,8 +8,10 @@
 #include "host/parts/setting_error.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::web {
+namespace kalvo::test {
 namespace {
+
+using namespace web;
 
 namespace fs = std::filesystem;
 
@@ -27,7 +29,7 @@ class TokensTest : public testing::Test {
     return files - 1;  // but the secret
   }
 
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   Tokens tokens_{folder_.Path() / "tokens"};
 };
 
@@ -51,7 +53,7 @@ TEST_F(TokensTest, AreGoodForTheirSessionAndPurposeAlone) {
   EXPECT_FALSE(tokens_.Take("s", "q", token, kNow));
   EXPECT_FALSE(tokens_.Take("", "sp", token, kNow));
   EXPECT_FALSE(tokens_.Take("sp", "", token, kNow));
-  const test::TemporaryFolder other;
+  const TemporaryFolder other;
   EXPECT_FALSE(Tokens(other.Path() / "tokens").Take("s", "p", token, kNow)) << "another server";
   EXPECT_TRUE(Take(token)) << "none of that has taken it";
 }
@@ -102,8 +104,8 @@ TEST_F(TokensTest, OneOfManyProcessesTakesIt) {
 
 TEST_F(TokensTest, AreNotTakenWhereThatCannotBeKept) {
   const std::string token = New();
-  test::WriteFile(
-      folder_.Path() / "tokens" / ("taken-" + std::to_string((kNow + Tokens::kLifetime) / Tokens::kLifetime)), "");
+  WriteFile(folder_.Path() / "tokens" / ("taken-" + std::to_string((kNow + Tokens::kLifetime) / Tokens::kLifetime)),
+            "");
   EXPECT_THROW(Take(token), host::SettingError);
 }
 
@@ -115,9 +117,9 @@ TEST_F(TokensTest, KeepTheirSecretPrivate) {
   EXPECT_EQ(folder.st_mode & 0777, 0700u);
   EXPECT_EQ(secret.st_mode & 0777, 0600u);
   EXPECT_EQ(secret.st_size, 32);
-  test::WriteFile(folder_.Path() / "tokens" / "secret", "short");
+  WriteFile(folder_.Path() / "tokens" / "secret", "short");
   EXPECT_THROW(Tokens(folder_.Path() / "tokens"), host::SettingError);
 }
 
 }  // namespace
-}  // namespace kalvo::web
+}  // namespace kalvo::test

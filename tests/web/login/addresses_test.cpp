@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
-namespace kalvo::web::login {
+namespace kalvo::test {
 namespace {
+
+using namespace web;
+using namespace web::login;
 
 TEST(Addresses, OfThisConsoleAreThoseBelowItsRoot) {
   const struct {
@@ -53,4 +56,4 @@ TEST(Addresses, OfTheSignInKeepWhereToGoOn) {
 }
 
 }  // namespace
-}  // namespace kalvo::web::login
+}  // namespace kalvo::test

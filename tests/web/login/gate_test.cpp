@@ -11,8 +11,11 @@
 #include "support/full_disk.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::web::login {
+namespace kalvo::test {
 namespace {
+
+using namespace web;
+using namespace web::login;
 
 constexpr const char* kPassword = "correct horse";
 
@@ -76,7 +79,7 @@ class Gates : public testing::Test {
   }
 
   static std::string hash_;
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   UsersFile users_{WithUsers(folder_.Path() / "users")};
   Log log_{(folder_.Path() / "log").string()};
   host::LiveDrillerMaker nobody_;
@@ -152,7 +155,7 @@ TEST_F(Gates, DoNotHandThePasswordToThePage) {
   gate_.Admit("/SignIn.asp", request);
   EXPECT_EQ(request.form, "");
   EXPECT_EQ(request.queryString, "Return=%2FKalvoforExchange%2FTasks%2FTopN%2Easp");
-  EXPECT_EQ(test::ReadFile(folder_.Path() / "log").find("nearly"), std::string::npos);
+  EXPECT_EQ(ReadFile(folder_.Path() / "log").find("nearly"), std::string::npos);
 }
 
 TEST_F(Gates, ReadNoMoreThanASignInNeeds) {
@@ -298,7 +301,7 @@ TEST_F(Gates, AreNotMadeForAUsersFileThatOthersWrite) {
 TEST_F(Gates, WarnOfAUsersFileThatEverybodyReads) {
   chmod((folder_.Path() / "users").c_str(), 0644);
   const Gate gate({folder_.Path() / "users", folder_.Path() / "other", {}, {}}, nobody_, log_, trail_);
-  EXPECT_NE(test::ReadFile(folder_.Path() / "log").find("may be read by everybody"), std::string::npos);
+  EXPECT_NE(ReadFile(folder_.Path() / "log").find("may be read by everybody"), std::string::npos);
 }
 
 TEST_F(Gates, BindTheCookieToTheHostBehindEncryption) {
@@ -417,11 +420,11 @@ TEST_F(Proxied, StrangersAreRefused) {
     ASSERT_TRUE(std::holds_alternative<Answer>(decision)) << named.substr(0, 20);
     EXPECT_EQ(std::get<Answer>(decision).head.status, 403);
   }
-  EXPECT_LT(test::ReadFile(folder_.Path() / "log").size(), 4000u) << "a line of the log has an end";
+  EXPECT_LT(ReadFile(folder_.Path() / "log").size(), 4000u) << "a line of the log has an end";
 }
 
 TEST_F(Proxied, UsersWaitWhileNoSessionCanBeKept) {
-  const test::FullDisk full(0);
+  const FullDisk full(0);
   const Decision decision = By("bob");
   ASSERT_TRUE(std::holds_alternative<Answer>(decision));
   EXPECT_EQ(std::get<Answer>(decision).head.status, 503);
@@ -455,4 +458,4 @@ TEST_F(Proxied, UsersWithoutAPasswordDoNotSignInByTheForm) {
 }
 
 }  // namespace
-}  // namespace kalvo::web::login
+}  // namespace kalvo::test

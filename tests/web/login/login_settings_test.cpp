@@ -4,12 +4,14 @@
 #include "host/web/settings.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::web {
+namespace kalvo::test {
 namespace {
 
+using namespace web;
+
 // Settings in a folder of their own, completed; what is wrong with them, and "" when nothing is.
-std::string WrongWith(const test::TemporaryFolder& folder, const std::string& text, Settings* completed = nullptr) {
-  test::WriteFile(folder.Path() / "kalvo.toml", text);
+std::string WrongWith(const TemporaryFolder& folder, const std::string& text, Settings* completed = nullptr) {
+  WriteFile(folder.Path() / "kalvo.toml", text);
   try {
     Settings settings = ReadSettings(folder.Path() / "kalvo.toml");
     Complete(settings);
@@ -21,9 +23,9 @@ std::string WrongWith(const test::TemporaryFolder& folder, const std::string& te
 }
 
 TEST(LoginSettings, NameAUsersFileThatIsThere) {
-  const test::TemporaryFolder folder;
+  const TemporaryFolder folder;
   EXPECT_NE(WrongWith(folder, "users = \"users\"").find("kalvo passwd"), std::string::npos);
-  test::WriteFile(folder.Path() / "users", "");
+  WriteFile(folder.Path() / "users", "");
   Settings settings;
   EXPECT_EQ(WrongWith(folder, "users = \"users\"\nrun = \"run\"", &settings), "");
   EXPECT_EQ(settings.users, folder.Path() / "users");
@@ -32,8 +34,8 @@ TEST(LoginSettings, NameAUsersFileThatIsThere) {
 }
 
 TEST(LoginSettings, ExcludeAVisitorForAll) {
-  const test::TemporaryFolder folder;
-  test::WriteFile(folder.Path() / "users", "");
+  const TemporaryFolder folder;
+  WriteFile(folder.Path() / "users", "");
   for (const char* visitor : {"[visitor]\nlogon = 'A\\b'", "[visitor.session]\nKalvoAdministrator = \"Yes\""}) {
     EXPECT_NE(WrongWith(folder, std::string("users = \"users\"\n") + visitor).find("exclude each other"),
               std::string::npos);
@@ -41,7 +43,7 @@ TEST(LoginSettings, ExcludeAVisitorForAll) {
 }
 
 TEST(LoginSettings, HaveMinutesThatMakeSense) {
-  const test::TemporaryFolder folder;
+  const TemporaryFolder folder;
   for (const char* minutes : {"0", "1441", "\"30\"", "1.5"}) {
     EXPECT_NE(WrongWith(folder, std::string("session_minutes = ") + minutes).find("from 1 to 1440"), std::string::npos);
   }
@@ -49,4 +51,4 @@ TEST(LoginSettings, HaveMinutesThatMakeSense) {
 }
 
 }  // namespace
-}  // namespace kalvo::web
+}  // namespace kalvo::test

@@ -9,8 +9,11 @@
 #include "host/web/login/users.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::web::login {
+namespace kalvo::test {
 namespace {
+
+using namespace web;
+using namespace web::login;
 
 class PasswordChanges : public testing::Test {
  protected:
@@ -29,7 +32,7 @@ class PasswordChanges : public testing::Test {
   bool Fits(const std::string& password) { return PasswordFits(users_.Find("KALVO\\bob")->hash, password); }
 
   static std::string hash_;
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   UsersFile users_{folder_.Path() / "users"};
   Throttle throttle_{folder_.Path() / "attempts"};
   Log log_{(folder_.Path() / "log").string()};
@@ -63,7 +66,7 @@ TEST_F(PasswordChanges, AreRefused) {
   };
   for (const auto& c : kCases) EXPECT_EQ(Change(c.old, c.chosen, c.again), c.outcome) << c.why;
   EXPECT_TRUE(Fits("correct horse"));
-  EXPECT_EQ(test::ReadFile(folder_.Path() / "log").find("staple"), std::string::npos) << "no password is written down";
+  EXPECT_EQ(ReadFile(folder_.Path() / "log").find("staple"), std::string::npos) << "no password is written down";
 }
 
 TEST_F(PasswordChanges, AreSlowedForWhoGuessesTheOldOne) {
@@ -74,11 +77,10 @@ TEST_F(PasswordChanges, AreSlowedForWhoGuessesTheOldOne) {
 
 TEST_F(PasswordChanges, SayWhenTheFileCannotBeWritten) {
   std::filesystem::create_directory(folder_.Path() / "users.new");  // nothing can be put in its place
-  test::WriteFile(folder_.Path() / "users.new/x", "");
+  WriteFile(folder_.Path() / "users.new/x", "");
   EXPECT_EQ(Change("correct+horse", "battery+staple", "battery+staple"), "fixed");
   EXPECT_TRUE(Fits("correct horse"));
-  EXPECT_NE(test::ReadFile(folder_.Path() / "log").find("the password of KALVO\\bob was not changed: "),
-            std::string::npos);
+  EXPECT_NE(ReadFile(folder_.Path() / "log").find("the password of KALVO\\bob was not changed: "), std::string::npos);
 }
 
 TEST_F(PasswordChanges, AreOfNobodyWhoIsNoUserAnyMore) {
@@ -88,4 +90,4 @@ TEST_F(PasswordChanges, AreOfNobodyWhoIsNoUserAnyMore) {
 }
 
 }  // namespace
-}  // namespace kalvo::web::login
+}  // namespace kalvo::test

@@ -4,8 +4,11 @@
 
 #include "host/web/login/password.h"
 
-namespace kalvo::web::login {
+namespace kalvo::test {
 namespace {
+
+using namespace web;
+using namespace web::login;
 
 TEST(PasswordRules, SayWhatIsWrong) {
   const std::string length =
@@ -57,4 +60,4 @@ TEST(PasswordRules, KnowWhatPeopleTakeFirst) {
 }
 
 }  // namespace
-}  // namespace kalvo::web::login
+}  // namespace kalvo::test

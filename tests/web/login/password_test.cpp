@@ -6,8 +6,11 @@
 #include <ctime>
 #include <functional>
 
-namespace kalvo::web::login {
+namespace kalvo::test {
 namespace {
+
+using namespace web;
+using namespace web::login;
 
 TEST(Password, FitsItsOwnHashAlone) {
   const std::string hash = HashPassword("correct horse");
@@ -93,4 +96,4 @@ TEST(Fingerprint, IsTheSameForTheSameText) {
 }
 
 }  // namespace
-}  // namespace kalvo::web::login
+}  // namespace kalvo::test

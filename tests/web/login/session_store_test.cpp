@@ -18,8 +18,11 @@
 #include "support/full_disk.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::web::login {
+namespace kalvo::test {
 namespace {
+
+using namespace web;
+using namespace web::login;
 
 using std::chrono::milliseconds;
 
@@ -69,7 +72,7 @@ class Sessions : public testing::Test {
     return waiters;
   }
 
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   Log log_{(folder_.Path() / "log").string()};
   host::LiveDrillerMaker nobody_;
   std::atomic<int> looks_{0};  // of those who wait, whether they still want to
@@ -113,7 +116,7 @@ TEST_F(Sessions, HaveIdentifiersThatNobodyHadAndFilesThatDoNotTellThem) {
   EXPECT_NE(first, second);
   for (const auto& path : All()) {
     EXPECT_EQ(path.string().find(first), std::string::npos);
-    EXPECT_EQ(test::ReadFile(path).find(first), std::string::npos);
+    EXPECT_EQ(ReadFile(path).find(first), std::string::npos);
     struct stat state {};
     stat(path.c_str(), &state);
     EXPECT_EQ(state.st_mode & 0777, 0600u);
@@ -274,7 +277,7 @@ TEST_F(Sessions, EndAtOnceAlsoWhileAPageRuns) {
 TEST_F(Sessions, AreRefusedOnAFullDiskAndNotHandedOutEmpty) {
   SessionStore store = Store();
   for (const rlim_t bytes : {rlim_t{0}, rlim_t{20}}) {
-    const test::FullDisk full(bytes);
+    const FullDisk full(bytes);
     EXPECT_THROW(store.Create(kAlice), NotKept);
   }
   EXPECT_EQ(Files(), 0u);
@@ -285,7 +288,7 @@ TEST_F(Sessions, StayAsTheyWereOnAFullDisk) {
   const std::string id = store.Create(kAlice);
   store.Open(id, {})->Set("x", std::int32_t{1});
   {
-    const test::FullDisk full(20);
+    const FullDisk full(20);
     store.Open(id, {})->Set("x", std::int32_t{2});
   }
   EXPECT_EQ(store.Open(id, {})->Get("x"), Value(std::int32_t{1}));
@@ -342,7 +345,7 @@ TEST_F(Sessions, ThatSomebodyDamagedAreNoSessions) {
   for (const std::string& damage : {std::string(), std::string("kalvo session 1\n"), std::string("nonsense"),
                                     std::string("kalvo session 1\nKALVO\\alice\nstamp\n123\n\xFF\xFF")}) {
     const std::string id = store.Create(kAlice);
-    for (const auto& path : All()) test::WriteFile(path, damage);
+    for (const auto& path : All()) WriteFile(path, damage);
     EXPECT_FALSE(store.Open(id, {})) << damage;
   }
 }
@@ -424,4 +427,4 @@ TEST_F(Sessions, LieInAFolderThatNobodyElseEnters) {
 }
 
 }  // namespace
-}  // namespace kalvo::web::login
+}  // namespace kalvo::test

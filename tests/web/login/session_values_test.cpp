@@ -5,18 +5,13 @@
 #include <limits>
 
 #include "kalvo/platform/error.h"
+#include "support/error_of.h"
 
-namespace kalvo::web::login {
+namespace kalvo::test {
 namespace {
 
-std::int32_t NumberOf(const std::function<void()>& step) {
-  try {
-    step();
-  } catch (const Error& error) {
-    return error.Number();
-  }
-  return 0;
-}
+using namespace web;
+using namespace web::login;
 
 TEST(SessionValues, KeepTheirTypesWhenPacked) {
   const Value kValues[] = {Null{},
@@ -50,8 +45,8 @@ TEST(SessionValues, AreEmptyWhenNobodySetThem) {
 TEST(SessionValues, HoldNoObjectsAndNoBytes) {
   class Thing : public Object {};
   SessionValues values;
-  EXPECT_EQ(NumberOf([&] { values.Set("x", std::shared_ptr<Object>(std::make_shared<Thing>())); }), 13);
-  EXPECT_EQ(NumberOf([&] { values.Set("x", Bytes{1, 2}); }), 13);
+  EXPECT_EQ(ErrorOf([&] { values.Set("x", std::shared_ptr<Object>(std::make_shared<Thing>())); }).Number(), 13);
+  EXPECT_EQ(ErrorOf([&] { values.Set("x", Bytes{1, 2}); }).Number(), 13);
   EXPECT_EQ(values.Get("x"), Value());
 }
 
@@ -69,9 +64,9 @@ bool IsTakenBack(std::size_t nameLength, std::size_t textLength) {
 
 TEST(SessionValues, HaveNamesOf256BytesAtMost) {
   SessionValues values;
-  EXPECT_EQ(NumberOf([&] { values.Set(std::string(256, 'n'), true); }), 0);
+  EXPECT_EQ(ErrorOf([&] { values.Set(std::string(256, 'n'), true); }).Number(), 0);
   EXPECT_EQ(values.Get(std::string(256, 'N')), Value(true));
-  EXPECT_EQ(NumberOf([&] { values.Set(std::string(257, 'n'), true); }), codes::kFailed);
+  EXPECT_EQ(ErrorOf([&] { values.Set(std::string(257, 'n'), true); }).Number(), codes::kFailed);
   EXPECT_EQ(values.Get(std::string(257, 'n')), Value()) << "what was refused is not there";
   EXPECT_TRUE(IsTakenBack(256, 1));
   EXPECT_FALSE(IsTakenBack(257, 1));
@@ -79,9 +74,9 @@ TEST(SessionValues, HaveNamesOf256BytesAtMost) {
 
 TEST(SessionValues, Are256AtMost) {
   SessionValues values;
-  for (int i = 0; i < 256; ++i) EXPECT_EQ(NumberOf([&] { values.Set(std::to_string(i), true); }), 0) << i;
-  EXPECT_EQ(NumberOf([&] { values.Set("one more", true); }), codes::kFailed);
-  EXPECT_EQ(NumberOf([&] { values.Set("7", false); }), 0) << "a value may change";
+  for (int i = 0; i < 256; ++i) EXPECT_EQ(ErrorOf([&] { values.Set(std::to_string(i), true); }).Number(), 0) << i;
+  EXPECT_EQ(ErrorOf([&] { values.Set("one more", true); }).Number(), codes::kFailed);
+  EXPECT_EQ(ErrorOf([&] { values.Set("7", false); }).Number(), 0) << "a value may change";
   EXPECT_EQ(values.Get("7"), Value(false));
   const std::string packed = values.Packed();
   EXPECT_TRUE(SessionValues::Unpacked(packed));
@@ -93,9 +88,9 @@ TEST(SessionValues, Are256AtMost) {
 TEST(SessionValues, Take64KibibytesAtMost) {
   const std::size_t around = 4 + 1 + 1 + 4;  // the name's length, the name "x", the type, the text's length
   SessionValues values;
-  EXPECT_EQ(NumberOf([&] { values.Set("x", std::string(65'536 - around + 1, 'x')); }), codes::kFailed);
+  EXPECT_EQ(ErrorOf([&] { values.Set("x", std::string(65'536 - around + 1, 'x')); }).Number(), codes::kFailed);
   EXPECT_EQ(values.Get("x"), Value()) << "what was refused is not there";
-  EXPECT_EQ(NumberOf([&] { values.Set("x", std::string(65'536 - around, 'x')); }), 0);
+  EXPECT_EQ(ErrorOf([&] { values.Set("x", std::string(65'536 - around, 'x')); }).Number(), 0);
   EXPECT_EQ(values.Packed().size(), 65'536u);
   EXPECT_TRUE(IsTakenBack(1, 65'536 - around));
   EXPECT_FALSE(IsTakenBack(1, 65'536 - around + 1));
@@ -104,12 +99,7 @@ TEST(SessionValues, Take64KibibytesAtMost) {
 TEST(SessionValues, SayWhatTheyCannotHold) {
   SessionValues values;
   const auto text = [&](const std::string& name, const Value& value) {
-    try {
-      values.Set(name, value);
-    } catch (const Error& error) {
-      return error.Description();
-    }
-    return std::string();
+    return ErrorOf([&] { values.Set(name, value); }).Description();
   };
   EXPECT_EQ(text(std::string(257, 'n'), true), "The session cannot hold a value whose name has more than 256 bytes.");
   EXPECT_EQ(text("x", std::string(70'000, 'x')), "The session cannot hold more than 64 KiB.");
@@ -132,4 +122,4 @@ TEST(SessionValues, AreNotReadFromBytesThatWereNotPackedSo) {
 }
 
 }  // namespace
-}  // namespace kalvo::web::login
+}  // namespace kalvo::test

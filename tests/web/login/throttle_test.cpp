@@ -11,8 +11,11 @@
 #include "host/parts/setting_error.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::web::login {
+namespace kalvo::test {
 namespace {
+
+using namespace web;
+using namespace web::login;
 
 class Attempts : public testing::Test {
  protected:
@@ -41,7 +44,7 @@ class Attempts : public testing::Test {
     return waits;
   }
 
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   std::int64_t now_ = 1'700'000'000;
   Throttle throttle_{folder_.Path() / "attempts", [this] { return now_; }};
 };
@@ -101,7 +104,7 @@ TEST_F(Attempts, AreCountedWhereNobodyElseLooks) {
 }
 
 TEST_F(Attempts, CannotBeCountedBelowAFile) {
-  test::WriteFile(folder_.Path() / "file", "");
+  WriteFile(folder_.Path() / "file", "");
   EXPECT_THROW(Throttle(folder_.Path() / "file" / "attempts"), host::SettingError);
 }
 
@@ -223,4 +226,4 @@ TEST_F(Attempts, AreCountedForAllProcesses) {
 }
 
 }  // namespace
-}  // namespace kalvo::web::login
+}  // namespace kalvo::test

@@ -12,16 +12,19 @@
 #include "support/full_disk.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::web::login {
+namespace kalvo::test {
 namespace {
+
+using namespace web;
+using namespace web::login;
 
 const std::string kHash = "$argon2id$v=19$m=65536,t=2,p=1$c2FsdHNhbHRzYWx0c2FsdA$aGFzaA";
 
 class Users : public testing::Test {
  protected:
-  void Hold(const std::string& text) { test::WriteFile(file_, text); }
+  void Hold(const std::string& text) { WriteFile(file_, text); }
 
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   const std::filesystem::path file_ = folder_.Path() / "users";
   UsersFile users_{file_};
 };
@@ -106,7 +109,7 @@ TEST_F(Users, ArePutReplacedAndRemoved) {
 TEST_F(Users, KeepCommentsOfTheFile) {
   Hold("# people\nKALVO\\bob - " + kHash + "\n");
   users_.Put({"KALVO\\alice", false, false, kHash});
-  EXPECT_TRUE(test::ReadFile(file_).starts_with("# people\nKALVO\\bob - "));
+  EXPECT_TRUE(ReadFile(file_).starts_with("# people\nKALVO\\bob - "));
 }
 
 TEST_F(Users, AreForTheOwnersEyesOnly) {
@@ -222,12 +225,12 @@ TEST_F(Users, GetAnotherHashAndKeepWhatElseChangedMeanwhile) {
 
 TEST_F(Users, LeaveNothingBehindWhenTheFileCannotBeWritten) {
   users_.Put({"KALVO\\alice", false, false, kHash});
-  const std::string before = test::ReadFile(file_);
+  const std::string before = ReadFile(file_);
   {
-    const test::FullDisk full(8);
+    const FullDisk full(8);
     EXPECT_THROW(users_.Put({"KALVO\\bob", true, false, kHash}), host::SettingError);
   }
-  EXPECT_EQ(test::ReadFile(file_), before);
+  EXPECT_EQ(ReadFile(file_), before);
   EXPECT_FALSE(std::filesystem::exists(file_.string() + ".new"));
 }
 
@@ -243,4 +246,4 @@ TEST(UserStamp, ChangesWithPasswordAndRights) {
 }
 
 }  // namespace
-}  // namespace kalvo::web::login
+}  // namespace kalvo::test
