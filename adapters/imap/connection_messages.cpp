@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstring>
 
 #include "adapters/imap/connection.h"
 #include "adapters/imap/imap_error.h"
@@ -74,8 +75,10 @@ std::vector<std::uint32_t> Connection::SortedUids(std::span<const ServerSort> ke
 }
 
 std::vector<std::uint32_t> Connection::WithoutSentDate() {
-  const Owned<mailimap_search_key> undated(
-      mailimap_search_key_new_not(mailimap_search_key_new_sentsince(mailimap_date_new(1, 1, 1971))));
+  // Some servers take an old date for a message that has none, others the day on which it came.
+  const Owned<mailimap_search_key> undated(mailimap_search_key_new_or(
+      mailimap_search_key_new_not(mailimap_search_key_new_sentsince(mailimap_date_new(1, 1, 1971))),
+      mailimap_search_key_new_not(mailimap_search_key_new_header(strdup("DATE"), strdup("")))));
   OwnedList found(mailimap_search_result_free);
   Command();
   Check(mailimap_uid_search(session_->imap, nullptr, undated.get(), &found.list), "SEARCH");

@@ -98,8 +98,9 @@ void ForEachLeaf(const mailimap_body& body, Visit&& visit) {
 std::vector<mail::Attachment> AttachmentsOf(const mailimap_body& body) {
   std::vector<mail::Attachment> attachments;
   const std::string charset = CharsetOf(body);
+  std::size_t parts = 0;
   ForEachLeaf(body, [&](const mailimap_body_type_1part& part) {
-    if (attachments.size() >= mail::kMostParts) return;
+    if (++parts > mail::kMostParts) return;
     const Leaf leaf = LeafOf(part);
     const auto* disposition = part.bd_ext_1part == nullptr ? nullptr : part.bd_ext_1part->bd_disposition;
     std::string name;
@@ -109,6 +110,7 @@ std::vector<mail::Attachment> AttachmentsOf(const mailimap_body& body) {
     if (!mail::IsAttachment(leaf.type, word, !name.empty())) return;
     attachments.push_back({mail::AttachmentName(name, leaf.type, leaf.subtype), DecodedSize(leaf.fields)});
   });
+  if (parts > mail::kMostParts) attachments.push_back({std::string(mail::kMoreParts), 0});
   return attachments;
 }
 

@@ -16,6 +16,10 @@ std::string CleanText(std::string_view raw);
 
 // What stands for the subject of a message that cannot be read.
 inline constexpr std::string_view kUnreadable = "(this message cannot be read)";
+inline constexpr std::string_view kCompressed = "(this message is compressed and cannot be read)";
+
+// What is listed behind the attachments of a message that has more parts than are looked at.
+inline constexpr std::string_view kMoreParts = "(the rest of this message is not read)";
 
 // "Bob <bob@example.com>", or whichever of the two there is. Decoded, not yet cleaned.
 std::string SenderText(std::string_view name, std::string_view address);

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <map>
 #include <set>
 
@@ -18,6 +19,7 @@
 #include "adapters/maildir/folder.h"
 #include "adapters/maildir/holding.h"
 #include "adapters/maildir/message_reader.h"
+#include "adapters/maildir/quota.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
 
@@ -44,6 +46,33 @@ std::string IndexName(const mail::IdentifierKey& key, std::string_view identity)
   }
   return name;
 }
+
+// Notes what comes or goes before it does, so that nothing is moved that cannot be noted; taken back unless it is kept.
+class QuotaNote {
+ public:
+  QuotaNote(const File& tree, std::int64_t bytes, int messages, std::string_view done)
+      : quota_(tree), bytes_(bytes), messages_(messages) {
+    if (quota_.Note(bytes, messages)) return;
+    const char* why = std::strerror(errno);
+    throw mail::StoreFailed(Built([&](std::string& out) {
+      Append(out, "The message was not ", done,
+             ": the mailbox is limited, and its count \"maildirsize\" cannot be written (", why, ").");
+    }));
+  }
+  ~QuotaNote() {
+    if (!kept_) quota_.Note(-bytes_, -messages_);
+  }
+  QuotaNote(const QuotaNote&) = delete;
+  QuotaNote& operator=(const QuotaNote&) = delete;
+
+  void Keep() { kept_ = true; }
+
+ private:
+  Quota quota_;
+  std::int64_t bytes_;
+  int messages_;
+  bool kept_ = false;
+};
 
 // The messages of a snapshot.
 class SnapshotSource : public mail::MessageSource {
@@ -153,7 +182,10 @@ class MaildirStore::Trees : public mail::MailStore {
     held.received = details.received;
     held.deletion = deletion;
     Folder from = OpenKey(tree, folder);
+    const File top = OpenTree(tree);
+    QuotaNote note(top, -held.size, -1, "deleted");
     if (!holding_.Take(HoldingName(tree), from, message, held)) throw mail::NoSuchMessage();
+    note.Keep();
     return held.id;
   }
 
@@ -172,7 +204,10 @@ class MaildirStore::Trees : public mail::MailStore {
     if (!into && !KeysOf(tree).contains(key)) throw mail::FolderOfHeldIsGone(held->folder);
     if (key.empty()) throw mail::NoSuchFolder("A mailbox's top has no messages; name a folder.");
     Folder folder = OpenKey(tree, key);
+    const File top = OpenTree(tree);
+    QuotaNote note(top, held->size, 1, "restored");
     if (!holding_.Give(HoldingName(tree), *held, folder)) throw mail::NotHeld();
+    note.Keep();
     return PathOf(tree, key);
   }
 

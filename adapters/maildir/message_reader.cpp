@@ -12,6 +12,7 @@
 #include "adapters/mail/header_text.h"
 #include "adapters/mail/limits.h"
 #include "adapters/mail/text.h"
+#include "adapters/maildir/compression.h"
 #include "adapters/maildir/message_scan.h"
 
 namespace kalvo::maildir {
@@ -19,7 +20,7 @@ namespace kalvo::maildir {
 namespace {
 
 constexpr std::size_t kLongestInListing = std::size_t{2} << 20;
-constexpr std::size_t kLongestMessage = std::size_t{64} << 20;
+constexpr std::size_t kLongestMessage = std::size_t{192} << 20;
 
 // The library reads an address list by calling itself at each of these.
 constexpr std::string_view kNesting = ":(<";
@@ -202,6 +203,28 @@ MessageContent ReadText(std::string_view text, Read what) {
     ReadLeaf(*leaf, charset, what, content);
     if (what == Read::Listing && content.hasAttachment) break;
   }
+  if (what == Read::Attachments && scan.HasMore()) content.attachments.push_back({std::string(mail::kMoreParts), 0});
+  return content;
+}
+
+MessageContent Saying(std::string_view subject) {
+  MessageContent content;
+  content.subject = subject;
+  return content;
+}
+
+std::optional<MessageContent> ReadStored(const File& file, Read what) {
+  const std::size_t most = what == Read::Listing ? kLongestInListing : kLongestMessage;
+  auto text = ReadBeginning(file, most);
+  if (!text) return std::nullopt;
+  const Packing packing = PackingOf(*text);
+  if (packing == Packing::Other) return Saying(mail::kCompressed);
+  if (packing == Packing::Gzip) text = Unpacked(*text, most);
+  if (!text) return std::nullopt;
+  MessageContent content = ReadText(*text, what);
+  if (what == Read::Attachments && text->size() == most) {
+    content.attachments.push_back({std::string(mail::kMoreParts), 0});
+  }
   return content;
 }
 
@@ -211,13 +234,11 @@ MessageContent ReadMessage(const File& file, Read what) {
   static std::once_flag started;
   std::call_once(started, g_mime_init);
   try {
-    const auto text = ReadBeginning(file, what == Read::Listing ? kLongestInListing : kLongestMessage);
-    if (text) return ReadText(*text, what);
+    if (auto content = ReadStored(file, what)) return std::move(*content);
   } catch (const std::bad_alloc&) {
     // As unreadable as one that the disk does not give.
   }
-  MessageContent content;
-  content.subject = mail::kUnreadable;
+  MessageContent content = Saying(mail::kUnreadable);
   content.isReadable = false;
   return content;
 }

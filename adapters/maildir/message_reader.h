@@ -22,8 +22,9 @@ struct MessageContent {
   std::vector<mail::Attachment> attachments;  // with `Read::Attachments`
 };
 
-// Reads a message from an open file: for a listing at most its first 2 MiB, for its attachments at most 64 MiB, of
-// heads and parts no more than `message_scan.h` allows. A file that is closed cannot be read.
+// Reads a message from an open file, unpacked where a server has packed it: for a listing at most its first 2 MiB, for
+// its attachments at most 192 MiB, of heads and parts no more than `message_scan.h` allows. A file that is closed
+// cannot be read.
 MessageContent ReadMessage(const File& file, Read what);
 
 }  // namespace kalvo::maildir

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "adapters/mail/limits.h"
 #include "kalvo/platform/conversion.h"
 
 namespace kalvo::maildir {

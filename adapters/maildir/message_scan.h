@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "adapters/mail/limits.h"
+
 namespace kalvo::maildir {
 
 // What a message may cost beside the limits of all mail stores.
@@ -44,6 +46,9 @@ class MessageScan {
 
   // The next leaf; nothing at the end, or once there were as many parts as we look at.
   std::optional<Leaf> Next();
+
+  // Whether it stopped because there were so many.
+  bool HasMore() const { return parts_ > mail::kMostParts; }
 
  private:
   struct Delimiter {

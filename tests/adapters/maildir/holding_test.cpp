@@ -99,6 +99,37 @@ TEST_F(MaildirHolding, NameFlagsAndTimeComeBack) {
   }
 }
 
+TEST_F(MaildirHolding, ALimitedMailboxCountsWhatIsDeletedAndRestored) {
+  Deliver(tree_, "1.host,S=52:2,S", kText, kReceived);
+  const std::string before = "1000000S\n52 1\n";
+  WriteFile(tree_ / "maildirsize", before);
+  const std::string id = Remove("1.host,S=52");
+  EXPECT_EQ(ReadFile(tree_ / "maildirsize"), before + "-52 -1\n");
+  Restore(id);
+  EXPECT_EQ(ReadFile(tree_ / "maildirsize"), before + "-52 -1\n52 1\n");
+  EXPECT_EQ(Failure([&] { Remove("gone"); }), "The message does not exist any more.");
+  EXPECT_EQ(ReadFile(tree_ / "maildirsize"), before + "-52 -1\n52 1\n");
+}
+
+TEST_F(MaildirHolding, WhatCannotBeCountedIsNotDeleted) {
+  Deliver(tree_, "1.host:2,S", kText, kReceived);
+  fs::create_directory(tree_ / "maildirsize");
+  EXPECT_EQ(Failure([&] { Remove("1.host"); }),
+            "The message was not deleted: the mailbox is limited, and its count \"maildirsize\" cannot be written "
+            "(Is a directory).");
+  EXPECT_EQ(InTree(), std::set<std::string>{"cur/1.host:2,S"});
+}
+
+TEST_F(MaildirHolding, ACountThatWasNotDeletedAfterAllIsTakenBack) {
+  Deliver(tree_, "1.host:2,S", kText, kReceived);
+  WriteFile(tree_ / "maildirsize", "1000000S\n");
+  fs::create_directories(folder_.Path() / ".kalvo");
+  WriteFile(folder_.Path() / ".kalvo" / "held", "no folder");
+  const std::string size = std::to_string(kText.size());
+  EXPECT_NE(Failure([&] { Remove("1.host"); }), "");
+  EXPECT_EQ(ReadFile(tree_ / "maildirsize"), "1000000S\n-" + size + " -1\n" + size + " 1\n");
+}
+
 TEST_F(MaildirHolding, TheFolderIsClosedToOthers) {
   Deliver(tree_, "1.host:2,S", kText, kReceived);
   Remove("1.host");

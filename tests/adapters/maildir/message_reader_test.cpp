@@ -77,6 +77,34 @@ TEST_F(MaildirFiles, SubjectAndSenderAreWhatPeopleRead) {
   }
 }
 
+TEST_F(MaildirFiles, SizesOfLargeAttachmentsAreWhole) {
+  const auto content = ReadText("Content-Type: multipart/mixed; boundary=b\n\n--b\nContent-Type: application/pdf\n\n" +
+                                std::string(75'000'000, 'x') + "\n--b\nContent-Type: image/png\n\nxyz\n--b--\n");
+  ASSERT_EQ(content.attachments.size(), 2u);
+  EXPECT_EQ(content.attachments[0].size, 75'000'000);
+  EXPECT_EQ(content.attachments[1].size, 3);
+}
+
+TEST_F(MaildirFiles, MorePartsThanAreReadAreTold) {
+  std::string text = "Content-Type: multipart/mixed; boundary=b\n\n";
+  for (int i = 0; i < 12'000; ++i) text += "--b\nContent-Type: image/png\n\nx\n";
+  const auto content = ReadText(text);
+  ASSERT_EQ(content.attachments.size(), 10'000u);
+  EXPECT_EQ(content.attachments.back().name, "(the rest of this message is not read)");
+}
+
+// "Subject: packed", an empty line and "x", as gzip packs it.
+constexpr std::string_view kPacked(
+    "\x1f\x8b\x08\x00\x00\x00\x00\x00\x02\x03\x0b\x2e\x4d\xca\x4a\x4d\x2e\xb1\x52\x28\x48\x4c\xce\x4e\x4d\xe1\xe2\xaa"
+    "\xe0\x02\x00\x1d\x14\x71\xd8\x13\x00\x00\x00",
+    39);
+
+TEST_F(MaildirFiles, PackedMessagesAreReadOrNamed) {
+  EXPECT_EQ(ReadText(kPacked).subject, "packed");
+  EXPECT_EQ(ReadText(kPacked.substr(0, 10)).subject, "(this message cannot be read)");
+  EXPECT_EQ(ReadText("\x28\xB5\x2F\xFD and more").subject, "(this message is compressed and cannot be read)");
+}
+
 TEST_F(MaildirFiles, DatesHaveZonesInAnyCase) {
   for (const char* date : {"Tue, 28 May 1996 12:24:23 cst", "Tue, 28 May 1996 12:24:23 CST",
                            "Tue, 28 May 1996 12:24:23 -600", "28 may 1996 18:24:23 gmt"}) {

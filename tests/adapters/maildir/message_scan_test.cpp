@@ -95,11 +95,12 @@ TEST(MessageScan, CutsAFieldWhereItGetsTooLong) {
 
 TEST(MessageScan, LooksAtSoManyPartsAndNoMore) {
   std::string message = "Content-Type:multipart/b\n\n";
-  for (int i = 0; i < 3000; ++i) message += "--b\n\nx\n";
+  for (int i = 0; i < 30'000; ++i) message += "--b\n\nx\n";
   MessageScan scan(message, AskMultipart);
   std::size_t leaves = 0;
   while (scan.Next()) ++leaves;
   EXPECT_EQ(leaves, mail::kMostParts - 1) << "the one that holds them counts";
+  EXPECT_TRUE(scan.HasMore());
 }
 
 TEST(MessageScan, WhatIsNestedTooDeepHasNoParts) {
