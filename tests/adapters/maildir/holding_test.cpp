@@ -107,14 +107,14 @@ TEST_F(MaildirHolding, ALimitedMailboxCountsWhatIsDeletedAndRestored) {
   EXPECT_EQ(ReadFile(tree_ / "maildirsize"), before + "-52 -1\n");
   Restore(id);
   EXPECT_EQ(ReadFile(tree_ / "maildirsize"), before + "-52 -1\n52 1\n");
-  EXPECT_EQ(Failure([&] { Remove("gone"); }), "The message does not exist any more.");
+  EXPECT_EQ(ErrorOf([&] { Remove("gone"); }).Description(), "The message does not exist any more.");
   EXPECT_EQ(ReadFile(tree_ / "maildirsize"), before + "-52 -1\n52 1\n");
 }
 
 TEST_F(MaildirHolding, WhatCannotBeCountedIsNotDeleted) {
   Deliver(tree_, "1.host:2,S", kText, kReceived);
   fs::create_directory(tree_ / "maildirsize");
-  EXPECT_EQ(Failure([&] { Remove("1.host"); }),
+  EXPECT_EQ(ErrorOf([&] { Remove("1.host"); }).Description(),
             "The message was not deleted: the mailbox is limited, and its count \"maildirsize\" cannot be written "
             "(Is a directory).");
   EXPECT_EQ(InTree(), std::set<std::string>{"cur/1.host:2,S"});
@@ -126,7 +126,7 @@ TEST_F(MaildirHolding, ACountThatWasNotDeletedAfterAllIsTakenBack) {
   fs::create_directories(folder_.Path() / ".kalvo");
   WriteFile(folder_.Path() / ".kalvo" / "held", "no folder");
   const std::string size = std::to_string(kText.size());
-  EXPECT_NE(Failure([&] { Remove("1.host"); }), "");
+  EXPECT_NE(ErrorOf([&] { Remove("1.host"); }).Description(), "");
   EXPECT_EQ(ReadFile(tree_ / "maildirsize"), "1000000S\n-" + size + " -1\n" + size + " 1\n");
 }
 
