@@ -4,16 +4,17 @@
 
 #include <algorithm>
 #include <memory>
-#include <mutex>
 #include <new>
 #include <string_view>
 
 #include "adapters/mail/charset.h"
 #include "adapters/mail/header_text.h"
 #include "adapters/mail/limits.h"
+#include "adapters/mail/message_head.h"
+#include "adapters/mail/message_scan.h"
+#include "adapters/mail/mime_objects.h"
 #include "adapters/mail/text.h"
 #include "adapters/maildir/compression.h"
-#include "adapters/maildir/message_scan.h"
 
 namespace kalvo::maildir {
 
@@ -22,77 +23,7 @@ namespace {
 constexpr std::size_t kLongestInListing = std::size_t{2} << 20;
 constexpr std::size_t kLongestMessage = std::size_t{192} << 20;
 
-// The library reads an address list by calling itself at each of these.
-constexpr std::string_view kNesting = ":(<";
-constexpr std::ptrdiff_t kDeepestSender = 100;
-
-struct Free {
-  void operator()(GDateTime* date) const { g_date_time_unref(date); }
-  void operator()(GObject* object) const { g_object_unref(object); }
-};
-
-// An object of the library, by its own type.
-template <typename T>
-class Ref {
- public:
-  explicit Ref(T* object) : object_(object) {}
-  ~Ref() {
-    if (object_) g_object_unref(object_);
-  }
-  Ref(const Ref&) = delete;
-  Ref& operator=(const Ref&) = delete;
-  T* get() const { return object_; }
-
- private:
-  T* object_;
-};
-
-std::string_view Text(const char* text) { return text ? std::string_view(text) : std::string_view(); }
-
-// The sender that an address list tells: its first address, whether it stands alone or in a group, else the first
-// group's name.
-std::string SenderIn(InternetAddressList* list) {
-  std::string group;
-  for (int i = 0; list != nullptr && i < internet_address_list_length(list); ++i) {
-    InternetAddress* each = internet_address_list_get_address(list, i);
-    if (INTERNET_ADDRESS_IS_MAILBOX(each)) {
-      return mail::SenderText(Text(internet_address_get_name(each)),
-                              Text(internet_address_mailbox_get_addr(INTERNET_ADDRESS_MAILBOX(each))));
-    }
-    const std::string member = SenderIn(internet_address_group_get_members(INTERNET_ADDRESS_GROUP(each)));
-    if (!member.empty()) return member;
-    if (group.empty()) group = Text(internet_address_get_name(each));
-  }
-  return group;
-}
-
-// A name behind an address: "root (Cron Daemon)".
-std::string NameBehind(std::string_view from, std::string_view charset) {
-  const std::size_t end = from.find_last_not_of(" \t\r\n"), begin = from.find('(');
-  if (end == from.npos || from[end] != ')' || begin == from.npos) return "";
-  return mail::HeaderText(from.substr(begin + 1, end - begin - 1), charset);
-}
-
-std::string SenderOf(std::string_view from, std::string_view charset) {
-  from = from.substr(0, mail::kLongestSender);
-  const std::string field = mail::PlainWords(from, charset);
-  const auto deep = std::count_if(field.begin(), field.end(), [](char c) { return kNesting.find(c) != kNesting.npos; });
-  if (deep <= kDeepestSender) {
-    const Ref<InternetAddressList> list(internet_address_list_parse(nullptr, field.c_str()));
-    std::string sender = SenderIn(list.get());
-    // Behind a local user's name the parser does not look for one.
-    if (sender.find_first_of("@<") == sender.npos) sender = mail::SenderText(NameBehind(from, charset), sender);
-    if (!sender.empty()) return mail::CleanText(mail::OneLine(sender));
-  }
-  // A sender that is no address is shown as it stands.
-  return mail::CleanText(mail::HeaderText(from, charset));
-}
-
-std::optional<std::int64_t> SentOf(std::string_view date) {
-  const std::unique_ptr<GDateTime, Free> sent(
-      g_mime_utils_header_decode_date(mail::PlainDate(date.substr(0, mail::kLongestWord)).c_str()));
-  return sent ? std::optional<std::int64_t>(g_date_time_to_unix(sent.get())) : std::nullopt;
-}
+using mail::Ref, mail::Text, mail::Head, mail::Leaf, mail::Multipart, mail::MessageScan;
 
 // Parameters for the parser that knows all ways to write them.
 std::string Parameters(std::string_view field, std::string_view charset) {
@@ -129,18 +60,14 @@ class MessageCharset {
  private:
   std::string Find() const {
     MessageScan scan(message_, MultipartOf);
-    std::string charset = NamedIn(scan.Top());
+    std::string charset = mail::CharsetIn(scan.Top().contentType);
     while (charset.empty()) {
       const auto leaf = scan.Next();
       if (!leaf) break;
-      charset = NamedIn(leaf->head);
+      charset = mail::CharsetIn(leaf->head.contentType);
     }
     return charset;
   }
-  static std::string NamedIn(const Head& head) {
-    return std::string(Text(g_mime_content_type_get_parameter(TypeOf(head, false, {}).get(), "charset")));
-  }
-
   std::string_view message_;
   std::optional<std::string> charset_;
 };
@@ -195,10 +122,8 @@ MessageContent ReadText(std::string_view text, Read what) {
   MessageContent content;
   MessageScan scan(text, MultipartOf);
   MessageCharset charset(text);
-  const std::string_view subject = scan.Top().subject.substr(0, mail::kLongestField);
-  content.subject = mail::CleanText(mail::HeaderText(subject, charset.For(subject)));
-  content.sender = SenderOf(scan.Top().from, charset.For(scan.Top().from));
-  content.sent = SentOf(scan.Top().date);
+  static_cast<mail::HeadTexts&>(content) =
+      mail::ReadHead(scan.Top(), [&](std::string_view field) { return charset.For(field); });
   while (const auto leaf = scan.Next()) {
     ReadLeaf(*leaf, charset, what, content);
     if (what == Read::Listing && content.hasAttachment) break;
@@ -231,8 +156,7 @@ std::optional<MessageContent> ReadStored(const File& file, Read what) {
 }  // namespace
 
 MessageContent ReadMessage(const File& file, Read what) {
-  static std::once_flag started;
-  std::call_once(started, g_mime_init);
+  mail::StartMime();
   try {
     if (auto content = ReadStored(file, what)) return std::move(*content);
   } catch (const std::bad_alloc&) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "adapters/mail/mail_store.h"
+#include "adapters/mail/message_head.h"
 #include "adapters/maildir/files.h"
 
 namespace kalvo::maildir {
@@ -14,10 +15,8 @@ enum class Read { Listing, Attachments };
 
 // What a message says of itself. A message that makes no sense has empty texts and no date, one that cannot be read
 // says so as its subject; it never fails.
-struct MessageContent {
+struct MessageContent : mail::HeadTexts {
   bool isReadable = true;
-  std::string subject, sender;       // cleaned
-  std::optional<std::int64_t> sent;  // seconds since 1970, UTC
   bool hasAttachment = false;
   std::vector<mail::Attachment> attachments;  // with `Read::Attachments`
 };

@@ -1,4 +1,4 @@
-#include "adapters/maildir/message_scan.h"
+#include "adapters/mail/message_scan.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 
 namespace kalvo::test {
 
-using namespace maildir;
+using namespace mail;
 
 namespace {
 

@@ -1,11 +1,11 @@
-#include "adapters/maildir/message_scan.h"
+#include "adapters/mail/message_scan.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "kalvo/platform/conversion.h"
 
-namespace kalvo::maildir {
+namespace kalvo::mail {
 
 namespace {
 
@@ -62,11 +62,11 @@ std::string_view MessageScan::Line() const {
 // Up to and with the empty line behind it; to a delimiter where that is missing.
 Head MessageScan::ReadHead() {
   Head head;
-  std::size_t field = at_, most = at_ + mail::kLongestField;  // where the field that is being read begins, and is cut
-  int lines = 0;                                              // of it
+  std::size_t field = at_, most = at_ + kLongestField;  // where the field that is being read begins, and is cut
+  int lines = 0;                                        // of it
   const auto keep = [&] {
     Keep(WithoutEnd(text_.substr(field, std::min(at_, most) - field)), head);
-    field = at_, most = at_ + mail::kLongestField, lines = 0;
+    field = at_, most = at_ + kLongestField, lines = 0;
   };
   while (at_ < text_.size()) {
     const std::string_view line = Line();
@@ -130,7 +130,7 @@ std::string_view MessageScan::Content(std::size_t begin, const Delimiter& delimi
 std::optional<Leaf> MessageScan::Next() {
   for (;;) {
     if (hasHead_) {
-      if (parts_++ >= mail::kMostParts) return std::nullopt;
+      if (parts_++ >= kMostParts) return std::nullopt;
       const auto multipart = askMultipart_(head_);
       if (!multipart) {
         Leaf leaf{head_, {}, isMessage_};
@@ -149,4 +149,4 @@ std::optional<Leaf> MessageScan::Next() {
   }
 }
 
-}  // namespace kalvo::maildir
+}  // namespace kalvo::mail

@@ -9,7 +9,7 @@
 
 #include "adapters/mail/limits.h"
 
-namespace kalvo::maildir {
+namespace kalvo::mail {
 
 // What a message may cost beside the limits of all mail stores.
 inline constexpr int kMostFieldLines = 1000;
@@ -48,7 +48,7 @@ class MessageScan {
   std::optional<Leaf> Next();
 
   // Whether it stopped because there were so many.
-  bool HasMore() const { return parts_ > mail::kMostParts; }
+  bool HasMore() const { return parts_ > kMostParts; }
 
  private:
   struct Delimiter {
@@ -74,4 +74,4 @@ class MessageScan {
   std::size_t parts_ = 0;
 };
 
-}  // namespace kalvo::maildir
+}  // namespace kalvo::mail
