@@ -1,11 +1,12 @@
 -- The reporting database: what the scanner writes and the reports read.
 --
--- Four words differ from engine to engine and stand between "@" signs; README.md beside this file says what to
+-- Five words differ from engine to engine and stand between "@" signs; README.md beside this file says what to
 -- put for each, and database/sample/schema.cpp does it for the sample:
 --   @DT@   date and time, to the second, in the organization's local time
 --   @B16@  sixteen raw bytes, an identifier
 --   @CI@   the collation of a name: compared without regard to case where the engine can
 --   @END@  what closes a table
+--   @PG@   before what PostgreSQL alone is given
 -- Names are unquoted and are matched without regard to case. Flags are small integers, 0 or 1. Sizes are bytes.
 -- Tables come first and indexes last, so that a loader can fill the tables in between.
 
@@ -206,6 +207,8 @@ create index EXDB_DBFILE_SERVER on EXDB_DBFILE (ServerId);
 create index EXDB_DBFILE_PARTITION on EXDB_DBFILE (PartitionId);
 create index EXDB_DBFILEHISTORY_NEWEST on EXDB_DBFILEHISTORY (DbFileId, DbFileHistoryId);
 create index EXDB_MAILBOX_SERVER on EXDB_MAILBOX (ServerId, MbName);
+-- The order in which charge-back reports begin. The other engines sort all the same.
+@PG@create index EXDB_MAILBOX_NAME on EXDB_MAILBOX (MbName nulls first, ServerId);
 create index EXDB_RECIPIENTGROUPTOTALS_GROUP on EXDB_RECIPIENTGROUPTOTALS (RecipientGroupId);
 create index EXDB_QUOTAVIOLATION_NAME on EXDB_QUOTAVIOLATION (RecipientName);
 create index RMC_ALERTTYPE_CODE on RMC_ALERTTYPE (AlertTypeCode);

@@ -27,6 +27,17 @@ std::size_t Capacity(const Column& column, std::size_t bytes) { return column.cT
 
 }  // namespace
 
+std::int32_t CountColumns(Session& session, const std::string& sql) {
+  const StatementHandle statement(session.Get());
+  if (!statement.Get()) throw sql::ConnectionError("HY001", "There is no memory for a statement.");
+  SQLSMALLINT count = 0;
+  session.Limited(statement.Get(), [&] {
+    CheckStatement(SQLPrepare(statement.Get(), Bytes(sql), static_cast<SQLINTEGER>(sql.size())), statement.Get());
+    CheckStatement(SQLNumResultCols(statement.Get(), &count), statement.Get());
+  });
+  return count;
+}
+
 Cursor::Cursor(std::shared_ptr<Session> session, const std::string& sql)
     : session_(std::move(session)), sql_(sql), statement_(session_->Get()) {
   if (!statement_.Get()) throw sql::ConnectionError("HY001", "There is no memory for a statement.");

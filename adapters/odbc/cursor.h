@@ -10,6 +10,9 @@
 
 namespace kalvo::odbc {
 
+// How many columns a statement has; it is not run.
+std::int32_t CountColumns(Session& session, const std::string& sql);
+
 // One statement that has run, and the way to its rows: in blocks into bound buffers, or, where a column may hold
 // values of any length, row by row and piece by piece. The two are never mixed; some drivers get that wrong.
 class Cursor {

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
 
+#include "adapters/sql/windowed_rows.h"
 #include "kalvo/platform/database.h"
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/locale.h"
@@ -22,6 +24,7 @@ struct Options {
   std::chrono::milliseconds loginLimit{10000};  // for connecting, where the driver obeys
   std::function<bool()> isWanted{};             // asked while a statement runs, on another thread; false stops it
   bool unknownEngines = false;                  // whether a database is taken that cannot be told to read only
+  std::int32_t windowRows = sql::kWindowRows;   // of a report that are fetched at a time
 };
 
 // The reporting database behind an ODBC data source. Where sources lie is the ODBC configuration's business

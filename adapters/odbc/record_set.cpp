@@ -2,6 +2,7 @@
 
 #include "adapters/odbc/attribute_calls.h"
 #include "adapters/sql/diagnostics.h"
+#include "adapters/sql/report_record_set.h"
 #include "adapters/sql/shape.h"
 
 namespace kalvo::odbc {
@@ -41,11 +42,40 @@ void OdbcRecordSet::Close() {
   session_.reset();
 }
 
+namespace {
+
+class Runner final : public sql::ReportRunner {
+ public:
+  explicit Runner(std::shared_ptr<Session> session) : session_(std::move(session)) {}
+
+  sql::NullOrder Nulls() const override {
+    return session_->GetEngine() == Engine::PostgreSql ? sql::NullOrder::Said : sql::NullOrder::First;
+  }
+  // SQLite's driver tells the type of a computed column by the first row of what it reads.
+  std::int32_t WindowRows() const override {
+    return session_->GetEngine() == Engine::Sqlite ? 0 : session_->WindowRows();
+  }
+  void BeginSnapshot() override { session_->BeginSnapshot(); }
+  std::int32_t CountColumns(const std::string& statement) override { return odbc::CountColumns(*session_, statement); }
+  std::unique_ptr<RecordSet> Run(const std::string& statement) override {
+    return std::make_unique<OdbcRecordSet>(session_, sql::StatementQueue({statement}));
+  }
+
+ private:
+  const std::shared_ptr<Session> session_;
+};
+
+}  // namespace
+
 std::unique_ptr<RecordSet> OdbcConnection::Execute(const Batch& batch) {
   if (!session_) throw sql::ConnectionError("08003", "The connection is closed.");
-  const auto statements = sql::CheckedStatements(batch);
+  const sql::StatementQueue statements(sql::CheckedStatements(batch));
   if (session_->GetEngine() == Engine::PostgreSql) RefuseCalls(session_, batch);
-  return std::make_unique<OdbcRecordSet>(session_, sql::StatementQueue(statements));
+  if (!batch.readInPages || session_->GetEngine() == Engine::Other) {
+    return std::make_unique<OdbcRecordSet>(session_, statements);
+  }
+  session_->BeginSnapshot();
+  return std::make_unique<sql::ReportRecordSet>(std::make_shared<Runner>(session_), statements);
 }
 
 }  // namespace kalvo::odbc

@@ -2,6 +2,8 @@
 
 #include <odbcinst.h>
 
+#include <utility>
+
 #include "adapters/odbc/diagnostics.h"
 #include "adapters/sql/diagnostics.h"
 #include "kalvo/platform/append.h"
@@ -23,6 +25,11 @@ struct SetUpStatement {
   Engine engine;
   std::string_view sql;
   int timeUnits;  // in a second
+};
+
+struct SnapshotStatement {
+  Engine engine;
+  std::string_view sql;
 };
 
 // What a data source of a driver is given when its own configuration is silent.
@@ -52,6 +59,11 @@ constexpr SetUpStatement kSetUp[] = {
   {Engine::MariaDb,    "set session sql_mode = concat(@@sql_mode, ',NO_BACKSLASH_ESCAPES,ANSI_QUOTES')", 1},
   {Engine::MariaDb,    "set session max_statement_time = %", 1},
   {Engine::MariaDb,    "set session transaction read only", 1},
+};
+constexpr SnapshotStatement kSnapshots[] = {
+  {Engine::Sqlite,     "begin"},
+  {Engine::PostgreSql, "begin isolation level repeatable read read only"},
+  {Engine::MariaDb,    "start transaction with consistent snapshot, read only"},
 };
 // clang-format on
 
@@ -143,7 +155,16 @@ void Session::SetUp() {
   }
 }
 
-void Session::Run(const std::string& text) {
+void Session::BeginSnapshot() {
+  if (std::exchange(inSnapshot_, false)) Run("rollback");
+  for (const auto& row : kSnapshots) {
+    if (row.engine == engine_) Run(row.sql);
+  }
+  inSnapshot_ = true;
+}
+
+void Session::Run(std::string_view sql) {
+  const std::string text(sql);
   const StatementHandle statement(connection_.Get());
   if (!statement.Get()) throw sql::ConnectionError("HY001", "There is no memory for a statement.");
   CheckStatement(SQLExecDirect(statement.Get(), Bytes(text), static_cast<SQLINTEGER>(text.size())), statement.Get());

@@ -26,10 +26,14 @@ class Session {
 
   Engine GetEngine() const { return engine_; }
   const Locale& GetLocale() const { return locale_; }
+  std::int32_t WindowRows() const { return options_.windowRows; }
   SQLHDBC Get() const { return connection_.Get(); }
 
   // A text that the driver tells of itself or of the server, by its number: "" when it does not.
   std::string Info(SQLUSMALLINT what) const;
+
+  // From now on every statement sees the database as it is at the next one; a snapshot that was there is ended.
+  void BeginSnapshot();
 
   // Runs a step that waits for the database, for no longer than the time limit.
   template <typename Step>
@@ -47,13 +51,14 @@ class Session {
   [[noreturn]] void ThrowTimeout() const;
   Engine FindEngine() const;
   void SetUp();
-  void Run(const std::string& statement);
+  void Run(std::string_view statement);
 
   const Options options_;
   const Locale& locale_;
   std::shared_ptr<EnvironmentHandle> environment_;
   ConnectionHandle connection_;
   Engine engine_ = Engine::Other;
+  bool inSnapshot_ = false;
   Watchdog watchdog_;
 };
 

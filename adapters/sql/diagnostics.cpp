@@ -9,6 +9,8 @@ namespace kalvo::sql {
 
 namespace {
 
+constexpr std::string_view kTimeout = "[HYT00]";
+
 struct Rule {
   std::string_view sqlState;  // its beginning
   std::string_view text;      // part of the driver's text
@@ -59,10 +61,12 @@ Error ConnectionError(std::string_view sqlState, std::string_view text) {
 
 Error TimeoutError(double seconds) {
   return Error(codes::kFailed, Built([&](std::string& out) {
-                 Append(out, "[HYT00] The query was stopped after ");
+                 Append(out, kTimeout, " The query was stopped after ");
                  AppendDouble(out, seconds);
                  Append(out, " seconds.");
                }));
 }
+
+bool IsTimeout(const Error& error) { return error.Description().starts_with(kTimeout); }
 
 }  // namespace kalvo::sql

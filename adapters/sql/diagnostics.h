@@ -17,5 +17,6 @@ Error ConnectionError(std::string_view sqlState, std::string_view text);
 
 // A statement that was stopped at its deadline: "[HYT00] ...".
 Error TimeoutError(double seconds);
+bool IsTimeout(const Error& error);
 
 }  // namespace kalvo::sql

@@ -15,6 +15,8 @@ class StatementQueue {
   explicit StatementQueue(const std::vector<std::string_view>& statements)
       : statements_(statements.begin(), statements.end()) {}
 
+  bool IsEmpty() const { return statements_.empty(); }
+
   // The next statement, which stays in the queue. Fails with 91 when there is none.
   const std::string& Front() const {
     if (statements_.empty()) throw ObjectNotSet();

@@ -1,6 +1,7 @@
 #include "adapters/sqlite/connection.h"
 
 #include "adapters/sql/diagnostics.h"
+#include "adapters/sql/report_record_set.h"
 #include "adapters/sql/shape.h"
 #include "adapters/sqlite/diagnostics.h"
 #include "adapters/sqlite/guard.h"
@@ -22,6 +23,24 @@ void Harden(sqlite3* connection) {
   AllowReadingOnly(connection);
 }
 
+class Runner final : public sql::ReportRunner {
+ public:
+  explicit Runner(std::shared_ptr<Session> session) : session_(std::move(session)) {}
+
+  sql::NullOrder Nulls() const override { return sql::NullOrder::First; }
+  std::int32_t WindowRows() const override { return session_->WindowRows(); }
+  void BeginSnapshot() override { session_->BeginSnapshot(); }
+  std::int32_t CountColumns(const std::string& statement) override {
+    return sqlite3_column_count(session_->Prepare(statement).get());
+  }
+  std::unique_ptr<RecordSet> Run(const std::string& statement) override {
+    return std::make_unique<SqliteRecordSet>(session_, sql::StatementQueue({statement}));
+  }
+
+ private:
+  const std::shared_ptr<Session> session_;
+};
+
 }  // namespace
 
 Session::Session(const std::string& file, const Options& options, const Locale& locale)
@@ -42,6 +61,17 @@ void Session::ReadOnce() {
   StartTimeLimit();
   const Statement statement = Prepare("select count(*) from sqlite_schema");
   Step(statement.get());
+}
+
+// A snapshot is a transaction, and the guard allows none; nothing of a page's runs while it is lifted.
+void Session::BeginSnapshot() {
+  sqlite3* connection = connection_.get();
+  sqlite3_set_authorizer(connection, nullptr, nullptr);
+  const bool open = sqlite3_get_autocommit(connection) == 0;
+  const bool begun = (!open || sqlite3_exec(connection, "rollback", nullptr, nullptr, nullptr) == SQLITE_OK) &&
+                     sqlite3_exec(connection, "begin", nullptr, nullptr, nullptr) == SQLITE_OK;
+  AllowReadingOnly(connection);
+  if (!begun) throw LastError(connection);
 }
 
 Statement Session::Prepare(std::string_view sql) {
@@ -69,7 +99,10 @@ int Session::Progress(void* session) {
 
 std::unique_ptr<RecordSet> SqliteConnection::Execute(const Batch& batch) {
   if (!session_) throw sql::ConnectionError("08003", "The connection is closed.");
-  return std::make_unique<SqliteRecordSet>(session_, sql::StatementQueue(sql::CheckedStatements(batch)));
+  const sql::StatementQueue statements(sql::CheckedStatements(batch));
+  if (!batch.readInPages) return std::make_unique<SqliteRecordSet>(session_, statements);
+  session_->BeginSnapshot();
+  return std::make_unique<sql::ReportRecordSet>(std::make_shared<Runner>(session_), statements);
 }
 
 }  // namespace kalvo::sqlite

@@ -32,10 +32,14 @@ class Session {
   // Moves to the next row; false at the end.
   bool Step(sqlite3_stmt* statement);
 
+  // From now on every statement sees the file as it is at the next one.
+  void BeginSnapshot();
+
   // From now on the time limit runs anew.
   void StartTimeLimit() { deadline_ = Clock::now() + options_.timeLimit; }
 
   const Locale& GetLocale() const { return locale_; }
+  std::int32_t WindowRows() const { return options_.windowRows; }
 
  private:
   using Clock = std::chrono::steady_clock;

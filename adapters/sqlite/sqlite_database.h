@@ -2,9 +2,11 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 
+#include "adapters/sql/windowed_rows.h"
 #include "adapters/sqlite/heap.h"
 #include "kalvo/platform/database.h"
 #include "kalvo/platform/locale.h"
@@ -16,6 +18,7 @@ struct Options {
   std::chrono::milliseconds busyTimeout{5000};  // how long a writer of the file is waited for
   std::size_t heapLimit = kHeapLimit;           // of all of the process's SQLite connections together
   std::function<bool()> isWanted{};             // asked while a statement runs; false stops it as a deadline does
+  std::int32_t windowRows = sql::kWindowRows;   // of a report that are fetched at a time
 };
 
 // The reporting database in one SQLite file. Every data source name opens this file, read-only, on a connection

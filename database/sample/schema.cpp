@@ -9,16 +9,16 @@ namespace {
 
 struct EngineRow {
   Engine engine;
-  std::string_view dateTime, identifier, nameCollation, tableEnd;
+  std::string_view dateTime, identifier, nameCollation, tableEnd, postgresqlAlone;
 };
 
 // clang-format off
 constexpr EngineRow kEngines[] = {
-// engine               @DT@            @B16@         @CI@                                          @END@
-  {Engine::Sqlite,      "datetime",     "blob",       " collate nocase",                            ""},
-  {Engine::Postgresql,  "timestamp(0)", "bytea",      "",                                           ""},
-  {Engine::Mariadb,     "datetime",     "binary(16)", "", " character set utf8mb4 collate utf8mb4_general_ci"},
-  {Engine::SqlServer,   "datetime2(0)", "binary(16)", " collate Latin1_General_100_CI_AS_SC_UTF8",  ""},
+// engine               @DT@            @B16@         @CI@                                          @END@  @PG@
+  {Engine::Sqlite,      "datetime",     "blob",       " collate nocase",                            "",    "-- "},
+  {Engine::Postgresql,  "timestamp(0)", "bytea",      "",                                           "",    ""},
+  {Engine::Mariadb,     "datetime",     "binary(16)", "", " character set utf8mb4 collate utf8mb4_general_ci", "-- "},
+  {Engine::SqlServer,   "datetime2(0)", "binary(16)", " collate Latin1_General_100_CI_AS_SC_UTF8",  "",    "-- "},
 };
 // clang-format on
 
@@ -70,7 +70,9 @@ bool IsIndex(std::string_view statement) {
 std::vector<std::string> Statements(Engine engine, bool indexes) {
   const auto row = std::find_if(std::begin(kEngines), std::end(kEngines),
                                 [&](const EngineRow& candidate) { return candidate.engine == engine; });
-  std::string text = WithoutComments(SchemaText());
+  std::string text(SchemaText());
+  ReplaceAll(text, "@PG@", row->postgresqlAlone);
+  text = WithoutComments(text);
   ReplaceAll(text, "@DT@", row->dateTime);
   ReplaceAll(text, "@B16@", row->identifier);
   ReplaceAll(text, "@CI@", row->nameCollation);

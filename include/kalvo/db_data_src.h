@@ -51,13 +51,14 @@ class KalvodbDataSrc : public TableRowSource {
   std::int16_t LoadRows(Steps& steps);
   std::int16_t LoadFieldNames(Steps& steps);
   std::optional<std::int32_t> FieldNumber(Steps& steps, std::string_view szFieldName) const;
-  bool RowIsLoaded() const;
+  bool LoadRow(Steps& steps);
 
   const Platform& platform_;
   std::unique_ptr<Connection> connection_;
   std::shared_ptr<RecordSet> recordSet_;
   std::unique_ptr<FieldMap> fields_;
   std::shared_ptr<const Rows> rows_;  // of this record set, or of the one before an empty one
+  bool rowsAreLost_ = false;
 };
 
 }  // namespace kalvo

@@ -119,7 +119,7 @@ bool KalvodbDataSrc::Execute(Steps& steps, std::string_view sql) {
   });
   const Elapsed elapsed(platform_);
   const bool failed = steps.Fails("KalvodbDataSrc.OpenDS", [&] {
-    recordSet_ = connection_->Execute({sql, table_->GetSQL(), table_->GetOrderBy()});
+    recordSet_ = connection_->Execute({sql, table_->GetSQL(), table_->GetOrderBy(), true});
   });
   if (failed) return false;
   TraceTime(steps, elapsed, "SQL Open");
@@ -129,6 +129,7 @@ bool KalvodbDataSrc::Execute(Steps& steps, std::string_view sql) {
 std::int16_t KalvodbDataSrc::LoadRows(Steps& steps) {
   const Elapsed elapsed(platform_);
   rows_ = nullptr;
+  rowsAreLost_ = false;
   if (const std::int16_t status = LoadFieldNames(steps); status != 0) return status;
   if (steps.Fails("Get rows from record set.", [&] { rows_ = RowsOf(Held(recordSet_)); })) return Status();
   TraceTime(steps, elapsed, "Build dictionary and GetRows");
@@ -185,7 +186,14 @@ std::int16_t KalvodbDataSrc::MoveTotals() {
 
 // ---- reading --------------------------------------------------------------------------------------------
 
-bool KalvodbDataSrc::RowIsLoaded() const { return rows_ && rowIndex_ >= 1 && rowIndex_ <= rows_->RowCount(); }
+// A row that the database no longer gives is told of once; those behind it read "" as well.
+bool KalvodbDataSrc::LoadRow(Steps& steps) {
+  if (!rows_ || rowsAreLost_ || rowIndex_ < 1 || rowIndex_ > rows_->RowCount()) return false;
+  if (steps.Try([&] { rows_->Fetch(rowIndex_ - 1); })) return true;
+  rowsAreLost_ = true;
+  steps.Try([&] { Held(context_)->Failure("Get rows from record set."); });
+  return false;
+}
 
 std::optional<std::int32_t> KalvodbDataSrc::FieldNumber(Steps& steps, std::string_view szFieldName) const {
   const auto number = fields_->Find(szFieldName);
@@ -200,7 +208,7 @@ std::string_view KalvodbDataSrc::GetField(std::string_view szFieldName) {
   Steps steps(context);
   const auto number = FieldNumber(steps, szFieldName);
   std::string text = TakeAnswer();
-  if (number && RowIsLoaded()) {
+  if (number && LoadRow(steps)) {
     if (!steps.Try([&] { text = rows_->Text(*number, rowIndex_ - 1, text); })) text.clear();
   }
   TraceField(steps, number.value_or(0), szFieldName, text);
@@ -213,7 +221,7 @@ std::optional<std::string_view> KalvodbDataSrc::GetIdentifier(std::string_view s
   const auto number = FieldNumber(steps, szFieldName);
   std::string text = TakeAnswer();
   bool isNull = false;
-  if (number && RowIsLoaded()) {
+  if (number && LoadRow(steps)) {
     const std::string step = Built([&](std::string& out) { Append(out, "KalvodbDataSrc.GetGUIField ", szFieldName); });
     steps.Fails(step, [&] {
       const auto bytes = rows_->Binary(*number, rowIndex_ - 1);
@@ -231,7 +239,10 @@ std::optional<std::int32_t> KalvodbDataSrc::StoredField(std::string_view name) {
   return fields_->Find(name);
 }
 
-const StoredValue* KalvodbDataSrc::StoredRow() { return RowIsLoaded() ? rows_->Values(rowIndex_ - 1) : nullptr; }
+const StoredValue* KalvodbDataSrc::StoredRow() {
+  Steps steps(context_);
+  return LoadRow(steps) ? rows_->Values(rowIndex_ - 1) : nullptr;
+}
 
 Value KalvodbDataSrc::GetField(std::string_view szFieldName, bool bGUID) {
   if (!bGUID) return std::string(GetField(szFieldName));

@@ -273,22 +273,23 @@ constexpr ComposedRow kComposed[] = {
 
 // ---- performance ----------------------------------------------------------------------------------------
 
-// The averages of the past seven days, ranked. Their columns do not sort, so the order is a part of the text.
+// The averages of the past seven days, ranked; a server without one stands behind the others. Their columns do not
+// sort, so the order is a part of the text.
 struct RankedRow {
   KalvoTableConstants table;
   std::string_view columns;
-  std::string_view order;
+  std::string_view average, direction;
 };
 
 constexpr RankedRow kRanked[] = {
-  {TABLE_PERFORMANCE_AVGMSGS_DESC,     "sa.AvgMsgRate",                     "AvgMsgRate DESC"},
-  {TABLE_PERFORMANCE_AVGMSGS_ASC,      "sa.AvgMsgRate",                     "AvgMsgRate ASC"},
-  {TABLE_PERFORMANCE_AVGMSGSIZE_DESC,  "sa.AvgMsgSize",                     "AvgMsgSize DESC"},
-  {TABLE_PERFORMANCE_AVGMSGSIZE_ASC,   "sa.AvgMsgSize",                     "AvgMsgSize ASC"},
-  {TABLE_PERFORMANCE_AVGDISKIO_DESC,   "sa.AvgDiskIO, sa.DiskPerfEnabled",  "AvgDiskIO DESC"},
-  {TABLE_PERFORMANCE_AVGDISKIO_ASC,    "sa.AvgDiskIO, sa.DiskPerfEnabled",  "AvgDiskIO ASC"},
-  {TABLE_PERFORMANCE_AVGMEMUSAGE_DESC, "sa.AvgMemory",                      "AvgMemory DESC"},
-  {TABLE_PERFORMANCE_AVGMEMUSAGE_ASC,  "sa.AvgMemory",                      "AvgMemory ASC"},
+  {TABLE_PERFORMANCE_AVGMSGS_DESC,     "sa.AvgMsgRate",                     "AvgMsgRate",  "DESC"},
+  {TABLE_PERFORMANCE_AVGMSGS_ASC,      "sa.AvgMsgRate",                     "AvgMsgRate",  "ASC"},
+  {TABLE_PERFORMANCE_AVGMSGSIZE_DESC,  "sa.AvgMsgSize",                     "AvgMsgSize",  "DESC"},
+  {TABLE_PERFORMANCE_AVGMSGSIZE_ASC,   "sa.AvgMsgSize",                     "AvgMsgSize",  "ASC"},
+  {TABLE_PERFORMANCE_AVGDISKIO_DESC,   "sa.AvgDiskIO, sa.DiskPerfEnabled",  "AvgDiskIO",   "DESC"},
+  {TABLE_PERFORMANCE_AVGDISKIO_ASC,    "sa.AvgDiskIO, sa.DiskPerfEnabled",  "AvgDiskIO",   "ASC"},
+  {TABLE_PERFORMANCE_AVGMEMUSAGE_DESC, "sa.AvgMemory",                      "AvgMemory",   "DESC"},
+  {TABLE_PERFORMANCE_AVGMEMUSAGE_ASC,  "sa.AvgMemory",                      "AvgMemory",   "ASC"},
 };
 
 constexpr std::string_view kActivity =
@@ -320,7 +321,9 @@ std::string Compose(const ComposedRow& row) {
 
 std::string Compose(const RankedRow& row) {
   return Built([&](std::string& sql) {
-    Append(sql, "select s.ComputerName, s.Missing, ", row.columns, kCrLf, kActivity, kCrLf, " order by ", row.order);
+    Append(sql, "select s.ComputerName, s.Missing, ", row.columns, kCrLf, kActivity, kCrLf);
+    Append(sql, " order by case when sa.", row.average, " is null then 1 else 0 end, sa.", row.average, ' ',
+           row.direction);
     AppendTotals(sql, kNoTotals);
   });
 }

@@ -34,7 +34,8 @@ class Sql(unittest.TestCase):
         cls.database = os.path.join(cls.folder.name, "kalvo.db")
         with open(os.path.join(HERE, "../../database/schema.sql"), encoding="utf-8") as file:
             schema = file.read()
-        for word, meaning in (("@CI@", " collate nocase"), ("@DT@", "datetime"), ("@END@", ""), ("@B16@", "blob")):
+        for word, meaning in (("@CI@", " collate nocase"), ("@DT@", "datetime"), ("@END@", ""), ("@B16@", "blob"),
+                              ("@PG@", "-- ")):
             schema = schema.replace(word, meaning)
         connection = sqlite3.connect(cls.database)
         connection.executescript(schema)

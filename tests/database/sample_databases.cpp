@@ -1,5 +1,6 @@
 #include "database/sample_databases.h"
 
+#include <set>
 #include <sstream>
 
 #include "adapters/odbc/odbc_database.h"
@@ -22,7 +23,7 @@ namespace {
 // A database whose one data source goes by another name in the ODBC configuration: the library knows but one.
 class NamedSource : public Database {
  public:
-  explicit NamedSource(std::string name) : name_(std::move(name)) {}
+  NamedSource(std::string name, const odbc::Options& options) : odbc_(options), name_(std::move(name)) {}
   std::unique_ptr<Connection> Connect(std::string_view) override { return odbc_.Connect(name_); }
 
  private:
@@ -58,6 +59,7 @@ struct SampleDatabases::Sources {
   OdbcDataSources odbc;
   std::unique_ptr<PostgresServer> postgres;
   std::unique_ptr<MariaDbServer> mariadb;
+  std::set<Engine> added;
 
   std::string File() const { return (folder.Path() / "kalvo.db").string(); }
 };
@@ -95,25 +97,35 @@ SampleDatabases::~SampleDatabases() = default;
 
 const sample::Organization& SampleDatabases::GetOrganization() { return *organization_; }
 
-const Platform& SampleDatabases::PlatformOf(Engine engine) {
-  std::unique_ptr<Started>& started = started_[engine];
+// Makes the engine's server and its data source where they are not there yet.
+void SampleDatabases::AddSource(Engine engine) {
+  if (!sources_->added.insert(engine).second) return;
+  std::string lines = OdbcDataSources::Sqlite(sources_->File());
+  if (engine == Engine::Postgresql) {
+    sources_->postgres = std::make_unique<PostgresServer>();
+    sources_->postgres->Execute(SampleScript(*organization_, engine));
+    lines = sources_->postgres->DataSource();
+  } else if (engine == Engine::Mariadb) {
+    sources_->mariadb = std::make_unique<MariaDbServer>();
+    sources_->mariadb->Execute(SampleScript(*organization_, engine));
+    lines = sources_->mariadb->DataSource();
+  }
+  sources_->odbc.Add(NameOf(engine), lines);
+}
+
+const Platform& SampleDatabases::PlatformOf(Engine engine, std::int32_t windowRows) {
+  std::unique_ptr<Started>& started = started_[{engine, windowRows}];
   if (started) return started->platform;
   std::unique_ptr<Database> database;
   if (engine == Engine::Sqlite) {
-    database = std::make_unique<sqlite::SqliteDatabase>(sources_->File());
+    sqlite::Options options;
+    options.windowRows = windowRows;
+    database = std::make_unique<sqlite::SqliteDatabase>(sources_->File(), options);
   } else {
-    std::string lines = OdbcDataSources::Sqlite(sources_->File());
-    if (engine == Engine::Postgresql) {
-      sources_->postgres = std::make_unique<PostgresServer>();
-      sources_->postgres->Execute(SampleScript(*organization_, engine));
-      lines = sources_->postgres->DataSource();
-    } else if (engine == Engine::Mariadb) {
-      sources_->mariadb = std::make_unique<MariaDbServer>();
-      sources_->mariadb->Execute(SampleScript(*organization_, engine));
-      lines = sources_->mariadb->DataSource();
-    }
-    sources_->odbc.Add(NameOf(engine), lines);
-    database = std::make_unique<NamedSource>(NameOf(engine));
+    AddSource(engine);
+    odbc::Options options;
+    options.windowRows = windowRows;
+    database = std::make_unique<NamedSource>(NameOf(engine), options);
   }
   started = std::make_unique<Started>(std::move(database));
   return started->platform;

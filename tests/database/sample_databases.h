@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "database/sample/organization.h"
@@ -24,8 +26,9 @@ class SampleDatabases {
  public:
   static SampleDatabases& Shared();
 
-  // The outside with this engine as its reporting database; the clock stands.
-  const Platform& PlatformOf(Engine engine);
+  // The outside with this engine as its reporting database; the clock stands. `windowRows` is how many rows of a
+  // report are fetched at a time.
+  const Platform& PlatformOf(Engine engine, std::int32_t windowRows = 1000);
 
   // What the sample was made of.
   const sample::Organization& GetOrganization();
@@ -36,8 +39,10 @@ class SampleDatabases {
   ~SampleDatabases();
 
   struct Sources;
+  void AddSource(Engine engine);
+
   std::unique_ptr<Sources> sources_;
-  std::map<Engine, std::unique_ptr<Started>> started_;
+  std::map<std::pair<Engine, std::int32_t>, std::unique_ptr<Started>> started_;
   std::unique_ptr<sample::Organization> organization_;
 };
 

@@ -318,6 +318,22 @@ TEST(DbDataSrc, ATextThatCannotBeReadIsEmpty) {
   EXPECT_EQ(page.Text(), "");
 }
 
+TEST(DbDataSrc, RowsThatCanNoLongerBeFetchedAreToldOfOnceAndReadAsEmpty) {
+  SourceFixture page;
+  page.source->OpenDS();
+  page.source->MoveFirst();
+  page.database.results[0].lost = true;
+  EXPECT_EQ(page.source->GetField("Name"), "");
+  EXPECT_EQ(page.Text(), Report("Get rows from record set.", "80004005", "Lost."));
+  EXPECT_EQ(page.source->GetField("Id"), "");
+  EXPECT_EQ(page.source->GetIdentifier("Id"), "");
+  page.source->MoveNext();
+  EXPECT_EQ(page.source->GetField("Id"), "");
+  EXPECT_EQ(page.Text(), Report("Get rows from record set.", "80004005", "Lost."));
+  EXPECT_EQ(page.source->MoveTotals(), 0);
+  EXPECT_EQ(page.source->GetField("Sum"), "3");
+}
+
 // ---- totals ---------------------------------------------------------------------------------------------
 
 TEST(DbDataSrc, TotalsAreTheSecondResultUnderItsOwnNames) {

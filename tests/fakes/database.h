@@ -18,6 +18,7 @@ namespace kalvo::test {
 struct FakeResult {
   std::vector<std::string> fields;
   std::vector<std::vector<Value>> rows;
+  bool lost = false;  // its rows can no longer be fetched when they are asked for
 };
 
 class FakeRows : public Rows {
@@ -26,6 +27,9 @@ class FakeRows : public Rows {
 
   std::int32_t RowCount() const override { return static_cast<std::int32_t>(result_.rows.size()); }
   std::int32_t FieldCount() const override { return static_cast<std::int32_t>(result_.rows.at(0).size()); }
+  void Fetch(std::int32_t) const override {
+    if (result_.lost) throw Error(codes::kFailed, "Lost.");
+  }
   std::string_view Text(std::int32_t field, std::int32_t row, std::string& scratch) const override {
     steps_.Do("Text", field, row);
     scratch.clear();

@@ -1,17 +1,14 @@
 #pragma once
 
-#include <functional>
 #include <string>
 
 namespace kalvo::test {
 
-// What may stand in for the golden file, or pass beside it.
+// What may stand in for the golden file.
 struct GoldenOptions {
   // Whose text it is ("postgresql"): NAME.postgresql.html is compared with where there is one, else NAME.html, and
   // a text that differs becomes the variant's. Empty: of all.
   std::string variant;
-  // Whether a text that is not the golden one, byte for byte, is as good. Empty: none is.
-  std::function<bool(const std::string& expected, const std::string& text)> alsoGood;
 };
 
 // Compares a text with the golden file of that name ("pages/alerts.html") below tests/golden/, byte for byte. A text

@@ -22,7 +22,7 @@ struct StoredValue {
   Kind kind;
 };
 
-// A whole result, fetched and kept by its record set. Fields and rows count from 0.
+// A whole result, kept by its record set. Fields and rows count from 0.
 class Rows {
  public:
   virtual ~Rows() = default;
@@ -30,8 +30,13 @@ class Rows {
   virtual std::int32_t RowCount() const = 0;
   virtual std::int32_t FieldCount() const = 0;
 
+  // Fetches a row where rows are fetched when they are asked for; every other call does it too. Fails as the statement
+  // does.
+  virtual void Fetch(std::int32_t /*row*/) const {}
+
   // The text of a value: null "", booleans "True"/"False", dates in the general date format. The view is into
-  // the store itself or into `scratch`, whose content is lost; it is valid until `scratch` changes.
+  // the store itself or into `scratch`, whose content is lost; it is valid until `scratch` changes or another row is
+  // asked for.
   virtual std::string_view Text(std::int32_t field, std::int32_t row, std::string& scratch) const = 0;
 
   // The bytes of a binary value; nothing for null. Fails with 13 for a value of another type.
@@ -71,6 +76,10 @@ struct Batch {
   std::string_view sql;      // complete: one statement or several, without semicolons between them
   std::string_view pattern;  // the table's own text, with its placeholders ("%SORT%", "%NAME%", ...)
   std::string_view orderBy;  // the table's own order-by text, which a sort text may always be
+
+  // A report of which pages are read: its rows may be fetched when they are asked for, and rows that its order leaves
+  // equal are put in one order, so that each row is on one page. All of it is then one moment of the database.
+  bool readInPages = false;
 };
 
 // One open connection to the reporting database; closed when it is destroyed. Record sets do not outlive it.

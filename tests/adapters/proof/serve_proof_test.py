@@ -21,7 +21,8 @@ def make_database(file):
     """The tables of the reporting database, without a row."""
     with open(os.path.join(os.path.dirname(__file__), "../../../database/schema.sql"), encoding="utf-8") as schema:
         text = schema.read()
-    for name, meaning in (("@CI@", " collate nocase"), ("@DT@", "datetime"), ("@END@", ""), ("@B16@", "blob")):
+    for name, meaning in (("@CI@", " collate nocase"), ("@DT@", "datetime"), ("@END@", ""), ("@B16@", "blob"),
+                          ("@PG@", "-- ")):
         text = text.replace(name, meaning)
     connection = sqlite3.connect(file)
     connection.executescript(text)

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "adapters/sql/statement_queue.h"
+#include "adapters/sql/windowed_rows.h"
+#include "adapters/sql/windowed_statement.h"
+#include "kalvo/platform/database.h"
+
+namespace kalvo::sql {
+
+// What an adapter does for the statements of a report on its one connection.
+class ReportRunner {
+ public:
+  virtual ~ReportRunner() = default;
+
+  virtual NullOrder Nulls() const = 0;
+
+  // How many rows to fetch at a time; 0 where only all of them can be read.
+  virtual std::int32_t WindowRows() const = 0;
+
+  // From now on every statement sees the database as it is now; what a failed one left behind is gone.
+  virtual void BeginSnapshot() = 0;
+
+  // How many columns a statement has, without running it.
+  virtual std::int32_t CountColumns(const std::string& statement) = 0;
+
+  // The result of one statement; it stands on its own.
+  virtual std::unique_ptr<RecordSet> Run(const std::string& statement) = 0;
+};
+
+// The result of the first statement of a report, of which pages are read: it has one order that leaves no tie, counts
+// all rows, and fetches those that somebody asks for, all in one snapshot. A statement that cannot be read so, or that
+// fails when it is, runs as it stands, and its error is then the one that is told.
+class ReportRecordSet final : public RecordSet {
+ public:
+  ReportRecordSet(std::shared_ptr<ReportRunner> runner, const StatementQueue& statements);
+
+  bool IsEmpty() override { return Records().IsEmpty(); }
+  std::int32_t FieldCount() override { return Records().FieldCount(); }
+  std::string FieldName(std::int32_t i) override { return Records().FieldName(i); }
+  const Rows& GetRows() override;
+  std::unique_ptr<RecordSet> NextRecordset() override;
+  void Close() override;
+
+ private:
+  RecordSet& Records() const;
+  std::unique_ptr<RecordSet> Run(const std::string& statement) const;
+  bool RunWindowed();
+  std::int32_t CountRows();
+  std::unique_ptr<RecordSet> ReadWindow(const WindowedRows::Window& window, std::int32_t rowCount) const;
+
+  std::shared_ptr<ReportRunner> runner_;
+  const std::string statement_;
+  StatementQueue following_;
+  std::optional<WindowedStatement> windowed_;
+  std::unique_ptr<RecordSet> records_;        // the first rows, or all of them
+  std::unique_ptr<WindowedRows> rows_;        // where there are more than the first
+  std::unique_ptr<RecordSet> countedTotals_;  // the totals, where they were counted with the rows
+};
+
+}  // namespace kalvo::sql
