@@ -87,6 +87,7 @@ TEST_F(MaildirHolding, NameFlagsAndTimeComeBack) {
     EXPECT_EQ(InTree(), std::set<std::string>{});
     ASSERT_EQ(Held().size(), 1u);
     EXPECT_EQ(Held()[0].subject, "<b>held</b>");
+    EXPECT_EQ(Held()[0].flags, file.find(":2,") == file.npos ? "" : file.substr(file.find(":2,") + 3));
     EXPECT_EQ(InHolding("").size(), 3u) << "its folder, its record and the message";
     EXPECT_EQ(Restore(id), mail::FolderPath{"Inbox"});
     EXPECT_EQ(InTree(), std::set<std::string>{file});
