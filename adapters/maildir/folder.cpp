@@ -153,7 +153,6 @@ std::vector<Folder::FoundFile> Folder::TakeKnown(const std::vector<Entry>& known
     }
     Entry entry = *at->second;
     entry.fileName = found.Keep(std::move(file.name));
-    entry.isNew = file.isNew;
     found.entries.push_back(entry);
   }
   return others;
@@ -171,7 +170,6 @@ bool Folder::ReadFile(const FoundFile& file, Gathered& found) {
   Entry entry;
   entry.fileName = found.Keep(file.name);
   entry.unique = UniquePart(entry.fileName);
-  entry.isNew = file.isNew;
   entry.size = SizeOf(file.name, status);
   entry.sent = content.sent;
   entry.received = status.st_mtim.tv_sec;

@@ -9,7 +9,7 @@ namespace {
 
 // Index files are for the machine that wrote them; another byte order makes a damaged one.
 constexpr std::string_view kMagic = "KALVOIX2";
-constexpr std::uint8_t kIsNew = 1, kHasAttachment = 2, kHasSent = 4;
+constexpr std::uint8_t kHasAttachment = 2, kHasSent = 4;
 constexpr std::size_t kCheckBytes = 8;
 
 std::uint64_t Mixed(std::uint64_t sum, std::uint64_t word) {
@@ -93,7 +93,6 @@ std::string HeadBytes(std::string_view identity, const IndexHead& head) {
 Entry ReadEntry(Reader& reader) {
   Entry entry;
   const auto marks = reader.Number<std::uint8_t>();
-  entry.isNew = (marks & kIsNew) != 0;
   entry.hasAttachment = (marks & kHasAttachment) != 0;
   entry.size = reader.Number<std::int64_t>();
   const auto sent = reader.Number<std::int64_t>();
@@ -114,8 +113,7 @@ std::string WriteIndex(std::string_view identity, const IndexHead& head, const s
   Writer writer;
   writer.Out() = HeadBytes(identity, head);
   for (const Entry& entry : entries) {
-    writer.Put(static_cast<std::uint8_t>((entry.isNew ? kIsNew : 0) | (entry.hasAttachment ? kHasAttachment : 0) |
-                                         (entry.sent ? kHasSent : 0)));
+    writer.Put(static_cast<std::uint8_t>((entry.hasAttachment ? kHasAttachment : 0) | (entry.sent ? kHasSent : 0)));
     writer.Put(entry.size);
     writer.Put(entry.sent.value_or(0));
     writer.Put(entry.received);

@@ -12,7 +12,6 @@ namespace kalvo::maildir {
 struct Entry {
   std::string_view unique;    // the file's name up to ":"; it stays when flags change
   std::string_view fileName;  // when the index was made; the file may have been renamed since
-  bool isNew = false;         // in "new", else in "cur"
   bool hasAttachment = false;
   std::int64_t size = 0;
   std::optional<std::int64_t> sent;

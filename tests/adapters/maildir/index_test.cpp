@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "adapters/maildir/folder.h"
+#include "adapters/maildir/folder_index.h"
 #include "adapters/maildir/maildir_fixture.h"
 #include "adapters/maildir/maildir_store.h"
 #include "kalvo/platform/conversion.h"
@@ -129,6 +130,17 @@ TEST_F(MaildirIndex, ADamagedIndexIsMadeAnew) {
   damaged(std::string(5000, '\xFF'));
   EXPECT_EQ(List(), whole);
   EXPECT_EQ(work_.messagesParsed, 0) << "the one made anew serves";
+}
+
+TEST_F(MaildirIndex, HasAsManyEntriesAsItSays) {
+  maildir::IndexHead head;
+  maildir::Entry entry;
+  entry.unique = "1.host";
+  for (const std::int32_t said : {0, 1, 2}) {
+    head.count = said;
+    const std::string bytes = maildir::WriteIndex("whose", head, {entry});
+    EXPECT_EQ(maildir::ReadIndexEntries(bytes, "whose").has_value(), said == 1) << said;
+  }
 }
 
 TEST_F(MaildirIndex, TheIndexOfAnotherFolderIsNotTaken) {

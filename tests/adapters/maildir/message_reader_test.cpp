@@ -119,6 +119,7 @@ TEST_F(MaildirFiles, AttachmentsHaveTheNamesThatOthersShow) {
   } cases[] = {
       {"a type without subtype is text", "Content-Type: text\n", ""},
       {"so is a type that makes no sense", "Content-Type: image\n", ""},
+      {"without a type it is plain text", "Content-Disposition: attachment\n", "text/plain"},
       {"an unknown type by its name", "Content-Type: APPLICATION/X-BE2\n", "application/x-be2"},
       {"an attached message by the name of its type", "Content-Type: message/rfc822; name=\"Forwarded.eml\"\n",
        "Forwarded.eml"},
