@@ -9,6 +9,8 @@ namespace kalvo::imap {
 
 namespace {
 
+constexpr std::uint32_t kHeadBytes = 128u << 10;  // of a head's fields
+
 // Adds to the set, in the order that the numbers have, runs of neighbours as ranges.
 Owned<mailimap_set> SetOf(std::span<const std::uint32_t> uids) {
   Owned<mailimap_set> set(mailimap_set_new_empty());
@@ -28,6 +30,14 @@ Owned<mailimap_fetch_type> FetchOf(Items... items) {
   Owned<mailimap_fetch_type> type(mailimap_fetch_type_new_fetch_att_list_empty());
   (mailimap_fetch_type_new_fetch_att_list_add(type.get(), items()), ...);
   return type;
+}
+
+// What a listing shows of a head, and the charset of what names none.
+mailimap_fetch_att* NewHeadFields() {
+  clist* names = clist_new();
+  for (const char* name : {"SUBJECT", "FROM", "DATE", "CONTENT-TYPE"}) clist_append(names, strdup(name));
+  return mailimap_fetch_att_new_body_peek_section_partial(
+      mailimap_section_new_header_fields(mailimap_header_list_new(names)), 0, kHeadBytes);
 }
 
 mailimap_sort_key* NewSortKey(const ServerSort& sort) {
@@ -103,8 +113,7 @@ void Connection::FetchSummaries(std::uint32_t firstUid, std::uint32_t lastUid, S
 
 std::vector<Fetched> Connection::Fetch(std::span<const std::uint32_t> uids, Parts parts) {
   const auto set = SetOf(uids);
-  const auto wanted =
-      FetchOf(mailimap_fetch_att_new_uid, mailimap_fetch_att_new_internaldate, mailimap_fetch_att_new_envelope);
+  const auto wanted = FetchOf(mailimap_fetch_att_new_uid, mailimap_fetch_att_new_internaldate, NewHeadFields);
   if (parts == Parts::Yes) {
     mailimap_fetch_type_new_fetch_att_list_add(wanted.get(), mailimap_fetch_att_new_rfc822_size());
     mailimap_fetch_type_new_fetch_att_list_add(wanted.get(), mailimap_fetch_att_new_bodystructure());
@@ -113,7 +122,7 @@ std::vector<Fetched> Connection::Fetch(std::span<const std::uint32_t> uids, Part
   Fetch(set.get(), wanted.get(), found);
   std::vector<Fetched> messages;
   found.ForEach<mailimap_msg_att>([&](const mailimap_msg_att& answer) {
-    auto message = ReadMessage(answer);
+    auto message = ReadListed(answer);
     if (message.uid != 0) messages.push_back(std::move(message));
   });
   return messages;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "adapters/mail/mail_store.h"
+#include "adapters/mail/message_head.h"
 
 struct mailimap_msg_att;
 
@@ -18,18 +19,18 @@ struct Summary {
   std::int64_t received = 0;  // seconds since 1970, UTC
 };
 
-// One message, without its body. Texts are decoded and cleaned.
-struct Fetched {
+// One message, without its body.
+struct Fetched : mail::HeadTexts {
   std::uint32_t uid = 0;
   std::int64_t size = 0;
   std::optional<std::int64_t> received;
-  std::optional<std::int64_t> sent;
-  std::string subject;
-  std::string sender;
   std::vector<mail::Attachment> attachments;
 };
 
 // What a FETCH answer says of one message; what it leaves out stays as it was made.
 Fetched ReadMessage(const mailimap_msg_att& answer);
+
+// The same, with the texts of its head, whose fields the answer holds.
+Fetched ReadListed(const mailimap_msg_att& answer);
 
 }  // namespace kalvo::imap

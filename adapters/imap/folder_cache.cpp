@@ -88,7 +88,7 @@ std::shared_ptr<KnownFolder> FolderCache::Update(const std::string& place, const
   auto fresh = std::make_shared<KnownFolder>();
   fresh->state = state;
   fresh->messages = std::make_shared<const Summaries>(std::move(summaries));
-  if (known) fresh->rows = std::move(known->rows);
+  if (known) fresh->rows = std::move(known->rows), fresh->texts = std::move(known->texts);
   entries_.remove_if([&](const Entry& entry) { return entry.place == place; });
   entries_.push_front({place, fresh});
   Trim();

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "adapters/imap/connection.h"
+#include "adapters/imap/known_texts.h"
 
 namespace kalvo::imap {
 
@@ -18,6 +19,7 @@ struct KnownFolder {
   FolderState state;
   std::shared_ptr<const std::vector<Summary>> messages;  // the last received first
   std::unordered_map<std::uint32_t, Fetched> rows;       // those that were shown
+  KnownTexts texts;                                      // of orders by text
 
   std::int64_t TotalSize() const;
 };

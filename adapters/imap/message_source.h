@@ -9,12 +9,12 @@
 #include <unordered_map>
 #include <vector>
 
+#include "adapters/imap/connection_pool.h"
 #include "adapters/imap/folder_cache.h"
+#include "adapters/mail/errors.h"
 #include "adapters/mail/mail_store.h"
 
 namespace kalvo::imap {
-
-class ConnectionPool;
 
 // Where a folder is.
 struct Place {
@@ -43,8 +43,11 @@ class ImapMessages : public mail::MessageSource {
   void SortHere(std::vector<std::int32_t>& order, std::span<const mail::MessageSort> keys) const;
   std::optional<std::vector<std::int32_t>> ServerOrder(std::span<const mail::MessageSort> keys);
   std::optional<std::vector<std::uint32_t>> Undated(std::vector<std::uint32_t> candidates);
-  std::vector<Fetched> Fetch(std::span<const std::uint32_t> uids);
-  void FetchReadable(std::span<const std::uint32_t> uids, std::vector<Fetched>& fetched, int& unreadable);
+  std::vector<std::int32_t> TextOrder(std::span<const mail::MessageSort> keys);
+  void ReadTexts();
+  std::vector<Fetched> Fetch(std::span<const std::uint32_t> uids, Connection::Parts parts);
+  void FetchReadable(std::span<const std::uint32_t> uids, Connection::Parts parts, std::vector<Fetched>& fetched,
+                     int& unreadable);
   void FetchDamaged(std::span<const std::uint32_t> uid, std::vector<Fetched>& fetched);
 
   // Runs a step on the folder, which is open then. All steps of a listing share the time of one.
@@ -61,6 +64,21 @@ class ImapMessages : public mail::MessageSource {
   std::chrono::milliseconds timeLeft_;
   std::vector<std::uint32_t> doubtful_;  // unreadable, perhaps for the server's sake
 };
+
+template <typename Step>
+auto ImapMessages::Ask(Step&& step) {
+  struct Counting {
+    std::chrono::milliseconds& left;
+    Deadline::Clock::time_point begin = Deadline::Clock::now();
+    ~Counting() { left -= std::chrono::ceil<std::chrono::milliseconds>(Deadline::Clock::now() - begin); }
+  } const counting{timeLeft_};
+  return pool_->With(place_.server, place_.user, Deadline(timeLeft_), [&](Connection& connection) {
+    if (connection.Stay(place_.folder).uidValidity != folder_->state.uidValidity) {
+      throw mail::NoSuchFolder("The folder was made anew meanwhile.");
+    }
+    return step(connection);
+  });
+}
 
 // "validity-uid", the key of a message in its folder.
 std::string MessageKey(std::uint32_t uidValidity, std::uint32_t uid);

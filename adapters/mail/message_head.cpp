@@ -45,6 +45,15 @@ std::string NameBehind(std::string_view from, std::string_view charset) {
   return HeaderText(from.substr(begin + 1, end - begin - 1), charset);
 }
 
+// A sender that is no address is shown as it stands, and of "A name" <> the name.
+std::string_view WithoutEmptyAddress(std::string_view sender) {
+  if (!sender.ends_with("<>")) return sender;
+  sender.remove_suffix(2);
+  if (sender.ends_with(' ')) sender.remove_suffix(1);
+  const bool isQuoted = sender.size() >= 2 && sender.starts_with('"') && sender.ends_with('"');
+  return isQuoted ? sender.substr(1, sender.size() - 2) : sender;
+}
+
 std::string SenderOf(std::string_view from, std::string_view charset) {
   from = from.substr(0, kLongestSender);
   const std::string field = PlainWords(from, charset);
@@ -56,8 +65,7 @@ std::string SenderOf(std::string_view from, std::string_view charset) {
     if (sender.find_first_of("@<") == sender.npos) sender = SenderText(NameBehind(from, charset), sender);
     if (!sender.empty()) return CleanText(OneLine(sender));
   }
-  // A sender that is no address is shown as it stands.
-  return CleanText(HeaderText(from, charset));
+  return CleanText(WithoutEmptyAddress(HeaderText(from, charset)));
 }
 
 std::optional<std::int64_t> SentOf(std::string_view date) {

@@ -211,14 +211,15 @@ std::string FakeMailServer::FetchAnswer(const std::string& command) const {
               "-Jan-1999 00:00:00 +0000\"";
     if (asks("FLAGS")) answer += inHolding_ ? " FLAGS (\\Draft)" : " FLAGS (\\Seen)";
     if (asks("BODY.PEEK[]")) answer += " BODY[]<0> " + Literal(text);
-    if (asks("HEADER.FIELDS")) {
+    if (asks("X-Kalvo-Held")) {
       answer += " BODY[HEADER.FIELDS (X-Kalvo-Held)] " + Literal(text.substr(0, text.find("Subject:")));
     }
-    if (asks("ENVELOPE")) {
-      answer += " ENVELOPE (\"Fri, 01 Jan 1999 00:00:00 +0000\" \"Subject " + number +
-                "\" ((NIL NIL \"a\" \"b.example\")) NIL NIL NIL NIL NIL NIL NIL)"
-                " BODYSTRUCTURE (\"text\" \"plain\" NIL NIL NIL \"7bit\" 5 1)";
+    if (asks("SUBJECT")) {
+      answer += " BODY[HEADER.FIELDS (SUBJECT FROM DATE CONTENT-TYPE)]<0> " +
+                Literal("Subject: Subject " + number +
+                        "\r\nFrom: a@b.example\r\nDate: Fri, 01 Jan 1999 00:00:00 +0000\r\n\r\n");
     }
+    if (asks("BODYSTRUCTURE")) answer += " BODYSTRUCTURE (\"text\" \"plain\" NIL NIL NIL \"7bit\" 5 1)";
     answer += ")\r\n";
   }
   return answer;

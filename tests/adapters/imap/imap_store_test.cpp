@@ -122,7 +122,7 @@ TEST_F(ImapStoreTest, AServerThatSortsByDateIsAskedForNoMoreThanThePage) {
   int undated = 0;
   for (int i = 0; i < 300; ++i) undated += i % 11 == 3 || i % 13 == 5 ? 1 : 0;
   EXPECT_EQ(fetched(""), 50u + static_cast<std::size_t>(undated));
-  EXPECT_EQ(fetched("&sort=no"), 300u);
+  EXPECT_EQ(fetched("&sort=no"), 300u + 50u) << "heads, and rows";
 }
 
 TEST_F(ImapStoreTest, NewAndVanishedMessagesAreSeenOnTheNextPage) {

@@ -53,6 +53,8 @@ TEST_F(MaildirFiles, SubjectAndSenderAreWhatPeopleRead) {
        "e aus <x@y>"},
       {"runs of blanks", "Subject: Now    Available\nFrom: \"A   B\" <x@y>\n", "Now Available", "A B <x@y>"},
       {"a local user", "From: root (Cron Daemon)\n", "", "Cron Daemon <root>"},
+      {"a name alone", "From: \"Somebody\" <>\n", "", "Somebody"},
+      {"nothing but an empty address", "From: <>\n", "", ""},
       {"a group", "From: Team: ann@x, bob@x;\n", "", "ann@x"},
       {"a group of nobody", "From: undisclosed-recipients:;\n", "", "undisclosed-recipients"},
       {"a blank line first", "   \nSubject: a\nFrom: x@y\n", "a", "x@y"},

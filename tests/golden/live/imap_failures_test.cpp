@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 const fs::path kPages = fs::path(KALVO_SOURCE_DIR) / "tests/golden/live";
-constexpr std::string_view kRow = "ENVELOPE (";  // is said once for each row that is shown
+constexpr std::string_view kRow = "BODY[HEADER.FIELDS (";  // is said once for each row that is shown
 constexpr int kRowsBefore = 10;
 
 // The one server's silence is what a stopped server costs; a page may not take much more.
