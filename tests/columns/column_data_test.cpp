@@ -279,7 +279,7 @@ TEST(ColumnData, ALinkIsMadeBeforeItsCell) {
   page.row.fields = {{"Value", "v"}};
   page.page->server->steps.done.clear();
   page.Data();
-  EXPECT_EQ(page.page->server->steps.done,
+  EXPECT_EQ(page.page->server->steps.SeenByThePage(),
             (std::vector<std::string>{"HTMLEncode(v)", "URLEncode(v)",
                                       "HTMLEncode(../Resources/SingleServerGroupReports.asp?GroupName=v)",
                                       "HTMLEncode(_top)", "HTMLEncode(right)"}));

@@ -51,7 +51,7 @@ TEST_F(ControlColumn, EachRowHasABoxOfItsIdentifier) {
   page_.Administrator();
   Define(FORMATTYPE_CHECKBOX);
   EXPECT_EQ(Row("00FF", ""), Box("00FF"));
-  EXPECT_EQ(row_.steps.done, (std::vector<std::string>{"GetIdentifier(Id)"}));
+  EXPECT_EQ(row_.steps.SeenByThePage(), (std::vector<std::string>{"GetIdentifier(Id)"}));
 }
 
 TEST_F(ControlColumn, ANullIdentifierIsAnEncodedBlank) {
@@ -87,8 +87,8 @@ TEST_F(ControlColumn, RowsThatFollowOneAnotherWithOneRecipientShareABox) {
   EXPECT_EQ(Row("2", "Ann"), kNoBox);
   EXPECT_EQ(Row("3", "Ann"), kNoBox);
   EXPECT_EQ(Row("4", "Bob"), Box("4"));
-  EXPECT_EQ(row_.steps.done[0], "GetIdentifier(Id)");
-  EXPECT_EQ(row_.steps.done[1], "GetField(RecipientName)");
+  EXPECT_EQ(row_.steps.SeenByThePage()[0], "GetIdentifier(Id)");
+  EXPECT_EQ(row_.steps.SeenByThePage()[1], "GetField(RecipientName)");
 }
 
 TEST_F(ControlColumn, ABoxIsMadeOnlyWhereItIsShown) {
@@ -97,7 +97,7 @@ TEST_F(ControlColumn, ABoxIsMadeOnlyWhereItIsShown) {
   Row("1", "Ann");
   page_.page->server->steps.done.clear();
   Row("2", "Ann");
-  EXPECT_EQ(page_.page->server->steps.done, (std::vector<std::string>{"HTMLEncode(center)"}));
+  EXPECT_EQ(page_.page->server->steps.SeenByThePage(), (std::vector<std::string>{"HTMLEncode(center)"}));
 }
 
 TEST_F(ControlColumn, ABoxThatFailsIsNobodys) {
@@ -150,7 +150,7 @@ TEST_F(ControlColumn, AnyOtherFormatShowsTheFieldAsItIs) {
   page_.Administrator();
   Define(FORMATTYPE_NUMBER);
   EXPECT_EQ(Row("<b>7</b>", ""), "<td align=\"center\"><b>7</b></td>");
-  EXPECT_EQ(row_.steps.done, (std::vector<std::string>{"GetField(Id)"}));
+  EXPECT_EQ(row_.steps.SeenByThePage(), (std::vector<std::string>{"GetField(Id)"}));
 }
 
 TEST_F(ControlColumn, HasNoTotals) {

@@ -32,7 +32,7 @@ using ContainerNavigation = Navigation;
 TEST_F(ContainerNavigation, IsMadeOnEveryCall) {
   EXPECT_FALSE(GoToContainer());
   EXPECT_FALSE(GoToContainer());
-  EXPECT_EQ(steps_.done, (std::vector<std::string>{"GotoContainer(S, M, C, 0, 1)", "GotoContainer(S, M, C, 0, 1)"}));
+  EXPECT_EQ(steps_.SeenByThePage(), (std::vector<std::string>{"GotoContainer(S, M, C, 0, 1)", "GotoContainer(S, M, C, 0, 1)"}));
   EXPECT_EQ(page_.Text(), "");
 }
 
@@ -109,7 +109,7 @@ TEST_F(MessageNavigation, ARefusalLeavesTheLastNavigationAlone) {
 TEST_F(MessageNavigation, IsMadeOnceForTheSameMessage) {
   EXPECT_FALSE(GoToMessage());
   EXPECT_FALSE(GoToMessage());
-  EXPECT_EQ(steps_.done, (std::vector<std::string>{"GotoMsgAttachment(S, M, I, 0)"}));
+  EXPECT_EQ(steps_.SeenByThePage(), (std::vector<std::string>{"GotoMsgAttachment(S, M, I, 0)"}));
 }
 
 TEST_F(MessageNavigation, IsMadeAgainWhenAnythingDiffers) {
@@ -118,7 +118,7 @@ TEST_F(MessageNavigation, IsMadeAgainWhenAnythingDiffers) {
   GoToMessage("i", false);
   page_.context->EncapsulateGotoMsgAttachmentFailure(*page_.live, "s", "M", "i", false, "Open it.");
   page_.context->EncapsulateGotoMsgAttachmentFailure(*page_.live, "s", "m", "i", false, "Open it.");
-  EXPECT_EQ(steps_.done, (std::vector<std::string>{"GotoMsgAttachment(S, M, I, 0)", "GotoMsgAttachment(S, M, i, 0)",
+  EXPECT_EQ(steps_.SeenByThePage(), (std::vector<std::string>{"GotoMsgAttachment(S, M, I, 0)", "GotoMsgAttachment(S, M, i, 0)",
                                                    "GotoMsgAttachment(S, M, i, 4)", "GotoMsgAttachment(s, M, i, 4)",
                                                    "GotoMsgAttachment(s, m, i, 4)"}));
 }

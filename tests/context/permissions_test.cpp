@@ -51,7 +51,7 @@ TEST(Permissions, AnOwnerMayDrillDownWhateverTheCaseOfTheName) {
   page.page->request->variables["LOGON_USER"] = "DOMAIN\\Alice";
   page.live->owner = "domain\\alice";
   EXPECT_TRUE(page.context->DrillDownPermission("S", "M"));
-  EXPECT_EQ(page.live->steps.done, (std::vector<std::string>{"MailboxOwner(S, M)"}));
+  EXPECT_EQ(page.live->steps.SeenByThePage(), (std::vector<std::string>{"MailboxOwner(S, M)"}));
   page.page->request->variables["LOGON_USER"] = "DOM\\\u00C4RZTE";
   page.live->owner = "dom\\\u00E4rzte";
   EXPECT_TRUE(page.context->DrillDownPermission("S", "M"));

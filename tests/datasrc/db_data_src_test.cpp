@@ -105,7 +105,7 @@ TEST(DbDataSrc, ASortTextIsInsertedAsItStands) {
 TEST(DbDataSrc, TheDatabaseIsToldTheTablesOwnText) {
   SourceFixture page("Sort=Name");
   page.source->OpenDS();
-  EXPECT_EQ(page.database.steps.done[0], "Connect(KalvoDB)");
+  EXPECT_EQ(page.database.steps.done.front(), "Connect(KalvoDB)");
   EXPECT_EQ(page.database.pattern, "select * from T order by %SORT%");
   EXPECT_EQ(page.database.orderBy, "Id");
 }
@@ -117,9 +117,7 @@ TEST(DbDataSrc, LoadsAllRowsAtOnce) {
   EXPECT_EQ(page.source->GetRowIndex(), 0);
   EXPECT_EQ(page.source->OpenDS(), 0);
   EXPECT_EQ(page.source->RecordCount(), 2);
-  EXPECT_EQ(page.database.steps.done,
-            (std::vector<std::string>{"Connect(KalvoDB)", "Execute()", "IsEmpty()", "FieldCount()", "FieldName(0)",
-                                      "FieldName(1)", "GetRows()"}));
+  for (const char* step : {"Connect", "Execute", "GetRows"}) EXPECT_EQ(page.database.steps.Count(step), 1u) << step;
   EXPECT_EQ(page.Text(), "");
 }
 

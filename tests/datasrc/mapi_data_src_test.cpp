@@ -102,7 +102,7 @@ TEST(MapiDataSrc, OpensAndListsWhatItsTableShows) {
     page.Administrator();
     page.MayDrillDown();
     EXPECT_EQ(page.source->OpenDS(), 0);
-    EXPECT_EQ(page.live->steps.done, c.steps);
+    EXPECT_EQ(page.live->steps.SeenByThePage(), c.steps);
     EXPECT_EQ(page.source->RecordCount(), c.count);
     EXPECT_EQ(page.Text(), "");
   }
@@ -112,7 +112,7 @@ TEST(MapiDataSrc, AnEmptyMessageIdIsOneAllTheSame) {
   SourceFixture page(TABLE_MAPI_ATTACHMENTS, "MessageId=");
   page.MayDrillDown();
   EXPECT_EQ(page.source->OpenDS(), 0);
-  EXPECT_EQ(page.live->steps.done[0], "GotoMsgAttachment(EXCH01, Ken, , 0)");
+  EXPECT_EQ(page.live->steps.SeenByThePage()[0], "GotoMsgAttachment(EXCH01, Ken, , 0)");
 }
 
 TEST(MapiDataSrc, ATableOfTheOtherKindGoesOnAsTheMailboxesOwn) {
@@ -120,17 +120,17 @@ TEST(MapiDataSrc, ATableOfTheOtherKindGoesOnAsTheMailboxesOwn) {
   messages.MayDrillDown();
   EXPECT_EQ(messages.source->OpenDS(), 0);
   EXPECT_EQ(messages.Text(), Message("Invalid table identifier for MAPI table."));
-  EXPECT_EQ(messages.live->steps.done[1], "Attachments()");
+  EXPECT_EQ(messages.live->steps.SeenByThePage()[1], "Attachments()");
 
   SourceFixture publicFolders(TABLE_MAPI_PUBLICFOLDER_MESSAGES, "MessageId=m1");
   publicFolders.MayDrillDown();
   EXPECT_EQ(publicFolders.source->OpenDS(), 0);
-  EXPECT_EQ(publicFolders.live->steps.done[0], "GotoMsgAttachment(EXCH01, Ken, m1, 0)") << "a mailbox message";
+  EXPECT_EQ(publicFolders.live->steps.SeenByThePage()[0], "GotoMsgAttachment(EXCH01, Ken, m1, 0)") << "a mailbox message";
 
   SourceFixture attachments(TABLE_MAPI_ATTACHMENTS);
   EXPECT_EQ(attachments.source->OpenDS(), 0);
   EXPECT_EQ(attachments.Text(), Message("Invalid table identifier for MAPI table."));
-  EXPECT_EQ(attachments.live->steps.done[2], "Messages()");
+  EXPECT_EQ(attachments.live->steps.SeenByThePage()[2], "Messages()");
 }
 
 TEST(MapiDataSrc, WithoutAServerOrAMailboxItFailsWithoutAWord) {
@@ -307,7 +307,7 @@ TEST(MapiDataSrc, AnyTextSortsAndOneMeansDown) {
     page.Use(TABLE_MAPI_MESSAGES, c.orderBy, c.order);
     EXPECT_EQ(page.source->OpenDS(), 0);
     EXPECT_EQ(page.Text(), "<p>Calling to GotoContainer.</p>\r\n<p>Sort Information: "s + c.traced + "</p>\r\n");
-    const auto& done = page.live->steps.done;
+    const auto& done = page.live->steps.SeenByThePage();
     EXPECT_EQ(Steps(done.end() - 3, done.end()), (Steps{"ClearSortFields()", c.sort, "Sort()"}));
   }
 }
@@ -431,7 +431,7 @@ TEST(MapiDataSrc, TheScopeIsTakenBeforeAnybodyIsAsked) {
     });
     EXPECT_EQ(page.source->OpenDS(), 0);
     Steps positions;
-    for (const std::string& step : page.live->steps.done) {
+    for (const std::string& step : page.live->steps.SeenByThePage()) {
       if (step.starts_with("Goto")) positions.push_back(step);
     }
     EXPECT_EQ(positions, c.positions);

@@ -74,7 +74,7 @@ TEST(TopnDataSrc, EachTableAsksForItsKind) {
     SCOPED_TRACE(c.table);
     SourceFixture page("", TOPN_SINGLESERVER, c.table);
     EXPECT_EQ(page.source->OpenDS(), 0);
-    EXPECT_EQ(page.ranking.steps.done[2], "Server.Load(" + std::to_string(c.kind) + ", Name)");
+    EXPECT_EQ(page.ranking.steps.SeenByThePage()[2], "Server.Load(" + std::to_string(c.kind) + ", Name)");
   }
 }
 
@@ -93,7 +93,7 @@ TEST(TopnDataSrc, EachScopeHasItsLoaderAndItsCall) {
     SCOPED_TRACE(c.call);
     SourceFixture page("", c.scope);
     EXPECT_EQ(page.source->OpenDS(), 0);
-    EXPECT_EQ(page.ranking.steps.done, (std::vector<std::string>{"NewResults()", c.loader, c.call, "Count()"}));
+    EXPECT_EQ(page.ranking.steps.SeenByThePage(), (std::vector<std::string>{"NewResults()", c.loader, c.call, "Count()"}));
     EXPECT_EQ(page.source->RecordCount(), 2);
     EXPECT_EQ(page.Text(), "");
   }
@@ -103,7 +103,7 @@ TEST(TopnDataSrc, WithoutAScopeNothingIsLoaded) {
   SourceFixture page("", TOPN_UNDEFINED);
   EXPECT_EQ(page.source->OpenDS(), -1);
   EXPECT_EQ(page.Text(), Message("Internal error: No TopN Load type specified."));
-  EXPECT_EQ(page.ranking.steps.done, (std::vector<std::string>{"NewResults()", "NewServerLoader()"}));
+  EXPECT_EQ(page.ranking.steps.SeenByThePage(), (std::vector<std::string>{"NewResults()", "NewServerLoader()"}));
 }
 
 TEST(TopnDataSrc, AFailingStepIsReported) {
@@ -159,7 +159,7 @@ TEST(TopnDataSrc, SortsByColumnNumbersAlone) {
     page.Use(TABLE_TOPN_MBSPACE, c.orderBy, c.order);
     EXPECT_EQ(page.source->OpenDS(), 0);
     EXPECT_EQ(page.Text(), c.traced);
-    EXPECT_EQ(page.ranking.steps.done.back(), *c.sort ? c.sort : "Count()");
+    EXPECT_EQ(page.ranking.steps.SeenByThePage().back(), *c.sort ? c.sort : "Count()");
   }
 }
 
@@ -171,7 +171,7 @@ TEST(TopnDataSrc, AColumnNumberBeyond16BitsFailsTheOpen) {
     EXPECT_EQ(page.Text(),
               "<p>Error Generating Table: &nbsp;TopnDataSrc.OpenDS: Sort failed<br>Error number: 0x6; &nbsp; "
               "Description: Overflow</p>\r\n");
-    EXPECT_EQ(page.ranking.steps.done.back(), "Sort(0, 0)") << "it is sorted all the same, by no column";
+    EXPECT_EQ(page.ranking.steps.SeenByThePage().back(), "Sort(0, 0)") << "it is sorted all the same, by no column";
   }
 }
 

@@ -135,7 +135,7 @@ TEST_F(Cells, TheArrowsAreMadeBeforeTheirCell) {
   display_.DetailTableStart("bm");
   page_.page->server->steps.done.clear();
   display_.TableHeaderCell("T", "up", "down", "", "");
-  EXPECT_EQ(page_.page->server->steps.done,
+  EXPECT_EQ(page_.page->server->steps.SeenByThePage(),
             (std::vector<std::string>{"HTMLEncode(center)", "HTMLEncode(bottom)", "HTMLEncode(center)",
                                       "HTMLEncode(bottom)", "URLEncode(bm)", "HTMLEncode(up#bm)", "URLEncode(bm)",
                                       "HTMLEncode(down#bm)", "HTMLEncode(center)"}));

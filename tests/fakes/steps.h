@@ -20,6 +20,10 @@ class Steps {
  public:
   std::vector<std::string> done;
 
+  // The same where a page may put an object of its own in the fake's place: the order of the calls is what that object
+  // sees, and a promise. Elsewhere the order is habit, and a test asks how often (`Count`).
+  const std::vector<std::string>& SeenByThePage() const { return done; }
+
   // From now on, or from call number `call` of that step on, the step fails.
   void Fail(std::string_view step, std::int32_t number = codes::kFailed, std::string_view description = "Refused.",
             std::size_t call = 1) {

@@ -90,7 +90,7 @@ TEST(FolderPath, AFolderByItsIdentifierIsShownByItsPath) {
   EXPECT_TRUE(page.Show(TABLE_MAPI_FOLDERS, "", "f1"));
   EXPECT_EQ(page.Text(),
             "<table border=\"0\"><tr>"s + kMailboxCell + "<td>Folder:</td><td>\\In&lt;box</td></tr></table>");
-  const auto& done = page.live->steps.done;
+  const auto& done = page.live->steps.SeenByThePage();
   EXPECT_EQ(Steps(done.end() - 3, done.end()), (Steps{"GotoContainer(EXCH01, ken@x, , 0, 1)",
                                                       "GotoContainerById(EXCH01, f1, 1)", "CurrentContainerName()"}));
 }
@@ -124,7 +124,7 @@ TEST(FolderPath, OnlyTheFolderListingOfAMailboxResolvesItsName) {
 TEST(FolderPath, ANameIsResolvedAnewOnTheFirstVisit) {
   PathFixture first;
   first.Show();
-  EXPECT_EQ(first.live->steps.done, (Steps{"ResetNameResolution()", "ResolveNameToAddress(EXCH01, Ken)",
+  EXPECT_EQ(first.live->steps.SeenByThePage(), (Steps{"ResetNameResolution()", "ResolveNameToAddress(EXCH01, Ken)",
                                            "MailboxHomeServer(EXCH01, Ken)", "Field(Address)"}));
   PathFixture later("PageSize=0");
   later.Show();
@@ -135,7 +135,7 @@ TEST(FolderPath, ANameIsHandedOnAsItWasTyped) {
   PathFixture page;
   page.mailbox = "=Ken";
   page.Show();
-  EXPECT_EQ(page.live->steps.done[1], "ResolveNameToAddress(EXCH01, =Ken)");
+  EXPECT_EQ(page.live->steps.SeenByThePage()[1], "ResolveNameToAddress(EXCH01, =Ken)");
 }
 
 TEST(FolderPath, WithoutPermissionNothingIsResolved) {
@@ -147,7 +147,7 @@ TEST(FolderPath, WithoutPermissionNothingIsResolved) {
   EXPECT_EQ(page.Text(),
             "<p><STRONG>You do not have adequate permission to view this mailbox's information. See the Kalvo Exchange "
             "Edition Web Security Help topic for information about mailbox access.</STRONG>");
-  EXPECT_EQ(page.live->steps.done, Steps{"MailboxOwner(EXCH01, Ken)"});
+  EXPECT_EQ(page.live->steps.SeenByThePage(), Steps{"MailboxOwner(EXCH01, Ken)"});
 }
 
 TEST(FolderPath, AMailboxElsewhereDoesNotExist) {
@@ -218,7 +218,7 @@ TEST(FolderPath, APublicFolderIsShownByItsPath) {
   page.live->containerName = "\\A&B";
   EXPECT_TRUE(page.Show(TABLE_MAPI_PUBLICFOLDER_FOLDERS));
   EXPECT_EQ(page.Text(), "<table border=\"0\"><tr><td>Folder:</td><td>\\A&amp;B</td></tr></table>");
-  EXPECT_EQ(page.live->steps.done, (Steps{"GotoContainer(EXCH02, Kalvo EXCH02, , 0, 4)",
+  EXPECT_EQ(page.live->steps.SeenByThePage(), (Steps{"GotoContainer(EXCH02, Kalvo EXCH02, , 0, 4)",
                                           "GotoContainerById(EXCH02, p1, 4)", "CurrentContainerName()"}));
 }
 

@@ -50,7 +50,7 @@ TEST(MessageInformation, ShowsAMailboxMessageWithItsDeleteForm) {
                                                     "../Resources/MailboxSummary.asp?Server=EXCH01&Mailbox=Ken&"
                                                     "Container=%5CInbox&ContainerId=c1"),
                     "1.50KB", "1/2/1999", "1/3/1999 12:00:00 PM"));
-  EXPECT_EQ(page.live->steps.done[0], "GotoMsgAttachment(EXCH01, Ken, m1, 0)");
+  EXPECT_EQ(page.live->steps.SeenByThePage()[0], "GotoMsgAttachment(EXCH01, Ken, m1, 0)");
 }
 
 TEST(MessageInformation, ShowsAPublicFolderMessage) {
@@ -61,7 +61,7 @@ TEST(MessageInformation, ShowsAPublicFolderMessage) {
                                                     "../Resources/PublicFolderSummary.asp?Server=EXCH01&Mailbox=Ken&"
                                                     "PublicFolderId=p1"),
                     "1.50KB", "1/2/1999", "1/3/1999 12:00:00 PM"));
-  EXPECT_EQ(page.live->steps.done[0], "GotoMsgAttachment(EXCH01, Ken, m1, 4)");
+  EXPECT_EQ(page.live->steps.SeenByThePage()[0], "GotoMsgAttachment(EXCH01, Ken, m1, 4)");
 }
 
 TEST(MessageInformation, TheFolderMayComeWithAForm) {
@@ -189,7 +189,7 @@ TEST(DeleteMessage, RemovesTheMessageThatTheFormNames) {
     SCOPED_TRACE(c.flags);
     MessageFixture page(std::string(kQuery) + c.flags);
     EXPECT_TRUE(page.Delete());
-    EXPECT_EQ(page.live->steps.done, Steps{c.step});
+    EXPECT_EQ(page.live->steps.SeenByThePage(), Steps{c.step});
     EXPECT_EQ(page.errorString, "Delete Message") << "left at its last step";
     EXPECT_EQ(page.Text(), "");
   }
@@ -204,7 +204,7 @@ TEST(DeleteMessage, AfterThePageThereIsNothingToRead) {
 TEST(DeleteMessage, ReadsTheQueryStringAlone) {
   MessageFixture page("", kQuery);
   EXPECT_TRUE(page.Delete());
-  EXPECT_EQ(page.live->steps.done, Steps{"RemoveMessage(, , , , 0)"});
+  EXPECT_EQ(page.live->steps.SeenByThePage(), Steps{"RemoveMessage(, , , , 0)"});
 }
 
 TEST(DeleteMessage, IsRefusedWithoutTheRightToDrillDown) {

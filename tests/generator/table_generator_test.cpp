@@ -26,7 +26,7 @@ TEST(TableGenerator, TakesTheHostObjectsInTheirOrderAndStartsItsOwn) {
   std::vector<std::string> thrice;
   for (int i = 0; i < 3; ++i) thrice.insert(thrice.end(), once.begin(), once.end());
   KalvoforExchangeTableGenerator(host.platform).OnStartPage(*page);
-  EXPECT_EQ(page->steps.done, thrice) << "its own, the context's and the display's";
+  EXPECT_EQ(page->steps.SeenByThePage(), thrice) << "its own, the context's and the display's";
 }
 
 TEST(TableGenerator, AnEmptyReportShowsTheStandardMessage) {
@@ -77,7 +77,7 @@ TEST(TableGenerator, EveryScopeValueReplacesTheOneBefore) {
 TEST(TableGenerator, ARankedTableTakesItsScope) {
   GeneratorFixture page;
   page.generator->BuildTable(TABLE_TOPN_MBSPACE, "", "", "Site", "", "", TOPN_SITE);
-  EXPECT_EQ(page.ranking.steps.done[2], "Server.LoadSite(2, Site)");
+  EXPECT_EQ(page.ranking.steps.SeenByThePage()[2], "Server.LoadSite(2, Site)");
   page.generator->BuildTable(TABLE_TOPN_MBSPACE);
   EXPECT_NE(page.Text().find("Internal error: No TopN Load type specified."), std::string::npos);
 }

@@ -82,7 +82,7 @@ std::string PagingLinks(const std::string& html) {
 TEST(TableRendering, WritesBookmarkHeaderAndRows) {
   RenderingFixture page;
   EXPECT_EQ(page.Render(), kAnchor + (kStart + Rows(1, 2)) + kEnd);
-  EXPECT_EQ(page.database.steps.done.back(), "~Connection()") << "the source goes with the rendering";
+  EXPECT_EQ(page.database.steps.Count("~Connection"), 1u) << "the source goes with the rendering";
   EXPECT_EQ(page.database.steps.Count("RecordSet.Close"), 1u);
   EXPECT_EQ(page.database.steps.Count("Connection.Close"), 1u);
 }
@@ -117,7 +117,7 @@ TEST(TableRendering, AnEmptyTableShowsItsMessageAndIsNotClosed) {
                 "<table border=\"0\">\r\n<tr><th align=\"left\">Title</th></tr></table>\r\n"
                 "<p><em>No <b>rows</b>.</em></p>\r\n"s);
   EXPECT_EQ(page.database.steps.Count("RecordSet.Close"), 0u);
-  EXPECT_EQ(page.database.steps.done.back(), "~Connection()");
+  EXPECT_EQ(page.database.steps.Count("~Connection"), 1u);
 }
 
 TEST(TableRendering, AFailedOpenIsSummedUpAndNothingElseIsWritten) {
@@ -479,7 +479,7 @@ TEST(TableRendering, APagingLinkAsksForTheSortFieldAndThenForItsOrder) {
   RenderingFixture page("Sort=Name&SortOrder=DESC&PageSize=1");
   page.page->request->steps.done.clear();
   page.Render();
-  const std::vector<std::string>& asked = page.page->request->steps.done;
+  const std::vector<std::string>& asked = page.page->request->steps.SeenByThePage();
   const auto size = std::find(asked.rbegin(), asked.rend(), "QueryItem(PageSize, 1)");
   ASSERT_NE(size, asked.rend());
   ASSERT_GE(size - asked.rbegin(), 2);
