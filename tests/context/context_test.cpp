@@ -19,7 +19,8 @@ std::string Kept(std::string_view query) {
 TEST(Context, TakesTheHostObjectsInTheirOrder) {
   const auto page = std::make_shared<FakePage>();
   Context().OnStartPage(*page);
-  EXPECT_EQ(page->steps.SeenByThePage(), (std::vector<std::string>{"Response()", "Request()", "Session()", "Server()"}));
+  EXPECT_EQ(page->steps.SeenByThePage(),
+            (std::vector<std::string>{"Response()", "Request()", "Session()", "Server()"}));
 }
 
 TEST(Context, AFailingHostFailsTheStart) {

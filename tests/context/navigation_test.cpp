@@ -32,7 +32,8 @@ using ContainerNavigation = Navigation;
 TEST_F(ContainerNavigation, IsMadeOnEveryCall) {
   EXPECT_FALSE(GoToContainer());
   EXPECT_FALSE(GoToContainer());
-  EXPECT_EQ(steps_.SeenByThePage(), (std::vector<std::string>{"GotoContainer(S, M, C, 0, 1)", "GotoContainer(S, M, C, 0, 1)"}));
+  EXPECT_EQ(steps_.SeenByThePage(),
+            (std::vector<std::string>{"GotoContainer(S, M, C, 0, 1)", "GotoContainer(S, M, C, 0, 1)"}));
   EXPECT_EQ(page_.Text(), "");
 }
 
@@ -118,9 +119,10 @@ TEST_F(MessageNavigation, IsMadeAgainWhenAnythingDiffers) {
   GoToMessage("i", false);
   page_.context->EncapsulateGotoMsgAttachmentFailure(*page_.live, "s", "M", "i", false, "Open it.");
   page_.context->EncapsulateGotoMsgAttachmentFailure(*page_.live, "s", "m", "i", false, "Open it.");
-  EXPECT_EQ(steps_.SeenByThePage(), (std::vector<std::string>{"GotoMsgAttachment(S, M, I, 0)", "GotoMsgAttachment(S, M, i, 0)",
-                                                   "GotoMsgAttachment(S, M, i, 4)", "GotoMsgAttachment(s, M, i, 4)",
-                                                   "GotoMsgAttachment(s, m, i, 4)"}));
+  EXPECT_EQ(steps_.SeenByThePage(),
+            (std::vector<std::string>{"GotoMsgAttachment(S, M, I, 0)", "GotoMsgAttachment(S, M, i, 0)",
+                                      "GotoMsgAttachment(S, M, i, 4)", "GotoMsgAttachment(s, M, i, 4)",
+                                      "GotoMsgAttachment(s, m, i, 4)"}));
 }
 
 TEST_F(MessageNavigation, IsMadeAgainAfterAContainerOrAPageStart) {

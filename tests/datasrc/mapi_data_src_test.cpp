@@ -2,46 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "fakes/page_fixture.h"
-#include "kalvo/table.h"
+#include "datasrc/mapi_fixture.h"
 
 namespace kalvo::test {
 namespace {
-
-using std::string_literals::operator""s;
-using Steps = std::vector<std::string>;
-
-std::string Report(const std::string& text, const std::string& number = "80004005",
-                   const std::string& description = "Refused.") {
-  return "<p>Error Generating Table: &nbsp;" + text + "<br>Error number: 0x" + number +
-         "; &nbsp; Description: " + description + "</p>\r\n";
-}
-
-std::string Message(const std::string& text) { return "<p>Error Generating Table: &nbsp;" + text + "</p>\r\n"; }
-
-constexpr char kRefusedFolder[] = "Mailbox or folder does not exist, or you are not the owner.";
-
-struct SourceFixture : PageFixture {
-  explicit SourceFixture(KalvoTableConstants id, std::string_view query = "") : PageFixture(query) {
-    context->IncrementTableIndex();
-    context->SetName("EXCH01");
-    context->SetMailbox("Ken");
-    context->SetContainer("\\Inbox");
-    live->folders->items = {{{"Name", "Sub"s}}};
-    live->messages->items = {{{"Name", "One"s}, {"Size", std::int32_t{10}}}, {{"Name", "Two"s}, {"Size", Null{}}}};
-    live->messages->totals = {{"Size", std::int32_t{30}}};
-    live->attachments->items = {{{"LongFileName", "a.txt"s}}, {{"LongFileName", "b.txt"s}}, {{"LongFileName", "c"s}}};
-    Use(id, "", "");
-  }
-
-  void Use(KalvoTableConstants id, std::string_view orderBy, std::string_view order) {
-    table->Initialize(TABLETYPE_MAPI, id, "Test", table_ShowTotals, false, false, false, false, {}, "", orderBy, order);
-    source->Initialize(*table, "unused", *context);
-  }
-
-  std::shared_ptr<Table> table = std::make_shared<Table>(platform);
-  std::shared_ptr<MapiDataSrc> source = std::make_shared<MapiDataSrc>();
-};
 
 // ---- what is opened -------------------------------------------------------------------------------------
 
@@ -51,7 +15,7 @@ TEST(MapiDataSrc, OpensAndListsWhatItsTableShows) {
     KalvoTableConstants table;
     const char* query;
     std::int32_t count;
-    Steps steps;
+    Texts steps;
   } kCases[] = {
       {"messages of a folder by its path",
        TABLE_MAPI_MESSAGES,
@@ -125,7 +89,8 @@ TEST(MapiDataSrc, ATableOfTheOtherKindGoesOnAsTheMailboxesOwn) {
   SourceFixture publicFolders(TABLE_MAPI_PUBLICFOLDER_MESSAGES, "MessageId=m1");
   publicFolders.MayDrillDown();
   EXPECT_EQ(publicFolders.source->OpenDS(), 0);
-  EXPECT_EQ(publicFolders.live->steps.SeenByThePage()[0], "GotoMsgAttachment(EXCH01, Ken, m1, 0)") << "a mailbox message";
+  EXPECT_EQ(publicFolders.live->steps.SeenByThePage()[0], "GotoMsgAttachment(EXCH01, Ken, m1, 0)")
+      << "a mailbox message";
 
   SourceFixture attachments(TABLE_MAPI_ATTACHMENTS);
   EXPECT_EQ(attachments.source->OpenDS(), 0);
@@ -287,113 +252,6 @@ TEST(MapiDataSrc, AMissingBrowsingObjectIsReported) {
   }
 }
 
-// ---- sorting --------------------------------------------------------------------------------------------
-
-TEST(MapiDataSrc, AnyTextSortsAndOneMeansDown) {
-  const struct {
-    const char* why;
-    const char *query, *orderBy, *order, *sort, *traced;
-  } kCases[] = {
-      {"up", "Sort=Size&SortOrder=asc", "", "", "AddSortField(Size, 0)", "\"Size\" \"asc\""},
-      {"down", "Sort=Size&SortOrder=DESC", "", "", "AddSortField(Size, 1)", "\"Size\" \"DESC\""},
-      {"an odd word is down", "Sort=Size&SortOrder=up", "", "", "AddSortField(Size, 1)", "\"Size\" \"up\""},
-      {"no word is down", "Sort=Size", "", "", "AddSortField(Size, 1)", "\"Size\" \"\""},
-      {"a number is taken, too", "Sort=7", "", "ASC", "AddSortField(7, 0)", "\"7\" \"ASC\""},
-      {"the table's", "", "Name", "ASC", "AddSortField(Name, 0)", "\"Name\" \"ASC\""},
-  };
-  for (const auto& c : kCases) {
-    SCOPED_TRACE(c.why);
-    SourceFixture page(TABLE_MAPI_MESSAGES, "Debug=Table&"s + c.query);
-    page.Use(TABLE_MAPI_MESSAGES, c.orderBy, c.order);
-    EXPECT_EQ(page.source->OpenDS(), 0);
-    EXPECT_EQ(page.Text(), "<p>Calling to GotoContainer.</p>\r\n<p>Sort Information: "s + c.traced + "</p>\r\n");
-    const auto& done = page.live->steps.SeenByThePage();
-    EXPECT_EQ(Steps(done.end() - 3, done.end()), (Steps{"ClearSortFields()", c.sort, "Sort()"}));
-  }
-}
-
-TEST(MapiDataSrc, WithoutASortTheListingKeepsItsOrder) {
-  SourceFixture page(TABLE_MAPI_MESSAGES, "Debug=Table");
-  EXPECT_EQ(page.source->OpenDS(), 0);
-  EXPECT_EQ(page.Text(), "<p>Calling to GotoContainer.</p>\r\n<p>No supplied or default sort Information.</p>\r\n");
-  EXPECT_EQ(page.live->steps.Count("Sort"), 0u);
-}
-
-TEST(MapiDataSrc, PublicFoldersAreTraced) {
-  SourceFixture byId(TABLE_MAPI_PUBLICFOLDER_FOLDERS, "Debug=Table&PublicFolderId=p%3C1");
-  byId.Administrator();
-  byId.live->mailboxName = "M&M";
-  byId.live->containerName = "\\A<B";
-  byId.source->OpenDS();
-  EXPECT_EQ(byId.Text(),
-            "<p>Load by identifier \"p&lt;1\"</p>\r\n"
-            "<p>Calling to GotoContainer.</p>\r\n"
-            "<p>Load by identifier \"p&lt;1\" produced mailbox \"M&amp;M\" container \"\\A&lt;B\"</p>\r\n"
-            "<p>No supplied or default sort Information.</p>\r\n");
-  SourceFixture byPath(TABLE_MAPI_PUBLICFOLDER_FOLDERS, "Debug=Table");
-  byPath.Administrator();
-  byPath.context->SetMailbox("A&B");
-  byPath.source->OpenDS();
-  EXPECT_EQ(byPath.Text(),
-            "<p>Loading public folder mailbox \"Kalvo EXCH01\" container \"A&amp;B\"</p>\r\n"
-            "<p>Calling to GotoContainer.</p>\r\n"
-            "<p>No supplied or default sort Information.</p>\r\n");
-}
-
-// ---- moving and reading ---------------------------------------------------------------------------------
-
-TEST(MapiDataSrc, MovesReadsAndTotals) {
-  SourceFixture page(TABLE_MAPI_MESSAGES);
-  page.source->OpenDS();
-  EXPECT_EQ(page.source->GetRowIndex(), 0);
-  EXPECT_EQ(page.source->MoveFirst(), 0);
-  EXPECT_EQ(page.source->GetRowIndex(), 1);
-  EXPECT_EQ(page.source->GetField("Name"), "One");
-  EXPECT_EQ(page.source->GetField("Size"), "10");
-  EXPECT_EQ(page.source->MoveNext(), 0);
-  EXPECT_EQ(page.source->GetField("Name"), "Two");
-  EXPECT_EQ(page.source->GetField("Size"), "") << "null";
-  EXPECT_EQ(page.source->GetField("Nothing"), "") << "an unknown field";
-  EXPECT_EQ(page.source->MoveNext(), 0);
-  EXPECT_EQ(page.source->GetField("Name"), "");
-  EXPECT_EQ(page.source->MoveNext(), 0);
-  EXPECT_EQ(page.source->GetRowIndex(), 3) << "past the end nothing moves";
-  EXPECT_EQ(page.source->MoveTotals(), 0);
-  EXPECT_EQ(page.source->GetField("Size"), "30");
-  EXPECT_EQ(page.source->GetField("Name"), "");
-  EXPECT_EQ(page.source->CloseDS(), 0);
-  EXPECT_EQ(page.Text(), "");
-}
-
-TEST(MapiDataSrc, AnEmptyListingHasNoFirstRow) {
-  SourceFixture page(TABLE_MAPI_MESSAGES);
-  page.live->messages->items.clear();
-  EXPECT_EQ(page.source->OpenDS(), 0);
-  EXPECT_EQ(page.source->MoveFirst(), 0);
-  EXPECT_EQ(page.source->GetRowIndex(), 0);
-  EXPECT_EQ(page.live->steps.Count("MoveFirst"), 0u);
-}
-
-TEST(MapiDataSrc, AFailingMoveEndsTheRows) {
-  SourceFixture page(TABLE_MAPI_MESSAGES);
-  page.source->OpenDS();
-  page.source->MoveFirst();
-  page.live->steps.Fail("MoveNext");
-  EXPECT_EQ(page.source->MoveNext(), 0);
-  EXPECT_EQ(page.Text(), Report("Move next."));
-  EXPECT_EQ(page.source->RecordCount(), 0);
-  EXPECT_EQ(page.source->GetRowIndex(), 1);
-}
-
-TEST(MapiDataSrc, AFailingFirstMoveSaysNothing) {
-  SourceFixture page(TABLE_MAPI_MESSAGES);
-  page.source->OpenDS();
-  page.live->steps.Fail("MoveFirst");
-  EXPECT_EQ(page.source->MoveFirst(), 0);
-  EXPECT_EQ(page.source->GetRowIndex(), 1);
-  EXPECT_EQ(page.Text(), "");
-}
-
 // ---- what is asked for once -----------------------------------------------------------------------------
 
 TEST(MapiDataSrc, TheScopeIsTakenBeforeAnybodyIsAsked) {
@@ -402,7 +260,7 @@ TEST(MapiDataSrc, TheScopeIsTakenBeforeAnybodyIsAsked) {
     KalvoTableConstants table;
     const char* query;
     const char* step;  // that changes the page's scope
-    Steps positions;
+    Texts positions;
   } kCases[] = {
       {"a mailbox folder by its path",
        TABLE_MAPI_FOLDERS,
@@ -430,7 +288,7 @@ TEST(MapiDataSrc, TheScopeIsTakenBeforeAnybodyIsAsked) {
       page.context->SetContainer("Out");
     });
     EXPECT_EQ(page.source->OpenDS(), 0);
-    Steps positions;
+    Texts positions;
     for (const std::string& step : page.live->steps.SeenByThePage()) {
       if (step.starts_with("Goto")) positions.push_back(step);
     }

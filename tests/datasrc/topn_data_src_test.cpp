@@ -93,7 +93,8 @@ TEST(TopnDataSrc, EachScopeHasItsLoaderAndItsCall) {
     SCOPED_TRACE(c.call);
     SourceFixture page("", c.scope);
     EXPECT_EQ(page.source->OpenDS(), 0);
-    EXPECT_EQ(page.ranking.steps.SeenByThePage(), (std::vector<std::string>{"NewResults()", c.loader, c.call, "Count()"}));
+    EXPECT_EQ(page.ranking.steps.SeenByThePage(),
+              (std::vector<std::string>{"NewResults()", c.loader, c.call, "Count()"}));
     EXPECT_EQ(page.source->RecordCount(), 2);
     EXPECT_EQ(page.Text(), "");
   }

@@ -13,7 +13,8 @@ using std::string_literals::operator""s;
 TEST(Display, TakesTheHostObjectsInTheirOrder) {
   const auto page = std::make_shared<FakePage>();
   Display().OnStartPage(*page);
-  EXPECT_EQ(page->steps.SeenByThePage(), (std::vector<std::string>{"Response()", "Request()", "Session()", "Server()"}));
+  EXPECT_EQ(page->steps.SeenByThePage(),
+            (std::vector<std::string>{"Response()", "Request()", "Session()", "Server()"}));
 }
 
 TEST(Display, WritesNothingToTheResponse) {

@@ -125,7 +125,7 @@ TEST(FolderPath, ANameIsResolvedAnewOnTheFirstVisit) {
   PathFixture first;
   first.Show();
   EXPECT_EQ(first.live->steps.SeenByThePage(), (Steps{"ResetNameResolution()", "ResolveNameToAddress(EXCH01, Ken)",
-                                           "MailboxHomeServer(EXCH01, Ken)", "Field(Address)"}));
+                                                      "MailboxHomeServer(EXCH01, Ken)", "Field(Address)"}));
   PathFixture later("PageSize=0");
   later.Show();
   EXPECT_EQ(later.live->steps.Count("ResetNameResolution"), 0u);
@@ -219,7 +219,7 @@ TEST(FolderPath, APublicFolderIsShownByItsPath) {
   EXPECT_TRUE(page.Show(TABLE_MAPI_PUBLICFOLDER_FOLDERS));
   EXPECT_EQ(page.Text(), "<table border=\"0\"><tr><td>Folder:</td><td>\\A&amp;B</td></tr></table>");
   EXPECT_EQ(page.live->steps.SeenByThePage(), (Steps{"GotoContainer(EXCH02, Kalvo EXCH02, , 0, 4)",
-                                          "GotoContainerById(EXCH02, p1, 4)", "CurrentContainerName()"}));
+                                                     "GotoContainerById(EXCH02, p1, 4)", "CurrentContainerName()"}));
 }
 
 TEST(FolderPath, WithoutAPublicFolderThereIsNoCell) {

@@ -1,97 +1,11 @@
 #include "host/web/login/gate.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
-#include "host/audit/reading.h"
-#include "host/parts/setting_error.h"
-#include "host/web/log.h"
-#include "host/web/login/addresses.h"
-#include "host/web/login/password.h"
-#include "support/full_disk.h"
-#include "support/temporary_folder.h"
+#include "web/login/gate_fixture.h"
 
 namespace kalvo::test {
 namespace {
-
-using namespace web;
-using namespace web::login;
-
-constexpr const char* kPassword = "correct horse";
-
-class Gates : public testing::Test {
- protected:
-  static void SetUpTestSuite() { hash_ = HashPassword(kPassword); }
-
-  static std::filesystem::path WithUsers(const std::filesystem::path& file) {
-    UsersFile users(file);
-    users.Put({"KALVO\\alice", true, false, hash_});
-    users.Put({"KALVO\\bob", false, true, hash_});
-    return file;
-  }
-
-  using Decision = std::variant<Admission, Answer>;
-
-  host::PageRequest Asked(const std::string& page, const std::string& cookie = "") {
-    host::PageRequest request;
-    request.url = "/KalvoforExchange" + page;
-    request.cookies = cookie;
-    request.serverVariables = {{"REMOTE_ADDR", "10.0.0.1"}, {"HTTP_HOST", "console:8080"}, {"HTTP_COOKIE", cookie}};
-    return request;
-  }
-
-  Decision SignIn(const std::string& name, const std::string& password, const std::string& more = "",
-                  const std::string& cookie = "") {
-    host::PageRequest request = Asked("/SignIn.asp", cookie);
-    request.method = "POST";
-    request.form = "Name=" + name + "&Password=" + password + more;
-    return gate_.Admit("/SignIn.asp", request);
-  }
-
-  static std::string HeaderOf(const Decision& decision, std::string_view name) {
-    for (const auto& [key, value] : std::get<Answer>(decision).head.headers) {
-      if (key == name) return value;
-    }
-    return "";
-  }
-
-  // The cookie that the browser sends from then on.
-  static std::string CookieOf(const Decision& decision) {
-    const std::string cookie = HeaderOf(decision, "Set-Cookie");
-    return cookie.substr(0, cookie.find(';'));
-  }
-
-  std::string CookieOfBob() { return CookieOf(SignIn("bob", "correct+horse")); }
-
-  static std::string Variable(const Admission& admission, std::string_view name) {
-    for (const auto& [key, value] : admission.variables) {
-      if (key == name) return value;
-    }
-    return "none";
-  }
-
-  // Where a request is sent, and "" when its page runs.
-  std::string Sent(const std::string& page, const std::string& cookie = "", const std::string& method = "GET") {
-    host::PageRequest request = Asked(page, cookie);
-    request.method = method;
-    const Decision decision = gate_.Admit(page, request);
-    return std::holds_alternative<Admission>(decision) ? "" : HeaderOf(decision, "Location");
-  }
-
-  static std::string hash_;
-  TemporaryFolder folder_;
-  UsersFile users_{WithUsers(folder_.Path() / "users")};
-  Log log_{(folder_.Path() / "log").string()};
-  host::LiveDrillerMaker nobody_;
-  std::vector<std::string> told_;  // what the trail told the server's log
-  audit::Trail trail_{folder_.Path() / "audit", [this](std::string_view line) { told_.emplace_back(line); }};
-  Gate gate_{{folder_.Path() / "users", folder_.Path() / "sessions", {}, std::chrono::milliseconds(50)},
-             nobody_,
-             log_,
-             trail_};
-};
-
-std::string Gates::hash_;
 
 TEST_F(Gates, LetNobodyPassWithoutASignIn) {
   for (const std::string& cookie : {std::string(), std::string("KalvoSession="), "KalvoSession=" + NewToken(),
@@ -377,84 +291,6 @@ TEST_F(OwnPasswords, DoNotChangeForAnotherSiteOrWithoutASession) {
   EXPECT_EQ(std::get<Answer>(Change(cookie, form + std::string(8200, 'x'))).head.status, 413);
   EXPECT_EQ(std::get<Answer>(Change("", form)).head.status, 302);
   EXPECT_EQ(Sent("/Tasks/TopN.asp", cookie), "") << "and the session goes on";
-}
-
-class Proxied : public Gates {
- protected:
-  Decision By(const std::string& named, const std::string& page = "/Tasks/TopN.asp", const std::string& cookie = "") {
-    host::PageRequest request = Asked(page, cookie);
-    request.serverVariables.emplace_back("KALVO_PROXY_USER", named);
-    Decision decision = gate_.Admit(page, request);
-    for (const auto& [name, value] : request.serverVariables) EXPECT_NE(name, "KALVO_PROXY_USER");
-    return decision;
-  }
-};
-
-TEST_F(Proxied, UsersAreWhomTheProxyNamesWithTheirRights) {
-  users_.Put({"KALVO\\carol", false, true, "-"});
-  for (const char* named : {"carol", "KALVO\\carol", "CAROL"}) {
-    const Decision decision = By(named);
-    ASSERT_TRUE(std::holds_alternative<Admission>(decision)) << named;
-    const auto& admission = std::get<Admission>(decision);
-    EXPECT_EQ(admission.logon, "KALVO\\carol");
-    EXPECT_EQ(Variable(admission, "AUTH_TYPE"), "Proxy");
-    EXPECT_EQ(admission.session->Get("KalvoDrillDownAuth"), Value(std::string("Yes")));
-    EXPECT_EQ(admission.session->Get("KalvoAdministrator"), Value());
-  }
-}
-
-TEST_F(Proxied, UsersKeepTheirSessionUntilTheirRightsChange) {
-  std::get<Admission>(By("bob")).session->Set("Visits", std::int32_t{1});
-  EXPECT_EQ(std::get<Admission>(By("bob")).session->Get("Visits"), Value(std::int32_t{1}));
-  EXPECT_EQ(std::get<Admission>(By("alice")).session->Get("Visits"), Value()) << "it is nobody else's";
-  users_.Put({"KALVO\\bob", true, false, hash_});
-  const Decision decision = By("bob");
-  EXPECT_EQ(std::get<Admission>(decision).session->Get("Visits"), Value());
-  EXPECT_EQ(std::get<Admission>(decision).session->Get("KalvoAdministrator"), Value(std::string("Yes")));
-}
-
-TEST_F(Proxied, StrangersAreRefused) {
-  for (const std::string& named : {std::string("mallory"), std::string("bob, alice"), std::string("bob\n"),
-                                   std::string("-"), std::string("' or 1"), std::string(70'000, 'a')}) {
-    const Decision decision = By(named);
-    ASSERT_TRUE(std::holds_alternative<Answer>(decision)) << named.substr(0, 20);
-    EXPECT_EQ(std::get<Answer>(decision).head.status, 403);
-  }
-  EXPECT_LT(ReadFile(folder_.Path() / "log").size(), 4000u) << "a line of the log has an end";
-}
-
-TEST_F(Proxied, UsersWaitWhileNoSessionCanBeKept) {
-  const FullDisk full(0);
-  const Decision decision = By("bob");
-  ASSERT_TRUE(std::holds_alternative<Answer>(decision));
-  EXPECT_EQ(std::get<Answer>(decision).head.status, 503);
-}
-
-TEST_F(Proxied, UsersNeitherSignInNorOut) {
-  for (const char* page : {"/SignIn.asp", "/SignOut.asp"}) {
-    EXPECT_EQ(HeaderOf(By("bob", page), "Location"), "/KalvoforExchange/") << page;
-  }
-}
-
-TEST_F(Proxied, NameOverridesACookie) {
-  EXPECT_EQ(std::get<Admission>(By("alice", "/Tasks/TopN.asp", CookieOfBob())).logon, "KALVO\\alice");
-}
-
-TEST_F(Proxied, SessionsAreReachedByNoCookie) {
-  std::get<Admission>(By("bob")).session->Set("Visits", std::int32_t{1});
-  for (const auto& entry : std::filesystem::directory_iterator(folder_.Path() / "sessions")) {
-    const std::string name = entry.path().stem().string();
-    for (const std::string& id : {name, name.substr(name.find('-') + 1), Fingerprint("kalvo\\bob")}) {
-      EXPECT_NE(Sent("/Tasks/TopN.asp", "KalvoSession=" + id), "") << id;
-    }
-  }
-}
-
-TEST_F(Proxied, UsersWithoutAPasswordDoNotSignInByTheForm) {
-  users_.Put({"KALVO\\carol", false, true, "-"});
-  for (const char* password : {"", "-", "correct+horse"}) {
-    EXPECT_EQ(Variable(std::get<Admission>(SignIn("carol", password)), "KALVO_SIGN_IN"), "wrong") << password;
-  }
 }
 
 }  // namespace
