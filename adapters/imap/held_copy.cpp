@@ -4,6 +4,7 @@
 
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
+#include "kalvo/platform/text.h"
 
 namespace kalvo::imap {
 
@@ -13,11 +14,7 @@ constexpr std::size_t kPieceBytes = 900;  // of the record on one line
 constexpr std::string_view kEnd = ";end=1";
 
 std::string CheckOf(std::string_view record, const mail::IdentifierKey& key) {
-  std::string check;
-  for (const std::uint8_t byte : mail::KeyedHash(key, record)) {
-    Append(check, "0123456789abcdef"[byte >> 4], "0123456789abcdef"[byte & 15]);
-  }
-  return check;
+  return Hexadecimal(mail::KeyedHash(key, record));
 }
 
 // The lines' pieces put together, up to the last; `length` is where that ends.

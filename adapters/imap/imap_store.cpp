@@ -9,6 +9,7 @@
 #include <map>
 
 #include "adapters/imap/imap_error.h"
+#include "adapters/imap/listed_folder.h"
 #include "adapters/imap/removal.h"
 #include "adapters/mail/directory_file.h"
 #include "adapters/mail/errors.h"
@@ -278,7 +279,10 @@ std::string ImapStore::Remove(const mail::Tree& tree, std::string_view folder, s
                               const mail::Deletion& deletion) {
   const auto number = ReadMessageKey(message);
   if (!number) throw mail::NoSuchMessage();
-  mail::HeldMessage held = Described(tree, folder, message, deletion);
+  mail::MessageDetails details = Message(tree, folder, message);
+  mail::HeldMessage held =
+      mail::ToHold(tree, {PathOf(tree, folder), std::string(folder)}, std::move(details), deletion);
+  held.name = message;
   Removal removal(std::string(folder), *number);
   const std::string user = UserOf(tree);
   const WholeMessage whole =
@@ -299,25 +303,6 @@ std::string ImapStore::Remove(const mail::Tree& tree, std::string_view folder, s
     // The original is gone, so the copy is the message with or without its mark.
   }
   return held.id;
-}
-
-mail::HeldMessage ImapStore::Described(const mail::Tree& tree, std::string_view folder, std::string_view message,
-                                       const mail::Deletion& deletion) {
-  mail::MessageDetails details = Message(tree, folder, message);
-  mail::HeldMessage held;
-  held.id = mail::NewHeldId();
-  held.server = tree.server;
-  held.mailbox = tree.mailbox ? tree.mailbox->location : "";
-  held.folder = PathOf(tree, folder);
-  held.folderKey = folder;
-  held.name = message;
-  held.subject = std::move(details.subject);
-  held.sender = std::move(details.sender);
-  held.size = details.size;
-  held.sent = details.sent;
-  held.received = details.received;
-  held.deletion = deletion;
-  return held;
 }
 
 // One of the directory's servers for each address: several may be one and the same.

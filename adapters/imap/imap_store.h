@@ -50,8 +50,6 @@ class ImapStore : public mail::MailStore {
   std::vector<std::string> Servers();
   mail::MessageDetails Details(const mail::Tree& tree, std::string_view folder, const MessageNumber& number,
                                Connection::Parts parts);
-  mail::HeldMessage Described(const mail::Tree& tree, std::string_view folder, std::string_view message,
-                              const mail::Deletion& deletion);
   Root RootOf(const mail::Tree& tree, Connection& connection);
   std::vector<Folder> Below(const mail::Tree& tree, Connection& connection, std::string_view folder);
   mail::FolderInfo Describe(const Place& place, const Deadline& deadline);

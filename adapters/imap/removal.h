@@ -1,16 +1,11 @@
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "adapters/imap/connection.h"
 #include "adapters/imap/message_source.h"
 
 namespace kalvo::imap {
-
-// Opens a folder. Nothing for one that is only a place in the tree; fails with `mail::NoSuchFolder` where there is
-// none.
-std::optional<FolderState> OpenListed(Connection& connection, const std::string& folder, Access access);
 
 // Deletes exactly one message. It may be run again on another connection after the first was lost: a message that
 // is gone by then was deleted by us.

@@ -6,7 +6,10 @@
 #include <vector>
 
 #include "adapters/mail/errors.h"
+#include "base/percent.h"
 #include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
+#include "kalvo/platform/text.h"
 
 namespace kalvo::imap {
 
@@ -17,33 +20,10 @@ template <typename... Pieces>
   throw mail::StoreFailed(Built([&](std::string& out) { Append(out, "Mail address: ", pieces...); }));
 }
 
-int HexDigit(char digit) {
-  if (digit >= '0' && digit <= '9') return digit - '0';
-  if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
-  if (digit >= 'A' && digit <= 'F') return digit - 'A' + 10;
-  return -1;
-}
-
 std::string Decoded(std::string_view text) {
-  std::string plain;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] != '%') {
-      plain += text[i];
-      continue;
-    }
-    const int high = i + 2 < text.size() ? HexDigit(text[i + 1]) : -1;
-    const int low = i + 2 < text.size() ? HexDigit(text[i + 2]) : -1;
-    if (high < 0 || low < 0) Refuse("\"%\" must be followed by two hexadecimal digits in \"", text, "\".");
-    plain += static_cast<char>(high * 16 + low);
-    i += 2;
-  }
-  return plain;
-}
-
-std::string Lower(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  return lower;
+  auto plain = base::FromPercent(text);
+  if (!plain) Refuse("\"%\" must be followed by two hexadecimal digits in \"", text, "\".");
+  return std::move(*plain);
 }
 
 template <typename Number>
@@ -144,7 +124,7 @@ struct Reader {
       if (equals == std::string::npos) Refuse("server must be NAME=HOST:PORT, not \"", text, "\".");
       ServerAddress address = settings.server;
       ReadHost(std::string_view(text).substr(equals + 1), address);
-      settings.servers[Lower(text.substr(0, equals))] = address;
+      settings.servers[ToLowerAscii(text.substr(0, equals))] = address;
     }
   }
 };
@@ -152,22 +132,17 @@ struct Reader {
 }  // namespace
 
 const ServerAddress& Settings::AddressOf(std::string_view serverName) const {
-  const auto found = servers.find(Lower(serverName));
+  const auto found = servers.find(ToLowerAscii(serverName));
   return found == servers.end() ? server : found->second;
 }
 
 namespace {
 
-void Replace(std::string& text, std::string_view what, std::string_view with) {
-  for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size())) {
-    text.replace(at, what.size(), with);
-  }
-}
-
 // Deleted messages are never held where the owner of a mailbox, or anybody's new mail, is.
 void CheckHolding(const Settings& settings) {
   if (settings.holdingFolder.empty() || settings.holdingFolder.size() > 100 ||
-      Lower(settings.holdingFolder) == "inbox" || settings.holdingFolder.find_first_of("*%") != std::string::npos) {
+      ToLowerAscii(settings.holdingFolder) == "inbox" ||
+      settings.holdingFolder.find_first_of("*%") != std::string::npos) {
     Refuse("holding must be the name of a folder of its own, of up to 100 bytes and without \"*\" and \"%\", not \"",
            settings.holdingFolder, "\".");
   }
@@ -182,14 +157,14 @@ void CheckHolding(const Settings& settings) {
 
 std::string Settings::LoginOf(std::string_view mailbox) const {
   std::string login = mailbox.empty() ? publicTemplate : loginTemplate;
-  Replace(login, "{admin}", administrator);
-  if (!mailbox.empty()) Replace(login, "{mailbox}", mailbox);
+  ReplaceAll(login, "{admin}", administrator);
+  if (!mailbox.empty()) ReplaceAll(login, "{mailbox}", mailbox);
   return login;
 }
 
 std::string Settings::HoldingLogin() const {
   std::string login = holdingTemplate.empty() ? publicTemplate : holdingTemplate;
-  Replace(login, "{admin}", administrator);
+  ReplaceAll(login, "{admin}", administrator);
   return login;
 }
 

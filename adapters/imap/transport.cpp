@@ -7,7 +7,6 @@
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
@@ -50,10 +49,7 @@ struct Transport::Tls {
 Transport::Transport(const ServerAddress& address, const Limits& limits)
     : address_(address), limits_(limits), deadline_(limits.operation) {}
 
-Transport::~Transport() {
-  tls_.reset();
-  if (socket_ >= 0) close(socket_);
-}
+Transport::~Transport() = default;
 
 std::ptrdiff_t Transport::Fail(std::string_view trouble) {
   if (trouble_.empty()) trouble_ = trouble;
@@ -67,7 +63,7 @@ std::ptrdiff_t Transport::TimeOut() {
 }
 
 bool Transport::WaitFor(short events) {
-  pollfd waited{socket_, events, 0};
+  pollfd waited{Descriptor(), events, 0};
   for (;;) {
     const int ready = poll(&waited, 1, deadline_.Wait(limits_.silence));
     if (ready > 0 && !deadline_.Passed()) return true;
@@ -78,20 +74,19 @@ bool Transport::WaitFor(short events) {
 }
 
 bool Transport::ConnectTo(const void* address, std::size_t size, int family) {
-  socket_ = socket(family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-  if (socket_ < 0) return Fail(std::strerror(errno)) > 0;
+  socket_ = base::File(socket(family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+  if (!socket_) return Fail(std::strerror(errno)) > 0;
   const int on = 1;
-  setsockopt(socket_, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-  if (connect(socket_, static_cast<const sockaddr*>(address), static_cast<socklen_t>(size)) == 0) return true;
+  setsockopt(Descriptor(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+  if (connect(Descriptor(), static_cast<const sockaddr*>(address), static_cast<socklen_t>(size)) == 0) return true;
   int error = errno;
   if (error == EINPROGRESS) {
     if (!WaitFor(POLLOUT)) return false;
     socklen_t length = sizeof error;
-    getsockopt(socket_, SOL_SOCKET, SO_ERROR, &error, &length);
+    getsockopt(Descriptor(), SOL_SOCKET, SO_ERROR, &error, &length);
     if (error == 0) return true;
   }
-  close(socket_);
-  socket_ = -1;
+  socket_.Close();
   trouble_ = Built([&](std::string& out) { Append(out, "cannot be reached: ", std::strerror(error)); });
   return false;
 }
@@ -113,7 +108,7 @@ bool Transport::Connect() {
 
 bool Transport::StartTls() {
   tls_ = std::make_unique<Tls>();
-  int code = tls_->Prepare(address_, socket_);
+  int code = tls_->Prepare(address_, Descriptor());
   while (code == 0) {
     code = gnutls_handshake(tls_->session);
     if (code == 0) return true;
@@ -142,7 +137,8 @@ std::ptrdiff_t Transport::Read(char* bytes, std::size_t size) {
   if (!trouble_.empty()) return -1;
   if (deadline_.Passed()) return TimeOut();
   for (;;) {
-    const std::ptrdiff_t count = tls_ ? gnutls_record_recv(tls_->session, bytes, size) : recv(socket_, bytes, size, 0);
+    const std::ptrdiff_t count =
+        tls_ ? gnutls_record_recv(tls_->session, bytes, size) : recv(Descriptor(), bytes, size, 0);
     if (count > 0) {
       bytesRead_ += static_cast<std::size_t>(count);
       return count;
@@ -163,7 +159,7 @@ std::ptrdiff_t Transport::Write(const char* bytes, std::size_t size) {
   if (!trouble_.empty()) return -1;
   for (;;) {
     const std::ptrdiff_t count =
-        tls_ ? gnutls_record_send(tls_->session, bytes, size) : send(socket_, bytes, size, MSG_NOSIGNAL);
+        tls_ ? gnutls_record_send(tls_->session, bytes, size) : send(Descriptor(), bytes, size, MSG_NOSIGNAL);
     if (count > 0) return count;
     const bool again = tls_ ? gnutls_error_is_fatal(static_cast<int>(count)) == 0
                             : errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;

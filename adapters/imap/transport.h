@@ -7,6 +7,7 @@
 
 #include "adapters/imap/deadline.h"
 #include "adapters/imap/limits.h"
+#include "base/file.h"
 
 namespace kalvo::imap {
 
@@ -33,7 +34,7 @@ class Transport {
   std::ptrdiff_t Read(char* bytes, std::size_t size);
   std::ptrdiff_t Write(const char* bytes, std::size_t size);
 
-  int Descriptor() const { return socket_; }
+  int Descriptor() const { return socket_.Handle(); }
 
   // What went wrong, as the end of a sentence about the server; "" while all is well.
   const std::string& Trouble() const { return trouble_; }
@@ -54,8 +55,8 @@ class Transport {
   const ServerAddress& address_;
   const Limits& limits_;
   Deadline deadline_;
-  int socket_ = -1;
-  std::unique_ptr<Tls> tls_;
+  base::File socket_;
+  std::unique_ptr<Tls> tls_;  // over the socket, so it goes first
   std::string trouble_;
   bool timedOut_ = false;
   bool silent_ = false;  // timed out because nothing came, not because all took too long

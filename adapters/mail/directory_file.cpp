@@ -1,25 +1,17 @@
 #include "adapters/mail/directory_file.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <optional>
 
 #include "adapters/mail/errors.h"
+#include "base/file.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
+#include "kalvo/platform/text.h"
 
 namespace kalvo::mail {
 
 namespace {
-
-constexpr std::string_view kBlanks = " \t\r";
-
-std::string_view Trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
 
 // Reads line by line and keeps where it is, for failures.
 class DirectoryReader {
@@ -139,10 +131,9 @@ class DirectoryReader {
 Directory ReadDirectory(std::string_view file, std::string_view text) { return DirectoryReader(file, text).Read(); }
 
 Directory ReadDirectoryFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw StoreFailed(Built([&](std::string& out) { Append(out, "Cannot read ", path, "."); }));
-  const std::string text{std::istreambuf_iterator<char>(in), {}};
-  return ReadDirectory(path, text);
+  const auto text = base::ReadFile(path);
+  if (!text) throw StoreFailed(Built([&](std::string& out) { Append(out, "Cannot read ", path, "."); }));
+  return ReadDirectory(path, *text);
 }
 
 }  // namespace kalvo::mail

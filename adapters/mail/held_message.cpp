@@ -2,18 +2,18 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
-#include <random>
 
+#include "base/percent.h"
+#include "base/random.h"
 #include "kalvo/platform/append.h"
+#include "kalvo/platform/text.h"
 
 namespace kalvo::mail {
 
 namespace {
 
-constexpr std::string_view kHexDigits = "0123456789ABCDEF";
 constexpr std::string_view kKind = "held=1";  // the first word of every record
-constexpr std::size_t kIdDigits = 32;
+constexpr std::size_t kIdBytes = 16;
 
 // How a field is written and read back.
 using Text = std::string HeldMessage::*;
@@ -45,25 +45,8 @@ void AppendEncoded(std::string& out, std::string_view text) {
       out += c;
       continue;
     }
-    const auto byte = static_cast<unsigned char>(c);
-    Append(out, '%', kHexDigits[byte >> 4], kHexDigits[byte & 15]);
+    base::AppendPercent(out, c);
   }
-}
-
-std::optional<std::string> Decoded(std::string_view text) {
-  std::string plain;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] != '%') {
-      plain += text[i];
-      continue;
-    }
-    const std::size_t high = i + 2 < text.size() ? kHexDigits.find(text[i + 1]) : kHexDigits.npos;
-    const std::size_t low = i + 2 < text.size() ? kHexDigits.find(text[i + 2]) : kHexDigits.npos;
-    if (high == kHexDigits.npos || low == kHexDigits.npos) return std::nullopt;
-    plain += static_cast<char>(high * 16 + low);
-    i += 2;
-  }
-  return plain;
 }
 
 std::optional<std::int64_t> ReadNumber(std::string_view text) {
@@ -76,7 +59,7 @@ std::optional<std::int64_t> ReadNumber(std::string_view text) {
 bool ReadPath(std::string_view text, FolderPath& path) {
   while (!text.empty()) {
     const std::size_t end = std::min(text.find('/'), text.size());
-    auto name = Decoded(text.substr(0, end));
+    auto name = base::FromPercent(text.substr(0, end));
     if (!name) return false;
     path.push_back(std::move(*name));
     text.remove_prefix(std::min(end + 1, text.size()));
@@ -87,7 +70,7 @@ bool ReadPath(std::string_view text, FolderPath& path) {
 // False for a value that is none; unknown keys are passed over, so that a later version may add some.
 bool ReadField(std::string_view key, std::string_view value, HeldMessage& message) {
   const auto text = [&](std::string& field) {
-    auto plain = Decoded(value);
+    auto plain = base::FromPercent(value);
     if (plain) field = std::move(*plain);
     return plain.has_value();
   };
@@ -152,19 +135,8 @@ std::optional<HeldMessage> ReadHeldRecord(std::string_view record) {
   return message;
 }
 
-std::string NewHeldId() {
-  std::random_device random;  // the system's own
-  std::string id;
-  while (id.size() < kIdDigits) {
-    char digits[9];
-    std::snprintf(digits, sizeof digits, "%08x", random() & 0xFFFFFFFFu);
-    id += digits;
-  }
-  return id;
-}
+std::string NewHeldId() { return base::RandomName(kIdBytes); }
 
-bool IsHeldId(std::string_view text) {
-  return text.size() == kIdDigits && text.find_first_not_of("0123456789abcdef") == text.npos;
-}
+bool IsHeldId(std::string_view text) { return text.size() == 2 * kIdBytes && IsHexadecimal(text); }
 
 }  // namespace kalvo::mail

@@ -11,6 +11,22 @@
 
 namespace kalvo::mail {
 
+HeldMessage ToHold(const Tree& tree, MessagePlace place, MessageDetails details, const Deletion& deletion) {
+  HeldMessage held;
+  held.id = NewHeldId();
+  held.server = tree.server;
+  held.mailbox = tree.mailbox ? tree.mailbox->location : "";
+  held.folder = std::move(place.path);
+  held.folderKey = std::move(place.key);
+  held.subject = std::move(details.subject);
+  held.sender = std::move(details.sender);
+  held.size = details.size;
+  held.sent = details.sent;
+  held.received = details.received;
+  held.deletion = deletion;
+  return held;
+}
+
 bool CameFrom(const HeldMessage& held, const Tree& tree) {
   return held.server == tree.server && held.mailbox == (tree.mailbox ? tree.mailbox->location : "");
 }

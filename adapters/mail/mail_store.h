@@ -135,6 +135,16 @@ class MailStore {
   virtual std::int32_t Sweep(std::int64_t before) = 0;
 };
 
+// Where a message lies: the folder's path, and the same in the store's own words.
+struct MessagePlace {
+  FolderPath path;
+  std::string key;
+};
+
+// What is to be held of a message that somebody deletes, under an id of its own; its name and its flags are left to
+// the store.
+HeldMessage ToHold(const Tree& tree, MessagePlace place, MessageDetails details, const Deletion& deletion);
+
 // Whether a message was deleted from that tree.
 bool CameFrom(const HeldMessage& held, const Tree& tree);
 

@@ -6,36 +6,15 @@
 
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
+#include "kalvo/platform/text.h"
+#include "kalvo/platform/utf8.h"
 
 namespace kalvo::mail {
 
 namespace {
 
 constexpr std::size_t kLongestText = 500;  // characters
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD", kEllipsis = "\xE2\x80\xA6";
-
-struct Character {
-  std::size_t length;  // bytes; 1 for a bad byte
-  char32_t code;
-  bool good;
-};
-
-// The character that begins at `at`: no overlong forms, no surrogates, nothing above U+10FFFF.
-Character Next(std::string_view text, std::size_t at) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned char lead = byte(at);
-  if (lead < 0x80) return {1, lead, true};
-  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-  if (lead < 0xC2 || lead > 0xF4 || at + length > text.size()) return {1, 0, false};
-  char32_t code = lead & (0xFFu >> (length + 1));
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((byte(at + i) & 0xC0) != 0x80) return {1, 0, false};
-    code = (code << 6) | (byte(at + i) & 0x3Fu);
-  }
-  const char32_t least = length == 4 ? 0x10000 : length == 3 ? 0x800 : 0x80;
-  if (code < least || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) return {1, 0, false};
-  return {length, code, true};
-}
+constexpr std::string_view kEllipsis = "\xE2\x80\xA6";
 
 // Controls, line separators, and marks that turn the direction of the text around them.
 bool IsControl(char32_t code) {
@@ -50,14 +29,13 @@ std::string CleanText(std::string_view raw) {
   std::size_t characters = 0;
   bool blankWanted = false;
   for (std::size_t at = 0; at < raw.size();) {
-    const Character next = Next(raw, at);
-    const std::string_view piece = next.good ? raw.substr(at, next.length) : kReplacement;
+    const Character next = CharacterAt(raw, at);
     at += next.length;
-    if (next.good && IsControl(next.code)) {
+    if (IsControl(next.code)) {
       blankWanted = true;
       continue;
     }
-    if (piece == " ") {
+    if (next.code == U' ') {
       if (blankWanted || !clean.empty()) blankWanted = false, clean += ' ', ++characters;
       continue;
     }
@@ -67,12 +45,10 @@ std::string CleanText(std::string_view raw) {
     }
     if (blankWanted && !clean.empty() && clean.back() != ' ') clean += ' ', ++characters;
     blankWanted = false;
-    clean += piece;
+    AppendCharacter(clean, next.code);
     ++characters;
   }
-  const std::size_t last = clean.find_last_not_of(' ');
-  const std::size_t first = clean.find_first_not_of(' ');
-  return last == std::string::npos ? std::string() : clean.substr(first, last + 1 - first);
+  return std::string(Trimmed(clean, " "));
 }
 
 std::string SenderText(std::string_view name, std::string_view address) {

@@ -10,8 +10,8 @@
 
 namespace kalvo::mail {
 
-// Text from a message or a folder name, fit to be shown: well-formed UTF-8 (each bad byte becomes U+FFFD), control
-// characters and line ends as one blank, no blanks around it, cut after 500 characters with an ellipsis.
+// Text from a message or a folder name, fit to be shown: well-formed UTF-8 (each ill-formed piece becomes one U+FFFD),
+// control characters and line ends as one blank, no blanks around it, cut after 500 characters with an ellipsis.
 std::string CleanText(std::string_view raw);
 
 // What stands for the subject of a message that cannot be read.

@@ -15,6 +15,7 @@
 #include "adapters/mail/errors.h"
 #include "adapters/mail/sizes.h"
 #include "adapters/maildir/message_reader.h"
+#include "base/fresh_file.h"
 
 namespace kalvo::maildir {
 
@@ -28,6 +29,9 @@ constexpr std::int64_t kLargestMessage = std::int64_t{1} << 40;  // a name that 
 // The index is kept each time that so many messages were read, or such a part of all that are known, so that the next
 // listing goes on where a process was stopped, and a large one is not written over and over.
 constexpr std::size_t kKeptEvery = 500, kKeptPart = 16;
+
+// Several processes may be at it at the same time; one is enough.
+constexpr base::Writing kIndexWriting{.abandonedAfter = 60};
 
 constexpr int kAttempts = 5;  // a file may be renamed while we look for it
 
@@ -74,7 +78,7 @@ Folder::Folder(File folder, const File& indexes, std::string indexName, std::str
       work_(work) {}
 
 Stamp Folder::StampNow() {
-  const struct stat cur = StatusOf(cur_), fresh = StatusOf(new_);  // zeros for one that is not there
+  const struct stat cur = base::StatusOf(cur_), fresh = base::StatusOf(new_);  // zeros for one that is not there
   return {static_cast<std::int64_t>(cur.st_ino), Nanoseconds(cur.st_mtim), static_cast<std::int64_t>(fresh.st_ino),
           Nanoseconds(fresh.st_mtim)};
 }
@@ -106,7 +110,7 @@ std::shared_ptr<const std::string> Folder::IndexBytes() {
   if (!indexes_) return nullptr;
   const File file = OpenFile(indexes_, indexName_);
   if (!file) return nullptr;
-  auto bytes = ReadAll(file, kLongestIndex);
+  auto bytes = base::ReadAll(file, kLongestIndex);
   if (!bytes) return nullptr;
   work_.bytesRead += static_cast<std::int64_t>(bytes->size());
   return std::make_shared<const std::string>(std::move(*bytes));
@@ -184,16 +188,14 @@ void Folder::KeepIndex(const Stamp& stamp, bool settled, const std::vector<Entry
   if (!indexes_) return;
   IndexHead head{stamp, settled, static_cast<std::int32_t>(entries.size()), 0};
   for (const Entry& entry : entries) head.totalSize = mail::SizeSum(head.totalSize, entry.size);
-  ReplaceFile(indexes_, indexName_, WriteIndex(identity_, head, entries));
+  base::ReplaceFile(indexes_, indexName_, WriteIndex(identity_, head, entries), kIndexWriting);
 }
 
 FolderTotals Folder::Totals() {
   if (const File file = indexes_ ? OpenFile(indexes_, indexName_) : File()) {
-    std::string bytes(IndexHeadLength(identity_), '\0');
-    const ssize_t got = pread(file.Handle(), bytes.data(), bytes.size(), 0);
-    work_.bytesRead += std::max<ssize_t>(got, 0);
-    const auto head = ReadIndexHead(
-        std::string_view(bytes).substr(0, static_cast<std::size_t>(std::max<ssize_t>(got, 0))), identity_);
+    const std::string bytes = base::ReadPiece(file, IndexHeadLength(identity_)).value_or("");
+    work_.bytesRead += static_cast<std::int64_t>(bytes.size());
+    const auto head = ReadIndexHead(bytes, identity_);
     if (head && head->settled && head->stamp == StampNow()) return {head->count, head->totalSize};
   }
   FolderTotals totals;
@@ -252,7 +254,7 @@ Moved Folder::MoveIn(const File& from, const std::string& name, const std::strin
 std::optional<std::int64_t> Folder::Created() {
   const File marker = OpenFile(folder_, "maildirfolder");
   if (!marker) return std::nullopt;
-  return StatusOf(marker).st_mtim.tv_sec;
+  return base::StatusOf(marker).st_mtim.tv_sec;
 }
 
 std::optional<std::int64_t> Folder::Modified() {

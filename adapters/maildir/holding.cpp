@@ -14,6 +14,7 @@
 
 #include "adapters/mail/errors.h"
 #include "adapters/maildir/folder.h"
+#include "base/fresh_file.h"
 #include "kalvo/platform/append.h"
 
 namespace kalvo::maildir {
@@ -44,7 +45,7 @@ bool Exists(const File& folder, const std::string& name) {
 
 std::optional<mail::HeldMessage> ReadRecord(const File& folder, std::string_view id) {
   const File file = OpenFile(folder, RecordName(id));
-  const auto text = file ? ReadAll(file, kLongestRecord) : std::nullopt;
+  const auto text = file ? base::ReadAll(file, kLongestRecord) : std::nullopt;
   auto held = text ? mail::ReadHeldRecord(*text) : std::nullopt;
   return held && held->id == id ? held : std::nullopt;
 }
@@ -66,7 +67,7 @@ bool Holding::Take(const std::string& tree, Folder& from, std::string_view uniqu
     held.name = std::string(isNew ? kInNew : kInCur) + name;
     const std::size_t mark = name.find(":2,");
     held.flags = mark == name.npos ? "" : name.substr(mark + 3);
-    if (!ReplaceFile(into, RecordName(held.id), mail::WriteHeldRecord(held), Durable::Yes)) {
+    if (!base::ReplaceFile(into, RecordName(held.id), mail::WriteHeldRecord(held), {base::Durable::Yes})) {
       RefuseToHold(std::strerror(errno));
     }
   };

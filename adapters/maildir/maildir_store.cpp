@@ -1,8 +1,6 @@
 #include "adapters/maildir/maildir_store.h"
 
 #include <fcntl.h>
-#include <sys/random.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -20,8 +18,11 @@
 #include "adapters/maildir/holding.h"
 #include "adapters/maildir/message_reader.h"
 #include "adapters/maildir/quota.h"
+#include "base/fresh_file.h"
+#include "base/random.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
+#include "kalvo/platform/text.h"
 
 namespace kalvo::maildir {
 
@@ -38,13 +39,7 @@ std::string ShownName(std::string_view raw, bool isInbox) {
 
 // The name of a folder's index: any bytes of location and key, made short.
 std::string IndexName(const mail::IdentifierKey& key, std::string_view identity) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  std::string name;
-  for (const std::uint8_t byte : mail::KeyedHash(key, identity)) {
-    name += digits[byte >> 4];
-    name += digits[byte & 15];
-  }
-  return name;
+  return Hexadecimal(mail::KeyedHash(key, identity));
 }
 
 // Notes what comes or goes before it does, so that nothing is moved that cannot be noted; taken back unless it is kept.
@@ -102,7 +97,7 @@ class SnapshotSource : public mail::MessageSource {
 class MaildirStore::Trees : public mail::MailStore {
  public:
   explicit Trees(const std::string& folder) : path_(folder) {
-    top_ = File(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    top_ = base::Open(folder, O_RDONLY | O_DIRECTORY);
     if (!top_) throw mail::StoreFailed("There is no mail store in \"" + folder + "\".");
     mailboxes_ = std::make_shared<const mail::Directory>(mail::ReadDirectoryFile(DirectoryPath()));
     directoryTime_ = DirectoryTime();
@@ -169,18 +164,8 @@ class MaildirStore::Trees : public mail::MailStore {
   std::string Remove(const mail::Tree& tree, std::string_view folder, std::string_view message,
                      const mail::Deletion& deletion) override {
     mail::MessageDetails details = Details(tree, folder, message, Read::Listing);
-    mail::HeldMessage held;
-    held.id = mail::NewHeldId();
-    held.server = tree.server;
-    held.mailbox = tree.mailbox ? tree.mailbox->location : "";
-    held.folder = PathOf(tree, folder);
-    held.folderKey = folder;
-    held.subject = std::move(details.subject);
-    held.sender = std::move(details.sender);
-    held.size = details.size;
-    held.sent = details.sent;
-    held.received = details.received;
-    held.deletion = deletion;
+    const mail::HeldMessage held =
+        mail::ToHold(tree, {PathOf(tree, folder), std::string(folder)}, std::move(details), deletion);
     Folder from = OpenKey(tree, folder);
     const File top = OpenTree(tree);
     QuotaNote note(top, -held.size, -1, "deleted");
@@ -219,7 +204,7 @@ class MaildirStore::Trees : public mail::MailStore {
   mail::MessageDetails Details(const mail::Tree& tree, std::string_view folder, std::string_view message, Read what) {
     const File file = OpenKey(tree, folder).OpenMessage(message);
     if (!file && errno == ENOENT) throw mail::NoSuchMessage();
-    const struct stat status = StatusOf(file);  // zeros where it cannot be read
+    const struct stat status = base::StatusOf(file);  // zeros where it cannot be read
     MessageContent content = ReadMessage(file, what);
     ++work_.messagesParsed;
     work_.bytesRead += status.st_size;
@@ -246,21 +231,16 @@ class MaildirStore::Trees : public mail::MailStore {
   void ReadKey() {
     const auto read = [&] {
       const File file = own_ ? OpenFile(own_, kKeyFile) : File();
-      const auto bytes = file ? ReadAll(file, key_.size()) : std::nullopt;
+      const auto bytes = file ? base::ReadAll(file, key_.size()) : std::nullopt;
       if (!bytes || bytes->size() != key_.size()) return false;
       std::copy(bytes->begin(), bytes->end(), key_.begin());
       return true;
     };
     if (read()) return;
-    char fresh[std::tuple_size_v<mail::IdentifierKey>];
-    if (own_ && getrandom(fresh, sizeof fresh, 0) == static_cast<ssize_t>(sizeof fresh)) {
-      const std::string beside = "key." + std::to_string(getpid());
-      const File file(
-          openat(own_.Handle(), beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-      if (file && write(file.Handle(), fresh, sizeof fresh) == static_cast<ssize_t>(sizeof fresh)) {
-        linkat(own_.Handle(), beside.c_str(), own_.Handle(), kKeyFile, 0);
-      }
-      unlinkat(own_.Handle(), beside.c_str(), 0);
+    if (own_) {
+      mail::IdentifierKey fresh{};
+      base::FillRandom(fresh);
+      base::MakeOnce(own_, kKeyFile, {reinterpret_cast<const char*>(fresh.data()), fresh.size()});
     }
     if (!read()) throw mail::StoreFailed("The mail store's key \"" + path_ + "/.kalvo/key\" cannot be read or made.");
   }

@@ -140,7 +140,7 @@ MessageContent Saying(std::string_view subject) {
 
 std::optional<MessageContent> ReadStored(const File& file, Read what) {
   const std::size_t most = what == Read::Listing ? kLongestInListing : kLongestMessage;
-  auto text = ReadBeginning(file, most);
+  auto text = base::ReadPiece(file, most);
   if (!text) return std::nullopt;
   const Packing packing = PackingOf(*text);
   if (packing == Packing::Other) return Saying(mail::kCompressed);

@@ -18,9 +18,9 @@ constexpr const char* kName = "maildirsize";
 }  // namespace
 
 bool Quota::Note(std::int64_t bytes, int messages) const {
-  const File file(openat(tree_.Handle(), kName, O_WRONLY | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  const File file = base::OpenIn(tree_, kName, O_WRONLY | O_APPEND | O_NOFOLLOW | O_NONBLOCK);
   if (!file) return errno == ENOENT;
-  if (!S_ISREG(StatusOf(file).st_mode)) return errno = EINVAL, false;
+  if (!S_ISREG(base::StatusOf(file).st_mode)) return errno = EINVAL, false;
   const std::string line = Built([&](std::string& out) { Append(out, bytes, ' ', messages, '\n'); });
   const ssize_t written = write(file.Handle(), line.data(), line.size());
   if (written >= 0 && written != static_cast<ssize_t>(line.size())) errno = ENOSPC;

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "kalvo/codes.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/error.h"
+#include "kalvo/platform/text.h"
 
 namespace kalvo::ranking {
 namespace {
@@ -40,22 +42,9 @@ void AppendFields(std::string& out, const Kind& kind) {
 void AppendRanking(std::string& out, const Kind& kind, const ScopeRow& scope, const Settings& settings) {
   Append(out, "(select t.ItemId, t.Amount, s.ComputerName, row_number() over (order by ", OrderOf(kind),
          ") as Standing");
-  Append(out, " from ", scope.tables, " where ", scope.condition, " and s.ServerState = 2");
+  Append(out, " from ", scope.tables, " where ", scope.condition, " and s.ServerState = ", kServerManaged);
   Append(out, " and t.Kind = ", kind.number, " and t.OldDays = ", kind.age == Age::Old ? settings.oldDays : 0);
   Append(out, " and t.Place <= ", settings.rows, ") r");
-}
-
-std::string Quoted(std::string_view text) {
-  std::string out = "'";
-  for (const char c : text) {
-    if (c == '\'') out += '\'';
-    out += c;
-  }
-  return out += '\'';
-}
-
-std::string Replaced(std::string text, std::string_view what, std::string_view with) {
-  return text.replace(text.find(what), what.size(), with);
 }
 
 }  // namespace
@@ -68,7 +57,8 @@ Statement MakeStatement(const Kind& kind, Scope scope, std::string_view name, co
   AppendRanking(statement.pattern, kind, row, settings);
   Append(statement.pattern, " ", TablesOf(kind.subject), " where r.Standing <= ", settings.rows,
          " order by r.Standing");
-  statement.sql = Replaced(statement.pattern, row.placeholder, Quoted(name));
+  statement.sql = statement.pattern;
+  ReplaceAll(statement.sql, row.placeholder, SqlQuoted(name));
   return statement;
 }
 

@@ -1,8 +1,9 @@
 #include "database/sample/schema.h"
 
 #include <algorithm>
-#include <cctype>
 #include <utility>
+
+#include "kalvo/platform/text.h"
 
 namespace kalvo::sample {
 namespace {
@@ -22,12 +23,6 @@ constexpr EngineRow kEngines[] = {
 };
 // clang-format on
 
-void ReplaceAll(std::string& text, std::string_view what, std::string_view with) {
-  for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {
-    text.replace(at, what.size(), with);
-  }
-}
-
 // The text without its comments: the schema has none but "--" to the end of a line.
 std::string WithoutComments(std::string_view text) {
   std::string out;
@@ -39,12 +34,6 @@ std::string WithoutComments(std::string_view text) {
     }
   }
   return out;
-}
-
-std::string_view Trimmed(std::string_view text) {
-  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
-  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back()))) text.remove_suffix(1);
-  return text;
 }
 
 std::vector<std::string> Pieces(std::string_view text, char separator) {

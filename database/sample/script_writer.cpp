@@ -4,25 +4,12 @@
 #include <ostream>
 
 #include "kalvo/platform/append.h"
+#include "kalvo/platform/text.h"
 
 namespace kalvo::sample {
 namespace {
 
 constexpr int kRowsAStatement = 500;
-
-void AppendQuoted(std::string& out, std::string_view text) {
-  out += '\'';
-  for (const char c : text) {
-    if (c == '\'') out += '\'';
-    out += c;
-  }
-  out += '\'';
-}
-
-void AppendHexadecimal(std::string& out, const Identifier& bytes) {
-  static constexpr char kDigits[] = "0123456789abcdef";
-  for (const std::uint8_t byte : bytes) Append(out, kDigits[byte >> 4], kDigits[byte & 15]);
-}
 
 // One literal of a row, in the words of an engine.
 struct Literal {
@@ -37,9 +24,9 @@ struct Literal {
   }
   void operator()(std::string_view text) const {
     if (engine == Engine::SqlServer) out += 'N';
-    AppendQuoted(out, text);
+    AppendSqlQuoted(out, text);
   }
-  void operator()(Moment moment) const { AppendQuoted(out, MomentText(moment)); }
+  void operator()(Moment moment) const { AppendSqlQuoted(out, MomentText(moment)); }
   void operator()(const Identifier& bytes) const {
     if (engine == Engine::SqlServer) {
       out += "0x";

@@ -10,6 +10,8 @@
 #include <cstring>
 #include <thread>
 
+#include "base/file.h"
+#include "base/private_folder.h"
 #include "host/audit/audit_error.h"
 #include "host/audit/log_files.h"
 #include "host/parts/setting_error.h"
@@ -30,48 +32,31 @@ constexpr int kAppending = O_RDWR | O_APPEND | O_CREAT;
   throw AuditError(path.filename().string() + ' ' + what + ": " + std::strerror(error));
 }
 
-// An open file, closed with this object, and with it any lock that is held on it.
-class OpenFile {
- public:
-  OpenFile(const fs::path& path, int flags) : file_(open(path.c_str(), flags | O_CLOEXEC | O_NOFOLLOW, 0600)) {
-    if (file_ < 0) Fail(path, "cannot be opened");
-    if ((flags & O_CREAT) != 0 && geteuid() == 0) GiveToFolder(path.parent_path());
-  }
-  ~OpenFile() { close(file_); }
-  OpenFile(const OpenFile&) = delete;
-  OpenFile& operator=(const OpenFile&) = delete;
+// What root makes is written by workers of another user too, where the folder is theirs.
+void GiveToFolder(const base::File& file, const fs::path& folder) {
+  struct stat owner {};
+  const struct stat own = base::StatusOf(file);
+  if (stat(folder.c_str(), &owner) != 0 || own.st_nlink != 1 || own.st_uid == owner.st_uid) return;
+  if (fchown(file.Handle(), owner.st_uid, owner.st_gid) != 0) Fail(folder, "cannot be shared");
+}
 
-  int Get() const { return file_; }
-  std::int64_t Size() const {
-    struct stat state {};
-    return fstat(file_, &state) == 0 ? state.st_size : 0;
-  }
+base::File OpenFile(const fs::path& path, int flags) {
+  base::File file = base::Open(path, flags | O_NOFOLLOW);
+  if (!file) Fail(path, "cannot be opened");
+  if ((flags & O_CREAT) != 0 && geteuid() == 0) GiveToFolder(file, path.parent_path());
+  return file;
+}
 
- private:
-  // What root makes is written by workers of another user too, where the folder is theirs.
-  void GiveToFolder(const fs::path& folder) const {
-    struct stat owner {
-    }, own{};
-    if (stat(folder.c_str(), &owner) != 0 || fstat(file_, &own) != 0 || own.st_nlink != 1) return;
-    if (own.st_uid != owner.st_uid && fchown(file_, owner.st_uid, owner.st_gid) != 0) Fail(folder, "cannot be shared");
-  }
+std::int64_t SizeOf(const base::File& file) { return base::StatusOf(file).st_size; }
 
-  int file_;
-};
-
-void Lock(const OpenFile& file, const fs::path& path) {
+void Lock(const base::File& file, const fs::path& path) {
   const auto until = std::chrono::steady_clock::now() + kPatience;
-  while (flock(file.Get(), LOCK_EX | LOCK_NB) != 0) {
+  while (flock(file.Handle(), LOCK_EX | LOCK_NB) != 0) {
     if (errno != EWOULDBLOCK && errno != EINTR) Fail(path, "cannot be locked");
     if (std::chrono::steady_clock::now() > until)
       throw AuditError(path.filename().string() + " is held by another process");
     std::this_thread::sleep_for(kBeat);
   }
-}
-
-void Sync(const fs::path& folder) {
-  const OpenFile file(folder, O_RDONLY | O_DIRECTORY);
-  if (fsync(file.Get()) != 0) Fail(folder, "cannot be synced");
 }
 
 // The lines that one append adds, chained to what is there.
@@ -115,29 +100,19 @@ class Lines {
 };
 
 // All of it is on the disk afterwards, or nothing of it is in the file.
-void WriteWhole(const OpenFile& file, std::string_view text, const fs::path& path) {
-  const std::int64_t size = file.Size();
-  std::string_view rest = text;
-  while (!rest.empty()) {
-    const ssize_t written = write(file.Get(), rest.data(), rest.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) break;
-    rest.remove_prefix(static_cast<std::size_t>(written));
-  }
-  if (rest.empty() && fdatasync(file.Get()) == 0) return;
+void WriteWhole(const base::File& file, std::string_view text, const fs::path& path) {
+  const std::int64_t size = SizeOf(file);
+  if (base::WriteAll(file, text) && fdatasync(file.Handle()) == 0) return;
   const int error = errno;
   // Where even this fails, the next append finds a torn line.
-  if (ftruncate(file.Get(), size) != 0) { /* told by what follows */
+  if (ftruncate(file.Handle(), size) != 0) { /* told by what follows */
   }
   errno = error;
   Fail(path, "cannot be written");
 }
 
-std::int64_t FirstNumberOf(const OpenFile& file, std::int64_t otherwise) {
-  std::string text(kLongestLine, '\0');
-  const ssize_t got = pread(file.Get(), text.data(), text.size(), 0);
-  if (got <= 0) return otherwise;
-  text.resize(static_cast<std::size_t>(got));
+std::int64_t FirstNumberOf(const base::File& file, std::int64_t otherwise) {
+  const std::string text = base::ReadPiece(file, kLongestLine).value_or("");
   const auto record = ReadLine(std::string_view(text).substr(0, text.find('\n')));
   return record ? record->number : otherwise;
 }
@@ -148,23 +123,22 @@ std::optional<FileEnd> EndBefore(const fs::path& folder, fs::path& path) {
   if (!files.empty() && files.back() == CurrentFile(folder)) files.pop_back();
   if (files.empty()) return std::nullopt;
   path = files.back();
-  const OpenFile file(path, O_RDONLY);
-  return ReadEnd(file.Get(), file.Size(), path);
+  return ReadEnd(OpenFile(path, O_RDONLY), path);
 }
 
 // Puts a file that is full aside.
-void Rotate(const fs::path& folder, std::optional<OpenFile>& file) {
-  const fs::path path = CurrentFile(folder), full = FullFile(folder, FirstNumberOf(*file, 0));
+void Rotate(const fs::path& folder, base::File& file) {
+  const fs::path path = CurrentFile(folder), full = FullFile(folder, FirstNumberOf(file, 0));
   if (fs::exists(full)) throw AuditError(full.filename().string() + " is there already; move it away to go on");
   if (rename(path.c_str(), full.c_str()) != 0) Fail(path, "cannot be put aside");
-  file.emplace(path, kAppending);
+  file = OpenFile(path, kAppending);
 }
 
 // The lines that go on where the log ends: none yet but those that say how it came about.
-Lines LinesBehind(const OpenFile& file, const fs::path& folder) {
+Lines LinesBehind(const base::File& file, const fs::path& folder) {
   const fs::path path = CurrentFile(folder);
-  const std::int64_t size = file.Size();
-  const FileEnd end = size > 0 ? ReadEnd(file.Get(), size, path) : FileEnd();
+  const std::int64_t size = SizeOf(file);
+  const FileEnd end = size > 0 ? ReadEnd(file, path) : FileEnd();
   if (end.last) {
     Lines lines(end.last);
     lines.CloseTorn(end, path);
@@ -184,29 +158,22 @@ Lines LinesBehind(const OpenFile& file, const fs::path& folder) {
 }  // namespace
 
 Journal::Journal(fs::path folder, std::int64_t largestFile) : folder_(std::move(folder)), largestFile_(largestFile) {
-  std::error_code failed;
-  fs::create_directories(folder_.parent_path(), failed);
-  const bool isNew = mkdir(folder_.c_str(), 0700) == 0;
-  const std::string name = "audit: the folder " + folder_.string();
-  if (!isNew && errno != EEXIST) throw host::SettingError(name + " cannot be made: " + std::strerror(errno));
-  // What is somebody else's, or the system's, is neither changed nor written to.
-  struct stat state {};
-  const bool isOwn = stat(folder_.c_str(), &state) == 0 && S_ISDIR(state.st_mode) && (state.st_mode & 077) == 0 &&
-                     (geteuid() == 0 || state.st_uid == geteuid());
-  if (!isOwn) throw host::SettingError(name + " has to be the server's own, and closed to others (mode 0700)");
+  const std::string wrong = base::MakePrivateFolder(folder_);
+  if (wrong.empty()) return;
+  throw host::SettingError("audit: the folder " + folder_.string() + " has to be the server's own: " + wrong);
 }
 
 Record Journal::Append(Event event, const Visitor& visitor, const Details& details) const {
   const fs::path lockPath = folder_ / "lock", path = CurrentFile(folder_);
-  const OpenFile lock(lockPath, O_RDWR | O_CREAT);
+  const base::File lock = OpenFile(lockPath, O_RDWR | O_CREAT);
   Lock(lock, lockPath);
-  std::optional<OpenFile> file(std::in_place, path, kAppending);
-  if (file->Size() > largestFile_) Rotate(folder_, file);
-  const bool isNew = file->Size() == 0;
-  Lines lines = LinesBehind(*file, folder_);
+  base::File file = OpenFile(path, kAppending);
+  if (SizeOf(file) > largestFile_) Rotate(folder_, file);
+  const bool isNew = SizeOf(file) == 0;
+  Lines lines = LinesBehind(file, folder_);
   lines.Add(event, visitor, details);
-  WriteWhole(*file, lines.Text(), path);
-  if (isNew) Sync(folder_);
+  WriteWhole(file, lines.Text(), path);
+  if (isNew && !base::SyncFolder(folder_)) Fail(folder_, "cannot be synced");
   return lines.Last();
 }
 

@@ -1,14 +1,17 @@
 #include "host/audit/json.h"
 
+#include <array>
+#include <cstdint>
+
 #include "kalvo/platform/append.h"
+#include "kalvo/platform/text.h"
 
 namespace kalvo::audit {
 namespace {
 
-constexpr char kHex[] = "0123456789abcdef";
-
 void AppendUnit(std::string& out, unsigned unit) {
-  Append(out, "\\u", kHex[unit >> 12 & 15], kHex[unit >> 8 & 15], kHex[unit >> 4 & 15], kHex[unit & 15]);
+  out += "\\u";
+  AppendHexadecimal(out, std::array{static_cast<std::uint8_t>(unit >> 8), static_cast<std::uint8_t>(unit)});
 }
 
 // U+0080 to U+009F, and U+2028, U+2029 and the marks that turn the direction of a text around: how many bytes such a

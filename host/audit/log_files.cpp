@@ -45,19 +45,13 @@ std::vector<fs::path> LogFiles(const fs::path& folder) {
   return files;
 }
 
-FileEnd ReadEnd(int file, std::int64_t size, const fs::path& path) {
+FileEnd ReadEnd(const base::File& file, const fs::path& path) {
   // Room for the longest line, and for what a torn one left behind it.
-  const std::int64_t from = std::max<std::int64_t>(0, size - 2 * static_cast<std::int64_t>(kLongestLine));
-  std::string text(static_cast<std::size_t>(size - from), '\0');
-  std::size_t got = 0;
-  while (got < text.size()) {
-    const ssize_t piece = pread(file, text.data() + got, text.size() - got, from + static_cast<std::int64_t>(got));
-    if (piece < 0 && errno == EINTR) continue;
-    if (piece < 0) throw AuditError(path.filename().string() + " cannot be read: " + std::strerror(errno));
-    if (piece == 0) break;
-    got += static_cast<std::size_t>(piece);
-  }
-  text.resize(got);
+  const auto size = static_cast<std::size_t>(base::StatusOf(file).st_size);
+  const std::size_t from = size - std::min(size, 2 * kLongestLine);
+  const auto piece = base::ReadPiece(file, size - from, from);
+  if (!piece) throw AuditError(path.filename().string() + " cannot be read: " + std::strerror(errno));
+  const std::string& text = *piece;
 
   FileEnd end;
   std::size_t lineEnd = text.rfind('\n');

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "base/file.h"
 #include "host/audit/record.h"
 
 namespace kalvo::audit {
@@ -28,6 +29,6 @@ struct FileEnd {
 
 // Reads the end of an open file. Fails with AuditError where it cannot be read, and where its end is nothing that a
 // log could end with.
-FileEnd ReadEnd(int file, std::int64_t size, const std::filesystem::path& path);
+FileEnd ReadEnd(const base::File& file, const std::filesystem::path& path);
 
 }  // namespace kalvo::audit

@@ -10,6 +10,8 @@
 #include "host/audit/json.h"
 #include "host/script/text/text.h"
 #include "kalvo/platform/append.h"
+#include "kalvo/platform/text.h"
+#include "kalvo/platform/utf8.h"
 
 namespace kalvo::audit {
 namespace {
@@ -94,17 +96,6 @@ class Scanner {
     AppendCharacter(text, unit);
   }
 
-  static void AppendCharacter(std::string& text, unsigned unit) {
-    if (unit < 0x80) {
-      text += static_cast<char>(unit);
-    } else if (unit < 0x800) {
-      Append(text, static_cast<char>(0xC0 | unit >> 6), static_cast<char>(0x80 | (unit & 0x3F)));
-    } else {
-      Append(text, static_cast<char>(0xE0 | unit >> 12), static_cast<char>(0x80 | (unit >> 6 & 0x3F)),
-             static_cast<char>(0x80 | (unit & 0x3F)));
-    }
-  }
-
   std::string_view rest_;
   bool good_ = true;
 };
@@ -120,11 +111,9 @@ std::string_view Record::Detail(std::string_view name) const {
 
 std::string HashOf(std::string_view text) {
   if (sodium_init() < 0) throw std::runtime_error("the cryptography library cannot be used");
-  unsigned char bytes[crypto_hash_sha256_BYTES];
+  std::uint8_t bytes[crypto_hash_sha256_BYTES];
   crypto_hash_sha256(bytes, reinterpret_cast<const unsigned char*>(text.data()), text.size());
-  char digits[2 * sizeof bytes + 1];
-  sodium_bin2hex(digits, sizeof digits, bytes, sizeof bytes);
-  return digits;
+  return Hexadecimal(bytes);
 }
 
 std::string Now() {

@@ -6,10 +6,11 @@
 
 #include <cerrno>
 #include <csignal>
-#include <ctime>
 #include <exception>
 #include <sstream>
 
+#include "base/clock.h"
+#include "base/file.h"
 #include "host/parts/database_proof.h"
 #include "host/parts/setting_error.h"
 
@@ -18,12 +19,6 @@ namespace {
 
 constexpr int kPatienceMilliseconds = 10'000;
 constexpr std::size_t kLongestTold = 16 * 1024;
-
-std::int64_t Milliseconds() {
-  timespec now{};
-  clock_gettime(CLOCK_MONOTONIC, &now);
-  return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
-}
 
 // A proof as a line: its outcome's number, a blank, the finding.
 std::string Line(const Proof& proof) {
@@ -37,7 +32,7 @@ Proof FromLine(const std::string& line) {
   return {static_cast<Proof::Outcome>(line[0] - '0'), line.substr(2)};
 }
 
-[[noreturn]] void ProveAndTell(const PartsSettings& settings, int out) {
+[[noreturn]] void ProveAndTell(const PartsSettings& settings, const base::File& out) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   std::string told;
   try {
@@ -48,20 +43,19 @@ Proof FromLine(const std::string& line) {
     told = Line(failed) + Line(failed);
   }
   told.resize(std::min(told.size(), kLongestTold));
-  if (write(out, told.data(), told.size()) < 0) _exit(1);
-  _exit(0);
+  _exit(base::WriteAll(out, told) ? 0 : 1);
 }
 
 // What is told until the other end is closed or the time is over.
-std::string Listen(int in) {
-  const std::int64_t until = Milliseconds() + kPatienceMilliseconds;
+std::string Listen(const base::File& in) {
+  const std::int64_t until = base::Milliseconds() + kPatienceMilliseconds;
   std::string told;
-  for (std::int64_t left; (left = until - Milliseconds()) > 0;) {
-    pollfd waiting{in, POLLIN, 0};
+  for (std::int64_t left; (left = until - base::Milliseconds()) > 0;) {
+    pollfd waiting{in.Handle(), POLLIN, 0};
     if (poll(&waiting, 1, static_cast<int>(left)) < 0 && errno != EINTR) break;
     if (waiting.revents == 0) continue;
     char piece[4096];
-    const ssize_t got = read(in, piece, sizeof piece);
+    const ssize_t got = read(in.Handle(), piece, sizeof piece);
     if (got <= 0) break;
     told.append(piece, static_cast<std::size_t>(got));
   }
@@ -73,15 +67,13 @@ std::string Listen(int in) {
 DatabaseProof ProveDatabaseAside(const PartsSettings& settings) {
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) throw SettingError("there is no pipe for a proof of the database");
+  const base::File in(ends[0]);
+  base::File out(ends[1]);
   const pid_t child = fork();
-  if (child == 0) ProveAndTell(settings, ends[1]);
-  close(ends[1]);
-  if (child < 0) {
-    close(ends[0]);
-    throw SettingError("there is no process for a proof of the database");
-  }
-  std::istringstream told(Listen(ends[0]));
-  close(ends[0]);
+  if (child == 0) ProveAndTell(settings, out);
+  out.Close();
+  if (child < 0) throw SettingError("there is no process for a proof of the database");
+  std::istringstream told(Listen(in));
   kill(child, SIGKILL);
   while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
   }

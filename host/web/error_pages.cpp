@@ -1,9 +1,9 @@
 #include "host/web/error_pages.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
+#include <optional>
 
+#include "base/file.h"
 #include "host/script/text/encoding.h"
 #include "host/web/run_folder.h"
 #include "kalvo/platform/append.h"
@@ -39,12 +39,6 @@ std::string PlainPage(const ErrorPage& page) {
 
 std::string NameOf(int status) { return std::to_string(status) + ".html"; }
 
-bool ReadWhole(const fs::path& file, std::string& content) {
-  std::ifstream in(file, std::ios::binary);
-  content.assign(std::istreambuf_iterator<char>(in), {});
-  return static_cast<bool>(in);
-}
-
 }  // namespace
 
 std::span<const ErrorPage> ErrorPages() { return kErrorPages; }
@@ -52,9 +46,8 @@ std::span<const ErrorPage> ErrorPages() { return kErrorPages; }
 void WriteErrorPages(const fs::path& folder, const fs::path& custom) {
   fs::create_directories(folder);
   for (const ErrorPage& page : kErrorPages) {
-    std::string content;
-    if (custom.empty() || !ReadWhole(custom / NameOf(page.status), content)) content = PlainPage(page);
-    WriteFile(folder / NameOf(page.status), content);
+    const auto own = custom.empty() ? std::nullopt : base::ReadFile(custom / NameOf(page.status));
+    WriteFile(folder / NameOf(page.status), own ? *own : PlainPage(page));
   }
 }
 
@@ -66,8 +59,7 @@ std::string_view ReasonOf(int status) {
 }
 
 std::string ReadErrorPage(const fs::path& folder, int status, std::string_view why) {
-  std::string content;
-  if (!ReadWhole(folder / NameOf(status), content)) content = ReasonOf(status);
+  std::string content = base::ReadFile(folder / NameOf(status)).value_or(std::string(ReasonOf(status)));
   if (why.empty()) return content;
   std::string paragraph = "<p>";
   host::AppendHtmlEncoded(paragraph, why);

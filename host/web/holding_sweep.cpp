@@ -10,6 +10,7 @@
 #include <string>
 
 #include "adapters/mail/mail_store.h"
+#include "base/file.h"
 #include "host/web/log.h"
 #include "kalvo/platform/append.h"
 
@@ -32,22 +33,19 @@ bool HoldingSweep::IsDue() const {
 }
 
 void HoldingSweep::Run() {
-  const int file = store_ ? open(mark_.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600) : -1;
-  struct stat mark {};
-  if (file >= 0 && flock(file, LOCK_EX | LOCK_NB) == 0 && fstat(file, &mark) == 0 && IsOld(mark)) {
-    // First the mark: what fails fails an hour later again, not at once.
-    if (pwrite(file, "1", 1, 0) == 1) futimens(file, nullptr);
-    try {
-      const std::int32_t swept = store_->Sweep(std::time(nullptr) - heldFor_);
-      if (swept > 0) {
-        log_.Write(Built(
-            [&](std::string& out) { Append(out, "deleted messages that were held long enough are gone: ", swept); }));
-      }
-    } catch (const std::exception& error) {
-      log_.Write(std::string("deleted messages past their time could not be removed: ") + error.what());
+  const base::File mark = store_ ? base::Open(mark_, O_RDWR | O_CREAT | O_NOFOLLOW) : base::File();
+  if (!mark || flock(mark.Handle(), LOCK_EX | LOCK_NB) != 0 || !IsOld(base::StatusOf(mark))) return;
+  // First the mark: what fails fails an hour later again, not at once.
+  if (pwrite(mark.Handle(), "1", 1, 0) == 1) futimens(mark.Handle(), nullptr);
+  try {
+    const std::int32_t swept = store_->Sweep(std::time(nullptr) - heldFor_);
+    if (swept > 0) {
+      log_.Write(Built(
+          [&](std::string& out) { Append(out, "deleted messages that were held long enough are gone: ", swept); }));
     }
+  } catch (const std::exception& error) {
+    log_.Write(std::string("deleted messages past their time could not be removed: ") + error.what());
   }
-  if (file >= 0) close(file);
 }
 
 }  // namespace kalvo::web

@@ -11,11 +11,11 @@
 #include "host/parts/setting_error.h"
 #include "host/script/text/text.h"
 #include "kalvo/platform/append.h"
+#include "kalvo/platform/text.h"
 
 namespace kalvo::web {
 namespace {
 
-constexpr char kHex[] = "0123456789ABCDEF";
 constexpr std::size_t kMostOfAText = 200;  // bytes
 
 // Characters that end a line, steer a terminal or turn text around, in UTF-8, whose bytes are in the characters' order.
@@ -49,8 +49,9 @@ std::size_t HiddenAt(std::string_view text) {
 
 void AppendEscaped(std::string& out, std::string_view bytes) {
   for (const char character : bytes) {
-    const auto byte = static_cast<unsigned char>(character);
-    Append(out, "\\x", kHex[byte >> 4], kHex[byte & 15]);
+    const auto byte = static_cast<std::uint8_t>(character);
+    out += "\\x";
+    AppendHexadecimal(out, {&byte, 1}, HexLetters::Capital);
   }
 }
 
@@ -77,10 +78,6 @@ void AppendNow(std::string& out) {
 
 Log::Log(std::string file) : file_(std::move(file)) { Reopen(); }
 
-Log::~Log() {
-  if (descriptor_ > STDERR_FILENO) close(descriptor_);
-}
-
 void Log::Write(std::string_view text) const {
   std::string line;
   AppendNow(line);
@@ -88,19 +85,17 @@ void Log::Write(std::string_view text) const {
   AppendPrintable(line, host::WellFormed(text));
   line += '\n';
   // A log that cannot be written is no reason to stop serving.
-  if (write(descriptor_, line.data(), line.size()) < 0) return;
+  if (write(Descriptor(), line.data(), line.size()) < 0) return;
 }
 
 void Log::Reopen() {
-  if (file_ == "-") {
-    descriptor_ = STDERR_FILENO;
-    return;
-  }
-  const int opened = open(file_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0640);
-  if (opened < 0) throw host::SettingError("the log " + file_ + " cannot be written: " + std::strerror(errno));
-  if (descriptor_ > STDERR_FILENO) close(descriptor_);
-  descriptor_ = opened;
+  if (file_ == "-") return;
+  base::File opened = base::Open(file_, O_WRONLY | O_APPEND | O_CREAT, 0640);
+  if (!opened) throw host::SettingError("the log " + file_ + " cannot be written: " + std::strerror(errno));
+  opened_ = std::move(opened);
 }
+
+int Log::Descriptor() const { return opened_ ? opened_.Handle() : STDERR_FILENO; }
 
 std::string InLog(std::string_view text) {
   if (text.size() <= kMostOfAText) return std::string(text);

@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/file.h"
+
 namespace kalvo::web {
 
 // The server's log, shared by the supervisor and its workers: one line an event, with the time and who wrote it.
@@ -11,7 +13,6 @@ class Log {
  public:
   // "-" is standard error. Fails with SettingError for a file that cannot be written.
   explicit Log(std::string file);
-  ~Log();
   Log(const Log&) = delete;
   Log& operator=(const Log&) = delete;
 
@@ -22,11 +23,11 @@ class Log {
   // Opens the file anew, after somebody moved it away.
   void Reopen();
 
-  int Descriptor() const { return descriptor_; }
+  int Descriptor() const;
 
  private:
   std::string file_;
-  int descriptor_ = -1;
+  base::File opened_;  // closed: standard error
 };
 
 // A text from outside as a line of the log has it: as much as fits into 200 bytes.

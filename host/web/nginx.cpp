@@ -11,13 +11,13 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <thread>
 
+#include "base/clock.h"
+#include "base/file.h"
 #include "host/parts/setting_error.h"
 #include "host/web/log.h"
 #include "host/web/run_folder.h"
-#include "host/web/worker_slots.h"
 #include "kalvo/platform/append.h"
 
 namespace kalvo::web {
@@ -31,9 +31,7 @@ constexpr std::uintmax_t kLongestLog = 4 << 20;  // bytes
 
 // What nginx wrote since `from`.
 std::string LogSince(const fs::path& file, std::uintmax_t from) {
-  std::ifstream in(file, std::ios::binary);
-  in.seekg(static_cast<std::streamoff>(from));
-  return std::string(std::istreambuf_iterator<char>(in), {});
+  return base::ReadPiece(base::Open(file, O_RDONLY), kLongestLog, from).value_or("");
 }
 
 std::uintmax_t SizeOf(const fs::path& file) {
@@ -65,11 +63,10 @@ void Nginx::Fork() {
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
-  const int out = open(log.c_str(), O_WRONLY | O_APPEND | O_CREAT, 0600);
-  const int in = open("/dev/null", O_RDONLY);
-  dup2(in, STDIN_FILENO);
-  dup2(out, STDOUT_FILENO);
-  dup2(out, STDERR_FILENO);
+  const base::File out = base::Open(log, O_WRONLY | O_APPEND | O_CREAT), in = base::Open("/dev/null", O_RDONLY);
+  dup2(in.Handle(), STDIN_FILENO);
+  dup2(out.Handle(), STDOUT_FILENO);
+  dup2(out.Handle(), STDERR_FILENO);
   execlp(program_.c_str(), program_.c_str(), "-p", folder.c_str(), "-c", config.c_str(), "-e", log.c_str(), nullptr);
   const std::string why = "cannot run " + program_ + ": " + std::strerror(errno) + "\n";
   _exit(write(STDERR_FILENO, why.data(), why.size()) < 0 ? 126 : 127);
@@ -85,14 +82,14 @@ bool Nginx::Listens() const {
 void Nginx::Start() {
   const std::uintmax_t before = SizeOf(run_.NginxLog());
   Fork();
-  const std::int64_t until = Milliseconds() + kStartMilliseconds;
+  const std::int64_t until = base::Milliseconds() + kStartMilliseconds;
   while (!Listens()) {
     int status = 0;
     if (waitpid(process_, &status, WNOHANG) == process_) {
       process_ = 0;
       throw host::SettingError("nginx did not start: " + LogSince(run_.NginxLog(), before));
     }
-    if (Milliseconds() > until) {
+    if (base::Milliseconds() > until) {
       Kill();
       throw host::SettingError("nginx did not start within 10 seconds: " + LogSince(run_.NginxLog(), before));
     }
@@ -101,8 +98,8 @@ void Nginx::Start() {
 }
 
 void Nginx::Keep() {
-  if (Running() || quitting_ || Milliseconds() < nextStart_) return;
-  nextStart_ = Milliseconds() + kRestartMilliseconds;
+  if (Running() || quitting_ || base::Milliseconds() < nextStart_) return;
+  nextStart_ = base::Milliseconds() + kRestartMilliseconds;
   Fork();
 }
 
@@ -137,7 +134,7 @@ bool Nginx::Ended(pid_t child, int status) {
   kill(-process_, SIGKILL);
   process_ = 0;
   if (quitting_) return true;
-  nextStart_ = Milliseconds() + kRestartMilliseconds / 10;
+  nextStart_ = base::Milliseconds() + kRestartMilliseconds / 10;
   std::string line = "nginx ended ";
   if (WIFSIGNALED(status)) Append(line, "by signal ", WTERMSIG(status));
   if (WIFEXITED(status)) Append(line, "with code ", WEXITSTATUS(status), "; see ", run_.NginxLog().string());

@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "base/file.h"
 #include "host/parts/setting_error.h"
 
 namespace kalvo::web {
@@ -85,10 +86,9 @@ void HandOver(const fs::path& folder, const Identity& identity) {
 bool MayRead(const fs::path& file, const Identity& identity) {
   if (geteuid() != 0) return access(file.c_str(), R_OK) == 0;
   if (setegid(identity.group) != 0 || seteuid(identity.user) != 0) return false;
-  const int opened = open(file.c_str(), O_RDONLY | O_CLOEXEC);
+  const base::File opened = base::Open(file, O_RDONLY);
   if (seteuid(0) != 0 || setegid(0) != 0) std::terminate();  // what is left could not go on serving
-  if (opened >= 0) close(opened);
-  return opened >= 0;
+  return static_cast<bool>(opened);
 }
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)

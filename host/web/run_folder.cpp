@@ -8,47 +8,30 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <system_error>
 
+#include "base/fresh_file.h"
+#include "base/private_folder.h"
 #include "host/parts/setting_error.h"
 #include "host/web/privileges.h"
 
 namespace kalvo::web {
-namespace {
 
 namespace fs = std::filesystem;
 using host::SettingError;
-
-void MakePrivate(const fs::path& path) {
-  std::error_code error;
-  fs::create_directories(path.parent_path(), error);
-  if (mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) {
-    throw SettingError("run: the folder " + path.string() + " cannot be made: " + std::strerror(errno));
-  }
-  struct stat status {};
-  if (lstat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != geteuid()) {
-    throw SettingError("run: " + path.string() + " is no folder of this user");
-  }
-}
-
-}  // namespace
 
 RunFolder::RunFolder(fs::path path) : path_(std::move(path)) {
   if (Socket().native().size() >= sizeof(sockaddr_un::sun_path)) {
     throw SettingError("run: " + path_.string() + " is too long for a socket in it; a shorter path is needed");
   }
-  MakePrivate(path_);
+  const std::string wrong = base::MakePrivateFolder(path_, base::Privacy::Own);
+  if (!wrong.empty()) throw SettingError("run: " + path_.string() + " cannot be the server's own folder: " + wrong);
   const fs::path file = path_ / "lock";
-  lock_ = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-  if (lock_ < 0) throw SettingError("run: " + file.string() + " cannot be written: " + std::strerror(errno));
-  if (flock(lock_, LOCK_EX | LOCK_NB) != 0) {
-    close(lock_);
+  lock_ = base::Open(file, O_RDWR | O_CREAT);
+  if (!lock_) throw SettingError("run: " + file.string() + " cannot be written: " + std::strerror(errno));
+  if (flock(lock_.Handle(), LOCK_EX | LOCK_NB) != 0) {
     throw SettingError("run: another server is running in " + path_.string());
   }
 }
-
-RunFolder::~RunFolder() { close(lock_); }
 
 void RunFolder::Show(const Identity& identity) const {
   const bool shown = chmod(path_.c_str(), 0711) == 0 && chmod(Errors().c_str(), 0755) == 0 &&
@@ -57,13 +40,8 @@ void RunFolder::Show(const Identity& identity) const {
 }
 
 void WriteFile(const fs::path& file, std::string_view content) {
-  const fs::path fresh = file.string() + ".new";
-  std::ofstream out(fresh, std::ios::binary | std::ios::trunc);
-  out.write(content.data(), static_cast<std::streamsize>(content.size()));
-  out.close();
-  std::error_code error;
-  if (out) fs::rename(fresh, file, error);
-  if (!out || error) throw SettingError(file.string() + " cannot be written");
+  if (base::ReplaceFile(file, content, {.mode = 0644})) return;
+  throw SettingError(file.string() + " cannot be written: " + std::strerror(errno));
 }
 
 }  // namespace kalvo::web

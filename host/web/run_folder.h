@@ -1,6 +1,9 @@
 #pragma once
 
 #include <filesystem>
+#include <string_view>
+
+#include "base/file.h"
 
 namespace kalvo::web {
 
@@ -13,7 +16,6 @@ class RunFolder {
   // Makes the folder where it is missing and takes hold of it. Fails with SettingError when it belongs to another
   // user or is held by another server.
   explicit RunFolder(std::filesystem::path path);
-  ~RunFolder();
   RunFolder(const RunFolder&) = delete;
   RunFolder& operator=(const RunFolder&) = delete;
 
@@ -31,10 +33,10 @@ class RunFolder {
 
  private:
   std::filesystem::path path_;
-  int lock_ = -1;
+  base::File lock_;
 };
 
-// Writes a file as a whole: a reader sees the old content or the new. Fails with SettingError.
+// Writes a file as a whole, for everybody to read: a reader sees the old content or the new. Fails with SettingError.
 void WriteFile(const std::filesystem::path& file, std::string_view content);
 
 }  // namespace kalvo::web

@@ -10,6 +10,7 @@
 #include <csignal>
 #include <ostream>
 
+#include "base/clock.h"
 #include "host/parts/setting_error.h"
 #include "host/web/address.h"
 #include "host/web/error_pages.h"
@@ -19,7 +20,6 @@
 #include "host/web/nginx_config.h"
 #include "host/web/worker.h"
 #include "host/web/worker_pool.h"
-#include "host/web/worker_slots.h"
 #include "kalvo/platform/append.h"
 
 namespace kalvo::web {
@@ -29,18 +29,14 @@ constexpr int kBeatMilliseconds = 100;     // how often the workers are looked a
 constexpr int kStopMilliseconds = 5000;    // for what is still running when the server is told to stop
 constexpr int kWorkerMilliseconds = 2000;  // for workers to go, once nobody asks them
 
-bool HasTerminal() {
-  const int terminal = open("/dev/tty", O_RDONLY | O_CLOEXEC);
-  if (terminal >= 0) close(terminal);
-  return terminal >= 0;
-}
+bool HasTerminal() { return static_cast<bool>(base::Open("/dev/tty", O_RDONLY)); }
 
-int OpenSignals() {
+base::File OpenSignals() {
   sigset_t set;
   sigemptyset(&set);
   for (const int signal : {SIGCHLD, SIGHUP, SIGINT, SIGTERM, SIGUSR1}) sigaddset(&set, signal);
   sigprocmask(SIG_BLOCK, &set, nullptr);
-  return signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
+  return base::File(signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
 }
 
 }  // namespace
@@ -53,10 +49,7 @@ Supervisor::Supervisor(Load load)
       trail_(settings_.audit, [this](std::string_view line) { log_.Write(line); }),
       hasTerminal_(HasTerminal()) {}
 
-Supervisor::~Supervisor() {
-  if (signals_ >= 0) close(signals_);
-  if (socket_ >= 0) close(socket_);
-}
+Supervisor::~Supervisor() = default;
 
 void Supervisor::Run(std::ostream& out) {
   try {
@@ -86,7 +79,7 @@ void Supervisor::Start(std::ostream& out) {
   socket_ = ListenForNginx(run_.Socket(), settings_.queue);
   if (geteuid() == 0 && generation->identity) run_.Show(*generation->identity);
   const auto live = [this](Generation& current, WorkerSlot& slot, pid_t parent) {
-    return Worker(current, run_.Errors(), log_, slot).Run(socket_, parent);
+    return Worker(current, run_.Errors(), log_, slot).Run(socket_.Handle(), parent);
   };
   pool_ = std::make_unique<WorkerPool>(live, log_);
   pool_->Use(generation);
@@ -114,11 +107,11 @@ void Supervisor::WriteConfiguration(const Settings& settings) {
 
 // Waits for signals and answers them.
 Supervisor::Wish Supervisor::Attend(int milliseconds) {
-  pollfd waiting{signals_, POLLIN, 0};
+  pollfd waiting{signals_.Handle(), POLLIN, 0};
   poll(&waiting, 1, milliseconds);
   signalfd_siginfo info{};
   Wish wish = Wish::None;
-  while (read(signals_, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
+  while (read(signals_.Handle(), &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
     switch (info.ssi_signo) {
       case SIGTERM:
       case SIGINT: wish = Wish::Stop; break;
@@ -150,7 +143,7 @@ void Supervisor::Reload() {
     const auto generation = std::make_shared<Generation>(fresh, log_, trail_);
     WriteConfiguration(fresh);
     settings_ = fresh;
-    ChangeQueue(socket_, settings_.queue);
+    ChangeQueue(socket_.Handle(), settings_.queue);
     pool_->Use(generation);
     if (nginx_) {
       nginx_->Owns(settings_.proxySocket);
@@ -197,8 +190,8 @@ void Supervisor::Reap() {
 void Supervisor::Stop() {
   if (!pool_) return;
   const auto wait = [this](int milliseconds, auto&& isOver) {
-    const std::int64_t until = Milliseconds() + milliseconds;
-    while (!isOver() && Milliseconds() < until) {
+    const std::int64_t until = base::Milliseconds() + milliseconds;
+    while (!isOver() && base::Milliseconds() < until) {
       if (Attend(kBeatMilliseconds) == Wish::Stop) break;
     }
   };

@@ -48,8 +48,7 @@ class Supervisor {
   audit::Trail trail_;
   bool hasTerminal_;
   std::string users_;  // what told the users file from another one when it was last looked at
-  int signals_ = -1;
-  int socket_ = -1;
+  base::File signals_, socket_;
   std::unique_ptr<WorkerPool> pool_;
   std::unique_ptr<Nginx> nginx_;
 };

@@ -2,7 +2,7 @@
 
 #include <poll.h>
 
-#include "host/web/worker_slots.h"
+#include "base/clock.h"
 
 namespace kalvo::web {
 namespace {
@@ -24,7 +24,7 @@ void Visitor::Arrived(int connection) {
 
 bool Visitor::IsThere() {
   const int connection = connection_;
-  const std::int64_t now = Milliseconds();
+  const std::int64_t now = base::Milliseconds();
   if (connection < 0 || gone_ || now < nextLook_) return !gone_;
   nextLook_ = now + kBetweenLooks;
   if (HasHungUp(connection)) gone_ = true;

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/clock.h"
 #include "host/web/generation.h"
 #include "host/web/log.h"
 #include "kalvo/platform/append.h"
@@ -44,7 +45,7 @@ void WorkerPool::Renew() {
 
 void WorkerPool::Keep() {
   EndOverdue();
-  if (!generation_ || Milliseconds() < nextStart_) return;
+  if (!generation_ || base::Milliseconds() < nextStart_) return;
   const auto isCurrent = [this](const Member& member) { return !member.retired && member.generation == generation_; };
   for (auto count = std::count_if(workers_.begin(), workers_.end(), isCurrent); count < generation_->settings.workers;
        ++count) {
@@ -67,10 +68,10 @@ void WorkerPool::Start() {
   }
   if (process < 0) {
     log_.Write(std::string("a worker could not be started: ") + std::strerror(errno));
-    nextStart_ = Milliseconds() + kLongestDelay;
+    nextStart_ = base::Milliseconds() + kLongestDelay;
     return;
   }
-  workers_.push_back({process, slot, generation_, Milliseconds()});
+  workers_.push_back({process, slot, generation_, base::Milliseconds()});
 }
 
 // All that a child of the supervisor ever runs: nothing goes up from here into what is the supervisor's to do.
@@ -93,7 +94,7 @@ int WorkerPool::FreeSlot() const {
 }
 
 void WorkerPool::EndOverdue() {
-  const std::int64_t now = Milliseconds();
+  const std::int64_t now = base::Milliseconds();
   for (Member& member : workers_) {
     const std::int64_t deadline = slots_[member.slot].deadline;
     if (deadline == 0 || now < deadline || member.overdue) continue;
@@ -107,10 +108,10 @@ bool WorkerPool::Ended(pid_t child, int status) {
       std::find_if(workers_.begin(), workers_.end(), [child](const Member& member) { return member.process == child; });
   if (found == workers_.end()) return false;
   LogEnd(*found, status);
-  const bool atOnce = slots_[found->slot].pages == 0 && !found->retired && Milliseconds() - found->started < 1000;
+  const bool atOnce = slots_[found->slot].pages == 0 && !found->retired && base::Milliseconds() - found->started < 1000;
   workers_.erase(found);
   startDelay_ = atOnce ? std::clamp(startDelay_ * 2, kFirstDelay, kLongestDelay) : 0;
-  nextStart_ = Milliseconds() + startDelay_;
+  nextStart_ = base::Milliseconds() + startDelay_;
   return true;
 }
 

@@ -3,8 +3,9 @@
 #include <sys/mman.h>
 
 #include <algorithm>
-#include <chrono>
 #include <new>
+
+#include "base/clock.h"
 
 namespace kalvo::web {
 
@@ -20,17 +21,12 @@ WorkerSlots::WorkerSlots(int count) : count_(count) {
 
 WorkerSlots::~WorkerSlots() { munmap(slots_, sizeof(WorkerSlot) * static_cast<std::size_t>(count_)); }
 
-std::int64_t Milliseconds() {
-  using std::chrono::duration_cast;
-  return duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
-
 RunningPage::RunningPage(WorkerSlot& slot, std::string_view page, std::int64_t milliseconds) : slot_(slot) {
   const std::size_t length = std::min(page.size(), sizeof slot.page - 1);
   page.copy(slot.page, length);
   slot.page[length] = '\0';
   slot.pages.fetch_add(1);
-  slot.deadline.store(Milliseconds() + milliseconds);
+  slot.deadline.store(base::Milliseconds() + milliseconds);
 }
 
 RunningPage::~RunningPage() { slot_.deadline.store(0); }

@@ -29,9 +29,6 @@ class WorkerSlots {
   WorkerSlot* slots_;
 };
 
-// A clock that nobody sets back; the same in every process.
-std::int64_t Milliseconds();
-
 // Marks a page as running for as long as this lives.
 class RunningPage {
  public:

@@ -12,7 +12,7 @@
 namespace kalvo::test {
 
 void MimeMessage(std::string_view bytes) {
-  const maildir::File file(memfd_create("message", MFD_CLOEXEC));
+  const base::File file(memfd_create("message", MFD_CLOEXEC));
   Require(write(file.Handle(), bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()), "a file is made");
   for (const auto what : {maildir::Read::Listing, maildir::Read::Attachments}) {
     const maildir::MessageContent content = maildir::ReadMessage(file, what);

@@ -6,6 +6,9 @@
 #include <new>
 #include <stdexcept>
 
+#include "base/random.h"
+#include "kalvo/platform/text.h"
+
 namespace kalvo::web::login {
 namespace {
 
@@ -14,12 +17,6 @@ constexpr std::string_view kHashPrefix = crypto_pwhash_argon2id_STRPREFIX;
 
 void Prepare() {
   if (sodium_init() < 0) throw std::runtime_error("the cryptography library cannot be used");
-}
-
-std::string Hexadecimal(const unsigned char (&bytes)[kTokenBytes]) {
-  char digits[2 * kTokenBytes + 1];
-  sodium_bin2hex(digits, sizeof digits, bytes, kTokenBytes);
-  return digits;
 }
 
 }  // namespace
@@ -49,21 +46,13 @@ bool IsPasswordHash(std::string_view text) {
          std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c < 0x7f; });
 }
 
-std::string NewToken() {
-  Prepare();
-  unsigned char bytes[kTokenBytes];
-  randombytes_buf(bytes, sizeof bytes);
-  return Hexadecimal(bytes);
-}
+std::string NewToken() { return base::RandomName(kTokenBytes); }
 
-bool IsToken(std::string_view text) {
-  return text.size() == 2 * kTokenBytes &&
-         std::all_of(text.begin(), text.end(), [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); });
-}
+bool IsToken(std::string_view text) { return text.size() == 2 * kTokenBytes && IsHexadecimal(text); }
 
 std::string Fingerprint(std::string_view text) {
   Prepare();
-  unsigned char bytes[kTokenBytes];
+  std::uint8_t bytes[kTokenBytes];
   crypto_generichash(bytes, sizeof bytes, reinterpret_cast<const unsigned char*>(text.data()), text.size(), nullptr, 0);
   return Hexadecimal(bytes);
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <stdexcept>
 #include <string_view>
@@ -16,8 +15,5 @@ class NotKept : public std::runtime_error {
 // Makes the folder for its owner alone; one that is there has to be so already. Fails with SettingError, which names
 // the setting that led here.
 void MakePrivateFolder(std::string_view setting, const std::filesystem::path& folder);
-
-// Removes the files of a folder that nobody has written or touched for so many seconds.
-void RemoveOlderThan(const std::filesystem::path& folder, std::int64_t seconds);
 
 }  // namespace kalvo::web::login

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,6 +12,8 @@
 #include <tuple>
 #include <vector>
 
+#include "base/fresh_file.h"
+#include "base/private_folder.h"
 #include "host/parts/setting_error.h"
 #include "host/web/log.h"
 #include "host/web/login/password.h"
@@ -28,6 +29,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kMagic = "kalvo session 1\n";
 constexpr std::size_t kLargestFile = kLargestSession + 4096;
+constexpr std::size_t kLongestHead = 512;  // what tells whose it is
 constexpr const char* kFileEnd = ".session";
 constexpr std::chrono::milliseconds kBeat{10};
 constexpr int kMostTries = 3;  // to begin a session that others begin at the same moment
@@ -53,29 +55,15 @@ std::optional<std::string> TakeLine(std::string_view& text) {
   return line;
 }
 
-bool WriteWhole(int file, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t written = write(file, text.data(), text.size());
-    if (written < 0) return false;
-    text.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
-}
-
 // Held while it is decided whether a session's file stays. Where it cannot be had, files go and stay without it.
 class FolderLock {
  public:
-  explicit FolderLock(const fs::path& folder) : lock_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    if (lock_ >= 0) flock(lock_, LOCK_EX);
+  explicit FolderLock(const fs::path& folder) : folder_(base::Open(folder, O_RDONLY | O_DIRECTORY)) {
+    if (folder_) flock(folder_.Handle(), LOCK_EX);
   }
-  ~FolderLock() {
-    if (lock_ >= 0) close(lock_);
-  }
-  FolderLock(const FolderLock&) = delete;
-  FolderLock& operator=(const FolderLock&) = delete;
 
  private:
-  int lock_;
+  base::File folder_;
 };
 
 // Whose session a file holds, and since when.
@@ -89,20 +77,15 @@ struct Holder {
 };
 
 std::optional<Holder> HolderOf(const fs::path& path) {
-  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-  if (file < 0) return std::nullopt;
-  char head[512];
-  const ssize_t size = read(file, head, sizeof head);
-  struct stat state {};
-  const bool told = fstat(file, &state) == 0;
-  close(file);
-  std::string_view rest(head, static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
-  if (!told || !rest.starts_with(kMagic)) return std::nullopt;
+  const base::File file = base::Open(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+  const auto head = base::ReadPiece(file, kLongestHead);
+  std::string_view rest = head ? *head : std::string_view();
+  if (!rest.starts_with(kMagic)) return std::nullopt;
   rest.remove_prefix(kMagic.size());
   const auto account = TakeLine(rest), stamp = TakeLine(rest), created = TakeLine(rest);
   const auto seconds = created ? ParseNumber(*created) : std::nullopt;
   if (!seconds) return std::nullopt;
-  return Holder{path, *account, static_cast<std::int64_t>(*seconds), state.st_mtim};
+  return Holder{path, *account, static_cast<std::int64_t>(*seconds), base::StatusOf(file).st_mtim};
 }
 
 // The sessions of an account, or all for "".
@@ -128,8 +111,7 @@ FileSession::~FileSession() {
   } else {
     Keep();
   }
-  close(file_);  // lets the next page have it
-}
+}  // the file is closed, so the next page can have it
 
 bool FileSession::BelongsTo(const User& user) const {
   return EqualsIgnoringCase(user.account, account_) && user.Stamp() == stamp_;
@@ -146,10 +128,8 @@ std::shared_ptr<LiveContainer> FileSession::LiveDriller() {
 }
 
 bool FileSession::Read() {
-  std::string content(kLargestFile, '\0');
-  const ssize_t size = pread(file_, content.data(), content.size(), 0);
-  if (size < 0) return false;
-  std::string_view rest(content.data(), static_cast<std::size_t>(size));
+  const auto content = base::ReadPiece(file_, kLargestFile);
+  std::string_view rest = content ? *content : std::string_view();
   if (!rest.starts_with(kMagic)) return false;
   rest.remove_prefix(kMagic.size());
   const auto account = TakeLine(rest), stamp = TakeLine(rest), created = TakeLine(rest);
@@ -171,29 +151,18 @@ std::string FileSession::Content() const {
 // A changed session replaces its file as a whole; any other is touched, so that it does not expire.
 void FileSession::Keep() {
   if (!changed_) {
-    futimens(file_, nullptr);
+    futimens(file_.Handle(), nullptr);
   } else if (!Replace()) {
     log_.Write(std::string("a session was not kept: ") + std::strerror(errno));
   }
 }
 
 bool FileSession::Replace() const {
-  const fs::path fresh = path_.string() + ".new";
-  const int file = open(fresh.c_str(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC | O_NOFOLLOW, 0600);
-  if (file < 0) return false;
-  bool kept = WriteWhole(file, Content());
-  int why = errno;
+  base::FreshFile fresh(path_);
+  if (!fresh.Write(Content())) return false;
   const FolderLock lock(path_.parent_path());
   // One that was ended meanwhile does not come back.
-  const bool ended = !IsStillThere(file_, path_);
-  if (kept && !ended && rename(fresh.c_str(), path_.c_str()) != 0) {
-    why = errno;
-    kept = false;
-  }
-  close(file);
-  if (!kept || ended) unlink(fresh.c_str());  // half a session, on a disk that may be full
-  errno = why;
-  return kept;
+  return !base::IsStillThere(file_, path_) || fresh.TakePlace();
 }
 
 // ---- all sessions ---------------------------------------------------------------------------------------
@@ -211,28 +180,28 @@ fs::path SessionStore::PathOf(std::string_view id) const { return folder_ / (Fin
 
 std::string SessionStore::Create(const User& user, const std::vector<std::string>& replaced) {
   // Whoever is idle too long is gone, whether or not the browser ever asks again.
-  RemoveOlderThan(folder_, lifetimes_.idle);
-  RemoveOlderThan(folder_ / "waiting", lifetimes_.longest);
+  base::RemoveOlderThan(folder_, lifetimes_.idle);
+  base::RemoveOlderThan(folder_ / "waiting", lifetimes_.longest);
   const std::string id = NewToken();
   const fs::path path = PathOf(id);
-  const int file = open(path.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
-  if (file < 0) throw NotKept(path.string() + ": " + std::strerror(errno));
-  WriteFresh(file, path, user);
+  WriteFresh(path, user);
   for (const std::string& old : replaced) EndOne(old);
   EndOldest(user.account, path);
   return id;
 }
 
-// A session that begins, with the rights that the user has now. The file is closed.
-void SessionStore::WriteFresh(int file, const fs::path& path, const User& user) const {
-  FileSession session(file, path, makeDriller_, log_);
+// The file of a session that begins, with the rights that the user has now.
+void SessionStore::WriteFresh(const fs::path& path, const User& user) const {
+  base::File file = base::Open(path, O_CREAT | O_EXCL | O_RDWR);
+  if (!file) throw NotKept(path.string() + ": " + std::strerror(errno));
+  FileSession session(std::move(file), path, makeDriller_, log_);
   session.account_ = user.account;
   session.stamp_ = user.Stamp();
   session.created_ = Now();
   for (const RightValue& right : kRightValues) {
     if (user.*right.flag) session.values_.Set(right.name, Value(std::string("Yes")));
   }
-  if (WriteWhole(file, session.Content())) return;
+  if (base::WriteAll(session.file_, session.Content())) return;
   session.Abandon();
   throw NotKept(path.string() + ": " + std::strerror(errno));
 }
@@ -258,12 +227,12 @@ int SessionStore::End(const fs::path& folder, std::string_view account) {
 }
 
 // Takes the lock of a session's file, from a seat of the waiting room where another page has it. Throws SessionBusy.
-void SessionStore::AwaitLock(int file, const fs::path& path, Clock::time_point until,
+void SessionStore::AwaitLock(const base::File& file, const fs::path& path, Clock::time_point until,
                              std::unique_ptr<WaitingRoom::Seat>& seat) const {
-  if (flock(file, LOCK_EX | LOCK_NB) == 0) return;
+  if (flock(file.Handle(), LOCK_EX | LOCK_NB) == 0) return;
   if (!seat) seat = room_.Enter(path.filename().string());
   while (seat && Clock::now() < until && (!waiting_.isWanted || waiting_.isWanted())) {
-    if (flock(file, LOCK_EX | LOCK_NB) == 0) return;
+    if (flock(file.Handle(), LOCK_EX | LOCK_NB) == 0) return;
     std::this_thread::sleep_for(kBeat);
   }
   throw SessionBusy();
@@ -281,11 +250,9 @@ std::unique_ptr<FileSession> SessionStore::OpenProxied(const User& user, std::ch
       if (session->BelongsTo(user)) return session;
       session->Abandon();
     }
-    RemoveOlderThan(folder_, lifetimes_.idle);
+    base::RemoveOlderThan(folder_, lifetimes_.idle);
     const fs::path fresh = folder_ / (NewToken() + ".new");
-    const int file = open(fresh.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
-    if (file < 0) throw NotKept(fresh.string() + ": " + std::strerror(errno));
-    WriteFresh(file, fresh, user);
+    WriteFresh(fresh, user);
     if (rename(fresh.c_str(), path.c_str()) != 0) throw NotKept(path.string() + ": " + std::strerror(errno));
   }
   throw SessionBusy();
@@ -295,11 +262,11 @@ std::unique_ptr<FileSession> SessionStore::OpenAt(const fs::path& path, std::chr
   const auto until = Clock::now() + patience;
   std::unique_ptr<WaitingRoom::Seat> seat;
   for (;;) {
-    const int file = open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW);
-    if (file < 0) return nullptr;
-    std::unique_ptr<FileSession> session(new FileSession(file, path, makeDriller_, log_));
-    AwaitLock(file, path, until, seat);
-    if (!IsStillThere(file, path)) continue;
+    base::File file = base::Open(path, O_RDWR | O_NOFOLLOW);
+    if (!file) return nullptr;
+    std::unique_ptr<FileSession> session(new FileSession(std::move(file), path, makeDriller_, log_));
+    AwaitLock(session->file_, path, until, seat);
+    if (!base::IsStillThere(session->file_, path)) continue;
     if (session->Read() && !HasExpired(*session)) return session;
     session->Abandon();
     return nullptr;
@@ -315,10 +282,8 @@ std::string SessionStore::EndOne(std::string_view id) const {
 }
 
 bool SessionStore::HasExpired(const FileSession& session) const {
-  struct stat state {};
-  if (fstat(session.file_, &state) != 0) return true;
   const std::int64_t now = Now();
-  return now - state.st_mtime > lifetimes_.idle || now - session.created_ > lifetimes_.longest;
+  return now - base::StatusOf(session.file_).st_mtime > lifetimes_.idle || now - session.created_ > lifetimes_.longest;
 }
 
 }  // namespace kalvo::web::login

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/file.h"
 #include "host/parts/memory_session.h"
 #include "host/web/login/private_folder.h"
 #include "host/web/login/session_values.h"
@@ -56,15 +57,15 @@ class FileSession : public host::PageSession {
 
  private:
   friend class SessionStore;
-  FileSession(int file, std::filesystem::path path, const host::LiveDrillerMaker& makeDriller, const Log& log)
-      : file_(file), path_(std::move(path)), makeDriller_(makeDriller), log_(log) {}
+  FileSession(base::File file, std::filesystem::path path, const host::LiveDrillerMaker& makeDriller, const Log& log)
+      : file_(std::move(file)), path_(std::move(path)), makeDriller_(makeDriller), log_(log) {}
 
   bool Read();
   void Keep();
   bool Replace() const;
   std::string Content() const;
 
-  int file_;  // locked
+  base::File file_;  // locked
   std::filesystem::path path_;
   const host::LiveDrillerMaker& makeDriller_;
   const Log& log_;
@@ -111,8 +112,8 @@ class SessionStore {
 
   std::filesystem::path PathOf(std::string_view id) const;
   std::unique_ptr<FileSession> OpenAt(const std::filesystem::path& path, std::chrono::milliseconds patience);
-  void WriteFresh(int file, const std::filesystem::path& path, const User& user) const;
-  void AwaitLock(int file, const std::filesystem::path& path, Clock::time_point until,
+  void WriteFresh(const std::filesystem::path& path, const User& user) const;
+  void AwaitLock(const base::File& file, const std::filesystem::path& path, Clock::time_point until,
                  std::unique_ptr<WaitingRoom::Seat>& seat) const;
   bool HasExpired(const FileSession& session) const;
   void EndOldest(std::string_view account, const std::filesystem::path& fresh) const;

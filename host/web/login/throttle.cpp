@@ -2,18 +2,18 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
-#include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "base/file.h"
+#include "base/private_folder.h"
 #include "host/web/login/password.h"
 #include "host/web/login/private_folder.h"
 #include "kalvo/platform/conversion.h"
@@ -61,35 +61,27 @@ std::int64_t WaitOf(const Rule& rule, const Count& count, std::int64_t now) {
   return std::max<std::int64_t>(0, count.last + wait - now);
 }
 
-// A count that was kept; none where nothing was counted yet.
-Count ReadCount(const fs::path& path) {
+Count CountIn(const base::File& file) {
   Count count;
-  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
-  if (file < 0) return count;
-  if (pread(file, &count, sizeof count, 0) != static_cast<ssize_t>(sizeof count)) count = {};
-  close(file);
+  if (pread(file.Handle(), &count, sizeof count, 0) != static_cast<ssize_t>(sizeof count)) return {};
   return count;
 }
+
+// A count that was kept; none where nothing was counted yet.
+Count ReadCount(const fs::path& path) { return CountIn(base::Open(path, O_RDONLY | O_NOFOLLOW)); }
 
 // A count in its file, held until it goes.
 class CountFile {
  public:
-  CountFile(fs::path path, std::int64_t now) : path_(std::move(path)) {
-    file_ = open(path_.c_str(), O_CREAT | O_RDWR | O_CLOEXEC | O_NOFOLLOW, 0600);
-    if (file_ < 0) Refuse();
-    if (flock(file_, LOCK_EX) != 0) {
-      close(file_);
-      Refuse();
-    }
-    if (pread(file_, &count, sizeof count, 0) != static_cast<ssize_t>(sizeof count)) count = {};
+  CountFile(fs::path path, std::int64_t now)
+      : path_(std::move(path)), file_(base::Open(path_, O_CREAT | O_RDWR | O_NOFOLLOW)) {
+    if (!file_ || flock(file_.Handle(), LOCK_EX) != 0) Refuse();
+    count = CountIn(file_);
     if (now - count.last > kForgottenAfter) count = {};
   }
-  ~CountFile() { close(file_); }
-  CountFile(const CountFile&) = delete;
-  CountFile& operator=(const CountFile&) = delete;
 
   void Keep() const {
-    if (pwrite(file_, &count, sizeof count, 0) != static_cast<ssize_t>(sizeof count)) Refuse();
+    if (pwrite(file_.Handle(), &count, sizeof count, 0) != static_cast<ssize_t>(sizeof count)) Refuse();
   }
 
   Count count;
@@ -98,7 +90,7 @@ class CountFile {
   [[noreturn]] void Refuse() const { throw NotKept(path_.string() + ": " + std::strerror(errno)); }
 
   fs::path path_;
-  int file_ = -1;
+  base::File file_;
 };
 
 std::string KeyOf(Whose whose, std::string_view account, std::string_view address, std::string_view device) {
@@ -128,9 +120,9 @@ struct Throttle::Counted {
 
   // Every count held at once, so that two attempts do not pass where one may. The rules' order is everybody's, so
   // nobody waits for somebody who waits for him.
-  std::vector<std::unique_ptr<CountFile>> Hold(std::int64_t now) const {
-    std::vector<std::unique_ptr<CountFile>> held;
-    for (const fs::path& path : paths) held.push_back(std::make_unique<CountFile>(path, now));
+  std::vector<CountFile> Hold(std::int64_t now) const {
+    std::vector<CountFile> held;
+    for (const fs::path& path : paths) held.emplace_back(path, now);
     return held;
   }
 };
@@ -170,24 +162,24 @@ std::int64_t Throttle::Begin(std::string_view account, std::string_view address,
   // Who is not heard leaves no file behind.
   if (const std::int64_t wait = counted.Wait(now); wait > 0) return wait;
   SweepNowAndThen(now);
-  const auto held = counted.Hold(now);
+  auto held = counted.Hold(now);
   if (const std::int64_t wait = counted.Wait(now); wait > 0) return wait;
-  for (const auto& file : held) {
-    ++file->count.failed;
-    file->count.last = now;
-    file->Keep();
+  for (CountFile& file : held) {
+    ++file.count.failed;
+    file.count.last = now;
+    file.Keep();
   }
   return 0;
 }
 
 void Throttle::Succeeded(std::string_view account, std::string_view address, std::string_view device) {
   const Counted counted = CountedFor(account, address, device);
-  const auto held = counted.Hold(clock_());
+  auto held = counted.Hold(clock_());
   for (std::size_t i = 0; i < held.size(); ++i) {
     // The address may be that of many people: only this attempt is taken back.
     const bool many = counted.rules[i].whose == Whose::Address;
-    held[i]->count.failed = many ? std::max<std::int64_t>(0, held[i]->count.failed - 1) : 0;
-    held[i]->Keep();
+    held[i].count.failed = many ? std::max<std::int64_t>(0, held[i].count.failed - 1) : 0;
+    held[i].Keep();
   }
 }
 
@@ -206,8 +198,8 @@ void Throttle::SweepNowAndThen(std::int64_t now) const {
   CountFile file(mark, 0);
   file.count.last = now;
   file.Keep();
-  RemoveOlderThan(folder_, kForgottenAfter);
-  RemoveOlderThan(folder_ / "known", kKnownFor);
+  base::RemoveOlderThan(folder_, kForgottenAfter);
+  base::RemoveOlderThan(folder_ / "known", kKnownFor);
 }
 
 }  // namespace kalvo::web::login

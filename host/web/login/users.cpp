@@ -10,6 +10,7 @@
 #include <cstring>
 #include <sstream>
 
+#include "base/fresh_file.h"
 #include "host/parts/setting_error.h"
 #include "host/web/login/password.h"
 #include "kalvo/platform/append.h"
@@ -23,6 +24,7 @@ using host::SettingError;
 
 constexpr std::string_view kDomain = "KALVO";
 constexpr std::size_t kLongestPart = 64;
+constexpr std::size_t kLargestFile = std::size_t{16} << 20;  // bytes: some hundred thousand users
 
 struct Right {
   std::string_view word;
@@ -82,104 +84,25 @@ bool IsOf(const std::string& line, std::string_view account) {
 // Editors of one file wait for each other.
 class EditLock {
  public:
-  explicit EditLock(const fs::path& file)
-      : lock_(open((file.string() + ".lock").c_str(), O_CREAT | O_RDWR | O_CLOEXEC | O_NOFOLLOW, 0600)) {
-    if (lock_ < 0 || flock(lock_, LOCK_EX) != 0) {
+  explicit EditLock(const fs::path& file) : lock_(base::Open(file.string() + ".lock", O_CREAT | O_RDWR | O_NOFOLLOW)) {
+    if (!lock_ || flock(lock_.Handle(), LOCK_EX) != 0) {
       throw SettingError(file.string() + " cannot be locked: " + std::strerror(errno));
     }
     GiveToOwnerOf(file);
   }
-  ~EditLock() { close(lock_); }
-  EditLock(const EditLock&) = delete;
-  EditLock& operator=(const EditLock&) = delete;
 
  private:
   // Root edits, and the service that the file belongs to goes on editing.
   void GiveToOwnerOf(const fs::path& file) const {
-    struct stat lock {
-    }, owned{};
-    if (geteuid() != 0 || fstat(lock_, &lock) != 0 || lock.st_uid != 0 || lock.st_nlink != 1) return;
+    const struct stat lock = base::StatusOf(lock_);
+    struct stat owned {};
+    if (geteuid() != 0 || lock.st_uid != 0 || lock.st_nlink != 1) return;
     if (stat(file.c_str(), &owned) != 0 || owned.st_uid == 0) return;
-    if (fchown(lock_, owned.st_uid, owned.st_gid) != 0) { /* it has to be deleted by hand then */
+    if (fchown(lock_.Handle(), owned.st_uid, owned.st_gid) != 0) { /* it has to be deleted by hand then */
     }
   }
 
-  int lock_;
-};
-
-// An open file, closed again.
-class OpenFile {
- public:
-  OpenFile(fs::path name, int flags) : name_(std::move(name)), file_(open(name_.c_str(), flags | O_CLOEXEC, 0600)) {}
-  ~OpenFile() {
-    if (file_ >= 0) close(file_);
-  }
-  OpenFile(const OpenFile&) = delete;
-  OpenFile& operator=(const OpenFile&) = delete;
-
-  bool IsOpen() const { return file_ >= 0; }
-  int Get() const { return file_; }
-
-  [[noreturn]] void Fail(std::string_view what) const {
-    throw SettingError(name_.string() + " cannot be " + std::string(what) + ": " + std::strerror(errno));
-  }
-
-  std::string ReadAll() const {
-    std::string text;
-    char piece[4096];
-    for (ssize_t got; (got = read(file_, piece, sizeof piece)) != 0;) {
-      if (got < 0) Fail("read");
-      text.append(piece, static_cast<std::size_t>(got));
-    }
-    return text;
-  }
-
-  // On the disk, or an error.
-  void WriteAll(std::string_view text) const {
-    while (!text.empty()) {
-      const ssize_t written = write(file_, text.data(), text.size());
-      if (written < 0) Fail("written");
-      text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    if (fsync(file_) != 0) Fail("written");
-  }
-
- private:
-  fs::path name_;
-  int file_;
-};
-
-// A file that is taken away again unless it was put in another's place.
-class FreshFile {
- public:
-  explicit FreshFile(const fs::path& name) : name_(Cleared(name)), file_(name_, O_CREAT | O_EXCL | O_WRONLY) {
-    if (!file_.IsOpen()) file_.Fail("written");
-  }
-  ~FreshFile() {
-    if (!placed_) unlink(name_.c_str());
-  }
-  FreshFile(const FreshFile&) = delete;
-  FreshFile& operator=(const FreshFile&) = delete;
-
-  const OpenFile& Get() const { return file_; }
-
-  void TakePlaceOf(const fs::path& file) {
-    if (rename(name_.c_str(), file.c_str()) != 0) file_.Fail("put in the place of " + file.string());
-    placed_ = true;
-    if (const OpenFile folder(FolderOf(file), O_RDONLY | O_DIRECTORY); folder.IsOpen()) fsync(folder.Get());
-  }
-
- private:
-  // Whatever an editor that was stopped has left there goes.
-  static const fs::path& Cleared(const fs::path& name) {
-    unlink(name.c_str());
-    return name;
-  }
-  static fs::path FolderOf(const fs::path& file) { return fs::absolute(file).parent_path(); }
-
-  fs::path name_;
-  OpenFile file_;
-  bool placed_ = false;
+  base::File lock_;
 };
 
 std::string Octal(mode_t mode) {
@@ -190,7 +113,7 @@ std::string Octal(mode_t mode) {
 
 // Whoever can write the file, or put another in its place, makes himself an administrator.
 void RefuseIfOthersWrite(const struct stat& file, const fs::path& name) {
-  if (!S_ISREG(file.st_mode)) throw SettingError("the users file " + name.string() + " is no file");
+  if (!S_ISREG(file.st_mode)) throw SettingError("the users file " + name.string() + " is not a file");
   if ((file.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
     throw SettingError("the users file " + name.string() + " may be written by others than its owner (mode " +
                        Octal(file.st_mode) + "); chmod go-w mends that");
@@ -205,6 +128,10 @@ void RefuseIfOthersWrite(const struct stat& file, const fs::path& name) {
     throw SettingError("the users file " + name.string() + " lies in a folder where everybody may replace it (mode " +
                        Octal(around.st_mode) + "); chmod o-w " + folder.string() + " mends that");
   }
+}
+
+[[noreturn]] void FailToRead(const fs::path& file) {
+  throw SettingError("the users file " + file.string() + " cannot be read: " + std::strerror(errno));
 }
 
 }  // namespace
@@ -270,13 +197,12 @@ bool UsersFile::Remove(std::string_view account) {
 }
 
 std::vector<std::string> UsersFile::Lines() const {
-  const OpenFile file(file_, O_RDONLY | O_NONBLOCK);
-  struct stat state {};
-  if (!file.IsOpen() || fstat(file.Get(), &state) != 0) {
-    throw SettingError("the users file " + file_.string() + " cannot be read: " + std::strerror(errno));
-  }
-  RefuseIfOthersWrite(state, file_);
-  std::istringstream in(file.ReadAll());
+  const base::File file = base::Open(file_, O_RDONLY | O_NONBLOCK);
+  if (!file) FailToRead(file_);
+  RefuseIfOthersWrite(base::StatusOf(file), file_);
+  auto text = base::ReadAll(file, kLargestFile);
+  if (!text) FailToRead(file_);
+  std::istringstream in(std::move(*text));
   std::vector<std::string> lines;
   for (std::string line; std::getline(in, line);) {
     if (line.ends_with('\r')) line.pop_back();
@@ -285,20 +211,19 @@ std::vector<std::string> UsersFile::Lines() const {
   return lines;
 }
 
+// Whoever may read the old file reads the new one too.
 void UsersFile::Write(const std::vector<std::string>& lines) {
   std::string text;
   for (const std::string& line : lines) Append(text, line, '\n');
-  FreshFile fresh(file_.string() + ".new");
   struct stat before {};
-  if (stat(file_.c_str(), &before) == 0) {
-    // Whoever may read the old file reads the new one too.
-    const int file = fresh.Get().Get();
-    if (fchmod(file, before.st_mode & 07777) != 0 || fchown(file, before.st_uid, before.st_gid) != 0) {
-      fresh.Get().Fail("given the rights of " + file_.string());
-    }
-  }
-  fresh.Get().WriteAll(text);
-  fresh.TakePlaceOf(file_);
+  const bool replaces = stat(file_.c_str(), &before) == 0;
+  base::FreshFile fresh(file_, {base::Durable::Yes});
+  const int file = fresh.Get().Handle();
+  const bool written =
+      fresh.Get() &&
+      (!replaces || (fchmod(file, before.st_mode & 07777) == 0 && fchown(file, before.st_uid, before.st_gid) == 0)) &&
+      fresh.Write(text) && fresh.TakePlace();
+  if (!written) throw SettingError(file_.string() + " cannot be replaced: " + std::strerror(errno));
 }
 
 }  // namespace kalvo::web::login

@@ -143,48 +143,11 @@ TEST_F(MaildirFiles, AttachmentsHaveTheNamesThatOthersShow) {
   }
 }
 
-TEST_F(MaildirFiles, AFileThatACrashLeftIsTakenOverAfterAMinute) {
-  const auto left = [&](int secondsAgo) {
-    WriteFile(folder_.Path() / "name.new", "half");
-    fs::last_write_time(folder_.Path() / "name.new",
-                        fs::file_time_type::clock::now() - std::chrono::seconds(secondsAgo));
-  };
-  left(40);
-  EXPECT_FALSE(maildir::ReplaceFile(top_, "name", "text")) << "another process may still be at it";
-  EXPECT_EQ(ReadFile(folder_.Path() / "name.new"), "half");
-  left(62);
-  EXPECT_TRUE(maildir::ReplaceFile(top_, "name", "text"));
-  EXPECT_EQ(ReadFile(folder_.Path() / "name"), "text");
-  EXPECT_FALSE(fs::exists(folder_.Path() / "name.new"));
-}
-
-TEST_F(MaildirFiles, WhatIsWrittenIsTheOwnersAlone) {
-  const mode_t before = umask(0);
-  EXPECT_TRUE(maildir::ReplaceFile(top_, "name", "text"));
-  umask(before);
-  EXPECT_EQ(fs::status(folder_.Path() / "name").permissions(), fs::perms::owner_read | fs::perms::owner_write);
-}
-
-TEST_F(MaildirFiles, AFileIsReadWholeOrNotAtAll) {
-  WriteFile(folder_.Path() / "five", "12345");
-  const auto file = maildir::OpenFile(top_, "five");
-  EXPECT_EQ(maildir::ReadAll(file, 5), "12345");
-  EXPECT_EQ(maildir::ReadAll(file, 4), std::nullopt);
-}
-
 TEST_F(MaildirFiles, AStepIsOneNameBelow) {
   for (const char* step : {"a", "...", ".a", "a b"}) EXPECT_TRUE(maildir::IsStep(step)) << step;
   for (const std::string_view no : std::vector<std::string_view>{"", ".", "..", "a/b", "/", {"a\0b", 3}}) {
     EXPECT_FALSE(maildir::IsStep(no)) << no;
   }
-}
-
-TEST_F(MaildirFiles, AReplaceThatFailsLeavesNothingBehind) {
-  fs::create_directories(folder_.Path() / "taken" / "below");
-  EXPECT_FALSE(maildir::ReplaceFile(top_, "taken", "text"));
-  EXPECT_FALSE(fs::exists(folder_.Path() / "taken.new"));
-  EXPECT_TRUE(maildir::ReplaceFile(top_, "free", "text"));
-  EXPECT_EQ(ReadFile(folder_.Path() / "free"), "text");
 }
 
 }  // namespace
