@@ -1,5 +1,6 @@
 #include "adapters/ranking/kinds.h"
 
+#include "kalvo/codes.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/error.h"
 
@@ -8,25 +9,25 @@ namespace {
 
 // clang-format off
 constexpr Kind kKinds[] = {
-// kind  of                             ranked by         age       amount
-  {1,    Subject::Mailboxes,            RankedBy::Amount},
-  {2,    Subject::Mailboxes,            RankedBy::Amount},
-  {4,    Subject::PublicFolders,        RankedBy::Amount},
-  {5,    Subject::PublicFolders,        RankedBy::Amount},
-  {6,    Subject::MailboxMessages,      RankedBy::Date},
-  {7,    Subject::PublicFolderMessages, RankedBy::Date},
-  {8,    Subject::Mailboxes,            RankedBy::Amount, Age::Old, Amount::OldMessages},
-  {9,    Subject::Mailboxes,            RankedBy::Amount, Age::Old, Amount::OldSpace},
-  {11,   Subject::PublicFolders,        RankedBy::Amount, Age::Old, Amount::OldMessages},
-  {12,   Subject::PublicFolders,        RankedBy::Amount, Age::Old, Amount::OldSpace},
-  {13,   Subject::Mailboxes,            RankedBy::Date},
-  {14,   Subject::PublicFolders,        RankedBy::Date},
-  {17,   Subject::MailboxMessages,      RankedBy::Amount},
-  {18,   Subject::MailboxMessages,      RankedBy::Amount, Age::Old},
-  {19,   Subject::PublicFolderMessages, RankedBy::Amount},
-  {20,   Subject::PublicFolderMessages, RankedBy::Amount, Age::Old},
-  {21,   Subject::Mailboxes,            RankedBy::Amount},
-  {22,   Subject::PublicFolders,        RankedBy::Amount},
+// kind                               of                             ranked by         age       amount
+  {kinds::kMailboxMessages,            Subject::Mailboxes,            RankedBy::Amount},
+  {kinds::kMailboxSpace,               Subject::Mailboxes,            RankedBy::Amount},
+  {kinds::kFolderMessages,             Subject::PublicFolders,        RankedBy::Amount},
+  {kinds::kFolderSpace,                Subject::PublicFolders,        RankedBy::Amount},
+  {kinds::kOldestMailboxMessages,      Subject::MailboxMessages,      RankedBy::Date},
+  {kinds::kOldestFolderMessages,       Subject::PublicFolderMessages, RankedBy::Date},
+  {kinds::kMailboxOldMessages,         Subject::Mailboxes,            RankedBy::Amount, Age::Old, Amount::OldMessages},
+  {kinds::kMailboxOldSpace,            Subject::Mailboxes,            RankedBy::Amount, Age::Old, Amount::OldSpace},
+  {kinds::kFolderOldMessages,          Subject::PublicFolders,        RankedBy::Amount, Age::Old, Amount::OldMessages},
+  {kinds::kFolderOldSpace,             Subject::PublicFolders,        RankedBy::Amount, Age::Old, Amount::OldSpace},
+  {kinds::kStaleMailboxes,             Subject::Mailboxes,            RankedBy::Date},
+  {kinds::kStaleFolders,               Subject::PublicFolders,        RankedBy::Date},
+  {kinds::kLargestMailboxMessages,     Subject::MailboxMessages,      RankedBy::Amount},
+  {kinds::kLargestOldMailboxMessages,  Subject::MailboxMessages,      RankedBy::Amount, Age::Old},
+  {kinds::kLargestFolderMessages,      Subject::PublicFolderMessages, RankedBy::Amount},
+  {kinds::kLargestOldFolderMessages,   Subject::PublicFolderMessages, RankedBy::Amount, Age::Old},
+  {kinds::kMailboxAverageSize,         Subject::Mailboxes,            RankedBy::Amount},
+  {kinds::kFolderAverageSize,          Subject::PublicFolders,        RankedBy::Amount},
 };
 
 constexpr FieldSource kMailboxFields[] = {

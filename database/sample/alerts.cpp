@@ -5,6 +5,7 @@
 #include "database/sample/policies.h"
 #include "database/sample/steps.h"
 #include "database/sample/storage.h"
+#include "kalvo/codes.h"
 #include "kalvo/platform/append.h"
 
 namespace kalvo::sample {
@@ -124,7 +125,8 @@ void AddFileSystemAlert(const Organization& organization, AlertBook& book, const
 void AddBackupAlert(const Organization& organization, AlertBook& book, const Server& server) {
   const ServerGroup& group = organization.serverGroups[server.group];
   const std::int64_t policy = BackupPolicy(group), length = BackupsOf(organization, server, 1).back().seconds;
-  if (policy > 0 && length > policy) book.Add({TypeOf(5022), server.computerName, &server, group.name, policy, length});
+  if (policy > 0 && length > policy)
+    book.Add({TypeOf(alerts::kBackupLength), server.computerName, &server, group.name, policy, length});
 }
 
 void AddGroupAlerts(const Organization& organization, AlertBook& book) {
@@ -149,9 +151,10 @@ void AddServerAlerts(SampleRun& run, AlertBook& book, const Server& server) {
   static const auto kMailbox = TypesOf(Subject::Mailbox), kFolder = TypesOf(Subject::PublicFolder),
                     kFileSystem = TypesOf(Subject::FileSystem);
   const std::size_t turn = static_cast<std::size_t>(server.id - 1);
-  if (!server.managed) return book.Add({TypeOf(5018), server.computerName, &server});
+  if (!server.managed) return book.Add({TypeOf(alerts::kNewServer), server.computerName, &server});
   if (server.missing)
-    book.Add({TypeOf(5023), server.computerName, &server, organization.serverGroups[server.group].name});
+    book.Add(
+        {TypeOf(alerts::kSilentServer), server.computerName, &server, organization.serverGroups[server.group].name});
   if (server.agentVersion.starts_with("1.")) book.Add({TypeOf(5024), server.computerName, &server});
   if (!server.scanned) return;
   for (std::size_t i = 0; i < static_cast<std::size_t>(AlertsAServer(organization.size)); ++i) {
@@ -200,8 +203,8 @@ void WriteAlerts(SampleRun& run) {
   AlertBook book(run);
   for (const Server& server : run.organization.servers) AddServerAlerts(run, book, server);
   AddGroupAlerts(run.organization, book);
-  book.AddStranger(TypeOf(5018), "NORD", "ZRH-TEST<1>");
-  book.AddStranger(TypeOf(5018), "COTE", "PARIS & CIE");
+  book.AddStranger(TypeOf(alerts::kNewServer), "NORD", "ZRH-TEST<1>");
+  book.AddStranger(TypeOf(alerts::kNewServer), "COTE", "PARIS & CIE");
 }
 
 // The mailboxes that have gone far beyond a quota are disabled, and stay so for every quota that they broke.

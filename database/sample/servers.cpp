@@ -2,6 +2,7 @@
 
 #include "database/sample/steps.h"
 #include "database/sample/storage.h"
+#include "kalvo/codes.h"
 
 namespace kalvo::sample {
 namespace {
@@ -91,8 +92,8 @@ void WriteServers(SampleRun& run) {
   for (const Server& server : organization.servers) {
     const auto scan = [&](Moment moment) { return server.scanned ? Cell(moment) : Cell(nullptr); };
     run.rows.Add(server.id, organization.serverGroups[server.group].id, server.domain, server.computerName,
-                 server.organization, server.site, server.computerName, server.missing ? 1 : 0, server.managed ? 2 : 1,
-                 scan(server.lastQuickScan), scan(server.lastDetailScan),
+                 server.organization, server.site, server.computerName, server.missing ? 1 : 0,
+                 server.managed ? kServerManaged : 1, scan(server.lastQuickScan), scan(server.lastDetailScan),
                  server.agentVersion.empty() ? Cell(nullptr) : Cell(server.agentVersion));
   }
 }

@@ -5,6 +5,7 @@
 
 #include "database/sample/ranked_list.h"
 #include "database/sample/steps.h"
+#include "kalvo/codes.h"
 #include "kalvo/platform/append.h"
 
 namespace kalvo::sample {
@@ -29,16 +30,16 @@ struct KindRow {
 
 // clang-format off
 constexpr KindRow kKinds[] = {
-// ranks by               mailboxes  public folders
-  {Ranks::Messages,       1,         4},
-  {Ranks::Space,          2,         5},
-  {Ranks::Average,        21,        22},
-  {Ranks::OldMessages,    8,         11},
-  {Ranks::OldSpace,       9,         12},
-  {Ranks::Modified,       13,        14},
-  {Ranks::MessageDate,    6,         7},
-  {Ranks::MessageSize,    17,        19},
-  {Ranks::OldMessageSize, 18,        20},
+// ranks by               mailboxes                           public folders
+  {Ranks::Messages,        kinds::kMailboxMessages,            kinds::kFolderMessages},
+  {Ranks::Space,           kinds::kMailboxSpace,               kinds::kFolderSpace},
+  {Ranks::Average,         kinds::kMailboxAverageSize,         kinds::kFolderAverageSize},
+  {Ranks::OldMessages,     kinds::kMailboxOldMessages,         kinds::kFolderOldMessages},
+  {Ranks::OldSpace,        kinds::kMailboxOldSpace,            kinds::kFolderOldSpace},
+  {Ranks::Modified,        kinds::kStaleMailboxes,             kinds::kStaleFolders},
+  {Ranks::MessageDate,     kinds::kOldestMailboxMessages,      kinds::kOldestFolderMessages},
+  {Ranks::MessageSize,     kinds::kLargestMailboxMessages,     kinds::kLargestFolderMessages},
+  {Ranks::OldMessageSize,  kinds::kLargestOldMailboxMessages,  kinds::kLargestOldFolderMessages},
 };
 // clang-format on
 

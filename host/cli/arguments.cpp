@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "host/web/settings.h"
+
 namespace kalvo::host {
 namespace {
 
@@ -32,25 +34,25 @@ void AddPage(CLI::App& app, PageArguments& page) {
   AddNamed(app, "--session", page.session, "NAME=VALUE", "a session value; may be repeated");
   AddNamed(app, "--static", page.statics, "NAME=FILE.js",
            "a session static object: what the script evaluates to; may be repeated");
-  app.add_option("--database", page.database, "where \"KalvoDB\" points: sqlite:FILE, or odbc")
+  app.add_option("--database", page.parts.database, "where \"KalvoDB\" points: sqlite:FILE, or odbc")
       ->type_name("URL")
       ->capture_default_str();
-  app.add_flag("--unknown-engine", page.unknownEngine,
+  app.add_flag("--unknown-engine", page.parts.unknownEngine,
                "take an ODBC database that nothing here keeps from being written");
-  app.add_option("--mail", page.mail, "gives the session its mailboxes: maildir:DIR or imap://HOST:PORT")
+  app.add_option("--mail", page.parts.mail, "gives the session its mailboxes: maildir:DIR or imap://HOST:PORT")
       ->type_name("URL");
-  app.add_option("--locale", page.locale, "how numbers and dates are written")
+  app.add_option("--locale", page.parts.locale, "how numbers and dates are written")
       ->type_name("NAME")
       ->capture_default_str();
   app.add_flag("--edge", page.edge, "apply the edge's rules to the request, as `kalvo serve` does");
   app.add_flag("--headers", page.headers, "print the status line and the headers before the body");
-  app.add_option("--time-limit", page.timeLimit, "seconds the page may take")
+  app.add_option("--time-limit", page.limits.seconds, "seconds the page may take")
       ->type_name("SECONDS")
       ->check(CLI::Range(0.01, 86400.0))
       ->capture_default_str();
-  app.add_option("--memory-limit", page.memoryLimit, "memory the page's script may take")
+  app.add_option("--memory-limit", page.limits.mebibytes, "memory the page's script may take")
       ->type_name("MIB")
-      ->check(CLI::Range(1u, 65536u))
+      ->check(CLI::Range(web::kMemoryLimit.least, web::kMemoryLimit.most))
       ->capture_default_str();
 }
 
@@ -60,7 +62,7 @@ void AddServe(CLI::App& app, ServeArguments& serve) {
   app.add_option("--site", serve.site, "the site's root folder")->type_name("DIR");
   app.add_option("--workers", serve.workers, "how many pages run at a time")
       ->type_name("N")
-      ->check(CLI::Range(1, 1024));
+      ->check(CLI::Range(web::kWorkers.least, web::kWorkers.most));
 }
 
 void AddSample(CLI::App& app, SampleArguments& sample) {
@@ -98,7 +100,7 @@ void AddPasswd(CLI::App& app, PasswdArguments& passwd) {
   config->type_name("FILE");
   app.add_option("NAME", passwd.name, "the user: alice, or DOMAIN\\alice");
   app.add_flag("--administrator", passwd.administrator, "may do and see everything");
-  app.add_flag("--drill-down", passwd.drillDown, "may open the own mailbox");
+  app.add_flag("--drill-down", passwd.drillDown, "may open her own mailbox");
   CLI::Option* remove = app.add_flag("--delete", passwd.remove, "removes the user");
   app.add_flag("--no-password", passwd.noPassword, "the user comes in by a proxy that knows her")->excludes(remove);
   app.add_flag("--end-sessions", passwd.endSessions, "signs the user out everywhere; everybody where no NAME is given")

@@ -7,6 +7,8 @@
 #include <variant>
 #include <vector>
 
+#include "host/parts/parts.h"
+
 namespace kalvo::host {
 
 struct PageArguments {
@@ -18,14 +20,10 @@ struct PageArguments {
   std::string logon;
   std::vector<std::pair<std::string, std::string>> session;  // name and value
   std::vector<std::pair<std::string, std::string>> statics;  // name and file
-  std::string database = "odbc";
-  bool unknownEngine = false;
-  std::string mail;
-  std::string locale = "en-US";
+  PartsSettings parts;
+  PageLimits limits;
   bool headers = false;
   bool edge = false;
-  double timeLimit = 30;            // seconds
-  std::uint32_t memoryLimit = 256;  // MiB
 };
 
 struct ServeArguments {

@@ -39,7 +39,7 @@ int RunCheck(const CheckArguments& arguments) {
   const web::Settings settings = arguments.config ? web::ReadSettings(*arguments.config) : web::Settings();
   const DatabaseProof proof = ProveDatabaseAside(settings.Parts());  // before anything is open
   const Parts parts(settings.Parts());
-  return RunCheck(parts.GetPlatform(), {settings.database, DescribeDriver(parts.GetPlatform().database), proof},
+  return RunCheck(parts.GetPlatform(), {settings.parts.database, DescribeDriver(parts.GetPlatform().database), proof},
                   std::cout);
 #else
   std::cerr << "kalvo: this build cannot check" << (arguments.config ? " " + *arguments.config : "") << '\n';

@@ -77,7 +77,7 @@ PageRequest MakeRequest(const PageArguments& arguments, const PagePlace& place) 
 
 PageOptions MakeOptions(const PageArguments& arguments) {
   PageOptions options;
-  options.limits = {arguments.timeLimit, arguments.memoryLimit};
+  options.limits = arguments.limits;
   for (const auto& [name, file] : arguments.statics) {
     std::ifstream in(file, std::ios::binary);
     if (!in) {
@@ -106,8 +106,8 @@ bool PassesTheEdge(PageRequest& request, const PagePlace& place, Site& site, con
 int RunPage(const PageArguments& arguments) {
   const PagePlace place = Locate(arguments);
   const PageOptions options = MakeOptions(arguments);
-  PartsSettings wanted{arguments.database, arguments.mail, arguments.locale, arguments.timeLimit};
-  wanted.unknownEngine = arguments.unknownEngine;
+  PartsSettings wanted = arguments.parts;
+  wanted.timeLimit = arguments.limits.seconds;
   const Parts parts(wanted);
   Site site(place.root, parts.GetPlatform());
   MemorySession session(arguments.session, parts.GetLiveDrillerMaker(), arguments.logon);

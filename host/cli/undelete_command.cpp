@@ -56,7 +56,7 @@ int Restore(mail::HoldingDesk& desk, const web::Settings& settings, const Undele
 int RunUndelete(const UndeleteArguments& arguments) {
   web::Settings settings = web::ReadSettings(arguments.config);
   web::CompleteFolders(settings);
-  const auto store = OpenMail(settings.mail);
+  const auto store = OpenMail(settings.parts.mail);
   if (!store) throw SettingError(arguments.config + " names no mailboxes: the setting mail is missing");
   mail::HoldingDesk desk(store);
   if (!arguments.id.empty()) return Restore(desk, settings, arguments);

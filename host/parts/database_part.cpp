@@ -19,8 +19,6 @@
 namespace kalvo::host {
 namespace {
 
-constexpr std::string_view kSqlite = "sqlite:";
-
 #if defined(KALVO_HAS_SQLITE) || defined(KALVO_HAS_ODBC)
 // Both adapters name what ends a statement alike.
 template <typename Options>
@@ -38,16 +36,15 @@ std::unique_ptr<Database> MakeDatabase(const PartsSettings& settings, [[maybe_un
                                        [[maybe_unused]] const Locale& locale,
                                        [[maybe_unused]] std::function<bool()> isWanted) {
   const std::string_view where = settings.database;
-  if (where.starts_with(kSqlite) && where.size() > kSqlite.size()) {
+  if (const std::string_view file = PathBehind(kSqlite, where); !file.empty()) {
 #ifdef KALVO_HAS_SQLITE
     return std::make_unique<sqlite::SqliteDatabase>(
-        std::string(where.substr(kSqlite.size())), WithLimit<sqlite::Options>(secondsPerStatement, std::move(isWanted)),
-        locale);
+        std::string(file), WithLimit<sqlite::Options>(secondsPerStatement, std::move(isWanted)), locale);
 #else
     throw SettingError("this build has no adapter for SQLite");
 #endif
   }
-  if (where == "odbc") {
+  if (where == kOdbc) {
 #ifdef KALVO_HAS_ODBC
     auto options = WithLimit<odbc::Options>(secondsPerStatement, std::move(isWanted));
     options.unknownEngines = settings.unknownEngine;

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "adapters/mail/mail_store.h"
+#include "host/parts/places.h"
 #include "host/parts/setting_error.h"
 #include "kalvo/platform/error.h"
 
@@ -17,8 +18,6 @@ namespace kalvo::host {
 namespace {
 
 using Store = std::shared_ptr<mail::MailStore>;
-
-constexpr std::string_view kMaildir = "maildir:";
 
 Store OpenMaildir([[maybe_unused]] const std::string& folder) {
 #ifdef KALVO_HAS_MAILDIR
@@ -41,10 +40,8 @@ Store OpenImap([[maybe_unused]] std::string_view url) {
 Store OpenMail(std::string_view where) {
   if (where.empty()) return nullptr;
   try {
-    if (where.starts_with(kMaildir) && where.size() > kMaildir.size()) {
-      return OpenMaildir(std::string(where.substr(kMaildir.size())));
-    }
-    if (where.starts_with("imap://") || where.starts_with("imaps://")) return OpenImap(where);
+    if (const auto folder = PathBehind(kMaildir, where); !folder.empty()) return OpenMaildir(std::string(folder));
+    if (NamesImap(where)) return OpenImap(where);
   } catch (const Error& error) {
     throw SettingError(error.Description());
   }

@@ -7,7 +7,10 @@
 
 #include "adapters/ranking/ranking.h"
 #include "host/parts/memory_session.h"
+#include "host/parts/places.h"
 #include "host/parts/system_clock.h"
+#include "host/script/engine/limits.h"
+#include "kalvo/platform/locale.h"
 #include "kalvo/platform/platform.h"
 
 namespace kalvo::mail {
@@ -18,14 +21,14 @@ namespace kalvo::host {
 
 // Where the parts are, in the words of the command line and of the settings.
 struct PartsSettings {
-  std::string database{"odbc"};  // "sqlite:FILE" or "odbc"
-  std::string mail{};            // "maildir:DIR", "imap://HOST:PORT", or "" for no mailboxes
-  std::string locale{"en-US"};
-  double timeLimit = 30;                // seconds that one statement may take
-  int topNRows = ranking::kRankedRows;  // how many rows a Top-N has
-  int topNOldDays = ranking::kOldDays;  // from how many days on a message is old
-  bool unknownEngine = false;           // whether a database is taken that nothing here keeps from being written
-  bool proveDatabase = false;           // whether the database is proved to read only when it first opens
+  std::string database{kOdbc};  // "sqlite:FILE" or "odbc"
+  std::string mail{};           // "maildir:DIR", "imap://HOST:PORT", or "" for no mailboxes
+  std::string locale{kEnglishUnitedStates.name};
+  double timeLimit = PageLimits{}.seconds;  // seconds that one statement may take
+  int topNRows = ranking::kRankedRows;      // how many rows a Top-N has
+  int topNOldDays = ranking::kOldDays;      // from how many days on a message is old
+  bool unknownEngine = false;               // whether a database is taken that nothing here keeps from being written
+  bool proveDatabase = false;               // whether the database is proved to read only when it first opens
 };
 
 // What the parts ask and tell of whoever runs them; each may be empty.

@@ -36,7 +36,7 @@ login::GateSettings GateSettingsOf(const Settings& settings, Visitor& visitor) {
   login::GateSettings gate{settings.users, settings.sessions, {}, {}, {}};
   gate.lifetimes.idle = settings.sessionMinutes * 60;
   gate.lifetimes.mostOfAUser = settings.sessionsPerUser;
-  gate.patience = std::chrono::milliseconds(static_cast<std::int64_t>(settings.timeLimit * 500));
+  gate.patience = std::chrono::milliseconds(static_cast<std::int64_t>(settings.limits.seconds * 500));
   // The workers that do not wait serve everybody else.
   gate.waiting = {settings.workers / 2, [&visitor] { return visitor.IsThere(); }};
   return gate;

@@ -262,7 +262,7 @@ void AppendServer(std::string& out, const std::string& where, const Parts& parts
 
 std::string NginxSite(const Settings& settings, const RunFolder& run) {
   const Parts parts{settings, run};
-  const int seconds = static_cast<int>(std::ceil(settings.timeLimit));
+  const int seconds = static_cast<int>(std::ceil(settings.limits.seconds));
   std::string out;
   Append(out, kLimits.substr(1), kFileTypes.substr(1));
   AppendHeaders(out, Answers::ErrorPages, settings.Encrypts());

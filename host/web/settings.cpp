@@ -7,12 +7,14 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <type_traits>
 #include <variant>
 
 #include "host/parts/setting_error.h"
 #include "host/web/address.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/locale.h"
+#include "kalvo/platform/text.h"
 
 namespace kalvo::web {
 namespace {
@@ -25,11 +27,6 @@ using Taken = bool (*)(std::string_view);
 bool IsAnything(std::string_view) { return true; }
 bool IsWeb(std::string_view word) { return word == "embedded" || word == "external"; }
 bool IsLocale(std::string_view word) { return FindLocale(word) != nullptr; }
-bool IsDatabase(std::string_view word) { return word == "odbc" || (word.starts_with("sqlite:") && word.size() > 7); }
-bool IsMail(std::string_view word) {
-  return word.empty() || (word.starts_with("maildir:") && word.size() > 8) || word.starts_with("imap://") ||
-         word.starts_with("imaps://");
-}
 bool IsHeader(std::string_view word) {
   return word.size() <= 64 && std::all_of(word.begin(), word.end(), [](char c) {
            return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-';
@@ -37,8 +34,20 @@ bool IsHeader(std::string_view word) {
 }
 bool IsListen(std::string_view word) { return ParseAddress(word).has_value(); }
 
+// A field of the settings, or of what they hold: At<&Settings::parts, &PartsSettings::mail>.
+template <auto Member, auto... Inner>
+auto& At(Settings& settings) {
+  return ((settings.*Member).*....*Inner);
+}
+
+template <auto... Members>
+void Set(Settings& settings, int number) {
+  auto& field = At<Members...>(settings);
+  field = static_cast<std::remove_reference_t<decltype(field)>>(number);
+}
+
 struct Word {
-  std::string Settings::*field;
+  std::string& (*field)(Settings&);
   Taken taken = IsAnything;
 };
 struct Path {
@@ -50,57 +59,61 @@ struct List {
   Taken taken;
 };
 struct Whole {
-  int Settings::*field;
-  int least, most;
+  void (*set)(Settings&, int);
+  Range range;
 };
 struct Flag {
-  bool Settings::*field;
+  bool& (*field)(Settings&);
 };
 struct Seconds {
-  double Settings::*field;
+  double& (*field)(Settings&);
   double least, most;
 };
 
 struct Rule {
   std::string_view key;
   std::variant<Word, Path, LogPath, List, Whole, Flag, Seconds> kind;
-  std::string_view right;  // what would be right, for whoever wrote something else
+  std::string_view right;  // what would be right, for whoever wrote something else; "#" is the numbers, or the words,
+                           // that there are
 };
+
+using host::PageLimits;
+using host::PartsSettings;
 
 // clang-format off
 const Rule kRules[] = {
-  {"listen",       Word{&Settings::listen, IsListen},        "an address and a port, such as \"127.0.0.1:8080\" or \"[::1]:8080\""},
+  {"listen",       Word{At<&Settings::listen>, IsListen},        "an address and a port, such as \"127.0.0.1:8080\" or \"[::1]:8080\""},
   {"hosts",        List{&Settings::hosts, IsHost},           "a list of names without ports, such as [\"mail.example\"]"},
   {"certificate",  Path{&Settings::certificate},             "a file with the certificate and its chain, as PEM"},
   {"certificate_key", Path{&Settings::certificateKey},       "a file with the certificate's key, as PEM"},
   {"proxy_socket", Path{&Settings::proxySocket},             "a socket in a folder that only the web server in front enters"},
-  {"proxy_user_header", Word{&Settings::proxyUserHeader, IsHeader}, "the name of a header, such as \"X-Remote-User\", or \"\" for none"},
+  {"proxy_user_header", Word{At<&Settings::proxyUserHeader>, IsHeader}, "the name of a header, such as \"X-Remote-User\", or \"\" for none"},
   {"trusted_proxy", List{&Settings::trustedProxy, IsNetwork}, "a list of addresses and networks, such as [\"10.0.0.1\", \"10.1.0.0/16\"]"},
-  {"address_connections", Whole{&Settings::addressConnections, 1, 16384}, "a whole number from 1 to 16384"},
+  {"address_connections", Whole{Set<&Settings::addressConnections>, {1, 16384}}, "a whole number from #"},
   {"site",         Path{&Settings::site},                    "the folder of the pages"},
-  {"workers",      Whole{&Settings::workers, 1, 1024},       "a whole number from 1 to 1024"},
-  {"queue",        Whole{&Settings::queue, 1, 4096},         "a whole number from 1 to 4096"},
-  {"time_limit",   Seconds{&Settings::timeLimit, 0.1, 3600}, "a number of seconds from 0.1 to 3600"},
-  {"memory_limit", Whole{&Settings::memoryLimit, 1, 65536},  "a whole number of MiB from 1 to 65536"},
-  {"worker_memory", Whole{&Settings::workerMemory, 0, 1 << 20}, "a whole number of MiB from 0 to 1048576; 0 is what memory_limit needs"},
-  {"user",         Word{&Settings::user},                    "a user of the system, or \"\" for the one who starts"},
-  {"database",     Word{&Settings::database, IsDatabase},    "\"odbc\" or \"sqlite:FILE\""},
-  {"unknown_engine", Flag{&Settings::unknownEngine},         "true or false"},
-  {"mail",         Word{&Settings::mail, IsMail},            "\"maildir:DIR\", \"imap://HOST:PORT\", \"imaps://HOST:PORT\", or \"\" for none"},
-  {"holding_days", Whole{&Settings::holdingDays, 1, 3650},   "a whole number of days from 1 to 3650"},
-  {"locale",       Word{&Settings::locale, IsLocale},        "one of en-US, en-GB, de-DE, fr-FR"},
-  {"topn_rows",    Whole{&Settings::topNRows, 1, 10000},     "a whole number from 1 to 10000"},
-  {"topn_old_days", Whole{&Settings::topNOldDays, 1, 3650},  "a whole number of days from 1 to 3650"},
+  {"workers",      Whole{Set<&Settings::workers>, kWorkers},  "a whole number from #"},
+  {"queue",        Whole{Set<&Settings::queue>, {1, 4096}},   "a whole number from #"},
+  {"time_limit",   Seconds{At<&Settings::limits, &PageLimits::seconds>, 0.1, 3600}, "a number of seconds from 0.1 to 3600"},
+  {"memory_limit", Whole{Set<&Settings::limits, &PageLimits::mebibytes>, kMemoryLimit}, "a whole number of MiB from #"},
+  {"worker_memory", Whole{Set<&Settings::workerMemory>, {0, 1 << 20}}, "a whole number of MiB from #; 0 is what memory_limit needs"},
+  {"user",         Word{At<&Settings::user>},                   "a user of the system, or \"\" for the one who starts"},
+  {"database",     Word{At<&Settings::parts, &PartsSettings::database>, host::NamesDatabase},   "\"odbc\" or \"sqlite:FILE\""},
+  {"unknown_engine", Flag{At<&Settings::parts, &PartsSettings::unknownEngine>},        "true or false"},
+  {"mail",         Word{At<&Settings::parts, &PartsSettings::mail>, host::NamesMail},           "\"maildir:DIR\", \"imap://HOST:PORT\", \"imaps://HOST:PORT\", or \"\" for none"},
+  {"holding_days", Whole{Set<&Settings::holdingDays>, {1, 3650}}, "a whole number of days from #"},
+  {"locale",       Word{At<&Settings::parts, &PartsSettings::locale>, IsLocale}, "one of #"},
+  {"topn_rows",    Whole{Set<&Settings::parts, &PartsSettings::topNRows>, {1, 10000}}, "a whole number from #"},
+  {"topn_old_days", Whole{Set<&Settings::parts, &PartsSettings::topNOldDays>, {1, 3650}}, "a whole number of days from #"},
   {"run",          Path{&Settings::run},                     "a folder for sockets and temporary files"},
-  {"web",          Word{&Settings::web, IsWeb},              "\"embedded\" or \"external\""},
-  {"nginx",        Word{&Settings::nginx},                   "the nginx program"},
+  {"web",          Word{At<&Settings::web>, IsWeb},             "\"embedded\" or \"external\""},
+  {"nginx",        Word{At<&Settings::nginx>},                  "the nginx program"},
   {"log",          LogPath{},                                "a file, or \"-\" for standard error"},
   {"audit",        Path{&Settings::audit},                   "a folder for the audit log"},
   {"users",        Path{&Settings::users},                   "the users file that `kalvo passwd` makes, or \"\" for none"},
   {"sessions",     Path{&Settings::sessions},                "a folder for the sessions of those who signed in"},
-  {"session_minutes", Whole{&Settings::sessionMinutes, 1, 1440}, "a whole number of minutes from 1 to 1440"},
-  {"sessions_per_user", Whole{&Settings::sessionsPerUser, 1, 100}, "a whole number from 1 to 100"},
-  {"debug",        Flag{&Settings::debug},                   "true or false"},
+  {"session_minutes", Whole{Set<&Settings::sessionMinutes>, {1, 1440}}, "a whole number of minutes from #"},
+  {"sessions_per_user", Whole{Set<&Settings::sessionsPerUser>, {1, 100}}, "a whole number from #"},
+  {"debug",        Flag{At<&Settings::debug>},                  "true or false"},
   {"error_pages",  Path{&Settings::errorPages},              "a folder with 404.html, 500.html, 503.html"},
 };
 // clang-format on
@@ -124,6 +137,7 @@ class Entry {
   }
 
   fs::path Below(const std::string& path) const { return path.empty() ? fs::path() : folder_ / path; }
+  std::string Folder() const { return folder_.string(); }
   const toml::node& Node() const { return node_; }
 
  private:
@@ -133,14 +147,17 @@ class Entry {
   const toml::node& node_;
 };
 
-// A "sqlite:" or "maildir:" path starts at the file's folder, as every other path does.
-std::string Rebased(const Entry& entry, const std::string& word) {
-  for (const std::string_view scheme : {"sqlite:", "maildir:"}) {
-    if (word.starts_with(scheme)) {
-      return std::string(scheme) + entry.Below(word.substr(scheme.size())).lexically_normal().string();
-    }
+// What would be right, with the numbers or words that the rule allows.
+std::string RightOf(const Rule& rule) {
+  std::string allowed;
+  if (const auto* whole = std::get_if<Whole>(&rule.kind)) {
+    Append(allowed, whole->range.least, " to ", whole->range.most);
+  } else {
+    for (const Locale& locale : kLocales) Append(allowed, allowed.empty() ? "" : ", ", locale.name);
   }
-  return word;
+  std::string right(rule.right);
+  ReplaceAll(right, "#", allowed);
+  return right;
 }
 
 // Takes one key's value into the settings, by the kind of its rule.
@@ -152,7 +169,7 @@ struct Take {
   void operator()(const Word& word) const {
     std::string text = entry.Text(right);
     if (!word.taken(text)) entry.Refuse(right);
-    settings.*word.field = Rebased(entry, text);
+    word.field(settings) = host::Rebased(text, entry.Folder());
   }
   void operator()(const Path& path) const { settings.*path.field = entry.Below(entry.Text(right)).lexically_normal(); }
   void operator()(const LogPath&) const {
@@ -171,18 +188,18 @@ struct Take {
   }
   void operator()(const Whole& whole) const {
     const auto number = entry.Node().value_exact<std::int64_t>();
-    if (!number || *number < whole.least || *number > whole.most) entry.Refuse(right);
-    settings.*whole.field = static_cast<int>(*number);
+    if (!number || *number < whole.range.least || *number > whole.range.most) entry.Refuse(right);
+    whole.set(settings, static_cast<int>(*number));
   }
   void operator()(const Flag& flag) const {
     const auto chosen = entry.Node().value_exact<bool>();
     if (!chosen) entry.Refuse(right);
-    settings.*flag.field = *chosen;
+    flag.field(settings) = *chosen;
   }
   void operator()(const Seconds& seconds) const {
     const auto number = entry.Node().value<double>();
     if (!number || !(*number >= seconds.least && *number <= seconds.most)) entry.Refuse(right);
-    settings.*seconds.field = *number;
+    seconds.field(settings) = *number;
   }
 };
 
@@ -210,7 +227,9 @@ void TakeKey(Settings& settings, const fs::path& file, const fs::path& folder, c
              const toml::node& node) {
   if (key == "visitor") return TakeVisitor(settings, file, folder, node);
   for (const Rule& rule : kRules) {
-    if (rule.key == key) return std::visit(Take{settings, Entry(file, folder, key, node), rule.right}, rule.kind);
+    if (rule.key != key) continue;
+    const std::string right = RightOf(rule);
+    return std::visit(Take{settings, Entry(file, folder, key, node), right}, rule.kind);
   }
   std::string message;
   Append(message, file.string(), ':', node.source().begin.line, ": there is no setting ", key, "; there are");
@@ -228,11 +247,11 @@ fs::path OwnRunFolder(std::string_view listen) {
 // Script and the largest result have to fit, beside everything else.
 void CompleteMemory(Settings& settings) {
   constexpr int kLargestResult = 512, kEverythingElse = 256;
-  const int needed = settings.memoryLimit + kEverythingElse;
+  const int script = static_cast<int>(settings.limits.mebibytes), needed = script + kEverythingElse;
   if (settings.workerMemory == 0) settings.workerMemory = needed + kLargestResult;
   if (settings.workerMemory < needed) {
     throw SettingError("worker_memory: " + std::to_string(settings.workerMemory) +
-                       " MiB is too little for a script of " + std::to_string(settings.memoryLimit) + " MiB; " +
+                       " MiB is too little for a script of " + std::to_string(script) + " MiB; " +
                        std::to_string(needed) + " is the least");
   }
 }
@@ -303,6 +322,12 @@ void CheckProxy(const Settings& settings) {
 }
 
 }  // namespace
+
+host::PartsSettings Settings::Parts() const {
+  host::PartsSettings chosen = parts;
+  chosen.timeLimit = limits.seconds;
+  return chosen;
+}
 
 Settings ReadSettings(const fs::path& file) {
   if (!fs::is_regular_file(file)) throw SettingError(file.string() + ": there is no such settings file");

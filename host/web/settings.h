@@ -9,6 +9,13 @@
 
 namespace kalvo::web {
 
+// What a whole number of the settings may be.
+struct Range {
+  int least, most;
+};
+inline constexpr Range kWorkers{1, 1024};
+inline constexpr Range kMemoryLimit{1, 65536};  // MiB
+
 // How a site is served. Every setting has a default; `kalvo.toml` in the source folder shows them all.
 struct Settings {
   std::string listen = "127.0.0.1:8080";  // beyond this machine only with a certificate, or a proxy that has one
@@ -22,36 +29,30 @@ struct Settings {
   std::filesystem::path site;             // the pages; default: the console of this program
   int workers = 4;                        // pages that run at a time
   int queue = 64;                         // requests that may wait for a worker; one more is answered 503
-  double timeLimit = 30;                  // seconds a page may take
-  int memoryLimit = 256;                  // MiB the script of a page may take
-  int workerMemory = 0;                   // MiB of addresses a worker may take; 0: what `memoryLimit` needs
+  host::PageLimits limits;                // of a page
+  int workerMemory = 0;                   // MiB of addresses a worker may take; 0: what the script's limit needs
   std::string user;                       // whom workers serve as, where root starts them
-  std::string database = "odbc";          // where the data source "KalvoDB" points
-  bool unknownEngine = false;             // takes a database that nothing here keeps from being written
-  std::string mail;                       // the mailboxes; "" for none
+  host::PartsSettings parts;              // the database, the mailboxes, the ranking and the locale
   int holdingDays = 14;                   // how long a deleted message is held
-  std::string locale = "en-US";
-  int topNRows = ranking::kRankedRows;  // how many rows a Top-N has
-  int topNOldDays = ranking::kOldDays;  // from how many days on a message is old
-  std::filesystem::path run;            // sockets, process ids, nginx's files; default: a private folder of the user
-  std::string web = "embedded";         // "external": for an nginx that is there already
-  std::string nginx = "nginx";          // the program
-  std::string log = "-";                // a file, or "-" for standard error
-  std::filesystem::path errorPages;     // a folder with 404.html, 500.html, 503.html ...; default: plain ones
-  std::filesystem::path users;          // the users file; with it, everybody signs in
-  std::filesystem::path audit;          // a private folder for the audit log; default: "audit" below `run`
-  std::filesystem::path sessions;       // a private folder; default: "sessions" below `run`
-  int sessionMinutes = 30;              // without a request, after which one signs in again
-  int sessionsPerUser = 5;              // one more sign-in ends the user's oldest
-  bool debug = false;                   // whether administrators may see a page's traces
-  std::string logon;                    // without a users file: who every visitor is
-  host::NamedTexts session;             // and the session values every visitor has
+  std::filesystem::path run;              // sockets, process ids, nginx's files; default: a private folder of the user
+  std::string web = "embedded";           // "external": for an nginx that is there already
+  std::string nginx = "nginx";            // the program
+  std::string log = "-";                  // a file, or "-" for standard error
+  std::filesystem::path errorPages;       // a folder with 404.html, 500.html, 503.html ...; default: plain ones
+  std::filesystem::path users;            // the users file; with it, everybody signs in
+  std::filesystem::path audit;            // a private folder for the audit log; default: "audit" below `run`
+  std::filesystem::path sessions;         // a private folder; default: "sessions" below `run`
+  int sessionMinutes = 30;                // without a request, after which one signs in again
+  int sessionsPerUser = 5;                // one more sign-in ends the user's oldest
+  bool debug = false;                     // whether administrators may see a page's traces
+  std::string logon;                      // without a users file: who every visitor is
+  host::NamedTexts session;               // and the session values every visitor has
 
   bool External() const { return web == "external"; }
   bool Encrypts() const { return !External() && !certificate.empty(); }
-  host::PartsSettings Parts() const {
-    return {database, mail, locale, timeLimit, topNRows, topNOldDays, unknownEngine, false};
-  }
+
+  // The parts, where a statement may take as long as a page.
+  host::PartsSettings Parts() const;
 };
 
 // Reads a settings file. Relative paths in it start at the file's own folder. Fails with SettingError, which

@@ -10,6 +10,7 @@
 #include <csignal>
 #include <ctime>
 
+#include "base/file.h"
 #include "host/edge/edge.h"
 #include "host/parts/memory_session.h"
 #include "host/parts/setting_error.h"
@@ -51,11 +52,7 @@ sigset_t PrepareSignals() {
 
 // When memory runs out, a worker is to go and not its supervisor.
 void VolunteerForTheOutOfMemoryKiller() {
-  const int file = open("/proc/self/oom_score_adj", O_WRONLY | O_CLOEXEC);
-  if (file < 0) return;
-  if (write(file, "500", 3) < 0) { /* only a wish */
-  }
-  close(file);
+  base::WriteAll(base::Open("/proc/self/oom_score_adj", O_WRONLY), "500");  // only a wish
 }
 
 // False when the worker shall stop. `idle` is called where nobody has asked for a while.
@@ -124,7 +121,7 @@ void Worker::RunPage(FCGX_Request& request) {
   const FastCgiRequest asked = ReadRequest(request);
   const Settings& settings = generation_.settings;
   const RunningPage running(slot_, asked.page,
-                            static_cast<std::int64_t>(settings.timeLimit * 1000) + kGraceMilliseconds);
+                            static_cast<std::int64_t>(settings.limits.seconds * 1000) + kGraceMilliseconds);
   if (!generation_.visitor.IsThere()) throw VisitorGone();
   if (!asked.complete) return SendError(request, 400);
 
@@ -149,7 +146,7 @@ void Worker::RunPage(FCGX_Request& request) {
   page.serverVariables.emplace_back("AUTH_USER", admission->logon);
   for (auto& variable : admission->variables) page.serverVariables.push_back(std::move(variable));
   host::PageOptions options;
-  options.limits = {settings.timeLimit, static_cast<std::size_t>(settings.memoryLimit)};
+  options.limits = settings.limits;
   options.isWanted = [this] { return generation_.visitor.IsThere(); };
   FastCgiSink sink(request, directive);
   ActingSession session(

@@ -34,13 +34,13 @@ TEST(Settings, HaveDefaults) {
   const TemporaryFolder folder;
   const Settings settings = Read(folder, "");
   EXPECT_EQ(settings.listen, "127.0.0.1:8080");
-  EXPECT_EQ(settings.database, "odbc");
-  EXPECT_EQ(settings.locale, "en-US");
-  EXPECT_EQ(settings.topNRows, 100);
-  EXPECT_EQ(settings.topNOldDays, 90);
+  EXPECT_EQ(settings.parts.database, "odbc");
+  EXPECT_EQ(settings.parts.locale, "en-US");
+  EXPECT_EQ(settings.parts.topNRows, 100);
+  EXPECT_EQ(settings.parts.topNOldDays, 90);
   EXPECT_EQ(settings.workers, 4);
-  EXPECT_EQ(settings.timeLimit, 30);
-  EXPECT_EQ(settings.memoryLimit, 256);
+  EXPECT_EQ(settings.limits.seconds, 30);
+  EXPECT_EQ(settings.limits.mebibytes, 256u);
   EXPECT_FALSE(settings.External());
   EXPECT_EQ(settings.logon, "");
   EXPECT_TRUE(settings.session.empty());
@@ -76,13 +76,13 @@ Other = ""
   EXPECT_EQ(settings.site, folder.Path() / "pages");
   EXPECT_EQ(settings.workers, 2);
   EXPECT_EQ(settings.queue, 3);
-  EXPECT_EQ(settings.timeLimit, 1.5);
-  EXPECT_EQ(settings.memoryLimit, 64);
-  EXPECT_EQ(settings.database, "sqlite:" + (folder.Path() / "data/kalvo.db").string());
-  EXPECT_EQ(settings.mail, "maildir:/mail");
-  EXPECT_EQ(settings.locale, "de-DE");
-  EXPECT_EQ(settings.topNRows, 20);
-  EXPECT_EQ(settings.topNOldDays, 365);
+  EXPECT_EQ(settings.limits.seconds, 1.5);
+  EXPECT_EQ(settings.limits.mebibytes, 64u);
+  EXPECT_EQ(settings.parts.database, "sqlite:" + (folder.Path() / "data/kalvo.db").string());
+  EXPECT_EQ(settings.parts.mail, "maildir:/mail");
+  EXPECT_EQ(settings.parts.locale, "de-DE");
+  EXPECT_EQ(settings.parts.topNRows, 20);
+  EXPECT_EQ(settings.parts.topNOldDays, 365);
   EXPECT_EQ(settings.holdingDays, 30);
   EXPECT_EQ(settings.Parts().topNRows, 20);
   EXPECT_EQ(settings.Parts().topNOldDays, 365);
@@ -99,7 +99,7 @@ TEST(Settings, TakeEveryKindOfMailboxes) {
   const TemporaryFolder folder;
   for (const std::string mail :
        {"", "maildir:/mail", "imap://admin@host:143/?directory=d", "imaps://admin@host:993/"}) {
-    EXPECT_EQ(Read(folder, "mail = \"" + mail + "\"").mail, mail);
+    EXPECT_EQ(Read(folder, "mail = \"" + mail + "\"").parts.mail, mail);
   }
 }
 
@@ -109,11 +109,11 @@ TEST(Settings, TheFileOfTheSourceFolderShowsTheDefaults) {
   EXPECT_EQ(shown.listen, settings.listen);
   EXPECT_EQ(shown.workers, settings.workers);
   EXPECT_EQ(shown.queue, settings.queue);
-  EXPECT_EQ(shown.timeLimit, settings.timeLimit);
-  EXPECT_EQ(shown.memoryLimit, settings.memoryLimit);
-  EXPECT_EQ(shown.locale, settings.locale);
-  EXPECT_EQ(shown.topNRows, settings.topNRows);
-  EXPECT_EQ(shown.topNOldDays, settings.topNOldDays);
+  EXPECT_EQ(shown.limits.seconds, settings.limits.seconds);
+  EXPECT_EQ(shown.limits.mebibytes, settings.limits.mebibytes);
+  EXPECT_EQ(shown.parts.locale, settings.parts.locale);
+  EXPECT_EQ(shown.parts.topNRows, settings.parts.topNRows);
+  EXPECT_EQ(shown.parts.topNOldDays, settings.parts.topNOldDays);
   EXPECT_EQ(shown.web, settings.web);
   EXPECT_EQ(shown.nginx, settings.nginx);
   EXPECT_EQ(shown.log, settings.log);
