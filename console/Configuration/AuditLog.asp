@@ -8,12 +8,14 @@ var log = Session.StaticObjects("gAuditLog"), event = Argument("Event"), user = 
   skipped = Math.max(0, Number(Argument("Skip")) || 0);
 
 function FilterForm(events) {
-  Response.Write('<form class="scope" method="get" action="AuditLog.asp">\r\n<label>Event: <select name="Event"><option value="">all</option>');
-  for (var i = 0; i < events.length; ++i) {
-    Response.Write('<option' + (events[i] === event ? " selected" : "") + ">" + Encode(events[i]) + "</option>");
-  }
-  Response.Write('</select></label>\r\n<label>User: <input name="User" value="' + Encode(user) + '"></label>\r\n' +
-    '<input type="submit" value="Show">\r\n</form>\r\n');
+  Form("AuditLog.asp", "Show", function () {
+    Response.Write('<label>Event: <select name="Event"><option value="">all</option>');
+    for (var i = 0; i < events.length; ++i) {
+      Response.Write('<option' + (events[i] === event ? " selected" : "") + ">" + Encode(events[i]) + "</option>");
+    }
+    Response.Write("</select></label>\r\n");
+    TextField("User", "User:", user);
+  });
 }
 
 function Details(details) {

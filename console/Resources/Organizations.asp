@@ -22,14 +22,6 @@ if (site !== "") {
     "This organization has no managed servers.");
 }
 
-var sites = Sites(), links = [], last = null, i;
-for (i = 0; i < sites.length; ++i) {
-  if (sites[i][0] !== last) {
-    last = sites[i][0];
-    links.push(["Organizations.asp", last, "Organization", last]);
-  }
-  links.push(["Organizations.asp", last + ", " + sites[i][1], "Organization", last, "Site", sites[i][1]]);
-}
 Heading("Organizations and sites");
-Links(links);
+Links(SiteLinks("Organizations.asp"));
 %><!--#include file="../Include/Footer.inc"-->

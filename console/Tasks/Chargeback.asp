@@ -21,16 +21,8 @@ if (site !== "") {
   Note("Who keeps how much: choose an organization, a site, a server group or a server.");
 }
 
-var sites = Sites(), links = [], last = null, i;
-for (i = 0; i < sites.length; ++i) {
-  if (sites[i][0] !== last) {
-    last = sites[i][0];
-    links.push(["Chargeback.asp", last, "Organization", last]);
-  }
-  links.push(["Chargeback.asp", last + ", " + sites[i][1], "Organization", last, "Site", sites[i][1]]);
-}
 Heading("Organizations and sites");
-Links(links);
+Links(SiteLinks("Chargeback.asp"));
 ScopeForm("Chargeback.asp", "GroupName", "Server group:", ServerGroups(), []);
 ScopeForm("Chargeback.asp", "Server", "Server:", Servers(), []);
 %><!--#include file="../Include/Footer.inc"-->

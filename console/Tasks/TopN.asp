@@ -52,18 +52,6 @@ function ChosenScope() {
   return null;
 }
 
-function ScopeLinks() {
-  var sites = Sites(), links = [], last = null, i;
-  for (i = 0; i < sites.length; ++i) {
-    if (sites[i][0] !== last) {
-      last = sites[i][0];
-      links.push(["TopN.asp", last, "Organization", last]);
-    }
-    links.push(["TopN.asp", last + ", " + sites[i][1], "Organization", last, "Site", sites[i][1]]);
-  }
-  return links;
-}
-
 var chosen = ChosenScope();
 if (chosen) {
   var reports = Argument("MailboxGroup") !== "" ? mailboxReports : mailboxReports.concat(folderReports);
@@ -75,5 +63,5 @@ Heading("Other scopes");
 ScopeForm("TopN.asp", "Server", "Server:", Servers(), ["Report", Argument("Report")]);
 ScopeForm("TopN.asp", "GroupName", "Server group:", ServerGroups(), ["Report", Argument("Report")]);
 ScopeForm("TopN.asp", "MailboxGroup", "Mailbox group:", MailboxGroups(), ["Report", Argument("Report")]);
-Links(ScopeLinks());
+Links(SiteLinks("TopN.asp"));
 %><!--#include file="../Include/Footer.inc"-->
