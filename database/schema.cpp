@@ -1,11 +1,11 @@
-#include "database/sample/schema.h"
+#include "database/schema.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "kalvo/platform/text.h"
 
-namespace kalvo::sample {
+namespace kalvo::schema {
 namespace {
 
 struct EngineRow {
@@ -59,7 +59,7 @@ bool IsIndex(std::string_view statement) {
 std::vector<std::string> Statements(Engine engine, bool indexes) {
   const auto row = std::find_if(std::begin(kEngines), std::end(kEngines),
                                 [&](const EngineRow& candidate) { return candidate.engine == engine; });
-  std::string text(SchemaText());
+  std::string text(Text());
   ReplaceAll(text, "@PG@", row->postgresqlAlone);
   text = WithoutComments(text);
   ReplaceAll(text, "@DT@", row->dateTime);
@@ -79,13 +79,13 @@ std::vector<std::string> TableStatements(Engine engine) { return Statements(engi
 
 std::vector<std::string> IndexStatements(Engine engine) { return Statements(engine, true); }
 
-std::vector<SchemaTable> SchemaTables() {
+std::vector<Table> Tables() {
   constexpr std::string_view kCreate = "create table ", kAlter = "alter table ", kAdd = " add ";
-  std::vector<SchemaTable> tables;
+  std::vector<Table> tables;
   for (const std::string& statement : TableStatements(Engine::Sqlite)) {
     const std::string_view text = statement;
     if (text.starts_with(kCreate)) {
-      SchemaTable& table = tables.emplace_back(SchemaTable{FirstWord(text.substr(kCreate.size())), {}});
+      Table& table = tables.emplace_back(Table{FirstWord(text.substr(kCreate.size())), {}});
       const std::size_t open = text.find('('), close = text.rfind(')');
       for (const std::string& definition : Pieces(text.substr(open + 1, close - open - 1), ',')) {
         if (!definition.starts_with("primary key")) table.columns.push_back(FirstWord(definition));
@@ -93,7 +93,7 @@ std::vector<SchemaTable> SchemaTables() {
     } else if (text.starts_with(kAlter)) {
       const std::string name = FirstWord(text.substr(kAlter.size()));
       const std::string_view definition = text.substr(text.find(kAdd) + kAdd.size());
-      for (SchemaTable& table : tables) {
+      for (Table& table : tables) {
         if (table.name == name) table.columns.push_back(FirstWord(definition));
       }
     }
@@ -101,4 +101,4 @@ std::vector<SchemaTable> SchemaTables() {
   return tables;
 }
 
-}  // namespace kalvo::sample
+}  // namespace kalvo::schema

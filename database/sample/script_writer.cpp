@@ -14,7 +14,7 @@ constexpr int kRowsAStatement = 500;
 // One literal of a row, in the words of an engine.
 struct Literal {
   std::string& out;
-  Engine engine;
+  schema::Engine engine;
 
   void operator()(std::nullptr_t) const { out += "null"; }
   void operator()(std::int64_t number) const { Append(out, number); }
@@ -23,16 +23,16 @@ struct Literal {
     out.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
   }
   void operator()(std::string_view text) const {
-    if (engine == Engine::SqlServer) out += 'N';
+    if (engine == schema::Engine::SqlServer) out += 'N';
     AppendSqlQuoted(out, text);
   }
   void operator()(Moment moment) const { AppendSqlQuoted(out, MomentText(moment)); }
   void operator()(const Identifier& bytes) const {
-    if (engine == Engine::SqlServer) {
+    if (engine == schema::Engine::SqlServer) {
       out += "0x";
       AppendHexadecimal(out, bytes);
     } else {
-      out += engine == Engine::Postgresql ? "'\\x" : "x'";
+      out += engine == schema::Engine::Postgresql ? "'\\x" : "x'";
       AppendHexadecimal(out, bytes);
       out += '\'';
     }
@@ -41,17 +41,17 @@ struct Literal {
 
 }  // namespace
 
-ScriptWriter::ScriptWriter(std::ostream& out, Engine engine) : out_(out), engine_(engine) {
+ScriptWriter::ScriptWriter(std::ostream& out, schema::Engine engine) : out_(out), engine_(engine) {
   // A backslash is a letter like any other in the texts below.
-  if (engine == Engine::Mariadb) {
+  if (engine == schema::Engine::Mariadb) {
     out_ << "set names utf8mb4;\nset session sql_mode = concat(@@sql_mode, ',NO_BACKSLASH_ESCAPES');\nstart "
             "transaction;\n";
-  } else if (engine == Engine::SqlServer) {
+  } else if (engine == schema::Engine::SqlServer) {
     out_ << "begin transaction;\n";
   } else {
     out_ << "begin;\n";
   }
-  for (const std::string& statement : TableStatements(engine)) out_ << statement << ";\n";
+  for (const std::string& statement : schema::TableStatements(engine)) out_ << statement << ";\n";
 }
 
 void ScriptWriter::Table(std::string_view name, std::span<const std::string_view> columns) {
@@ -80,12 +80,12 @@ void ScriptWriter::EndStatement() {
 
 void ScriptWriter::Finish() {
   EndStatement();
-  for (const std::string& statement : IndexStatements(engine_)) out_ << statement << ";\n";
-  out_ << (engine_ == Engine::SqlServer ? "commit transaction;\n" : "commit;\n");
+  for (const std::string& statement : schema::IndexStatements(engine_)) out_ << statement << ";\n";
+  out_ << (engine_ == schema::Engine::SqlServer ? "commit transaction;\n" : "commit;\n");
   // The engine's picture of the rows, so that its plans are good from the first question on.
-  if (engine_ == Engine::Postgresql) out_ << "analyze;\n";
-  if (engine_ == Engine::Mariadb) {
-    for (const SchemaTable& table : SchemaTables()) out_ << "analyze table " << table.name << ";\n";
+  if (engine_ == schema::Engine::Postgresql) out_ << "analyze;\n";
+  if (engine_ == schema::Engine::Mariadb) {
+    for (const schema::Table& table : schema::Tables()) out_ << "analyze table " << table.name << ";\n";
   }
 }
 

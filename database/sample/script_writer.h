@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "database/sample/row_writer.h"
-#include "database/sample/schema.h"
+#include "database/schema.h"
 
 namespace kalvo::sample {
 
@@ -13,7 +13,7 @@ namespace kalvo::sample {
 // some hundred each, the indexes.
 class ScriptWriter : public RowWriter {
  public:
-  ScriptWriter(std::ostream& out, Engine engine);
+  ScriptWriter(std::ostream& out, schema::Engine engine);
 
   using RowWriter::Table;
   void Table(std::string_view name, std::span<const std::string_view> columns) override;
@@ -26,7 +26,7 @@ class ScriptWriter : public RowWriter {
   void EndStatement();
 
   std::ostream& out_;
-  Engine engine_;
+  schema::Engine engine_;
   std::string insert_;  // "insert into T (A, B) values\n"
   std::string row_;
   int rowsInStatement_ = 0;

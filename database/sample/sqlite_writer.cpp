@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "database/sample/schema.h"
+#include "database/schema.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/error.h"
 
@@ -71,7 +71,7 @@ SqliteWriter::SqliteWriter(std::filesystem::path file) : name_(std::move(file)),
   file_->Run("pragma locking_mode = exclusive");
   file_->Run("pragma cache_size = -200000");
   file_->Run("begin");
-  for (const std::string& statement : TableStatements(Engine::Sqlite)) file_->Run(statement);
+  for (const std::string& statement : schema::TableStatements(schema::Engine::Sqlite)) file_->Run(statement);
 }
 
 SqliteWriter::~SqliteWriter() {
@@ -93,7 +93,7 @@ void SqliteWriter::Table(std::string_view name, std::span<const std::string_view
 void SqliteWriter::Row(std::span<const Cell> cells) { file_->Insert(cells); }
 
 void SqliteWriter::Finish() {
-  for (const std::string& statement : IndexStatements(Engine::Sqlite)) file_->Run(statement);
+  for (const std::string& statement : schema::IndexStatements(schema::Engine::Sqlite)) file_->Run(statement);
   file_->Run("commit");
   file_->Run("analyze");
   file_.reset();

@@ -9,17 +9,16 @@
 #include <ostream>
 #include <vector>
 
-#include "database/sample/schema.h"
+#include "database/schema.h"
 #include "host/cli/questions.h"
 #include "host/cli/report_page.h"
 #include "host/cli/report_scope.h"
 #include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 #include "kalvo/platform/database.h"
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/platform.h"
-#include "kalvo/table.h"
 #include "kalvo/table_constants.h"
-#include "kalvo/table_database.h"
 
 namespace kalvo::host {
 namespace {
@@ -30,21 +29,12 @@ std::string OneLine(std::string text) {
   return text;
 }
 
-std::string Lower(std::string_view text) {
-  std::string lower(text);
-  std::ranges::transform(lower, lower.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return lower;
-}
-
 // ---- the check ------------------------------------------------------------------------------------------
 
 class Check {
  public:
   Check(const Platform& platform, std::ostream& out)
-      : platform_(platform),
-        out_(out),
-        questions_(platform.database),
-        tables_(std::make_shared<KalvoTableDatabase>(platform)) {}
+      : platform_(platform), out_(out), questions_(platform.database), reports_(platform) {}
 
   bool Opens() {
     try {
@@ -88,9 +78,9 @@ class Check {
   }
 
   bool SchemaFits() {
-    const std::vector<sample::SchemaTable> expected = sample::SchemaTables();
+    const std::vector<schema::Table> expected = schema::Tables();
     std::size_t columns = 0, missing = 0;
-    for (const sample::SchemaTable& table : expected) {
+    for (const schema::Table& table : expected) {
       columns += table.columns.size();
       missing += MissingIn(table);
     }
@@ -134,10 +124,10 @@ class Check {
                   << place.organization << "\", site \"" << place.site << "\"\n";
     int reports = 0, working = 0;
     for (const ReportName& report : ReportNames()) {
-      if (!ReadsDatabase(report.id) && !IsRanking(report.id)) continue;
+      if (reports_.SqlOf(report).empty() && !ReportCatalogue::IsRanking(report)) continue;
       ++reports;
       const std::vector<std::string> failures =
-          FailuresOf(ReportPage(platform_).Build(report.id, ScopeOf(report.id, place)));
+          FailuresOf(ReportPage(platform_).Build(report.id, reports_.ScopeOf(report, place)));
       if (failures.empty()) ++working;
       out_ << "  " << std::setw(2) << report.id << "  " << std::left << std::setw(56) << report.name << std::right
            << (failures.empty() ? "works" : "fails: " + failures.front()) << "\n";
@@ -150,7 +140,7 @@ class Check {
   std::ostream& Line(std::string_view what) { return out_ << std::left << std::setw(12) << what << std::right; }
 
   // How many columns of the table are missing; each is named with the reports that read it.
-  std::size_t MissingIn(const sample::SchemaTable& table) {
+  std::size_t MissingIn(const schema::Table& table) {
     std::vector<std::string> there;
     try {
       there = questions_.FieldNames("select * from " + table.name + " where (1 = 0)");
@@ -161,7 +151,8 @@ class Check {
     }
     std::size_t missing = 0;
     for (const std::string& column : table.columns) {
-      if (std::ranges::any_of(there, [&](const std::string& name) { return Lower(name) == Lower(column); })) continue;
+      const auto same = [&](const std::string& name) { return EqualsIgnoringAsciiCase(name, column); };
+      if (std::ranges::any_of(there, same)) continue;
       ++missing;
       Line("Schema") << "missing column " << table.name << "." << column << "; needed by "
                      << ReadersOf(table.name, column) << "\n";
@@ -173,10 +164,9 @@ class Check {
   std::string ReadersOf(std::string_view table, std::string_view column) {
     std::string readers;
     for (const ReportName& report : ReportNames()) {
-      if (!ReadsDatabase(report.id)) continue;
-      const std::string sql = Lower(tables_->GetTable(report.id)->GetSQL());
-      const bool reads = column.empty() ? FindWord(sql, Lower(table)) != std::string::npos
-                                        : ReadsColumn(sql, Lower(table), Lower(column));
+      const std::string sql = ToLowerAscii(reports_.SqlOf(report));
+      const bool reads = column.empty() ? FindWord(sql, ToLowerAscii(table)) != std::string::npos
+                                        : ReadsColumn(sql, ToLowerAscii(table), ToLowerAscii(column));
       if (reads) Append(readers, readers.empty() ? "" : ", ", static_cast<int>(report.id), " ", report.name);
     }
     return readers.empty() ? "the Top-N reports" : readers;
@@ -222,7 +212,7 @@ class Check {
   const Platform& platform_;
   std::ostream& out_;
   Questions questions_;
-  std::shared_ptr<KalvoTableDatabase> tables_;
+  ReportCatalogue reports_;
 };
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include "host/cli/report_page.h"
 
+#include "host/script/page/request.h"
 #include "host/script/text/encoding.h"
-#include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/page_host.h"
@@ -10,56 +10,11 @@
 namespace kalvo::host {
 namespace {
 
-using Query = std::vector<std::pair<std::string, std::string>>;
-
 class TextResponse : public Response {
  public:
   void Write(std::string_view piece) override { text += piece; }
   void Flush() override {}
   std::string text;
-};
-
-class ListRequest : public Request {
- public:
-  explicit ListRequest(const Query& query) : query_(query) {}
-
-  std::vector<std::string> QueryKeys() override {
-    std::vector<std::string> keys;
-    for (const auto& [key, value] : query_) {
-      bool known = false;
-      for (const std::string& earlier : keys) known = known || EqualsIgnoringCase(earlier, key);
-      if (!known) keys.push_back(key);
-    }
-    return keys;
-  }
-  std::int32_t QueryCount(std::string_view key) override { return static_cast<std::int32_t>(Values(key).size()); }
-  std::string QueryItem(std::string_view key, std::int32_t i) override {
-    const std::vector<std::string_view> values = Values(key);
-    if (i < 1 || static_cast<std::size_t>(i) > values.size()) throw SubscriptOutOfRange();
-    return std::string(values[static_cast<std::size_t>(i) - 1]);
-  }
-  std::string QueryText(std::string_view key) override {
-    return Built([&](std::string& out) {
-      for (const std::string_view value : Values(key)) Append(out, out.empty() ? "" : ", ", value);
-    });
-  }
-  std::string ServerVariable(std::string_view name) override {
-    return EqualsIgnoringCase(name, "URL") ? "/Report.asp" : "";
-  }
-  std::string Item(std::string_view name) override {
-    return QueryCount(name) > 0 ? QueryText(name) : ServerVariable(name);
-  }
-
- private:
-  std::vector<std::string_view> Values(std::string_view key) const {
-    std::vector<std::string_view> values;
-    for (const auto& [name, value] : query_) {
-      if (EqualsIgnoringCase(name, key)) values.push_back(value);
-    }
-    return values;
-  }
-
-  const Query& query_;
 };
 
 class Encoders : public Server {
@@ -83,8 +38,8 @@ class RightsSession : public Session {
 
 class PageObjects : public ScriptingContext {
  public:
-  PageObjects(const Query& query, bool administrator)
-      : request_(std::make_shared<ListRequest>(query)), session_(std::make_shared<RightsSession>(administrator)) {}
+  PageObjects(const PageRequest& request, bool administrator)
+      : request_(std::make_shared<RequestObject>(request)), session_(std::make_shared<RightsSession>(administrator)) {}
   std::shared_ptr<Response> GetResponse() override { return response; }
   std::shared_ptr<Request> GetRequest() override { return request_; }
   std::shared_ptr<Session> GetSession() override { return session_; }
@@ -119,8 +74,18 @@ std::string PlainText(std::string_view html) {
 
 }  // namespace
 
+void ReportPage::AddParameter(std::string_view key, std::string_view value) {
+  if (!query_.empty()) query_ += '&';
+  AppendUrlEncoded(query_, key);
+  query_ += '=';
+  AppendUrlEncoded(query_, value);
+}
+
 std::string ReportPage::Build(KalvoTableConstants id, const ReportScope& scope) const {
-  const auto page = std::make_shared<PageObjects>(query_, administrator_);
+  PageRequest request;
+  request.url = "/Report.asp";
+  request.queryString = query_;
+  const auto page = std::make_shared<PageObjects>(request, administrator_);
   const auto generator = std::make_shared<KalvoforExchangeTableGenerator>(platform_);
   generator->OnStartPage(*page);
   generator->BuildTable(id, scope.name, scope.organization, scope.site, scope.mailbox, "", scope.topN);

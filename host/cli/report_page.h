@@ -1,9 +1,7 @@
 #pragma once
 
-#include <memory>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "kalvo/enumerations.h"
@@ -28,7 +26,7 @@ class ReportPage {
   explicit ReportPage(const Platform& platform) : platform_(platform) {}
 
   // A parameter of the query string, in the order of the calls.
-  void AddParameter(std::string key, std::string value) { query_.emplace_back(std::move(key), std::move(value)); }
+  void AddParameter(std::string_view key, std::string_view value);
 
   void BeAdministrator() { administrator_ = true; }
 
@@ -37,7 +35,7 @@ class ReportPage {
 
  private:
   const Platform& platform_;
-  std::vector<std::pair<std::string, std::string>> query_;
+  std::string query_;  // as an address has it
   bool administrator_ = false;
 };
 

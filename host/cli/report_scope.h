@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -9,7 +10,9 @@
 
 namespace kalvo {
 class Database;
-}
+class KalvoTableDatabase;
+struct Platform;
+}  // namespace kalvo
 
 namespace kalvo::host {
 
@@ -22,9 +25,6 @@ struct ReportName {
 // Every table id, in the order of the ids.
 std::span<const ReportName> ReportNames();
 
-bool ReadsDatabase(KalvoTableConstants id);  // by SQL of its own
-bool IsRanking(KalvoTableConstants id);      // a Top-N
-
 // A managed server, with what it is in.
 struct Place {
   std::string server, group, organization, site;
@@ -34,8 +34,24 @@ struct Place {
 // where there is no such server or the database does not tell.
 Place FirstPlace(Database& database);
 
-// The scope that a report has at a place: of the server, of its group, or of its organization and site; all of its
-// mailboxes.
-ReportScope ScopeOf(KalvoTableConstants id, const Place& place);
+// What the catalogue tells of the reports.
+class ReportCatalogue {
+ public:
+  // The platform outlives the catalogue.
+  explicit ReportCatalogue(const Platform& platform);
+
+  // The report's own SQL; "" for one that reads no database by itself.
+  const std::string& SqlOf(const ReportName& report) const;
+
+  // Whether it is a Top-N.
+  static bool IsRanking(const ReportName& report);
+
+  // The scope that a report has at a place: of the server, of its group, or of its organization and site; all of its
+  // mailboxes.
+  ReportScope ScopeOf(const ReportName& report, const Place& place) const;
+
+ private:
+  std::shared_ptr<KalvoTableDatabase> tables_;
+};
 
 }  // namespace kalvo::host

@@ -47,7 +47,7 @@ std::string SampleScript(const sample::Organization& organization, Engine engine
   std::ostringstream script;
   sample::SilentProgress progress;
   sample::ScriptWriter writer(script,
-                              engine == Engine::Postgresql ? sample::Engine::Postgresql : sample::Engine::Mariadb);
+                              engine == Engine::Postgresql ? schema::Engine::Postgresql : schema::Engine::Mariadb);
   sample::WriteSample(organization, writer, progress);
   writer.Finish();
   return script.str();

@@ -26,7 +26,7 @@ Organization Made(SampleSize size, std::uint64_t seed) {
 std::string Script(std::uint64_t seed) {
   std::ostringstream out;
   SilentProgress progress;
-  ScriptWriter writer(out, Engine::Postgresql);
+  ScriptWriter writer(out, schema::Engine::Postgresql);
   WriteSample(Made(SampleSize::Small, seed), writer, progress);
   writer.Finish();
   return out.str();

@@ -1,4 +1,4 @@
-#include "database/sample/schema.h"
+#include "database/schema.h"
 
 #include <gtest/gtest.h>
 
@@ -17,28 +17,28 @@ namespace kalvo::test {
 namespace {
 
 TEST(Schema, HasNoWordLeftOpenForAnyEngine) {
-  using sample::Engine;
+  using schema::Engine;
   for (const Engine engine : {Engine::Sqlite, Engine::Postgresql, Engine::Mariadb, Engine::SqlServer}) {
-    for (const std::string& statement : sample::TableStatements(engine)) {
+    for (const std::string& statement : schema::TableStatements(engine)) {
       EXPECT_EQ(statement.find('@'), std::string::npos) << statement;
     }
-    EXPECT_GT(sample::IndexStatements(engine).size(), 15u);
+    EXPECT_GT(schema::IndexStatements(engine).size(), 15u);
   }
 }
 
 TEST(Schema, ListsItsTablesWithTheirColumns) {
-  const auto tables = sample::SchemaTables();
-  const auto group = std::ranges::find(tables, "EXDB_GROUP", &sample::SchemaTable::name);
+  const auto tables = schema::Tables();
+  const auto group = std::ranges::find(tables, "EXDB_GROUP", &schema::Table::name);
   ASSERT_NE(group, tables.end());
   EXPECT_EQ(group->columns, (std::vector<std::string>{"GroupId", "Name", "Description"}));
-  const auto current = std::ranges::find(tables, "EXDB_SERVERCURRENT", &sample::SchemaTable::name);
+  const auto current = std::ranges::find(tables, "EXDB_SERVERCURRENT", &schema::Table::name);
   ASSERT_NE(current, tables.end());
   EXPECT_EQ(current->columns.size(), 3u) << "a key is no column";
 }
 
 TEST(Schema, SaysWhatARowOfEachTableIs) {
-  const std::string_view text = sample::SchemaText();
-  for (const sample::SchemaTable& table : sample::SchemaTables()) {
+  const std::string_view text = schema::Text();
+  for (const schema::Table& table : schema::Tables()) {
     const std::size_t at = text.find("create table " + table.name + " ");
     ASSERT_NE(at, std::string_view::npos) << table.name;
     const std::string_view before = text.substr(0, at - 1);
@@ -92,7 +92,7 @@ TEST_P(SchemaOnEngine, HoldsTheWholeSample) {
     EXPECT_FALSE(records->IsEmpty());
     return std::string(records->GetRows().Text(0, 0, scratch));
   };
-  for (const sample::SchemaTable& table : sample::SchemaTables()) {
+  for (const schema::Table& table : schema::Tables()) {
     EXPECT_EQ(rowsOf(GetParam(), table.name), rowsOf(Engine::Sqlite, table.name)) << table.name;
     const std::string sql = "select * from " + table.name + " where (1 = 0)";
     const auto connection = SampleDatabases::Shared().PlatformOf(GetParam()).database.Connect("KalvoDB");

@@ -6,7 +6,7 @@
 
 #include "adapters/ranking/sample_fixture.h"
 #include "adapters/ranking/statement.h"
-#include "database/sample/schema.h"
+#include "database/schema.h"
 #include "support/postgres_server.h"
 
 namespace kalvo::test {
@@ -40,8 +40,8 @@ class Database {
 
 TEST(RankingPlan, ReadsEveryTableOverAnIndex) {
   Database database;
-  for (const std::string& statement : sample::TableStatements(sample::Engine::Sqlite)) database.Run(statement);
-  for (const std::string& statement : sample::IndexStatements(sample::Engine::Sqlite)) database.Run(statement);
+  for (const std::string& statement : schema::TableStatements(schema::Engine::Sqlite)) database.Run(statement);
+  for (const std::string& statement : schema::IndexStatements(schema::Engine::Sqlite)) database.Run(statement);
   for (const Kind& kind : AllKinds()) {
     for (const Scope scope : kScopes) {
       const Statement statement = MakeStatement(kind, scope, "x", {});
@@ -61,8 +61,8 @@ TEST(RankingPlan, ReadsEveryTableOverAnIndex) {
 // PostgreSQL prefers to read a small table whole; told not to, it has to have an index for every one of them.
 TEST(RankingPlan, HasAnIndexForEveryTableOnPostgresql) {
   PostgresServer server;
-  for (const std::string& statement : sample::TableStatements(sample::Engine::Postgresql)) server.Execute(statement);
-  for (const std::string& statement : sample::IndexStatements(sample::Engine::Postgresql)) server.Execute(statement);
+  for (const std::string& statement : schema::TableStatements(schema::Engine::Postgresql)) server.Execute(statement);
+  for (const std::string& statement : schema::IndexStatements(schema::Engine::Postgresql)) server.Execute(statement);
   for (const Kind& kind : AllKinds()) {
     for (const Scope scope : kScopes) {
       const std::string sql = MakeStatement(kind, scope, "x", {}).sql;
