@@ -8,6 +8,7 @@
 
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
+#include "kalvo/platform/text.h"
 
 namespace kalvo::attack {
 namespace {
@@ -40,12 +41,6 @@ extern "C" size_t KalvoTakeBody(char* bytes, size_t size, size_t count, void* an
   std::string& body = static_cast<Answer*>(answer)->body;
   body.append(bytes, std::min(size * count, kLargestBody - std::min(kLargestBody, body.size())));
   return size * count;
-}
-
-std::string_view Trimmed(std::string_view text) {
-  while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-  while (!text.empty() && static_cast<unsigned char>(text.back()) <= ' ') text.remove_suffix(1);
-  return text;
 }
 
 extern "C" size_t KalvoTakeHeader(char* bytes, size_t size, size_t count, void* answer) {

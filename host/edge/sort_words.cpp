@@ -5,6 +5,7 @@
 #include "kalvo/column.h"
 #include "kalvo/column_database.h"
 #include "kalvo/platform/conversion.h"
+#include "kalvo/platform/text.h"
 #include "kalvo/platform/utf8.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
@@ -13,23 +14,17 @@
 namespace kalvo::edge {
 namespace {
 
-std::string_view Trimmed(std::string_view text) {
-  const std::size_t from = text.find_first_not_of(' ');
-  if (from == std::string_view::npos) return {};
-  return text.substr(from, text.find_last_not_of(' ') - from + 1);
-}
-
 // Calls `take` with the word of each item of a list, until it says no or an item is none. False then.
 template <typename Take>
 bool ForEachWord(std::string_view list, Take&& take) {
   const TableConstants constants;
   for (std::size_t from = 0; from <= list.size();) {
     const std::size_t to = std::min(list.find(',', from), list.size());
-    std::string_view item = Trimmed(list.substr(from, to - from));
+    std::string_view item = Trimmed(list.substr(from, to - from), " ");
     from = to + 1;
     const std::size_t blank = item.find(' ');
     if (blank != std::string_view::npos) {
-      const std::string_view direction = Trimmed(item.substr(blank));
+      const std::string_view direction = Trimmed(item.substr(blank), " ");
       if (direction != constants.gszAscendingSort() && direction != constants.gszDescendingSort()) return false;
       item = item.substr(0, blank);
     }

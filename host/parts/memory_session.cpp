@@ -6,7 +6,7 @@
 namespace kalvo::host {
 
 MemorySession::MemorySession(const NamedTexts& values, LiveDrillerMaker makeDriller, std::string who)
-    : makeDriller_(std::move(makeDriller)), who_(std::move(who)) {
+    : driller_(std::move(makeDriller)), who_(std::move(who)) {
   for (const auto& [name, text] : values) Set(name, Value(text));
 }
 
@@ -19,12 +19,7 @@ void MemorySession::Set(std::string_view name, const Value& value) { values_[ToL
 
 void MemorySession::Abandon() {
   values_.clear();
-  driller_.reset();
-}
-
-std::shared_ptr<LiveContainer> MemorySession::LiveDriller() {
-  if (!driller_ && makeDriller_) driller_ = makeDriller_(who_);
-  return driller_;
+  driller_.Forget();
 }
 
 }  // namespace kalvo::host

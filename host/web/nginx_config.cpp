@@ -16,6 +16,7 @@
 #include "host/web/run_folder.h"
 #include "host/web/settings.h"
 #include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::web {
 namespace {
@@ -103,9 +104,8 @@ bool TakesWord(const Settings& settings) {
 
 // "X-Remote-User" as nginx and workers know it: "http_x_remote_user".
 std::string VariableOf(std::string_view header) {
-  std::string variable = "http_";
-  for (const char c : header)
-    variable += c == '-' ? '_' : static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  std::string variable = "http_" + ToLowerAscii(header);
+  std::replace(variable.begin(), variable.end(), '-', '_');
   return variable;
 }
 
@@ -155,8 +155,7 @@ std::string SignInLimits() {
 // Whom the proxy names. The header itself reaches no page, from whomever it came.
 void AppendProxyUser(std::string& out, const Settings& settings) {
   if (settings.proxyUserHeader.empty()) return;
-  std::string variable = VariableOf(settings.proxyUserHeader);
-  std::transform(variable.begin(), variable.end(), variable.begin(), [](unsigned char c) { return std::toupper(c); });
+  const std::string variable = ToUpperAscii(VariableOf(settings.proxyUserHeader));
   Append(out, "fastcgi_param KALVO_PROXY_USER $kalvo_proxy_user if_not_empty;\nfastcgi_param ", variable, " \"\";\n");
 }
 

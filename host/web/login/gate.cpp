@@ -12,6 +12,7 @@
 #include "host/web/login/password_change.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
+#include "kalvo/platform/text.h"
 
 namespace kalvo::web::login {
 namespace {
@@ -62,16 +63,11 @@ std::string DeviceOf(const host::PageRequest& request) {
   return "";
 }
 
-std::string_view Trimmed(std::string_view text) {
-  while (text.starts_with(' ')) text.remove_prefix(1);
-  return text;
-}
-
 std::string WithoutSessionCookie(std::string_view header) {
   std::string kept;
   while (!header.empty()) {
     const std::size_t end = std::min(header.find(';'), header.size());
-    const std::string_view cookie = Trimmed(header.substr(0, end));
+    const std::string_view cookie = Trimmed(header.substr(0, end), " ");
     header.remove_prefix(std::min(end + 1, header.size()));
     const std::string_view name = cookie.substr(0, cookie.find('='));
     if (IsOwn(name)) continue;

@@ -122,11 +122,6 @@ void FileSession::Set(std::string_view name, const Value& value) {
   changed_ = true;
 }
 
-std::shared_ptr<LiveContainer> FileSession::LiveDriller() {
-  if (!driller_ && makeDriller_) driller_ = makeDriller_(account_);
-  return driller_;
-}
-
 bool FileSession::Read() {
   const auto content = base::ReadPiece(file_, kLargestFile);
   std::string_view rest = content ? *content : std::string_view();

@@ -10,7 +10,8 @@
 #include <string_view>
 
 #include "base/file.h"
-#include "host/parts/memory_session.h"
+#include "host/parts/session_driller.h"
+#include "host/script/page/page_session.h"
 #include "host/web/login/private_folder.h"
 #include "host/web/login/session_values.h"
 #include "host/web/login/users.h"
@@ -53,12 +54,12 @@ class FileSession : public host::PageSession {
   Value Get(std::string_view name) override { return values_.Get(name); }
   void Set(std::string_view name, const Value& value) override;
   void Abandon() override { abandoned_ = true; }
-  std::shared_ptr<LiveContainer> LiveDriller() override;
+  std::shared_ptr<LiveContainer> LiveDriller() override { return driller_.Of(account_); }
 
  private:
   friend class SessionStore;
   FileSession(base::File file, std::filesystem::path path, const host::LiveDrillerMaker& makeDriller, const Log& log)
-      : file_(std::move(file)), path_(std::move(path)), makeDriller_(makeDriller), log_(log) {}
+      : file_(std::move(file)), path_(std::move(path)), driller_(makeDriller), log_(log) {}
 
   bool Read();
   void Keep();
@@ -67,13 +68,12 @@ class FileSession : public host::PageSession {
 
   base::File file_;  // locked
   std::filesystem::path path_;
-  const host::LiveDrillerMaker& makeDriller_;
+  host::SessionDriller driller_;
   const Log& log_;
   std::string account_, stamp_;
   std::int64_t created_ = 0;  // seconds since 1970
   SessionValues values_;
   bool changed_ = false, abandoned_ = false;
-  std::shared_ptr<LiveContainer> driller_;
 };
 
 // Thrown when another page of the session kept it longer than somebody would wait, or nobody more may wait.
