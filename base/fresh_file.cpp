@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <ctime>
 
-#include "base/random.h"
+#include "base/random_bytes.h"
 
 namespace kalvo::base {
 

@@ -1,6 +1,6 @@
 #include "base/percent.h"
 
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::base {
 

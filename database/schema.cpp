@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::schema {
 namespace {

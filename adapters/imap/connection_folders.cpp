@@ -1,9 +1,9 @@
 #include <algorithm>
 
-#include "adapters/imap/connection.h"
+#include "adapters/imap/imap_connection.h"
 #include "adapters/imap/imap_error.h"
-#include "adapters/imap/session.h"
-#include "adapters/imap/settings.h"
+#include "adapters/imap/imap_session.h"
+#include "adapters/imap/imap_settings.h"
 
 namespace kalvo::imap {
 

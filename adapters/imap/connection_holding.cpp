@@ -5,11 +5,11 @@
 #include <cstring>
 #include <sstream>
 
-#include "adapters/imap/connection.h"
 #include "adapters/imap/held_copy.h"
+#include "adapters/imap/imap_connection.h"
 #include "adapters/imap/imap_error.h"
-#include "adapters/imap/session.h"
-#include "adapters/imap/settings.h"
+#include "adapters/imap/imap_session.h"
+#include "adapters/imap/imap_settings.h"
 #include "adapters/mail/errors.h"
 
 namespace kalvo::imap {

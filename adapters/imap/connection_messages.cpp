@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "adapters/imap/connection.h"
+#include "adapters/imap/imap_connection.h"
 #include "adapters/imap/imap_error.h"
-#include "adapters/imap/session.h"
+#include "adapters/imap/imap_session.h"
 
 namespace kalvo::imap {
 

@@ -9,10 +9,10 @@
 #include <string>
 #include <utility>
 
-#include "adapters/imap/connection.h"
 #include "adapters/imap/deadline.h"
+#include "adapters/imap/imap_connection.h"
 #include "adapters/imap/imap_error.h"
-#include "adapters/imap/settings.h"
+#include "adapters/imap/imap_settings.h"
 
 namespace kalvo::imap {
 

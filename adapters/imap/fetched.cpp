@@ -5,7 +5,7 @@
 #include <chrono>
 #include <string_view>
 
-#include "adapters/imap/session.h"
+#include "adapters/imap/imap_session.h"
 #include "adapters/imap/structure.h"
 #include "adapters/mail/message_scan.h"
 

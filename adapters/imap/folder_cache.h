@@ -8,7 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "adapters/imap/connection.h"
+#include "adapters/imap/imap_connection.h"
 #include "adapters/imap/known_texts.h"
 
 namespace kalvo::imap {

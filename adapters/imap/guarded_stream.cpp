@@ -1,8 +1,8 @@
 #include <cstdlib>
 #include <new>
 
+#include "adapters/imap/imap_session.h"
 #include "adapters/imap/response_guard.h"
-#include "adapters/imap/session.h"
 #include "adapters/imap/transport.h"
 
 namespace kalvo::imap {

@@ -4,7 +4,7 @@
 
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::imap {
 

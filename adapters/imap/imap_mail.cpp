@@ -1,7 +1,7 @@
 #include "adapters/imap/imap_mail.h"
 
+#include "adapters/imap/imap_settings.h"
 #include "adapters/imap/imap_store.h"
-#include "adapters/imap/settings.h"
 
 namespace kalvo::imap {
 

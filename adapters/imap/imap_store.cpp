@@ -14,7 +14,7 @@
 #include "adapters/mail/directory_file.h"
 #include "adapters/mail/errors.h"
 #include "adapters/mail/folder_path.h"
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
 

@@ -8,7 +8,7 @@
 
 #include "adapters/imap/connection_pool.h"
 #include "adapters/imap/folder_cache.h"
-#include "adapters/imap/holding.h"
+#include "adapters/imap/imap_holding.h"
 #include "adapters/imap/message_source.h"
 #include "adapters/mail/directory.h"
 #include "adapters/mail/mail_store.h"

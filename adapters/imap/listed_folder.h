@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "adapters/imap/connection.h"
+#include "adapters/imap/imap_connection.h"
 
 namespace kalvo::imap {
 

@@ -8,7 +8,7 @@
 
 #include "adapters/imap/connection_pool.h"
 #include "adapters/mail/errors.h"
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 #include "kalvo/platform/append.h"
 
 namespace kalvo::imap {

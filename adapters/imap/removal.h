@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "adapters/imap/connection.h"
+#include "adapters/imap/imap_connection.h"
 #include "adapters/imap/message_source.h"
 
 namespace kalvo::imap {

@@ -6,10 +6,10 @@
 #include <memory>
 #include <string_view>
 
-#include "adapters/imap/session.h"
+#include "adapters/imap/imap_session.h"
 #include "adapters/mail/header_text.h"
-#include "adapters/mail/limits.h"
-#include "adapters/mail/text.h"
+#include "adapters/mail/mail_limits.h"
+#include "adapters/mail/shown_text.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
 

@@ -11,7 +11,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "adapters/imap/settings.h"
+#include "adapters/imap/imap_settings.h"
 #include "kalvo/platform/append.h"
 
 namespace kalvo::imap {

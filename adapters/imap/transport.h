@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "adapters/imap/deadline.h"
-#include "adapters/imap/limits.h"
+#include "adapters/imap/imap_limits.h"
 #include "base/file.h"
 
 namespace kalvo::imap {

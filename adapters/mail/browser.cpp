@@ -5,7 +5,7 @@
 
 #include "adapters/mail/errors.h"
 #include "adapters/mail/items.h"
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 #include "kalvo/platform/conversion.h"
 
 namespace kalvo::mail {

@@ -7,7 +7,7 @@
 #include "base/file.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::mail {
 

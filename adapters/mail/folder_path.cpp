@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <span>
 
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 #include "kalvo/platform/conversion.h"
 
 namespace kalvo::mail {

@@ -4,9 +4,9 @@
 #include <charconv>
 
 #include "base/percent.h"
-#include "base/random.h"
+#include "base/random_bytes.h"
 #include "kalvo/platform/append.h"
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::mail {
 

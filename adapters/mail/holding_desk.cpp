@@ -7,7 +7,7 @@
 #include "adapters/mail/browser.h"
 #include "adapters/mail/directory.h"
 #include "adapters/mail/errors.h"
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 
 namespace kalvo::mail {
 

@@ -5,9 +5,9 @@
 #include <mutex>
 
 #include "adapters/mail/header_text.h"
-#include "adapters/mail/limits.h"
+#include "adapters/mail/mail_limits.h"
 #include "adapters/mail/mime_objects.h"
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 
 namespace kalvo::mail {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "adapters/mail/limits.h"
+#include "adapters/mail/mail_limits.h"
 
 namespace kalvo::mail {
 

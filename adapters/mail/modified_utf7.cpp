@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 
 namespace kalvo::mail {
 

@@ -12,17 +12,17 @@
 #include "adapters/mail/directory_file.h"
 #include "adapters/mail/errors.h"
 #include "adapters/mail/folder_path.h"
+#include "adapters/mail/shown_text.h"
 #include "adapters/mail/sizes.h"
-#include "adapters/mail/text.h"
 #include "adapters/maildir/folder.h"
-#include "adapters/maildir/holding.h"
+#include "adapters/maildir/maildir_holding.h"
 #include "adapters/maildir/message_reader.h"
 #include "adapters/maildir/quota.h"
 #include "base/fresh_file.h"
-#include "base/random.h"
+#include "base/random_bytes.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::maildir {
 

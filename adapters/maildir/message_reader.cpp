@@ -9,11 +9,11 @@
 
 #include "adapters/mail/charset.h"
 #include "adapters/mail/header_text.h"
-#include "adapters/mail/limits.h"
+#include "adapters/mail/mail_limits.h"
 #include "adapters/mail/message_head.h"
 #include "adapters/mail/message_scan.h"
 #include "adapters/mail/mime_objects.h"
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 #include "adapters/maildir/compression.h"
 
 namespace kalvo::maildir {

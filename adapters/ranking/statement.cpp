@@ -5,7 +5,7 @@
 #include "kalvo/codes.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/error.h"
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::ranking {
 namespace {

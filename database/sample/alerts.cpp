@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "database/sample/policies.h"
-#include "database/sample/steps.h"
+#include "database/sample/sample_steps.h"
 #include "database/sample/storage.h"
 #include "kalvo/codes.h"
 #include "kalvo/platform/append.h"

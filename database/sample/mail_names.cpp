@@ -2,7 +2,7 @@
 
 #include <random>
 
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 #include "kalvo/platform/append.h"
 
 namespace kalvo::sample {

@@ -3,8 +3,8 @@
 #include <ostream>
 
 #include "database/sample/organization.h"
+#include "database/sample/sample_steps.h"
 #include "database/sample/sqlite_writer.h"
-#include "database/sample/steps.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/error.h"
 

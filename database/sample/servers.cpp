@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "database/sample/steps.h"
+#include "database/sample/sample_steps.h"
 #include "database/sample/storage.h"
 #include "kalvo/codes.h"
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "database/sample/steps.h"
+#include "database/sample/sample_steps.h"
 #include "kalvo/platform/append.h"
 
 namespace kalvo::sample {

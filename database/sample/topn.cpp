@@ -4,7 +4,7 @@
 #include <map>
 
 #include "database/sample/ranked_list.h"
-#include "database/sample/steps.h"
+#include "database/sample/sample_steps.h"
 #include "kalvo/codes.h"
 #include "kalvo/platform/append.h"
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "kalvo/platform/append.h"
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::audit {
 namespace {

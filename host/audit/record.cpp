@@ -10,7 +10,7 @@
 #include "host/audit/json.h"
 #include "host/script/text/text.h"
 #include "kalvo/platform/append.h"
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 #include "kalvo/platform/utf8.h"
 
 namespace kalvo::audit {

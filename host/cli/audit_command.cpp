@@ -2,7 +2,7 @@
 
 #include "host/audit/reading.h"
 #include "host/audit/verification.h"
-#include "host/cli/arguments.h"
+#include "host/cli/command_line.h"
 #include "host/cli/commands.h"
 #include "host/parts/setting_error.h"
 #include "host/web/settings.h"

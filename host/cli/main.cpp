@@ -2,7 +2,7 @@
 #include <exception>
 #include <iostream>
 
-#include "host/cli/arguments.h"
+#include "host/cli/command_line.h"
 #include "host/cli/commands.h"
 #include "host/parts/setting_error.h"
 

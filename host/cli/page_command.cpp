@@ -4,7 +4,7 @@
 #include <iostream>
 #include <iterator>
 
-#include "host/cli/arguments.h"
+#include "host/cli/command_line.h"
 #include "host/cli/commands.h"
 #include "host/edge/edge.h"
 #include "host/parts/memory_session.h"

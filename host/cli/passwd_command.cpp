@@ -4,7 +4,7 @@
 #include <iostream>
 #include <string>
 
-#include "host/cli/arguments.h"
+#include "host/cli/command_line.h"
 #include "host/cli/command_trail.h"
 #include "host/cli/commands.h"
 #include "host/parts/setting_error.h"

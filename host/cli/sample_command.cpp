@@ -2,7 +2,7 @@
 
 #include "database/sample/sample.h"
 #include "database/sample_mail/sample_mail.h"
-#include "host/cli/arguments.h"
+#include "host/cli/command_line.h"
 #include "host/cli/commands.h"
 
 namespace kalvo::host {

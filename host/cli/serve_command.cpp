@@ -1,6 +1,6 @@
 #include <iostream>
 
-#include "host/cli/arguments.h"
+#include "host/cli/command_line.h"
 #include "host/cli/commands.h"
 #include "host/web/settings.h"
 #include "host/web/supervisor.h"

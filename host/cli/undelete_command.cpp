@@ -2,9 +2,9 @@
 #include <iostream>
 
 #include "adapters/mail/holding_desk.h"
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 #include "host/audit/deed.h"
-#include "host/cli/arguments.h"
+#include "host/cli/command_line.h"
 #include "host/cli/command_trail.h"
 #include "host/cli/commands.h"
 #include "host/parts/mail_part.h"

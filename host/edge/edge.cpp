@@ -4,7 +4,7 @@
 #include <set>
 #include <string_view>
 
-#include "host/edge/limits.h"
+#include "host/edge/request_limits.h"
 #include "host/script/text/text.h"
 #include "host/script/text/url_parts.h"
 #include "kalvo/platform/append.h"

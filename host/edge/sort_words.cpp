@@ -5,7 +5,7 @@
 #include "kalvo/column.h"
 #include "kalvo/column_database.h"
 #include "kalvo/platform/conversion.h"
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 #include "kalvo/platform/utf8.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"

@@ -9,8 +9,8 @@
 #include <exception>
 #include <sstream>
 
-#include "base/clock.h"
 #include "base/file.h"
+#include "base/steady_clock.h"
 #include "host/parts/database_proof.h"
 #include "host/parts/setting_error.h"
 

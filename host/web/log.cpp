@@ -11,7 +11,7 @@
 #include "host/parts/setting_error.h"
 #include "host/script/text/text.h"
 #include "kalvo/platform/append.h"
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::web {
 namespace {

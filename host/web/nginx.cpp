@@ -13,8 +13,8 @@
 #include <fstream>
 #include <thread>
 
-#include "base/clock.h"
 #include "base/file.h"
+#include "base/steady_clock.h"
 #include "host/parts/setting_error.h"
 #include "host/web/log.h"
 #include "host/web/run_folder.h"

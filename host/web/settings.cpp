@@ -14,7 +14,7 @@
 #include "host/web/address.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/locale.h"
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::web {
 namespace {

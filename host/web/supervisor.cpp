@@ -10,7 +10,7 @@
 #include <csignal>
 #include <ostream>
 
-#include "base/clock.h"
+#include "base/steady_clock.h"
 #include "host/parts/setting_error.h"
 #include "host/web/address.h"
 #include "host/web/error_pages.h"

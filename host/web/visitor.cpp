@@ -2,7 +2,7 @@
 
 #include <poll.h>
 
-#include "base/clock.h"
+#include "base/steady_clock.h"
 
 namespace kalvo::web {
 namespace {

@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "base/clock.h"
+#include "base/steady_clock.h"
 #include "host/web/generation.h"
 #include "host/web/log.h"
 #include "kalvo/platform/append.h"

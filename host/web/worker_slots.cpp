@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <new>
 
-#include "base/clock.h"
+#include "base/steady_clock.h"
 
 namespace kalvo::web {
 

@@ -8,7 +8,7 @@
 #include "database/sample/sample.h"
 #include "database/sample_databases.h"
 #include "fakes/clock.h"
-#include "host/cli/check_command.h"
+#include "host/cli/database_check.h"
 #include "kalvo/platform/platform.h"
 #include "kalvo/platform/ranking.h"
 #include "support/temporary_folder.h"
@@ -29,7 +29,7 @@ Outcome Checked(const std::string& file) {
   const auto ranking = ranking::MakeRanking(database);
   FakeClock clock;
   std::ostringstream out;
-  const int status = RunCheck({database, *ranking, clock}, {"sqlite:" + file, "a driver", {}}, out);
+  const int status = CheckDatabase({database, *ranking, clock}, {"sqlite:" + file, "a driver", {}}, out);
   return {status, out.str()};
 }
 
@@ -118,7 +118,7 @@ class CheckOfAnEngine : public testing::TestWithParam<Engine> {};
 
 TEST_P(CheckOfAnEngine, FindsAllReportsWorking) {
   std::ostringstream out;
-  EXPECT_EQ(RunCheck(SampleDatabases::Shared().PlatformOf(GetParam()), {"odbc", "", {}}, out), 0) << out.str();
+  EXPECT_EQ(CheckDatabase(SampleDatabases::Shared().PlatformOf(GetParam()), {"odbc", "", {}}, out), 0) << out.str();
 }
 
 INSTANTIATE_TEST_SUITE_P(Engines, CheckOfAnEngine,

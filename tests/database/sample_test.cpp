@@ -7,8 +7,8 @@
 #include <sstream>
 
 #include "database/sample/organization.h"
+#include "database/sample/sample_steps.h"
 #include "database/sample/script_writer.h"
-#include "database/sample/steps.h"
 #include "kalvo/platform/error.h"
 #include "support/error_of.h"
 #include "support/temporary_folder.h"

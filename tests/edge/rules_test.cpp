@@ -5,7 +5,7 @@
 #include "columns/link_rules.h"
 #include "fakes/page_fixture.h"
 #include "generator/table_rows.h"
-#include "host/edge/limits.h"
+#include "host/edge/request_limits.h"
 #include "host/edge/sort_words.h"
 #include "host/script/page/page_directive.h"
 #include "kalvo/column.h"

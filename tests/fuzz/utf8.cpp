@@ -1,6 +1,6 @@
 #include <string>
 
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 #include "fuzz/targets.h"
 #include "host/script/text/text.h"
 

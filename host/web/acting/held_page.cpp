@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 #include "host/audit/deed.h"
 #include "host/audit/json.h"
 #include "host/script/text/text.h"

@@ -13,10 +13,10 @@
 #include "base/file.h"
 #include "base/fresh_file.h"
 #include "base/private_folder.h"
-#include "base/random.h"
+#include "base/random_bytes.h"
 #include "host/parts/setting_error.h"
 #include "kalvo/platform/append.h"
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::web {
 namespace {

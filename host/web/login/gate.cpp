@@ -12,7 +12,7 @@
 #include "host/web/login/password_change.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::web::login {
 namespace {

@@ -6,8 +6,8 @@
 #include <new>
 #include <stdexcept>
 
-#include "base/random.h"
-#include "kalvo/platform/text.h"
+#include "base/random_bytes.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::web::login {
 namespace {

@@ -3,9 +3,9 @@
 #include "host/parts/setting_error.h"
 #include "host/script/text/named_values.h"
 #include "host/web/log.h"
+#include "host/web/login/kept_folder.h"
 #include "host/web/login/password.h"
 #include "host/web/login/password_rules.h"
-#include "host/web/login/private_folder.h"
 #include "host/web/login/throttle.h"
 #include "host/web/login/users.h"
 

@@ -12,7 +12,7 @@
 #include "base/file.h"
 #include "host/parts/session_driller.h"
 #include "host/script/page/page_session.h"
-#include "host/web/login/private_folder.h"
+#include "host/web/login/kept_folder.h"
 #include "host/web/login/session_values.h"
 #include "host/web/login/users.h"
 #include "host/web/login/waiting_room.h"

@@ -14,8 +14,8 @@
 
 #include "base/file.h"
 #include "base/private_folder.h"
+#include "host/web/login/kept_folder.h"
 #include "host/web/login/password.h"
-#include "host/web/login/private_folder.h"
 #include "kalvo/platform/conversion.h"
 
 namespace kalvo::web::login {

@@ -1,6 +1,6 @@
 #include "host/web/login/waiting_room.h"
 
-#include "host/web/login/private_folder.h"
+#include "host/web/login/kept_folder.h"
 
 namespace kalvo::web::login {
 

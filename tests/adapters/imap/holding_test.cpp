@@ -1,5 +1,5 @@
 // Deleted messages on a real server: in the product's own account, and in one place whatever is killed.
-#include "adapters/imap/holding.h"
+#include "adapters/imap/imap_holding.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 
 #include "adapters/live_mailbox/fixture.h"
 #include "adapters/mail/browser.h"
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 
 namespace kalvo::test {
 

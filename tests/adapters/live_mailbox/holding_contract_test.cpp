@@ -8,7 +8,7 @@
 #include "adapters/live_mailbox/fixture.h"
 #include "adapters/mail/browser.h"
 #include "adapters/mail/holding_desk.h"
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
 #include "support/error_of.h"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "adapters/mail/limits.h"
+#include "adapters/mail/mail_limits.h"
 
 namespace kalvo::test {
 

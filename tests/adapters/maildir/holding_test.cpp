@@ -1,5 +1,5 @@
 // Deleted messages on the disk: their names, flags and times, and what a process leaves behind that is killed.
-#include "adapters/maildir/holding.h"
+#include "adapters/maildir/maildir_holding.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

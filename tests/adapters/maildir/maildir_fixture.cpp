@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 
 #include "adapters/live_mailbox/fixture.h"
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 #include "support/temporary_folder.h"
 
 namespace kalvo::test {

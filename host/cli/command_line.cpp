@@ -1,4 +1,4 @@
-#include "host/cli/arguments.h"
+#include "host/cli/command_line.h"
 
 #include <CLI/CLI.hpp>
 

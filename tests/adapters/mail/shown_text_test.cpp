@@ -1,4 +1,4 @@
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 
 #include <gtest/gtest.h>
 

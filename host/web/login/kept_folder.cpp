@@ -1,4 +1,4 @@
-#include "host/web/login/private_folder.h"
+#include "host/web/login/kept_folder.h"
 
 #include "base/private_folder.h"
 #include "host/parts/setting_error.h"

@@ -1,4 +1,4 @@
-#include "host/edge/limits.h"
+#include "host/edge/request_limits.h"
 
 #include <algorithm>
 #include <string_view>

@@ -10,7 +10,7 @@
 
 #include "adapters/imap/deadline.h"
 #include "adapters/imap/fetched.h"
-#include "adapters/imap/limits.h"
+#include "adapters/imap/imap_limits.h"
 #include "adapters/imap/whole_message.h"
 #include "adapters/mail/held_message.h"
 #include "adapters/mail/identifiers.h"

@@ -1,4 +1,4 @@
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -6,7 +6,7 @@
 
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 #include "kalvo/platform/utf8.h"
 
 namespace kalvo::mail {

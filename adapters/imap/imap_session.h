@@ -5,7 +5,7 @@
 #include <memory>
 #include <string_view>
 
-#include "adapters/imap/connection.h"
+#include "adapters/imap/imap_connection.h"
 
 namespace kalvo::imap {
 

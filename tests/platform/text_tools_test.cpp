@@ -1,4 +1,4 @@
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "adapters/imap/settings.h"
+#include "adapters/imap/imap_settings.h"
 
 #include <algorithm>
 #include <charconv>
@@ -9,7 +9,7 @@
 #include "base/percent.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::imap {
 

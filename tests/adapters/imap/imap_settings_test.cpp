@@ -1,4 +1,4 @@
-#include "adapters/imap/settings.h"
+#include "adapters/imap/imap_settings.h"
 
 #include <gtest/gtest.h>
 

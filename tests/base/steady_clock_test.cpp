@@ -1,4 +1,4 @@
-#include "base/clock.h"
+#include "base/steady_clock.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "base/random.h"
+#include "base/random_bytes.h"
 
 #include <sys/random.h>
 
@@ -6,7 +6,7 @@
 #include <system_error>
 #include <vector>
 
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::base {
 

@@ -1,4 +1,4 @@
-#include "adapters/maildir/holding.h"
+#include "adapters/maildir/maildir_holding.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

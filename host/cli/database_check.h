@@ -22,6 +22,6 @@ struct CheckOptions {
 // what server answers, what was proved of it, whether it has every table and column that the reports read (a missing
 // one is named with the reports that need it), whether its history numbers are disjoint, and whether the SQL of every
 // report runs, in one scope of the data itself. 0 when all is well, 1 when something is not.
-int RunCheck(const Platform& platform, const CheckOptions& options, std::ostream& out);
+int CheckDatabase(const Platform& platform, const CheckOptions& options, std::ostream& out);
 
 }  // namespace kalvo::host

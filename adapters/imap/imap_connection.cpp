@@ -1,12 +1,12 @@
-#include "adapters/imap/connection.h"
+#include "adapters/imap/imap_connection.h"
 
 #include <algorithm>
 #include <new>
 
 #include "adapters/imap/imap_error.h"
+#include "adapters/imap/imap_session.h"
+#include "adapters/imap/imap_settings.h"
 #include "adapters/imap/response_guard.h"
-#include "adapters/imap/session.h"
-#include "adapters/imap/settings.h"
 #include "adapters/imap/transport.h"
 #include "kalvo/platform/append.h"
 

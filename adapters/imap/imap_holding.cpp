@@ -1,4 +1,4 @@
-#include "adapters/imap/holding.h"
+#include "adapters/imap/imap_holding.h"
 
 #include <algorithm>
 #include <ctime>
@@ -11,7 +11,7 @@
 #include "adapters/imap/imap_error.h"
 #include "adapters/imap/message_source.h"
 #include "adapters/mail/errors.h"
-#include "adapters/mail/text.h"
+#include "adapters/mail/shown_text.h"
 #include "kalvo/platform/append.h"
 
 namespace kalvo::imap {

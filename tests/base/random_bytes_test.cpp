@@ -1,11 +1,11 @@
-#include "base/random.h"
+#include "base/random_bytes.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 
-#include "kalvo/platform/text.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::base {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "adapters/imap/limits.h"
+#include "adapters/imap/imap_limits.h"
 
 namespace kalvo::imap {
 
