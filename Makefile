@@ -3,7 +3,7 @@
 # make test    build and run every test; PRESET=asan or tsan runs them under a sanitizer
 # make test-long  the same with the long form of those that have one: more rounds, larger stores
 # make attack  the attacks among the tests alone, and a report of what became of each
-# make tidy    clang-tidy over src/ and host/
+# make tidy    clang-tidy over src/, base/, adapters/ and host/
 # make fuzz    every parser of outside text under libFuzzer, SECONDS=60 each
 # make bench   the measurements of bench/
 # make mutate  mistakes put into FOLDERS one at a time, and which of them the tests notice
@@ -20,7 +20,7 @@ MUTANTS ?= 300
 .PHONY: run build test test-long attack tidy format fuzz bench mutate packages clean
 
 run: build build/sample/kalvo.db build/sample/users
-	@echo "Sign in as administrator, alice (who may open the own mailbox) or visitor; password: kalvo-sample"
+	@echo "Sign in as administrator, alice (who may open her own mailbox) or visitor; password: kalvo-sample"
 	@exec build/kalvo serve --config kalvo.toml --listen $(LISTEN)
 
 build:

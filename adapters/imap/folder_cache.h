@@ -14,7 +14,7 @@
 namespace kalvo::imap {
 
 // What is known of a folder's messages. What a UID stands for never changes, so all of it holds until the server
-// numbers the folder anew; the list of messages holds as long as the folder's state.
+// renumbers the folder; the list of messages holds as long as the folder's state.
 struct KnownFolder {
   FolderState state;
   std::shared_ptr<const std::vector<Summary>> messages;  // the last received first

@@ -18,7 +18,7 @@ namespace kalvo::imap {
 
 namespace {
 
-// A delete that takes longer is none that still runs.
+// A delete that takes longer is not running any more.
 constexpr std::int64_t kStoppedAfter = 3600;  // seconds
 
 constexpr std::chrono::milliseconds kBeat{200};

@@ -103,7 +103,7 @@ struct Reader {
     } else if (name == "time-limit") {
       settings.limits.operation = Seconds(name, value);
     } else {
-      Refuse("\"", name, "\" is no setting.");
+      Refuse("\"", name, "\" is not a setting.");
     }
   }
 

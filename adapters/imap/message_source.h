@@ -88,7 +88,7 @@ struct MessageNumber {
   std::uint32_t uid = 0;
 };
 
-// Nothing for a text that is no such key.
+// Nothing for any other text.
 std::optional<MessageNumber> ReadMessageKey(std::string_view key);
 
 }  // namespace kalvo::imap

@@ -17,7 +17,7 @@ bool IsBlank(char byte) { return static_cast<unsigned char>(byte) <= 0x20; }
 
 char Upper(char byte) { return byte >= 'a' && byte <= 'z' ? static_cast<char>(byte - 'a' + 'A') : byte; }
 
-// The parser falls over a list of lasting flags whose first flag is none ("[PERMANENTFLAGS ((").
+// The parser falls over a list of lasting flags whose first is not a flag ("[PERMANENTFLAGS ((").
 bool BreaksTheParser(std::string_view code) {
   const auto take = [&](std::string_view word) {
     if (code.starts_with(' ')) code.remove_prefix(1);

@@ -67,7 +67,7 @@ bool ReadPath(std::string_view text, FolderPath& path) {
   return true;
 }
 
-// False for a value that is none; unknown keys are passed over, so that a later version may add some.
+// False for a value that cannot be read; unknown keys are passed over, so that a later version may add some.
 bool ReadField(std::string_view key, std::string_view value, HeldMessage& message) {
   const auto text = [&](std::string& field) {
     auto plain = base::FromPercent(value);

@@ -36,7 +36,7 @@ struct HeldMessage {
 // The record that is kept beside a held message: one line of printable ASCII, "key=value" after "key=value".
 std::string WriteHeldRecord(const HeldMessage& message);
 
-// Nothing for a text that is no whole record.
+// Nothing for a text that is not a whole record.
 std::optional<HeldMessage> ReadHeldRecord(std::string_view record);
 
 // An id for a message that is to be held: 128 random bits as hexadecimal digits.

@@ -37,7 +37,7 @@ struct Leaf {
 };
 
 // Takes a message apart, front to back, each byte looked at once: its head first, then its leaves in their order.
-// Texts are pieces of the message. A text that is no message has an empty head and no harm comes of it.
+// Texts are pieces of the message. A text that is not a message has an empty head, and does no harm.
 class MessageScan {
  public:
   MessageScan(std::string_view message, AskMultipart askMultipart);

@@ -24,7 +24,7 @@ inline constexpr std::string_view kMoreParts = "(the rest of this message is not
 // "Bob <bob@example.com>", or whichever of the two there is. Decoded, not yet cleaned.
 std::string SenderText(std::string_view name, std::string_view address);
 
-// Whether a leaf part of a message counts as an attachment: it has a file name, is marked as one, or is no text.
+// Whether a leaf part of a message counts as an attachment: it has a file name, is marked as one, or is not text.
 // Words are matched without regard to case. No type is plain text.
 bool IsAttachment(std::string_view type, std::string_view disposition, bool hasFileName);
 

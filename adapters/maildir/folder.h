@@ -29,7 +29,7 @@ class Snapshot {
 
  private:
   std::shared_ptr<const std::string> bytes_;  // of the index; entries refer to them
-  std::deque<std::string> texts_;             // of what was read anew
+  std::deque<std::string> texts_;             // of what was read this time
   std::vector<Entry> entries_;
 };
 
@@ -39,7 +39,7 @@ struct FolderTotals {
 };
 
 // One Maildir folder: "cur" and "new" of an open folder, with its index in a folder beside the store. An index that
-// is missing, damaged or of another folder is made anew; one that cannot be written costs time only.
+// is missing, damaged or of another folder is made again; one that cannot be written costs time only.
 class Folder {
  public:
   // `indexes` may be closed: then nothing is kept.
@@ -55,8 +55,8 @@ class Folder {
   // The open file of a message, by its unique name; closed where it is gone (`ENOENT`) or cannot be read.
   File OpenMessage(std::string_view unique);
 
-  // Moves the file of a message into a folder that is none of a tree, under the name `as`; before each attempt
-  // `announce` is told the file's name and whether it lies in "new". A file that is no message is `Gone`.
+  // Moves the file of a message into a folder outside of all trees, under the name `as`; before each attempt
+  // `announce` is told the file's name and whether it lies in "new". A file that is not a message is `Gone`.
   using Announce = std::function<void(const std::string& name, bool isNew)>;
   Moved MoveOut(std::string_view unique, const File& into, const std::string& as, const Announce& announce);
 

@@ -26,7 +26,7 @@ struct Work;
 // objects, which keep it alive; one thread at a time.
 class MaildirStore {
  public:
-  // Opens a store and reads its mailboxes. Fails with 0x80004005 for a folder that is none, and names file and line
+  // Opens a store and reads its mailboxes. Fails with 0x80004005 where there is no such folder, and names file and line
   // of what is wrong with the mailboxes.
   explicit MaildirStore(const std::string& folder);
   ~MaildirStore();

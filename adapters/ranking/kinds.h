@@ -25,7 +25,7 @@ struct Kind {
   Amount amount = Amount::AsTheItemHas;
 };
 
-// The kind of that number. Fails for a number that is none.
+// The kind of that number. Fails for any other number.
 const Kind& FindKind(std::int16_t number);
 
 std::span<const Kind> AllKinds();

@@ -23,7 +23,7 @@ struct Candidate {
 
 enum class Order : std::uint8_t { LargestFirst, OldestFirst };
 
-// The first hundred of what is offered. Unknown dates stand behind the others, equal ones in the order of their
+// The first `ranking::kRankedRows` of what is offered. Unknown dates stand behind the others, equal ones in the order of their
 // servers and numbers.
 class RankedList {
  public:

@@ -194,7 +194,7 @@ void MakeSampleMail(const SampleOptions& options, Progress& progress) {
 void MakeSampleMail(const Organization& organization, const fs::path& out, SampleMail mail, Progress& progress) {
   if (mail == SampleMail::None) return;
   const fs::path store = out / "mail", fresh = out / "mail.new";
-  if (fs::exists(store) && !IsSample(store)) Fail("There is a mail store that is no sample in", store);
+  if (fs::exists(store) && !IsSample(store)) Fail("There is a mail store that is not a sample in", store);
   std::error_code failed;
   fs::remove_all(fresh, failed);
   fs::create_directories(fresh, failed);

@@ -58,7 +58,7 @@ class Check {
   }
 
  private:
-  // What stands between two lines and is none.
+  // What stands between two lines and is not one.
   struct Torn {
     Place place;
     std::string text;

@@ -15,7 +15,7 @@ namespace kalvo::host {
 
 namespace {
 
-// A line that a browser sends as its Cookie header; it is no argument, because others see those.
+// A line that a browser sends as its Cookie header; not an argument, because others see those.
 std::string CookieOf(const std::string& file) {
   std::ifstream opened;
   if (file != "-") opened.open(file);

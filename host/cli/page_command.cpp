@@ -52,7 +52,7 @@ struct PagePlace {
 PagePlace Locate(const PageArguments& arguments) {
   const fs::path page = fs::weakly_canonical(fs::absolute(arguments.page));
   if (arguments.root.empty()) return {page.parent_path(), page.filename().string()};
-  if (!fs::is_directory(arguments.root)) throw SettingError("--root " + arguments.root + " is no folder");
+  if (!fs::is_directory(arguments.root)) throw SettingError("--root " + arguments.root + " is not a folder");
   const fs::path root = fs::canonical(arguments.root);
   const auto isBelow = [&root](const fs::path& path) {
     const fs::path relative = path.lexically_relative(root);

@@ -14,7 +14,7 @@
 namespace kalvo::edge {
 namespace {
 
-// Calls `take` with the word of each item of a list, until it says no or an item is none. False then.
+// Calls `take` with the word of each item of a list, until it says no or an item is not a word. False then.
 template <typename Take>
 bool ForEachWord(std::string_view list, Take&& take) {
   const TableConstants constants;

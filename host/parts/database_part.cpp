@@ -53,7 +53,7 @@ std::unique_ptr<Database> MakeDatabase(const PartsSettings& settings, [[maybe_un
     throw SettingError("this build has no adapter for ODBC");
 #endif
   }
-  throw SettingError("\"" + std::string(where) + "\" is no reporting database; sqlite:FILE or odbc is");
+  throw SettingError("\"" + std::string(where) + "\" is not a reporting database; sqlite:FILE or odbc is");
 }
 
 std::string DescribeDriver([[maybe_unused]] Database& database) {

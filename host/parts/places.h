@@ -16,7 +16,7 @@ bool NamesDatabase(std::string_view word);
 
 bool NamesImap(std::string_view word);
 
-// True also for "", which is no mailboxes.
+// True also for "", which stands for no mailboxes.
 bool NamesMail(std::string_view word);
 
 // The word with its path, where it has one, started at a folder.

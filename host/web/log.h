@@ -17,10 +17,10 @@ class Log {
   Log& operator=(const Log&) = delete;
 
   // Characters of the text that are not seen, or change how others are, are written as "\xNN" byte by byte; bytes
-  // that are no text become U+FFFD.
+  // that are not text become U+FFFD.
   void Write(std::string_view text) const;
 
-  // Opens the file anew, after somebody moved it away.
+  // Opens the file again, after somebody moved it away.
   void Reopen();
 
   int Descriptor() const;

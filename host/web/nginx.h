@@ -27,7 +27,7 @@ class Nginx {
   // next one from starting.
   void Owns(std::filesystem::path socket) { socket_ = std::move(socket); }
 
-  // It reads its configuration anew; connections that are open stay.
+  // It reads its configuration again; connections that are open stay.
   void Reload();
   void ReopenLog();
 

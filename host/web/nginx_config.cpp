@@ -287,7 +287,7 @@ std::string NginxConfig(const Settings& settings, const RunFolder& run) {
     const auto identity = IdentityNamed(settings.user);
     Append(out, "user ", identity ? identity->name : "root", ' ', identity ? identity->groupName : "root", ";\n");
   }
-  // What a flood brings about is no news: only what stops nginx itself is written.
+  // What a flood causes is not news: only what stops nginx itself is written.
   Append(out, "daemon off;\nworker_processes auto;\nworker_rlimit_nofile ", most.files, ";\npid ",
          Quoted(run.NginxPid()), ";\nerror_log ", Quoted(run.NginxLog()), " crit;\n");
   Append(out, "events { worker_connections ", most.connections,

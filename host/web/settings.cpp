@@ -348,10 +348,10 @@ Settings ReadSettings(const fs::path& file) {
 void Complete(Settings& settings) {
   const auto address = ParseAddress(settings.listen);
   if (!address) {
-    throw SettingError("\"" + settings.listen + "\" is no address with a port; 127.0.0.1:8080 or [::1]:8080 is");
+    throw SettingError("\"" + settings.listen + "\" is not an address with a port; 127.0.0.1:8080 or [::1]:8080 is");
   }
   if (settings.site.empty()) settings.site = KALVO_DEFAULT_SITE;
-  if (!fs::is_directory(settings.site)) throw SettingError("the site " + settings.site.string() + " is no folder");
+  if (!fs::is_directory(settings.site)) throw SettingError("the site " + settings.site.string() + " is not a folder");
   settings.site = fs::canonical(settings.site);
   CompleteFolders(settings);
   CompleteMemory(settings);
@@ -359,7 +359,7 @@ void Complete(Settings& settings) {
   CompleteReach(settings, *address);
   CheckProxy(settings);
   if (!settings.errorPages.empty() && !fs::is_directory(settings.errorPages)) {
-    throw SettingError("error_pages: " + settings.errorPages.string() + " is no folder");
+    throw SettingError("error_pages: " + settings.errorPages.string() + " is not a folder");
   }
 }
 

@@ -15,7 +15,7 @@ class Nginx;
 class WorkerPool;
 
 // A running server: nginx and the workers, from start to stop. SIGTERM and SIGINT stop it, SIGHUP has it read its
-// settings and pages anew while it serves, SIGUSR1 has it open its log anew.
+// settings and pages again while it serves, SIGUSR1 has it reopen its log.
 class Supervisor {
  public:
   using Load = std::function<Settings()>;  // reads the settings, complete; fails with SettingError

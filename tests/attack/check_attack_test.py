@@ -83,11 +83,11 @@ class Attack(unittest.TestCase):
         self.assertTrue(answer.stdout.endswith("the rest was not asked\n3 questions, 3 findings\n"), answer.stdout)
 
     def test_refuses_what_is_no_address(self):
-        for words, says in ((["ftp://127.0.0.1/"], "no address of a console"),
-                            (["http://127.0.0.1/elsewhere"], "no address of a console"),
-                            (["http://user@127.0.0.1/"], "no address of a console"),
-                            (["file:///etc/passwd"], "no address of a console"),
-                            ([""], "no address of a console"),
+        for words, says in ((["ftp://127.0.0.1/"], "not the address of a console"),
+                            (["http://127.0.0.1/elsewhere"], "not the address of a console"),
+                            (["http://user@127.0.0.1/"], "not the address of a console"),
+                            (["file:///etc/passwd"], "not the address of a console"),
+                            ([""], "not the address of a console"),
                             (["http://127.0.0.1", "--cookie", "/dev/null"], "no line to read"),
                             (["http://127.0.0.1", "--config", "x"], "excludes")):
             answer = attack(*words)

@@ -2,13 +2,12 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <cerrno>
 #include <chrono>
-#include <csignal>
 
+#include "support/full_disk.h"
 #include "support/killed_process.h"
 #include "support/temporary_folder.h"
 
@@ -98,14 +97,11 @@ TEST_F(FreshFiles, ThatCannotTakeThePlaceLeaveNothingBehind) {
 
 TEST_F(FreshFiles, ThatCannotBeWrittenLeaveTheOldOne) {
   test::WriteFile(Named("name"), "old");
-  rlimit full{};
-  getrlimit(RLIMIT_FSIZE, &full);
-  std::signal(SIGXFSZ, SIG_IGN);
-  const rlimit tight{8, full.rlim_max};
-  setrlimit(RLIMIT_FSIZE, &tight);
-  EXPECT_FALSE(ReplaceFile(Named("name"), "more than eight"));
-  EXPECT_EQ(errno, EFBIG);
-  setrlimit(RLIMIT_FSIZE, &full);
+  {
+    const test::FullDisk full(8);
+    EXPECT_FALSE(ReplaceFile(Named("name"), "more than eight"));
+    EXPECT_EQ(errno, EFBIG);
+  }
   EXPECT_EQ(ReadFile(Named("name")), "old");
   EXPECT_EQ(Count(), 1);
 }

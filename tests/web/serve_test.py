@@ -571,7 +571,7 @@ class Start(unittest.TestCase):
 
     def test_other_machines_are_not_served(self):
         for address, why in (("0.0.0.0:8080", "visitors have to sign in"), ("[::]:8080", "visitors have to sign in"),
-                             ("192.168.0.1:80", "visitors have to sign in"), ("8080", "is no address with a port")):
+                             ("192.168.0.1:80", "visitors have to sign in"), ("8080", "is not an address with a port")):
             with self.subTest(address), tempfile.TemporaryDirectory() as site:
                 self.assertIn(why, self.refused("--site", site, "--listen", address))
 
@@ -598,7 +598,7 @@ class Start(unittest.TestCase):
                 file.write("\nworkers = -1\n")
             self.assertIn(f"{config}:2: workers takes a whole number", self.refused("--config", config))
             self.assertIn("there is no such settings file", self.refused("--config", config + "x"))
-            self.assertIn("is no folder", self.refused("--site", folder + "/missing"))
+            self.assertIn("is not a folder", self.refused("--site", folder + "/missing"))
 
     def test_sessions_that_cannot_be_kept_are_refused(self):
         server = serving({})

@@ -115,7 +115,7 @@ class ScriptRequest : public Request, public LateBound {
 
   std::string ServerVariable(std::string_view name) override { return JoinedValues(ValuesOf("ServerVariables", name)); }
 
-  // `Request(name)`; a request that is no function has its query string and its server variables looked through.
+  // `Request(name)`; a request that cannot be called has its four collections looked through, in this order.
   std::string Item(std::string_view name) override {
     std::vector<std::string> values;
     bool answered = false;

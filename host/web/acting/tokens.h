@@ -21,7 +21,7 @@ class Tokens {
   // `now` is in seconds since 1970.
   std::string New(std::string_view session, std::string_view purpose, std::int64_t now) const;
 
-  // Takes a token; false when it is none of this session and purpose, is too old, or was taken before. Fails with
+  // Takes a token; false when it is not of this session and purpose, is too old, or was taken before. Fails with
   // SettingError when that cannot be kept; it was not taken then.
   bool Take(std::string_view session, std::string_view purpose, std::string_view token, std::int64_t now) const;
 

@@ -307,7 +307,7 @@ std::optional<User> Gate::Checked(const std::optional<std::string>& account, std
   return PasswordFits(user->hash, password) ? user : std::nullopt;
 }
 
-// Whose password or rights have changed since the sign-in, or who is no user any more, signs in again.
+// Whose password or rights have changed since the sign-in, or who is not a user any more, signs in again.
 std::unique_ptr<FileSession> Gate::SessionOf(const std::vector<std::string>& ids) {
   for (const std::string& id : ids) {
     auto session = sessions_.Open(id, settings_.patience);

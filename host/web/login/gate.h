@@ -35,7 +35,7 @@ struct Admission {
   std::unique_ptr<host::PageSession> session;
   std::string logon;
   host::NamedTexts variables;
-  std::string mark = {};  // a name for the session that is no secret; "" where there is none
+  std::string mark = {};  // a name for the session that may be known; "" where there is none
 };
 
 // No page runs; this is the answer.

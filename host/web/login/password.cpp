@@ -33,7 +33,7 @@ std::string HashPassword(std::string_view password) {
 
 bool PasswordFits(std::string_view hash, std::string_view password) {
   Prepare();
-  // The library wants an ended text; a longer one than it makes is no hash.
+  // The library wants an ended text; a longer one than it makes is not a hash.
   if (!IsPasswordHash(hash) || password.size() > kLongestPassword) return false;
   const std::string ended(hash);
   return crypto_pwhash_str_verify(ended.c_str(), password.data(), password.size()) == 0;

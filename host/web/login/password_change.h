@@ -12,7 +12,7 @@ namespace kalvo::web::login {
 class Throttle;
 class UsersFile;
 
-// Who changes the own password, and from where.
+// Who changes a password, her own, and from where.
 struct Changer {
   std::string account, address, device;
 };

@@ -19,7 +19,7 @@ class SessionValues {
  public:
   Value Get(std::string_view name) const;
 
-  // Empty removes the value. Fails with 13 for what is no text, number, boolean, date or null, and with
+  // Empty removes the value. Fails with 13 for anything but a text, number, boolean, date or null, and with
   // 0x80004005 for what would outgrow the limits; the values are unharmed then.
   void Set(std::string_view name, const Value& value);
 

@@ -29,7 +29,7 @@ std::optional<std::string> AccountNamed(std::string_view name);
 
 // The users file: a line for each user, her account, her rights ("administrator,drill-down", or "-") and the hash
 // of her password (or "-"), with blanks between them; "#" begins a comment line. Whoever edits it with an editor edits
-// between two sign-ins: it is read anew for each.
+// between two sign-ins: it is read again for each.
 //
 // A file that others than its owner may write makes anybody an administrator: every operation fails with SettingError
 // for one whose group or everybody may write it, or that lies where everybody may replace it.
@@ -38,7 +38,7 @@ class UsersFile {
   explicit UsersFile(std::filesystem::path file) : file_(std::move(file)) {}
 
   // The user of that account, matched without regard to case. Fails with SettingError, which names file and line,
-  // when the file cannot be read or has a line that is none.
+  // when the file cannot be read or has a line that describes no user.
   std::optional<User> Find(std::string_view account) const;
 
   // Fails as `Find` does, for a file that no user can be found in.

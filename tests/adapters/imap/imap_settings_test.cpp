@@ -86,7 +86,7 @@ TEST_F(ImapSettings, RefuseWhatTheyDoNotUnderstand) {
       {"no directory", "imap://a@h/?password-file=pw", "directory=FILE is missing"},
       {"no password file", "imap://a@h/?directory=d", "password-file=FILE is missing"},
       {"a password file that is not there", "imap://a@h/?directory=d&password-file=/nowhere", "cannot be read"},
-      {"an unknown setting", With("imap://a@h/", "&colour=red"), "\"colour\" is no setting"},
+      {"an unknown setting", With("imap://a@h/", "&colour=red"), "\"colour\" is not a setting"},
       {"an unknown kind of encryption", With("imap://a@h/", "&tls=maybe"), "tls must be none, starttls or tls"},
       {"a broken encoding", With("imap://a@h/", "&template=%4"), "hexadecimal"},
       {"a server without an address", With("imap://a@h/", "&server=EX02"), "NAME=HOST:PORT"},

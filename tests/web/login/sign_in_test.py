@@ -215,7 +215,7 @@ class Passwd(unittest.TestCase):
         self.assertEqual([line.split()[0] for line in self.lines()], ["COTE\\bob"])
 
     def test_refuses_what_cannot_be_meant(self):
-        for words, password, says in ((["al ice"], PASSWORD, "no user's name"), (["alice"], "elevenchars", "at least 12 characters"),
+        for words, password, says in ((["al ice"], PASSWORD, "not a user's name"), (["alice"], "elevenchars", "at least 12 characters"),
                                       (["alice"], "Alice-2026!!", "guessed first"),
                                       (["alice"], "x" * 2000, "1024"), (["alice", "--delete"], "", "no user")):
             answer = passwd(self.users, *words, password=password)
