@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "host/parts/setting_error.h"
 #include "source_folder.h"
 #include "support/temporary_folder.h"
@@ -119,6 +121,25 @@ TEST(Settings, TheFileOfTheSourceFolderShowsTheDefaults) {
   EXPECT_EQ(shown.log, settings.log);
   EXPECT_EQ(shown.errorPages, settings.errorPages);
   EXPECT_EQ(shown.debug, settings.debug);
+  EXPECT_EQ(shown.addressConnections, settings.addressConnections);
+  EXPECT_EQ(shown.workerMemory, settings.workerMemory);
+  EXPECT_EQ(shown.parts.unknownEngine, settings.parts.unknownEngine);
+  EXPECT_EQ(shown.holdingDays, settings.holdingDays);
+  EXPECT_EQ(shown.sessionMinutes, settings.sessionMinutes);
+  EXPECT_EQ(shown.sessionsPerUser, settings.sessionsPerUser);
+}
+
+TEST(Settings, AreAllShownInTheFileAndExplainedToTheOperator) {
+  const std::filesystem::path source(KALVO_SOURCE_DIR);
+  const std::string file = test::ReadFile(source / "kalvo.toml"), guide = test::ReadFile(source / "docs/operating.md");
+  const std::string refusal = Refusal("worker = 2"), before = "there are ";
+  std::istringstream words(refusal.substr(refusal.find(before) + before.size()));
+  int count = 0;
+  for (std::string word; words >> word && word != "and"; ++count) {
+    EXPECT_NE(file.find("\n" + word + " = "), std::string::npos) << word;
+    EXPECT_NE(guide.find("`" + word + "`"), std::string::npos) << word;
+  }
+  EXPECT_GT(count, 30);
 }
 
 TEST(Settings, SayWhatIsWrongAndWhatWouldBeRight) {
