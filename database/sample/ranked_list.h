@@ -23,8 +23,8 @@ struct Candidate {
 
 enum class Order : std::uint8_t { LargestFirst, OldestFirst };
 
-// The first `ranking::kRankedRows` of what is offered. Unknown dates stand behind the others, equal ones in the order of their
-// servers and numbers.
+// The first `ranking::kRankedRows` of what is offered. Unknown dates stand behind the others, equal ones in the order
+// of their servers and numbers.
 class RankedList {
  public:
   explicit RankedList(Order order = Order::LargestFirst) : order_(order) {}

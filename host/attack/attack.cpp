@@ -37,7 +37,8 @@ std::string FindingOf(Client& client, const Probe& probe, int& silences) {
 int RunAttack(const AttackOptions& options, std::ostream& out) {
   const auto origin = ParseOrigin(options.url);
   if (!origin) {
-    throw host::SettingError("\"" + options.url + "\" is not the address of a console; https://HOST or http://HOST:PORT is");
+    throw host::SettingError("\"" + options.url +
+                             "\" is not the address of a console; https://HOST or http://HOST:PORT is");
   }
   Client client(*origin);
   int asked = 0, found = 0, silences = 0;

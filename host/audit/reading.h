@@ -38,8 +38,8 @@ struct Filter {
   bool Takes(const Record& record) const;
 };
 
-// The newest lines that a filter takes, the newest first: at most `count`, after `skipped` newer ones. What is not a line
-// of the log is passed over; `Verify` tells of it. Looks into the newest `mostFiles` files only.
+// The newest lines that a filter takes, the newest first: at most `count`, after `skipped` newer ones. What is not a
+// line of the log is passed over; `Verify` tells of it. Looks into the newest `mostFiles` files only.
 std::vector<Record> Newest(const std::filesystem::path& folder, const Filter& filter, std::size_t count,
                            std::size_t skipped = 0, std::size_t mostFiles = SIZE_MAX);
 

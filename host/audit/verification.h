@@ -12,7 +12,8 @@ namespace kalvo::audit {
 struct Verification {
   bool whole = true;                // every line follows from the one before
   std::vector<std::string> broken;  // "audit.jsonl:17: ...": why it is not whole
-  std::vector<std::string> noted;   // what is worth knowing but is not a break: unfinished lines, intents without outcome
+  std::vector<std::string>
+      noted;  // what is worth knowing but is not a break: unfinished lines, intents without outcome
   std::int64_t lines = 0;
   std::int64_t lastNumber = 0;
   std::string lastHash;

@@ -97,7 +97,8 @@ int RunPasswd(const PasswdArguments& arguments) {
   if (arguments.endSessions && arguments.name.empty()) return EndSessions(*settings, "");
   const auto account = web::login::AccountNamed(arguments.name);
   if (!account) {
-    throw SettingError("\"" + arguments.name + "\" is not a user's name; alice or DOMAIN\\alice is, of letters, digits, " +
+    throw SettingError("\"" + arguments.name +
+                       "\" is not a user's name; alice or DOMAIN\\alice is, of letters, digits, " +
                        "\".\", \"-\" and \"_\"");
   }
   if (arguments.endSessions) return EndSessions(*settings, *account);

@@ -9,8 +9,10 @@
 
 #include "support/temporary_folder.h"
 
-namespace kalvo::base {
+namespace kalvo::test {
 namespace {
+
+using namespace base;
 
 namespace fs = std::filesystem;
 
@@ -20,7 +22,7 @@ class Files : public ::testing::Test {
  protected:
   fs::path Named(const char* name) const { return folder_.Path() / name; }
 
-  const test::TemporaryFolder folder_;
+  const TemporaryFolder folder_;
 };
 
 TEST_F(Files, AreClosedWhenTheirOwnerGoes) {
@@ -68,7 +70,7 @@ TEST_F(Files, SayWhyTheyCannotBeOpened) {
 }
 
 TEST_F(Files, AreReadWholeOrNotAtAll) {
-  test::WriteFile(Named("five"), "12345");
+  WriteFile(Named("five"), "12345");
   const File file = Open(Named("five"), O_RDONLY);
   EXPECT_EQ(ReadAll(file, 5), "12345");
   EXPECT_EQ(ReadAll(file, 4), std::nullopt);
@@ -77,7 +79,7 @@ TEST_F(Files, AreReadWholeOrNotAtAll) {
 }
 
 TEST_F(Files, AreReadFromAPlaceOn) {
-  test::WriteFile(Named("five"), "12345");
+  WriteFile(Named("five"), "12345");
   const File file = Open(Named("five"), O_RDONLY);
   const struct {
     const char* why;
@@ -91,13 +93,13 @@ TEST_F(Files, AreReadFromAPlaceOn) {
 }
 
 TEST_F(Files, AreReadByTheirPath) {
-  test::WriteFile(Named("five"), "12345");
-  EXPECT_EQ(ReadFile(Named("five")), "12345");
-  EXPECT_EQ(ReadFile(Named("five"), 4), std::nullopt);
-  EXPECT_EQ(ReadFile(Named("missing")), std::nullopt);
-  EXPECT_EQ(ReadFile(folder_.Path()), std::nullopt) << "a folder is none";
+  WriteFile(Named("five"), "12345");
+  EXPECT_EQ(base::ReadFile(Named("five")), "12345");
+  EXPECT_EQ(base::ReadFile(Named("five"), 4), std::nullopt);
+  EXPECT_EQ(base::ReadFile(Named("missing")), std::nullopt);
+  EXPECT_EQ(base::ReadFile(folder_.Path()), std::nullopt) << "a folder is none";
   ASSERT_EQ(mkfifo(Named("pipe").c_str(), 0600), 0);
-  EXPECT_EQ(ReadFile(Named("pipe")), std::nullopt) << "and nobody waits for a pipe";
+  EXPECT_EQ(base::ReadFile(Named("pipe")), std::nullopt) << "and nobody waits for a pipe";
 }
 
 TEST_F(Files, AreWrittenWhole) {
@@ -105,7 +107,7 @@ TEST_F(Files, AreWrittenWhole) {
   EXPECT_TRUE(WriteAll(file, "one "));
   EXPECT_TRUE(WriteAll(file, "two"));
   EXPECT_TRUE(WriteAll(file, ""));
-  EXPECT_EQ(test::ReadFile(Named("a")), "one two");
+  EXPECT_EQ(ReadFile(Named("a")), "one two");
   const File full = Open("/dev/full", O_WRONLY);
   EXPECT_FALSE(WriteAll(full, "text"));
   EXPECT_EQ(errno, ENOSPC);
@@ -116,7 +118,7 @@ TEST_F(Files, AreStillThereUntilSomebodyReplacesThem) {
   EXPECT_TRUE(IsStillThere(file, Named("a")));
   fs::create_symlink(Named("a"), Named("link"));
   EXPECT_FALSE(IsStillThere(file, Named("link"))) << "a link is another thing";
-  test::WriteFile(Named("b"), "");
+  WriteFile(Named("b"), "");
   fs::rename(Named("b"), Named("a"));
   EXPECT_FALSE(IsStillThere(file, Named("a")));
   fs::remove(Named("a"));
@@ -129,4 +131,4 @@ TEST_F(Files, HaveTheirFolderOnTheDisk) {
 }
 
 }  // namespace
-}  // namespace kalvo::base
+}  // namespace kalvo::test

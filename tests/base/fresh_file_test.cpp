@@ -11,18 +11,19 @@
 #include "support/killed_process.h"
 #include "support/temporary_folder.h"
 
-namespace kalvo::base {
+namespace kalvo::test {
 namespace {
 
+using namespace base;
+
 namespace fs = std::filesystem;
-using test::ReadFile;
 
 class FreshFiles : public ::testing::Test {
  protected:
   fs::path Named(const char* name) const { return folder_.Path() / name; }
 
   void Leave(int secondsAgo) {
-    test::WriteFile(Named("name.new"), "half");
+    WriteFile(Named("name.new"), "half");
     fs::last_write_time(Named("name.new"), fs::file_time_type::clock::now() - std::chrono::seconds(secondsAgo));
   }
 
@@ -33,12 +34,12 @@ class FreshFiles : public ::testing::Test {
     return count;
   }
 
-  const test::TemporaryFolder folder_;
+  const TemporaryFolder folder_;
   const File top_ = Open(folder_.Path(), O_RDONLY | O_DIRECTORY);
 };
 
 TEST_F(FreshFiles, TakeThePlaceOfAnother) {
-  test::WriteFile(Named("name"), "old and long");
+  WriteFile(Named("name"), "old and long");
   EXPECT_TRUE(ReplaceFile(top_, "name", "new"));
   EXPECT_EQ(ReadFile(Named("name")), "new");
   EXPECT_TRUE(ReplaceFile(Named("name"), "newer", {Durable::Yes}));
@@ -71,7 +72,7 @@ TEST_F(FreshFiles, AreTheOwnersAloneUnlessToldOtherwise) {
 }
 
 TEST_F(FreshFiles, FollowNoLinkThatWaitsForThem) {
-  test::WriteFile(Named("other"), "kept");
+  WriteFile(Named("other"), "kept");
   fs::create_symlink("other", Named("name.new"));
   EXPECT_TRUE(ReplaceFile(top_, "name", "text"));
   EXPECT_EQ(ReadFile(Named("other")), "kept");
@@ -96,9 +97,9 @@ TEST_F(FreshFiles, ThatCannotTakeThePlaceLeaveNothingBehind) {
 }
 
 TEST_F(FreshFiles, ThatCannotBeWrittenLeaveTheOldOne) {
-  test::WriteFile(Named("name"), "old");
+  WriteFile(Named("name"), "old");
   {
-    const test::FullDisk full(8);
+    const FullDisk full(8);
     EXPECT_FALSE(ReplaceFile(Named("name"), "more than eight"));
     EXPECT_EQ(errno, EFBIG);
   }
@@ -107,8 +108,8 @@ TEST_F(FreshFiles, ThatCannotBeWrittenLeaveTheOldOne) {
 }
 
 TEST_F(FreshFiles, AreOldOrNewWheneverTheProcessIsKilled) {
-  const int kills = test::KillAtEveryMoment(
-      test::Calls::All, [&] { test::WriteFile(Named("name"), "old"); },
+  const int kills = KillAtEveryMoment(
+      Calls::All, [&] { WriteFile(Named("name"), "old"); },
       [&] {
         if (!ReplaceFile(Named("name"), "new", {Durable::Yes})) throw 0;
       },
@@ -129,4 +130,4 @@ TEST_F(FreshFiles, AreMadeOnceByWhoeverComesFirst) {
 }
 
 }  // namespace
-}  // namespace kalvo::base
+}  // namespace kalvo::test

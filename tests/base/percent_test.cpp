@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
-namespace kalvo::base {
+namespace kalvo::test {
 namespace {
+
+using namespace base;
 
 TEST(Percent, WritesAByteWithCapitals) {
   std::string out = "a";
@@ -38,4 +40,4 @@ TEST(Percent, IsFoundAtAPlace) {
 }
 
 }  // namespace
-}  // namespace kalvo::base
+}  // namespace kalvo::test

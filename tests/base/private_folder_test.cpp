@@ -7,8 +7,10 @@
 
 #include "support/temporary_folder.h"
 
-namespace kalvo::base {
+namespace kalvo::test {
 namespace {
+
+using namespace base;
 
 namespace fs = std::filesystem;
 
@@ -16,7 +18,7 @@ class PrivateFolders : public ::testing::Test {
  protected:
   fs::path Named(const char* name) const { return folder_.Path() / name; }
 
-  const test::TemporaryFolder folder_;
+  const TemporaryFolder folder_;
 };
 
 TEST_F(PrivateFolders, AreMadeForTheirOwnerAloneWithTheFoldersAbove) {
@@ -28,7 +30,7 @@ TEST_F(PrivateFolders, AreMadeForTheirOwnerAloneWithTheFoldersAbove) {
 }
 
 TEST_F(PrivateFolders, SayWhatIsWrong) {
-  test::WriteFile(Named("file"), "");
+  WriteFile(Named("file"), "");
   fs::create_directory(Named("shown"));
   fs::permissions(Named("shown"), fs::perms(0711));
   fs::create_directory_symlink(Named("made"), Named("link"));
@@ -62,7 +64,7 @@ TEST_F(PrivateFolders, OfAnotherUserAreRootsToUseUnlessTheyHaveToBeItsOwn) {
 }
 
 TEST_F(PrivateFolders, LoseTheFilesThatNobodyTouches) {
-  for (const char* name : {"old", "young"}) test::WriteFile(Named(name), "");
+  for (const char* name : {"old", "young"}) WriteFile(Named(name), "");
   fs::create_directory(Named("folder"));
   const auto before = fs::file_time_type::clock::now() - std::chrono::hours(2);
   fs::last_write_time(Named("old"), before);
@@ -74,4 +76,4 @@ TEST_F(PrivateFolders, LoseTheFilesThatNobodyTouches) {
 }
 
 }  // namespace
-}  // namespace kalvo::base
+}  // namespace kalvo::test

@@ -7,8 +7,10 @@
 
 #include "kalvo/platform/text_tools.h"
 
-namespace kalvo::base {
+namespace kalvo::test {
 namespace {
+
+using namespace base;
 
 TEST(Random, FillsAllOfIt) {
   std::array<std::uint8_t, 4096> bytes{};
@@ -24,4 +26,4 @@ TEST(Random, NamesAreHexadecimalAndNeverTheSame) {
 }
 
 }  // namespace
-}  // namespace kalvo::base
+}  // namespace kalvo::test

@@ -6,12 +6,14 @@
 
 #include "fakes/page_fixture.h"
 
-namespace kalvo::host {
+namespace kalvo::test {
 namespace {
+
+using namespace host;
 
 const Place kPlace{"EX01", "Group", "ORG", "SITE"};
 
-class Reports : public testing::Test, protected fakes::PageFixture {
+class Reports : public testing::Test, protected PageFixture {
  protected:
   const ReportCatalogue catalogue_{platform};
 };
@@ -49,4 +51,4 @@ TEST_F(Reports, AreOfAServerOrAGroupWhereTheyAskForOne) {
 }
 
 }  // namespace
-}  // namespace kalvo::host
+}  // namespace kalvo::test

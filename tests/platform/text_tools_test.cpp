@@ -4,7 +4,7 @@
 
 #include <array>
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 TEST(Text, IsTrimmedOfWhatStandsAroundIt) {
@@ -68,4 +68,4 @@ TEST(Hexadecimal, IsKnownByItsSmallDigits) {
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

@@ -131,7 +131,7 @@ TEST(Settings, TheFileOfTheSourceFolderShowsTheDefaults) {
 
 TEST(Settings, AreAllShownInTheFileAndExplainedToTheOperator) {
   const std::filesystem::path source(KALVO_SOURCE_DIR);
-  const std::string file = test::ReadFile(source / "kalvo.toml"), guide = test::ReadFile(source / "docs/operating.md");
+  const std::string file = ReadFile(source / "kalvo.toml"), guide = ReadFile(source / "docs/operating.md");
   const std::string refusal = Refusal("worker = 2"), before = "there are ";
   std::istringstream words(refusal.substr(refusal.find(before) + before.size()));
   int count = 0;
