@@ -44,10 +44,10 @@ TEST(RunFolder, LeavesRoomForTheNameOfASocket) {
 
 TEST(RunFolder, FilesAreWrittenAsAWhole) {
   const TemporaryFolder folder;
-  WriteFile(folder.Path() / "file", "old and long");
-  WriteFile(folder.Path() / "file", "new");
+  web::WriteFile(folder.Path() / "file", "old and long");
+  web::WriteFile(folder.Path() / "file", "new");
   EXPECT_EQ(ReadFile(folder.Path() / "file"), "new");
-  EXPECT_THROW(WriteFile(folder.Path() / "missing" / "file", ""), host::SettingError);
+  EXPECT_THROW(web::WriteFile(folder.Path() / "missing" / "file", ""), host::SettingError);
 }
 
 }  // namespace
