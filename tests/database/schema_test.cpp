@@ -62,8 +62,8 @@ std::string FirstPageOfChargeback() {
 TEST(Schema, PostgresqlReadsTheFirstPageOfAChargebackByItsIndex) {
   EXPECT_NE(FirstPageOfChargeback().find(" order by MbName asc nulls first, "), std::string::npos);
   std::string script;
-  for (const std::string& statement : sample::TableStatements(sample::Engine::Postgresql)) script += statement + ";\n";
-  for (const std::string& statement : sample::IndexStatements(sample::Engine::Postgresql)) script += statement + ";\n";
+  for (const std::string& statement : schema::TableStatements(schema::Engine::Postgresql)) script += statement + ";\n";
+  for (const std::string& statement : schema::IndexStatements(schema::Engine::Postgresql)) script += statement + ";\n";
   PostgresServer server;
   server.Execute(script +
                  "insert into EXDB_SERVER (ServerId, ComputerName, DistOrgName, DistSiteName, DomainName, Missing, "
