@@ -93,15 +93,17 @@ template <typename Visit>
 void ForEachPiece(std::string_view field, std::string_view charset, Visit&& visit) {
   std::size_t plain = 0;  // where the text since the last word begins
   std::string wordCharset;
-  std::optional<WordBytes> words;
+  bool inWords = false;
+  WordBytes words;
   const auto endWords = [&] {
-    if (words) visit(ToUtf8(words->Bytes(), wordCharset), true);
-    words.reset();
+    if (inWords) visit(ToUtf8(words.Bytes(), wordCharset), true);
+    inWords = false;
+    words = {};
   };
   const auto endPlain = [&](std::size_t end) {
     const std::string_view text = field.substr(plain, end - plain);
     const bool onlyBlanks = std::all_of(text.begin(), text.end(), IsBlank);
-    if (text.empty() || (onlyBlanks && words && end < field.size())) return;
+    if (text.empty() || (onlyBlanks && inWords && end < field.size())) return;
     endWords();
     visit(ToUtf8(text, charset), false);
   };
@@ -112,10 +114,10 @@ void ForEachPiece(std::string_view field, std::string_view charset, Visit&& visi
       continue;
     }
     endPlain(at);
-    if (words && word->charset != wordCharset) endWords();
-    if (!words) words.emplace();
+    if (word->charset != wordCharset) endWords();
+    inWords = true;
     wordCharset = word->charset;
-    words->Add(*word);
+    words.Add(*word);
     plain = at += word->length;
   }
   endPlain(field.size());

@@ -30,7 +30,7 @@ std::string Quoted(const fs::path& path) {
       throw host::SettingError("the path " + path.string() + " has a character that nginx cannot take ($ \" \\)");
     }
   }
-  return "\"" + path.string() + "\"";
+  return Built([&](std::string& out) { Append(out, "\"", path.string(), "\""); });
 }
 
 // What workers are told of a request, beside the request's own headers.
