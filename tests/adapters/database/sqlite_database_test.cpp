@@ -278,6 +278,14 @@ TEST_F(SqliteFileTest, ATimestampIsADateToo) {
   EXPECT_EQ(Text(*database.Connect("KalvoDB"), "select At from S"), "2/3/2024");
 }
 
+TEST_F(SqliteFileTest, WithoutAnyHeapThereIsNoConnection) {
+  sqlite::Options options;
+  options.heapLimit = 0;
+  sqlite::SqliteDatabase database(File(), options);
+  EXPECT_EQ(ErrorOf([&] { database.Connect("KalvoDB"); }).Description(), "[HY001] out of memory");
+  sqlite::PrepareLibrary();
+}
+
 TEST_F(SqliteFileTest, TheHeapIsLimited) {
   sqlite::Options options;
   options.heapLimit = 8 << 20;
