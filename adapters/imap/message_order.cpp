@@ -30,6 +30,24 @@ bool KnowsHere(const mail::MessageSort& sort) {
   return sort.field == mail::MessageField::Received || sort.field == mail::MessageField::Size;
 }
 
+// What to sort by, as a server knows it; nothing where it cannot sort so.
+//
+// A server breaks ties by its own numbers, first to last; ours go by arrival, last to first. So it is asked for
+// everything the other way round, and its answer is read backwards.
+std::optional<std::vector<ServerSort>> BackwardSorts(std::span<const mail::MessageSort> keys) {
+  std::vector<ServerSort> sorts;
+  for (const auto& key : keys) {
+    const auto serverKey = ServerKey(key.field);
+    if (!serverKey) return std::nullopt;
+    sorts.push_back({*serverKey, !key.descending});
+  }
+  // Messages without a date are put in at one end, which is where they belong by the first key alone.
+  if (keys.front().field != mail::MessageField::Sent) return std::nullopt;
+  if (!std::all_of(keys.begin() + 1, keys.end(), KnowsHere)) return std::nullopt;
+  sorts.push_back({ServerSortKey::Arrival, false});
+  return sorts;
+}
+
 // What a message is sorted by, beside what the folder's summary has. No date comes first.
 struct TextKey {
   std::string text;
@@ -76,32 +94,27 @@ void ImapMessages::SortHere(std::vector<std::int32_t>& order, std::span<const ma
   });
 }
 
-// A server breaks ties by its own numbers, first to last; ours go by arrival, last to first. So it is asked for
-// everything the other way round, and its answer is read backwards.
 std::optional<std::vector<std::int32_t>> ImapMessages::ServerOrder(std::span<const mail::MessageSort> keys) {
   if (!pool_->Config().serverSort || messages_->empty()) return std::nullopt;
-  std::vector<ServerSort> sorts;
-  for (const auto& key : keys) {
-    const auto serverKey = ServerKey(key.field);
-    if (!serverKey) return std::nullopt;
-    sorts.push_back({*serverKey, !key.descending});
-  }
-  // Messages without a date are put in at one end, which is where they belong by the first key alone.
-  if (keys.front().field != mail::MessageField::Sent) return std::nullopt;
-  if (!std::all_of(keys.begin() + 1, keys.end(), KnowsHere)) return std::nullopt;
-  sorts.push_back({ServerSortKey::Arrival, false});
-
+  const auto sorts = BackwardSorts(keys);
+  if (!sorts) return std::nullopt;
   std::vector<std::uint32_t> uids, candidates;
   const bool sorted = Ask([&](Connection& connection) {
     if (!connection.Has("SORT")) return false;
-    uids = connection.SortedUids(sorts);
+    uids = connection.SortedUids(*sorts);
     candidates = connection.WithoutSentDate();
     return true;
   });
   if (!sorted) return std::nullopt;
   const auto undated = Undated(std::move(candidates));
   if (!undated) return std::nullopt;
+  return Merged(uids, *undated, keys);
+}
 
+// The messages that the server sorted, read backwards, with those that have no date at their end.
+std::vector<std::int32_t> ImapMessages::Merged(std::span<const std::uint32_t> backwards,
+                                               std::span<const std::uint32_t> undated,
+                                               std::span<const mail::MessageSort> keys) {
   std::unordered_map<std::uint32_t, std::int32_t> places;
   for (std::int32_t i = 0; i < Count(); ++i) places.emplace(At(i).uid, i);
   std::vector<std::int32_t> order, apart;
@@ -111,10 +124,10 @@ std::optional<std::vector<std::int32_t>> ImapMessages::ServerOrder(std::span<con
     into.push_back(found->second);
     places.erase(found);
   };
-  for (const auto uid : *undated) take(uid, apart);
+  for (const auto uid : undated) take(uid, apart);
   std::sort(apart.begin(), apart.end());
   SortHere(apart, keys.subspan(1));
-  for (auto uid = uids.rbegin(); uid != uids.rend(); ++uid) take(*uid, order);
+  for (auto uid = backwards.rbegin(); uid != backwards.rend(); ++uid) take(*uid, order);
   order.insert(keys.front().descending ? order.end() : order.begin(), apart.begin(), apart.end());
   // What the server no longer has comes last.
   std::vector<std::int32_t> gone;

@@ -42,6 +42,8 @@ class ImapMessages : public mail::MessageSource {
   std::vector<std::int32_t> OwnOrder(std::span<const mail::MessageSort> keys) const;
   void SortHere(std::vector<std::int32_t>& order, std::span<const mail::MessageSort> keys) const;
   std::optional<std::vector<std::int32_t>> ServerOrder(std::span<const mail::MessageSort> keys);
+  std::vector<std::int32_t> Merged(std::span<const std::uint32_t> backwards, std::span<const std::uint32_t> undated,
+                                   std::span<const mail::MessageSort> keys);
   std::optional<std::vector<std::uint32_t>> Undated(std::vector<std::uint32_t> candidates);
   std::vector<std::int32_t> TextOrder(std::span<const mail::MessageSort> keys);
   void ReadTexts();
