@@ -75,7 +75,7 @@ std::unique_ptr<RecordSet> OdbcConnection::Execute(const Batch& batch) {
     return std::make_unique<OdbcRecordSet>(session_, statements);
   }
   session_->BeginSnapshot();
-  return std::make_unique<sql::ReportRecordSet>(std::make_shared<Runner>(session_), statements);
+  return std::make_unique<sql::ReportRecordSet>(std::make_shared<Runner>(session_), statements, batch.firstRow);
 }
 
 }  // namespace kalvo::odbc

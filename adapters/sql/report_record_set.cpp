@@ -1,5 +1,6 @@
 #include "adapters/sql/report_record_set.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 
@@ -80,12 +81,13 @@ class TotalsBehindCount final : public RecordSet {
 
 }  // namespace
 
-ReportRecordSet::ReportRecordSet(std::shared_ptr<ReportRunner> runner, const StatementQueue& statements)
+ReportRecordSet::ReportRecordSet(std::shared_ptr<ReportRunner> runner, const StatementQueue& statements,
+                                 std::int32_t firstRow)
     : runner_(std::move(runner)),
       statement_(statements.Front()),
       following_(statements.Rest()),
       windowed_(WindowedStatement::Of(statement_, runner_->Nulls())) {
-  if (!RunWindowed()) records_ = Run(statement_);
+  if (!RunWindowed(firstRow)) records_ = Run(statement_);
 }
 
 RecordSet& ReportRecordSet::Records() const {
@@ -94,9 +96,10 @@ RecordSet& ReportRecordSet::Records() const {
 }
 
 // A failed statement takes nothing with it: what runs next has a snapshot of its own.
-std::unique_ptr<RecordSet> ReportRecordSet::Run(const std::string& statement) const {
+template <typename Step>
+auto ReportRecordSet::Recovering(Step&& step) const {
   try {
-    return runner_->Run(statement);
+    return step();
   } catch (const Error& error) {
     const Error told = error;
     try {
@@ -108,12 +111,20 @@ std::unique_ptr<RecordSet> ReportRecordSet::Run(const std::string& statement) co
   }
 }
 
-bool ReportRecordSet::RunWindowed() {
+std::unique_ptr<RecordSet> ReportRecordSet::Run(const std::string& statement) const {
+  return Recovering([&] { return runner_->Run(statement); });
+}
+
+bool ReportRecordSet::RunWindowed(std::int32_t firstRow) {
   if (!windowed_) return false;
   try {
-    windowed_->BreakTies(runner_->CountColumns(statement_));
-    const std::int32_t rows = runner_->WindowRows();
-    records_ = Run(rows > 0 ? windowed_->Forward(0, rows + 1) : windowed_->Whole());
+    windowed_->BreakTies(Recovering([&] { return runner_->CountColumns(statement_); }));
+    const std::int32_t windowRows = runner_->WindowRows();
+    if (windowRows > 0) {
+      ReadStart(firstRow, windowRows);
+    } else {
+      records_ = Run(windowed_->Whole());
+    }
     return true;
   } catch (const Error& error) {
     if (IsTimeout(error)) throw;
@@ -122,22 +133,46 @@ bool ReportRecordSet::RunWindowed() {
   }
 }
 
+// One row more than a window tells whether there are more. Rows that begin behind the last begin at the first.
+void ReportRecordSet::ReadStart(std::int32_t firstRow, std::int32_t windowRows) {
+  if (firstRow < 0) {
+    start_.backward = true;
+    records_ = Run(windowed_->Backward(0, windowRows + 1));
+    return;
+  }
+  if (firstRow > windowRows) {
+    start_.first = firstRow - 1;
+    records_ = Run(windowed_->Forward(start_.first, windowRows + 1));
+    if (!records_->IsEmpty()) return;
+    start_.first = 0;
+  }
+  records_ = Run(windowed_->Forward(0, windowRows + 1));
+}
+
 const Rows& ReportRecordSet::GetRows() {
   if (rows_) return *rows_;
   const Rows& start = Records().GetRows();
   const std::int32_t windowRows = runner_->WindowRows();
-  if (!windowed_ || windowRows == 0 || start.RowCount() <= windowRows) return start;
+  const bool areAll = start.RowCount() <= windowRows && start_.first == 0 && !start_.backward;
+  if (!windowed_ || windowRows == 0 || areAll) return start;
   try {
-    const std::int32_t rowCount = CountRows();
-    rows_ = std::make_unique<WindowedRows>(
-        start, rowCount, windowRows, [this, rowCount](const auto& window) { return ReadWindow(window, rowCount); });
-    return *rows_;
+    return ReadTheRest(start, windowRows);
   } catch (const Error& error) {
     if (IsTimeout(error)) throw;
     windowed_.reset();
     records_ = Run(statement_);
     return records_->GetRows();
   }
+}
+
+// Rows that end within their window need not be counted.
+const Rows& ReportRecordSet::ReadTheRest(const Rows& start, std::int32_t windowRows) {
+  const std::int32_t rowCount = start.RowCount() <= windowRows ? start_.first + start.RowCount() : CountRows();
+  start_.count = std::min(start.RowCount(), rowCount);
+  if (start_.backward) start_.first = rowCount - start_.count;
+  rows_ = std::make_unique<WindowedRows>(start, start_, rowCount, windowRows,
+                                         [this, rowCount](const auto& window) { return ReadWindow(window, rowCount); });
+  return *rows_;
 }
 
 std::int32_t ReportRecordSet::CountRows() {

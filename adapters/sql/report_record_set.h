@@ -37,7 +37,8 @@ class ReportRunner {
 // fails when it is, runs as it stands, and its error is then the one that is told.
 class ReportRecordSet final : public RecordSet {
  public:
-  ReportRecordSet(std::shared_ptr<ReportRunner> runner, const StatementQueue& statements);
+  // `firstRow` is the row that is asked for first, as a batch says it.
+  ReportRecordSet(std::shared_ptr<ReportRunner> runner, const StatementQueue& statements, std::int32_t firstRow = 1);
 
   bool IsEmpty() override { return Records().IsEmpty(); }
   std::int32_t FieldCount() override { return Records().FieldCount(); }
@@ -48,8 +49,12 @@ class ReportRecordSet final : public RecordSet {
 
  private:
   RecordSet& Records() const;
+  template <typename Step>
+  auto Recovering(Step&& step) const;
   std::unique_ptr<RecordSet> Run(const std::string& statement) const;
-  bool RunWindowed();
+  bool RunWindowed(std::int32_t firstRow);
+  void ReadStart(std::int32_t firstRow, std::int32_t windowRows);
+  const Rows& ReadTheRest(const Rows& start, std::int32_t windowRows);
   std::int32_t CountRows();
   std::unique_ptr<RecordSet> ReadWindow(const WindowedRows::Window& window, std::int32_t rowCount) const;
 
@@ -57,7 +62,8 @@ class ReportRecordSet final : public RecordSet {
   const std::string statement_;
   StatementQueue following_;
   std::optional<WindowedStatement> windowed_;
-  std::unique_ptr<RecordSet> records_;        // the first rows, or all of them
+  std::unique_ptr<RecordSet> records_;        // a first window of rows, or all of them
+  WindowedRows::Window start_{0, 0, false};   // that window
   std::unique_ptr<WindowedRows> rows_;        // where there are more than the first
   std::unique_ptr<RecordSet> countedTotals_;  // the totals, where they were counted with the rows
 };

@@ -6,13 +6,14 @@
 
 namespace kalvo::sql {
 
-WindowedRows::WindowedRows(const Rows& start, std::int32_t rowCount, std::int32_t windowRows, Read read)
+WindowedRows::WindowedRows(const Rows& start, const Window& window, std::int32_t rowCount, std::int32_t windowRows,
+                           Read read)
     : rowCount_(rowCount),
       fieldCount_(start.FieldCount()),
       windowRows_(windowRows),
       read_(std::move(read)),
       rows_(&start),
-      window_{0, std::min(start.RowCount(), rowCount), false} {}
+      window_(window) {}
 
 std::string_view WindowedRows::Text(std::int32_t field, std::int32_t row, std::string& scratch) const {
   const std::int32_t place = PlaceOf(row);

@@ -25,10 +25,10 @@ class WindowedRows final : public Rows {
   };
   using Read = std::function<std::unique_ptr<RecordSet>(const Window&)>;
 
-  // `start` holds the first rows and outlives these; a window begins with `windowRows`. A window that cannot be read is
-  // followed by one try to read all rows; when that fails too, its error is that of every later row outside of what is
-  // there.
-  WindowedRows(const Rows& start, std::int32_t rowCount, std::int32_t windowRows, Read read);
+  // `start` holds the rows of a first window and outlives these; the next have `windowRows`. A window that cannot be
+  // read is followed by one try to read all rows; when that fails too, its error is that of every later row outside of
+  // what is there.
+  WindowedRows(const Rows& start, const Window& window, std::int32_t rowCount, std::int32_t windowRows, Read read);
 
   std::int32_t RowCount() const override { return rowCount_; }
   std::int32_t FieldCount() const override { return fieldCount_; }

@@ -102,7 +102,7 @@ std::unique_ptr<RecordSet> SqliteConnection::Execute(const Batch& batch) {
   const sql::StatementQueue statements(sql::CheckedStatements(batch));
   if (!batch.readInPages) return std::make_unique<SqliteRecordSet>(session_, statements);
   session_->BeginSnapshot();
-  return std::make_unique<sql::ReportRecordSet>(std::make_shared<Runner>(session_), statements);
+  return std::make_unique<sql::ReportRecordSet>(std::make_shared<Runner>(session_), statements, batch.firstRow);
 }
 
 }  // namespace kalvo::sqlite

@@ -5,6 +5,8 @@
 #include <csignal>
 #include <stdexcept>
 
+#include "support/patience.h"
+
 namespace kalvo::test {
 
 namespace {
@@ -30,6 +32,16 @@ PostgresServer::PostgresServer() : port_(FreePort()) {
       ""};
   server_ = std::make_unique<Server>(command, SIGINT);
   server_->WaitForPort(port_);
+  // It listens before it answers.
+  const auto answers = [&] {
+    try {
+      Execute("select 1");
+      return true;
+    } catch (const std::exception&) {
+      return false;
+    }
+  };
+  if (!Eventually(answers)) Execute("select 1");
 }
 
 std::string PostgresServer::Program(const char* name) const {

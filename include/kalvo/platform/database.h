@@ -80,6 +80,9 @@ struct Batch {
   // A report of which pages are read: its rows may be fetched when they are asked for, and rows that its order leaves
   // equal are put in one order, so that each row is on one page. All of it is then one moment of the database.
   bool readInPages = false;
+
+  // The row of such a report that is asked for first, from 1, as far as it is known; -1 for one of the last.
+  std::int32_t firstRow = 1;
 };
 
 // One open connection to the reporting database; closed when it is destroyed. Record sets do not outlive it.

@@ -57,6 +57,18 @@ TEST_P(ReportContract, HasEachRowOnceInOneOrder) {
   EXPECT_EQ(TextOf(*descending, 1, 1499), "2999");
 }
 
+TEST_P(ReportContract, HasTheSameRowsWhereverAPageBegins) {
+  constexpr std::string_view kSql = "select Id from Sizes order by Size, Parity";
+  for (const std::int32_t firstRow : {1, 1500, 2900, 3001, 9000, -1}) {
+    SCOPED_TRACE(firstRow);
+    const auto records = connection_->Execute({kSql, kSql, "", true, firstRow});
+    EXPECT_EQ(records->GetRows().RowCount(), kRows + 1);
+    for (const auto& [row, id] : {std::pair{0, "0"}, {1, "2"}, {1500, "3000"}, {1501, "1"}, {2999, "2997"}}) {
+      EXPECT_EQ(TextOf(*records, 0, row), id);
+    }
+  }
+}
+
 TEST_P(ReportContract, ItsRowsAndTotalsAreOfOneMoment) {
   const auto records = Report(
       *connection_, "select Id, Size from Sizes order by Id\r\n\r\nselect sum(Size) as S from Sizes where 1 = 1");

@@ -101,8 +101,8 @@ struct Report {
   explicit Report(std::int64_t count, const char* totals = kOtherTotals)
       : runner(std::make_shared<FakeRunner>(count)), statements({kStatement, totals}) {}
 
-  RecordSet& Open() {
-    records = std::make_unique<ReportRecordSet>(runner, statements);
+  RecordSet& Open(std::int32_t firstRow = 1) {
+    records = std::make_unique<ReportRecordSet>(runner, statements, firstRow);
     return *records;
   }
   std::string Text(std::int32_t row) {
@@ -151,6 +151,36 @@ TEST(ReportRecordSet, ALongOneCountsItsRowsAndFetchesThoseThatAreAskedFor) {
   }
   EXPECT_EQ(ErrorOf([&] { report.Text(1000); }).Number(), 9);
   EXPECT_EQ(ErrorOf([&] { report.Text(-1); }).Number(), 9);
+}
+
+TEST(ReportRecordSet, BeginsWithTheRowThatIsAskedForFirst) {
+  constexpr char kCount[] = "; select count(*) as Counted from (select n from T) Counted";
+  const struct {
+    const char* why;
+    std::int64_t count;
+    std::int32_t firstRow, read;
+    std::string ran;
+  } kCases[] = {
+      {"in the first window", 1000, 10, 9, std::string("n asc, 1 asc limit 11 offset 0") + kCount},
+      {"further on", 1000, 301, 300, std::string("n asc, 1 asc limit 11 offset 300") + kCount},
+      {"near the end, which then is known", 1000, 996, 995, "n asc, 1 asc limit 11 offset 995"},
+      {"the last", 1000, -1, 999, std::string("n desc, 1 desc limit 11 offset 0") + kCount},
+      {"the last of a few", 8, -1, 7, "n desc, 1 desc limit 11 offset 0"},
+      {"behind the last: the first", 1000, 2001, 0,
+       std::string("n asc, 1 asc limit 11 offset 2000; n asc, 1 asc limit 11 offset 0") + kCount},
+      {"behind the last of a few", 8, 2001, 7, "n asc, 1 asc limit 11 offset 2000; n asc, 1 asc limit 11 offset 0"},
+      {"of none", 0, -1, -1, "n desc, 1 desc limit 11 offset 0"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    Report report(c.count);
+    EXPECT_EQ(report.Open(c.firstRow).GetRows().RowCount(), c.count);
+    if (c.read >= 0) {
+      EXPECT_EQ(report.Text(c.read), std::to_string(c.read));
+    }
+    EXPECT_EQ(report.runner->Ran(), c.ran);
+    for (std::int32_t row = 0; row < c.count; ++row) ASSERT_EQ(report.Text(row), std::to_string(row));
+  }
 }
 
 TEST(ReportRecordSet, AWalkOverAllRowsTakesWindowsOfABoundedLength) {
