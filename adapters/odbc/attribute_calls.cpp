@@ -5,27 +5,22 @@
 #include "adapters/sql/diagnostics.h"
 #include "adapters/sql/shape.h"
 #include "kalvo/platform/append.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::odbc {
 
 namespace {
-
-void AppendLiteral(std::string& out, std::string_view text) {
-  out += '\'';
-  for (const char c : text) out.append(c == '\'' ? 2 : 1, c);
-  out += '\'';
-}
 
 std::string ColumnQuestion(std::string_view name, const std::vector<std::string>& tables) {
   return Built([&](std::string& out) {
     out +=
         "select 1 as Found from pg_catalog.pg_attribute a, pg_catalog.pg_class c "
         "where a.attrelid = c.oid and not a.attisdropped and a.attname = ";
-    AppendLiteral(out, name);
+    AppendSqlQuoted(out, name);
     out += " and c.relname in (";
     for (std::size_t i = 0; i < tables.size(); ++i) {
       if (i > 0) out += ", ";
-      AppendLiteral(out, tables[i]);
+      AppendSqlQuoted(out, tables[i]);
     }
     out += ") limit 1";
   });

@@ -55,13 +55,14 @@ class Runner final : public sql::ReportRunner {
   std::int32_t WindowRows() const override {
     return session_->GetEngine() == Engine::Sqlite ? 0 : session_->WindowRows();
   }
+
+ private:
   void BeginSnapshot() override { session_->BeginSnapshot(); }
   std::int32_t CountColumns(const std::string& statement) override { return odbc::CountColumns(*session_, statement); }
   std::unique_ptr<RecordSet> Run(const std::string& statement) override {
     return std::make_unique<OdbcRecordSet>(session_, sql::StatementQueue({statement}));
   }
 
- private:
   const std::shared_ptr<Session> session_;
 };
 
@@ -74,7 +75,6 @@ std::unique_ptr<RecordSet> OdbcConnection::Execute(const Batch& batch) {
   if (!batch.readInPages || session_->GetEngine() == Engine::Other) {
     return std::make_unique<OdbcRecordSet>(session_, statements);
   }
-  session_->BeginSnapshot();
   return std::make_unique<sql::ReportRecordSet>(std::make_shared<Runner>(session_), statements, batch.firstRow);
 }
 

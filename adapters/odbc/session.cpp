@@ -167,7 +167,9 @@ void Session::Run(std::string_view sql) {
   const std::string text(sql);
   const StatementHandle statement(connection_.Get());
   if (!statement.Get()) throw sql::ConnectionError("HY001", "There is no memory for a statement.");
-  CheckStatement(SQLExecDirect(statement.Get(), Bytes(text), static_cast<SQLINTEGER>(text.size())), statement.Get());
+  Limited(statement.Get(), [&] {
+    CheckStatement(SQLExecDirect(statement.Get(), Bytes(text), static_cast<SQLINTEGER>(text.size())), statement.Get());
+  });
 }
 
 }  // namespace kalvo::odbc

@@ -87,7 +87,7 @@ ReportRecordSet::ReportRecordSet(std::shared_ptr<ReportRunner> runner, const Sta
       statement_(statements.Front()),
       following_(statements.Rest()),
       windowed_(WindowedStatement::Of(statement_, runner_->Nulls())) {
-  if (!RunWindowed(firstRow)) records_ = Run(statement_);
+  if (!RunWindowed(firstRow)) records_ = runner_->Result(statement_);
 }
 
 RecordSet& ReportRecordSet::Records() const {
@@ -95,35 +95,15 @@ RecordSet& ReportRecordSet::Records() const {
   return *records_;
 }
 
-// A failed statement takes nothing with it: what runs next has a snapshot of its own.
-template <typename Step>
-auto ReportRecordSet::Recovering(Step&& step) const {
-  try {
-    return step();
-  } catch (const Error& error) {
-    const Error told = error;
-    try {
-      runner_->BeginSnapshot();
-    } catch (const Error&) {
-      // The statement's own failure says more, and the next statement will fail by itself.
-    }
-    throw told;
-  }
-}
-
-std::unique_ptr<RecordSet> ReportRecordSet::Run(const std::string& statement) const {
-  return Recovering([&] { return runner_->Run(statement); });
-}
-
 bool ReportRecordSet::RunWindowed(std::int32_t firstRow) {
   if (!windowed_) return false;
   try {
-    windowed_->BreakTies(Recovering([&] { return runner_->CountColumns(statement_); }));
+    windowed_->BreakTies(runner_->Columns(statement_));
     const std::int32_t windowRows = runner_->WindowRows();
     if (windowRows > 0) {
       ReadStart(firstRow, windowRows);
     } else {
-      records_ = Run(windowed_->Whole());
+      records_ = runner_->Result(windowed_->Whole());
     }
     return true;
   } catch (const Error& error) {
@@ -137,16 +117,16 @@ bool ReportRecordSet::RunWindowed(std::int32_t firstRow) {
 void ReportRecordSet::ReadStart(std::int32_t firstRow, std::int32_t windowRows) {
   if (firstRow < 0) {
     start_.backward = true;
-    records_ = Run(windowed_->Backward(0, windowRows + 1));
+    records_ = runner_->Result(windowed_->Backward(0, windowRows + 1));
     return;
   }
   if (firstRow > windowRows) {
     start_.first = firstRow - 1;
-    records_ = Run(windowed_->Forward(start_.first, windowRows + 1));
+    records_ = runner_->Result(windowed_->Forward(start_.first, windowRows + 1));
     if (!records_->IsEmpty()) return;
     start_.first = 0;
   }
-  records_ = Run(windowed_->Forward(0, windowRows + 1));
+  records_ = runner_->Result(windowed_->Forward(0, windowRows + 1));
 }
 
 const Rows& ReportRecordSet::GetRows() {
@@ -160,7 +140,7 @@ const Rows& ReportRecordSet::GetRows() {
   } catch (const Error& error) {
     if (IsTimeout(error)) throw;
     windowed_.reset();
-    records_ = Run(statement_);
+    records_ = runner_->Result(statement_);
     return records_->GetRows();
   }
 }
@@ -178,7 +158,7 @@ const Rows& ReportRecordSet::ReadTheRest(const Rows& start, std::int32_t windowR
 std::int32_t ReportRecordSet::CountRows() {
   const std::string totals = following_.IsEmpty() ? "" : following_.Front();
   const auto both = windowed_->CountWithTotals(totals);
-  auto counted = Run(both ? *both : windowed_->Count());
+  auto counted = runner_->Result(both ? *both : windowed_->Count());
   const std::int32_t count = CountIn(*counted);
   if (both) countedTotals_ = std::move(counted);
   return count;
@@ -186,8 +166,8 @@ std::int32_t ReportRecordSet::CountRows() {
 
 std::unique_ptr<RecordSet> ReportRecordSet::ReadWindow(const WindowedRows::Window& window,
                                                        std::int32_t rowCount) const {
-  return Run(window.backward ? windowed_->Backward(rowCount - window.first - window.count, window.count)
-                             : windowed_->Forward(window.first, window.count));
+  return runner_->Result(window.backward ? windowed_->Backward(rowCount - window.first - window.count, window.count)
+                                         : windowed_->Forward(window.first, window.count));
 }
 
 std::unique_ptr<RecordSet> ReportRecordSet::NextRecordset() {

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <type_traits>
 
 #include "adapters/sql/statement_queue.h"
 #include "adapters/sql/windowed_rows.h"
@@ -22,14 +23,33 @@ class ReportRunner {
   // How many rows to fetch at a time; 0 where only all of them can be read.
   virtual std::int32_t WindowRows() const = 0;
 
-  // From now on every statement sees the database as it is now; what a failed one left behind is gone.
-  virtual void BeginSnapshot() = 0;
-
   // How many columns a statement has, without running it.
-  virtual std::int32_t CountColumns(const std::string& statement) = 0;
+  std::int32_t Columns(const std::string& statement) {
+    return InSnapshot([&] { return CountColumns(statement); });
+  }
 
   // The result of one statement; it stands on its own.
+  std::unique_ptr<RecordSet> Result(const std::string& statement) {
+    return InSnapshot([&] { return Run(statement); });
+  }
+
+ private:
+  // From now on every statement sees the database as it is now; what a failed one left behind is gone.
+  virtual void BeginSnapshot() = 0;
+  virtual std::int32_t CountColumns(const std::string& statement) = 0;
   virtual std::unique_ptr<RecordSet> Run(const std::string& statement) = 0;
+
+  // A failed statement takes nothing with it: what runs next, if anything does, has a snapshot of its own.
+  template <typename Step>
+  std::invoke_result_t<Step> InSnapshot(Step&& step) {
+    if (!inSnapshot_) BeginSnapshot();
+    inSnapshot_ = false;
+    auto result = step();
+    inSnapshot_ = true;
+    return result;
+  }
+
+  bool inSnapshot_ = false;
 };
 
 // The result of the first statement of a report, of which pages are read: it has one order that leaves no tie, counts
@@ -49,9 +69,6 @@ class ReportRecordSet final : public RecordSet {
 
  private:
   RecordSet& Records() const;
-  template <typename Step>
-  auto Recovering(Step&& step) const;
-  std::unique_ptr<RecordSet> Run(const std::string& statement) const;
   bool RunWindowed(std::int32_t firstRow);
   void ReadStart(std::int32_t firstRow, std::int32_t windowRows);
   const Rows& ReadTheRest(const Rows& start, std::int32_t windowRows);

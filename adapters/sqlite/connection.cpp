@@ -29,6 +29,8 @@ class Runner final : public sql::ReportRunner {
 
   sql::NullOrder Nulls() const override { return sql::NullOrder::First; }
   std::int32_t WindowRows() const override { return session_->WindowRows(); }
+
+ private:
   void BeginSnapshot() override { session_->BeginSnapshot(); }
   std::int32_t CountColumns(const std::string& statement) override {
     return sqlite3_column_count(session_->Prepare(statement).get());
@@ -37,7 +39,6 @@ class Runner final : public sql::ReportRunner {
     return std::make_unique<SqliteRecordSet>(session_, sql::StatementQueue({statement}));
   }
 
- private:
   const std::shared_ptr<Session> session_;
 };
 
@@ -101,7 +102,6 @@ std::unique_ptr<RecordSet> SqliteConnection::Execute(const Batch& batch) {
   if (!session_) throw sql::ConnectionError("08003", "The connection is closed.");
   const sql::StatementQueue statements(sql::CheckedStatements(batch));
   if (!batch.readInPages) return std::make_unique<SqliteRecordSet>(session_, statements);
-  session_->BeginSnapshot();
   return std::make_unique<sql::ReportRecordSet>(std::make_shared<Runner>(session_), statements, batch.firstRow);
 }
 

@@ -8,6 +8,7 @@
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/database.h"
 #include "kalvo/platform/owned.h"
+#include "kalvo/platform/text_tools.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
 
@@ -21,23 +22,6 @@ std::int16_t Status() {
   return low == 0 ? std::int16_t{1} : low;
 }
 
-void ReplaceAll(std::string& text, std::string_view token, std::string_view replacement) {
-  for (std::size_t at = text.find(token); at != std::string::npos; at = text.find(token, at + replacement.size())) {
-    text.replace(at, token.size(), replacement);
-  }
-}
-
-std::string QuoteSQLString(std::string_view value) {
-  return Built([&](std::string& out) {
-    out += '\'';
-    for (const char c : value) {
-      if (c == '\'') out += '\'';
-      out += c;
-    }
-    out += '\'';
-  });
-}
-
 void TraceTime(Steps& steps, const Elapsed& elapsed, std::string_view step) {
   steps.Trace("Time", [&](std::string& out) { Append(out, elapsed.Report(step), kCrLf); });
 }
@@ -45,11 +29,6 @@ void TraceTime(Steps& steps, const Elapsed& elapsed, std::string_view step) {
 // The rows of a record set, which stays as long as they are needed.
 std::shared_ptr<const Rows> RowsOf(const std::shared_ptr<RecordSet>& recordSet) {
   return {recordSet, &recordSet->GetRows()};
-}
-
-void AppendHexadecimal(std::string& out, std::span<const std::uint8_t> bytes) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
-  for (const std::uint8_t byte : bytes) Append(out, kDigits[byte >> 4], kDigits[byte & 15]);
 }
 
 void TraceField(Steps& steps, std::int32_t number, std::string_view name, std::string_view value) {
@@ -78,10 +57,10 @@ std::string KalvodbDataSrc::BuildSQL() const {
 
   std::string sql = table_->GetSQL();
   ReplaceAll(sql, "%SORT%", sort);
-  ReplaceAll(sql, "%NAME%", QuoteSQLString(resourceName_));
-  ReplaceAll(sql, "%ORG%", QuoteSQLString(context_->GetOrg()));
-  ReplaceAll(sql, "%SITE%", QuoteSQLString(context_->GetSite()));
-  ReplaceAll(sql, "%MAILBOX%", QuoteSQLString(context_->GetMailbox()));
+  ReplaceAll(sql, "%NAME%", SqlQuoted(resourceName_));
+  ReplaceAll(sql, "%ORG%", SqlQuoted(context_->GetOrg()));
+  ReplaceAll(sql, "%SITE%", SqlQuoted(context_->GetSite()));
+  ReplaceAll(sql, "%MAILBOX%", SqlQuoted(context_->GetMailbox()));
   return sql;
 }
 
@@ -226,7 +205,7 @@ std::optional<std::string_view> KalvodbDataSrc::GetIdentifier(std::string_view s
     steps.Fails(step, [&] {
       const auto bytes = rows_->Binary(*number, rowIndex_ - 1);
       isNull = !bytes;
-      if (bytes) AppendHexadecimal(text, *bytes);
+      if (bytes) AppendHexadecimal(text, *bytes, HexLetters::Capital);
     });
   }
   TraceField(steps, number.value_or(0), szFieldName, text);
