@@ -64,16 +64,32 @@ void Session::ReadOnce() {
   Step(statement.get());
 }
 
-// A snapshot is a transaction, and the guard allows none; nothing of a page's runs while it is lifted.
-void Session::BeginSnapshot() {
+// A transaction is nothing that the guard allows; nothing of a page's runs while it is lifted.
+bool Session::RunUnguarded(const char* sql) {
   sqlite3* connection = connection_.get();
   sqlite3_set_authorizer(connection, nullptr, nullptr);
-  const bool open = sqlite3_get_autocommit(connection) == 0;
-  const bool begun = (!open || sqlite3_exec(connection, "rollback", nullptr, nullptr, nullptr) == SQLITE_OK) &&
-                     sqlite3_exec(connection, "begin", nullptr, nullptr, nullptr) == SQLITE_OK;
+  const bool done = sqlite3_exec(connection, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
   AllowReadingOnly(connection);
-  if (!begun) throw LastError(connection);
+  return done;
 }
+
+bool Session::EndSnapshot() { return sqlite3_get_autocommit(connection_.get()) != 0 || RunUnguarded("rollback"); }
+
+void Session::BeginSnapshot() {
+  if (!EndSnapshot() || !RunUnguarded("begin")) throw LastError(connection_.get());
+}
+
+bool Session::CanRead() {
+  try {
+    ReadOnce();
+    return true;
+  } catch (const Error&) {
+    return false;
+  }
+}
+
+// A statement that is not at its end, or a transaction, would hold back whoever writes the file.
+bool Session::Rest() { return !sqlite3_next_stmt(connection_.get(), nullptr) && EndSnapshot(); }
 
 Statement Session::Prepare(std::string_view sql) {
   sqlite3_stmt* prepared = nullptr;

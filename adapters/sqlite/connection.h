@@ -35,6 +35,12 @@ class Session {
   // From now on every statement sees the file as it is at the next one.
   void BeginSnapshot();
 
+  // Whether the file can still be read: asked of a session that was kept.
+  bool CanRead();
+
+  // Ends what the last user left behind. False when the session cannot be used again.
+  bool Rest();
+
   // From now on the time limit runs anew.
   void StartTimeLimit() { deadline_ = Clock::now() + options_.timeLimit; }
 
@@ -46,6 +52,8 @@ class Session {
 
   static int Progress(void* session);
   void ReadOnce();
+  bool RunUnguarded(const char* sql);
+  bool EndSnapshot();
 
   const Options options_;
   const Locale& locale_;

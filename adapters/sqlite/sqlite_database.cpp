@@ -3,16 +3,17 @@
 #include <sqlite3.h>
 
 #include "adapters/sqlite/connection.h"
+#include "adapters/sqlite/session_keeper.h"
 
 namespace kalvo::sqlite {
 
 SqliteDatabase::SqliteDatabase(std::string file, const Options& options, const Locale& locale)
-    : file_(std::move(file)), options_(options), locale_(locale) {
+    : sessions_(std::make_shared<SessionKeeper>(std::move(file), options, locale)) {
   PrepareLibrary(options.heapLimit);
 }
 
 std::unique_ptr<Connection> SqliteDatabase::Connect(std::string_view) {
-  return std::make_unique<SqliteConnection>(std::make_shared<Session>(file_, options_, locale_));
+  return std::make_unique<SqliteConnection>(sessions_->Take());
 }
 
 std::string SqliteDatabase::DescribeDriver() { return std::string("SQLite ") + sqlite3_libversion(); }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "adapters/sql/windowed_rows.h"
@@ -12,6 +13,8 @@
 #include "kalvo/platform/locale.h"
 
 namespace kalvo::sqlite {
+
+class SessionKeeper;
 
 struct Options {
   std::chrono::milliseconds timeLimit{15000};   // for running one statement, and for fetching its rows
@@ -23,7 +26,8 @@ struct Options {
 
 // The reporting database in one SQLite file. Every data source name opens this file, read-only, on a connection
 // that reads and calls plain functions and nothing else. A file that is missing or is none of SQLite's fails with
-// 0x80004005; none is ever created. A connection is used by one thread at a time.
+// 0x80004005; none is ever created. A connection is used by one thread at a time. The last one that was let go stays
+// open for whoever connects next, as long as the path names the same file.
 class SqliteDatabase final : public Database {
  public:
   // `file` is a path. `locale` outlives the database.
@@ -35,9 +39,7 @@ class SqliteDatabase final : public Database {
   static std::string DescribeDriver();
 
  private:
-  std::string file_;
-  Options options_;
-  const Locale& locale_;
+  std::shared_ptr<SessionKeeper> sessions_;
 };
 
 }  // namespace kalvo::sqlite
