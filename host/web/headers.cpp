@@ -26,7 +26,8 @@ constexpr Header kHeaders[] = {
 constexpr std::string_view kPolicy = "Content-Security-Policy";
 constexpr std::string_view kKeeping = "Cache-Control";
 constexpr std::string_view kKeptByNobody = "no-store";
-constexpr std::string_view kKeptButAskedFor = "no-cache";
+// A file changes with the program alone, and a page has many: a browser asks for each once in a while.
+constexpr std::string_view kKeptForAWhile = "max-age=300";
 
 // The handler of the delete-message form, `return ConfirmDeleteMessage()`.
 constexpr std::string_view kDeleteHandler = "sha256-BpXhXx2vRLHwaBAlwgc7ySqE/qjSuaDmk4N/0EX3KB4=";
@@ -46,7 +47,7 @@ void AppendHeaders(std::string& out, Answers answers, bool encrypted, std::strin
   if (encrypted) AppendLine(out, indent, "Strict-Transport-Security", "max-age=31536000");
   if (answers == Answers::Pages) return;
   AppendLine(out, indent, kPolicy, ContentPolicy({}));
-  AppendLine(out, indent, kKeeping, answers == Answers::Files ? kKeptButAskedFor : kKeptByNobody);
+  AppendLine(out, indent, kKeeping, answers == Answers::Files ? kKeptForAWhile : kKeptByNobody);
 }
 
 std::string ContentPolicy(const host::PageDirective& directive) {

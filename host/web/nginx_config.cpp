@@ -76,6 +76,15 @@ types {
 charset utf-8;
 )";
 
+// Files are the same for everybody and hold no secret. A page is not packed: it has a token beside what a visitor
+// may have put there, and its length would tell of the one by the other.
+constexpr std::string_view kFilePacking = R"(
+  gzip on;
+  gzip_vary on;
+  gzip_min_length 1000;
+  gzip_types text/css text/plain application/javascript image/svg+xml;
+)";
+
 // What the site is made of.
 struct Parts {
   const Settings& settings;
@@ -185,7 +194,7 @@ void AppendAddresses(std::string& out, const Parts& parts) {
   AppendPage(out, "~ ^/KalvoforExchange(/.*\\.[Aa][Ss][Pp])$", "$1", "$uri", parts);
   AppendPage(out, "~ ^/KalvoforExchange(/(?:.*/)?)$", "$1Default.asp", "${uri}Default.asp", parts);
   Append(out, "location ~ ^/KalvoforExchange(/.*\\.(?i:", kFileKinds, "))$ {\n  root ", site,
-         ";\n  disable_symlinks on from=$document_root;\n  try_files $1 =404;\n");
+         ";\n  disable_symlinks on from=$document_root;\n  try_files $1 =404;\n", kFilePacking.substr(1));
   AppendHeaders(out, Answers::Files, parts.settings.Encrypts(), "  ");
   out += "}\n";
   Append(out, "location ~ ^/KalvoforExchange(/[A-Za-z0-9_/-]+)$ {\n  root ", site,

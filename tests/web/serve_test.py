@@ -78,6 +78,8 @@ class Addresses(unittest.TestCase):
         "own.asp": f'<%@ Handlers="sha256-{"A" * 43}=" %>own',
         "Resources/a b.asp": 'blank <%= Request.ServerVariables("URL") %>',
         "style.css": "body {}",
+        "long.css": "p { margin: 0 }\n" * 200,
+        "long.asp": "<% for (var i = 0; i < 500; ++i) Response.Write('all the same '); %>",
         "script.js": "1",
         "pixel.GIF": b"GIF89a",
         "header.inc": "<% secret %>",
@@ -142,7 +144,7 @@ class Addresses(unittest.TestCase):
 
     def test_every_answer_says_what_browsers_may_do_with_it(self):
         for why, path, kept in [("a page", "/KalvoforExchange/", "no-store"),
-                                ("a style sheet", "/KalvoforExchange/style.css", "no-cache"),
+                                ("a style sheet", "/KalvoforExchange/style.css", "max-age=300"),
                                 ("no page", "/KalvoforExchange/none.asp", "no-store"),
                                 ("nothing", "/elsewhere", "no-store"),
                                 ("a redirection", "/", "no-store"),
@@ -165,6 +167,20 @@ class Addresses(unittest.TestCase):
                             "Cross-Origin-Opener-Policy": "same-origin", "X-Frame-Options": "SAMEORIGIN",
                             "Cross-Origin-Resource-Policy": "same-origin"}.items():
             self.assertEqual(answer.headers.get_all(name), [value], (answer.status, name))
+
+    def test_a_file_is_asked_for_again_by_its_tag(self):
+        tag = self.server.get("style.css").headers["ETag"]
+        again = self.server.get("style.css", headers={"If-None-Match": tag})
+        self.assertEqual((again.status, again.text), (304, ""))
+        self.assert_headers(again, "max-age=300")
+
+    def test_long_files_are_packed_and_pages_are_not(self):
+        for why, path, coding in [("a long file", "long.css", "gzip"), ("a short file", "style.css", None),
+                                  ("a long page", "long.asp", None)]:
+            with self.subTest(why):
+                answer = self.server.get(path, headers={"Accept-Encoding": "gzip"})
+                self.assertEqual((answer.status, answer.headers["Content-Encoding"]), (200, coding))
+        self.assertIsNone(self.server.get("long.css").headers["Content-Encoding"])
 
     def test_a_page_declares_its_own_handlers(self):
         self.assert_headers(self.server.get("own.asp"), "no-store", f" 'sha256-{'A' * 43}='")
