@@ -1,19 +1,23 @@
 #include "host/script/binding/wrappers.h"
 
 #include <typeinfo>
+#include <utility>
 
 #include "kalvo/platform/error.h"
 
 namespace kalvo::host {
-namespace {
 
 // What a wrapper holds: the object, and the wrapper itself, because an object that inherits from a wrapper sees the
 // wrapper's holder too.
-struct Holder {
+struct WrapperHolder {
   std::shared_ptr<Object> object;
   void* wrapper;
   std::ptrdiff_t bytes;  // counted to the page's memory while the wrapper lives
 };
+
+namespace {
+
+using Holder = WrapperHolder;
 
 constexpr const char* kHolder = DUK_HIDDEN_SYMBOL("holder");
 
@@ -161,10 +165,23 @@ std::shared_ptr<Object> Wrappers::At(duk_context* context, duk_idx_t index) cons
   return holder != nullptr ? holder->object : nullptr;
 }
 
+void Wrappers::PrepareClasses(duk_context* context, std::span<const ClassBinding> classes) {
+  for (std::size_t i = 0; i < classes.size(); ++i) {
+    PushPrototype(context, classes[i], i);
+    duk_pop(context);
+  }
+}
+
+// An object may hold another, and ask for its place in the list when it goes.
+void Wrappers::ReleaseAll() {
+  const auto released = std::exchange(wrappers_, {});
+  for (const auto& [object, holder] : released) delete holder;
+}
+
 void Wrappers::Push(Engine& engine, const std::shared_ptr<Object>& object) {
   const auto known = wrappers_.find(object.get());
   if (known != wrappers_.end()) {
-    duk_push_heapptr(engine.Context(), known->second);
+    duk_push_heapptr(engine.Context(), known->second->wrapper);
   } else {
     PushNew(engine, object);
   }
@@ -196,9 +213,9 @@ void Wrappers::PushNew(Engine& engine, const std::shared_ptr<Object>& object) {
   PushPrototype(context, binding, index);
   duk_set_prototype(context, -2);
   engine.Charge(bytes);
-  void*& known = wrappers_[object.get()];
-  known = duk_get_heapptr(context, -1);
-  duk_push_pointer(context, new Holder{object, known, bytes});
+  Holder*& holder = wrappers_[object.get()];
+  holder = new Holder{object, duk_get_heapptr(context, -1), bytes};
+  duk_push_pointer(context, holder);
   duk_put_prop_string(context, -2, kHolder);
   if (binding.decorate != nullptr) binding.decorate(engine, *object);
 }

@@ -10,6 +10,8 @@
 
 namespace kalvo::host {
 
+struct WrapperHolder;
+
 // The script objects that stand for objects of the program in one script state: each has one, made when script first
 // sees it, with the members of its class. It outlives the state, and is the bridge of that state alone.
 class Wrappers : public ObjectBridge {
@@ -18,6 +20,10 @@ class Wrappers : public ObjectBridge {
 
   void Push(Engine& engine, const std::shared_ptr<Object>& object) override;
   std::shared_ptr<Object> At(duk_context* context, duk_idx_t index) const override;
+  void ReleaseAll() override;
+
+  // Makes what the objects of a class share, of all classes, in a state that others begin as.
+  static void PrepareClasses(duk_context* context, std::span<const ClassBinding> classes);
 
   std::span<const ClassBinding> Classes() const { return classes_; }
 
@@ -32,7 +38,7 @@ class Wrappers : public ObjectBridge {
   void PushNew(Engine& engine, const std::shared_ptr<Object>& object);
 
   std::span<const ClassBinding> classes_;
-  std::unordered_map<const void*, void*> wrappers_;  // the script objects by the address of the program's
+  std::unordered_map<const void*, WrapperHolder*> wrappers_;  // by the address of the program's objects
 };
 
 }  // namespace kalvo::host

@@ -1,12 +1,11 @@
 #include "host/script/engine/engine.h"
 
-#include <malloc.h>
-
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
+#include <random>
 
 #include "host/script/engine/engine_text.h"
+#include "host/script/engine/script_heap.h"
 
 namespace kalvo::host {
 
@@ -23,6 +22,7 @@ struct Engine::Memory {
   std::size_t limit = 0;
   std::size_t used = 0;
   std::size_t sinceRefusal = SIZE_MAX;  // what was given since a request was last refused
+  ScriptHeap heap;
 
   bool Fits(std::size_t bytes) const { return bytes <= limit && used <= limit - bytes; }
 
@@ -50,8 +50,8 @@ struct Engine::Memory {
     Engine& engine = *static_cast<Engine*>(udata);
     Memory& memory = *engine.memory_;
     if (size == 0 || !Grants(engine, size)) return nullptr;
-    void* block = std::malloc(size);
-    if (block != nullptr) memory.used += malloc_usable_size(block);
+    void* block = memory.heap.Allocate(size);
+    if (block != nullptr) memory.used += memory.heap.SizeOf(block);
     return block;
   }
 
@@ -63,21 +63,24 @@ struct Engine::Memory {
     }
     Engine& engine = *static_cast<Engine*>(udata);
     Memory& memory = *engine.memory_;
-    const std::size_t before = malloc_usable_size(old);
+    const std::size_t before = memory.heap.SizeOf(old);
     if (size > before && !Grants(engine, size - before)) return nullptr;
-    void* block = std::realloc(old, size);
-    if (block != nullptr) memory.used = memory.used - before + malloc_usable_size(block);
+    void* block = memory.heap.Reallocate(old, size);
+    if (block != nullptr) memory.used = memory.used - before + memory.heap.SizeOf(block);
     return block;
   }
 
   static void Free(void* udata, void* block) {
     if (block == nullptr) return;
-    static_cast<Engine*>(udata)->memory_->used -= malloc_usable_size(block);
-    std::free(block);
+    Memory& memory = *static_cast<Engine*>(udata)->memory_;
+    memory.used -= memory.heap.SizeOf(block);
+    memory.heap.Free(block);
   }
 };
 
 namespace {
+
+constexpr PageLimits kMaking{30, 256};
 
 // Longer limits are none: the clock's own range ends somewhere.
 constexpr double kLongestSeconds = 1e8;
@@ -91,7 +94,8 @@ std::chrono::steady_clock::duration Duration(double seconds) {
 
 }  // namespace
 
-Engine::Engine(const PageLimits& limits, ObjectBridge* bridge, const Locale& locale, std::function<bool()> isWanted)
+Engine::Engine(const PageLimits& limits, ObjectBridge* bridge, const Locale& locale, std::function<bool()> isWanted,
+               EngineImage* image)
     : memory_(std::make_unique<Memory>()),
       deadline_(std::chrono::steady_clock::now() + Duration(limits.seconds)),
       isWanted_(std::move(isWanted)),
@@ -99,18 +103,48 @@ Engine::Engine(const PageLimits& limits, ObjectBridge* bridge, const Locale& loc
       locale_(locale) {
   constexpr std::size_t kMebibyte = 1 << 20;
   memory_->limit = limits.mebibytes > SIZE_MAX / kMebibyte ? SIZE_MAX : limits.mebibytes * kMebibyte;
+  if (image == nullptr || !BeginIn(*image)) Begin(image);
+}
+
+Engine::Engine(EngineImage& image) : Engine(kMaking, nullptr, kEnglishUnitedStates, {}, &image) {}
+
+void Engine::Begin(const EngineImage* image) {
   context_ = duk_create_heap(Memory::Allocate, Memory::Reallocate, Memory::Free, this, Fatal);
   if (context_ == nullptr) throw std::bad_alloc();
-  if (Attempt([&] { Install(); })) MarkEnded(EndCause::MemoryLimit);
+  const auto failure = Attempt([&] {
+    Install();
+    if (image != nullptr) image->prepare_(*this);
+  });
+  if (failure) MarkEnded(EndCause::MemoryLimit);
 }
+
+bool Engine::BeginIn(EngineImage& image) {
+  if (image.IsBeingMade()) {
+    memory_->heap.SetImage(&image);
+    return false;
+  }
+  if (!memory_->Fits(image.used_)) return false;
+  context_ = image.Lend();
+  if (context_ == nullptr) return false;
+  memory_->heap.SetImage(&image);
+  memory_->used = image.used_;
+  std::random_device dice;
+  kalvo_engine_adopt(context_, this, std::uint64_t{dice()} << 32 | dice());
+  return true;
+}
+
+std::size_t Engine::MemoryUsed() const { return memory_->used; }
 
 Engine::~Engine() { Close(); }
 
 void Engine::Close() {
   *home_ = nullptr;
   if (context_ == nullptr) return;
-  duk_destroy_heap(context_);
+  if (bridge_ != nullptr) bridge_->ReleaseAll();
+  // Nothing but memory is left of the state: the engine need not take it apart block by block.
   context_ = nullptr;
+  memory_->heap.FreeAll();
+  if (EngineImage* image = memory_->heap.Image()) image->TakeBack();
 }
 
 Engine& Engine::Of(duk_context* context) {

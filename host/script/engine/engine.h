@@ -23,6 +23,8 @@
 
 namespace kalvo::host {
 
+class EngineImage;
+
 // Thrown through the library when the page must stop. Not an `Error`: no trap catches it.
 struct PageEnd {};
 
@@ -34,9 +36,9 @@ enum class EndCause { None, Response, TimeLimit, MemoryLimit, Sink };
 class Engine {
  public:
   // The bridge outlives the engine; none for a state that only compiles. `isWanted` is asked as often as the clock;
-  // empty: the page is wanted to its end.
+  // empty: the page is wanted to its end. `image`, which outlives the engine, is how the state begins; none: empty.
   Engine(const PageLimits& limits, ObjectBridge* bridge, const Locale& locale = kEnglishUnitedStates,
-         std::function<bool()> isWanted = {});
+         std::function<bool()> isWanted = {}, EngineImage* image = nullptr);
   ~Engine();
   Engine(const Engine&) = delete;
   Engine& operator=(const Engine&) = delete;
@@ -134,11 +136,16 @@ class Engine {
 
  private:
   struct Memory;
+  friend class EngineImage;
   friend int ::kalvo_engine_must_stop(void*);
   friend void ::kalvo_engine_out_of_memory(void*);
 
   static void PushEnd(duk_context* context);
   static duk_ret_t NoteThrow(duk_context* context);
+  explicit Engine(EngineImage& image);  // which it makes
+  void Begin(const EngineImage* image);
+  bool BeginIn(EngineImage& image);
+  std::size_t MemoryUsed() const;
   void EndIfOverdue();
   void Install();
 

@@ -37,5 +37,9 @@ void kalvo_engine_out_of_memory(void* heap);
 
 #include <duktape.h>
 
+extern "C" {
 // Makes the running code ask at its next step.
-extern "C" void kalvo_engine_ask_now(duk_context* context);
+void kalvo_engine_ask_now(duk_context* context);
+// A copy of a state gets an owner, and random numbers of its own.
+void kalvo_engine_adopt(duk_context* context, void* udata, duk_uint64_t seed);
+}

@@ -20,6 +20,9 @@ class ObjectBridge {
 
   // The program's object behind the script object at a place of the stack; null for one of script's own.
   virtual std::shared_ptr<Object> At(duk_context* context, duk_idx_t index) const = 0;
+
+  // Lets go of the program's objects: the state ends without asking what stands for them.
+  virtual void ReleaseAll() = 0;
 };
 
 }  // namespace kalvo::host

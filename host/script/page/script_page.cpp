@@ -86,10 +86,21 @@ FailureKind KindOf(EndCause cause) {
 
 }  // namespace
 
+void PrepareState(Engine& engine) {
+  duk_context* context = engine.Context();
+  duk_push_global_object(context);
+  for (const Constant& constant : kConstants) {
+    duk_push_int(context, constant.value);
+    DefineFixed(context, constant.name);
+  }
+  duk_pop(context);
+  Wrappers::PrepareClasses(context, Classes());
+}
+
 ScriptPage::ScriptPage(const SiteParts& site, const CompiledPage& compiled, const PageRequest& request,
                        PageSession& session, PageSink& sink, const PageOptions& options)
     : compiled_(compiled),
-      engine_(options.limits, &wrappers_, site.platform.locale, options.isWanted),
+      engine_(options.limits, &wrappers_, site.platform.locale, options.isWanted, site.image),
       request_(std::make_shared<RequestObject>(request)),
       response_(std::make_shared<ResponseObject>(engine_, sink)),
       session_(std::make_shared<SessionObject>(engine_, session, options.statics)),
@@ -122,10 +133,6 @@ void ScriptPage::InstallGlobals() {
     duk_push_pointer(context, this);
     duk_put_prop_string(context, -2, kPage);
     DefineFixed(context, name);
-  }
-  for (const Constant& constant : kConstants) {
-    duk_push_int(context, constant.value);
-    DefineFixed(context, constant.name);
   }
   duk_pop(context);
 }

@@ -27,7 +27,11 @@ struct CompiledPage {
 struct SiteParts {
   std::filesystem::path root;
   const Platform& platform;
+  EngineImage* image;  // how the script state of each page begins
 };
+
+// Puts into a script state what every page finds there: the constants and the members of the classes.
+void PrepareState(Engine& engine);
 
 // One run of a page: its engine, its intrinsic objects and the objects that it must tell of its end.
 class ScriptPage {

@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "host/script/engine/script_heap.h"
 #include "host/script/page/page_parser.h"
 #include "host/script/page/page_paths.h"
 #include "host/script/page/script_page.h"
@@ -81,7 +82,8 @@ int TakeLine(std::string& message) {
 // The site's compiled pages.
 class Site::Pages {
  public:
-  Pages(const fs::path& root, const Platform& platform) : parts_{RealRoot(root), platform}, files_(parts_.root) {}
+  Pages(const fs::path& root, const Platform& platform)
+      : parts_{RealRoot(root), platform, &image_}, files_(parts_.root) {}
 
   const SiteParts& Parts() const { return parts_; }
 
@@ -136,6 +138,7 @@ class Site::Pages {
     return page;
   }
 
+  EngineImage image_{PrepareState};
   SiteParts parts_;
   SiteFiles files_;
   std::map<std::string, Kept> kept_;
