@@ -29,6 +29,7 @@ TEST(Addresses, OfThisConsoleAreThoseBelowItsRoot) {
       {"a way up", "/KalvoforExchange/../Other/", false},
       {"a way up, encoded", "/KalvoforExchange/%2e%2E/Other/", false},
       {"a way up, encoded with its slash", "/KalvoforExchange/a%2f..%2fOther/", false},
+      {"a way up behind a sign that ends no path", "/KalvoforExchange/a~/../Other/", false},
       {"a hidden file", "/KalvoforExchange/.git/config", false},
       {"an empty part", "/KalvoforExchange//example.org/", false},
       {"a backslash", "/KalvoforExchange/\\example.org", false},

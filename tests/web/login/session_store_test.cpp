@@ -124,6 +124,15 @@ TEST_F(Sessions, AreRefusedOnAFullDiskAndNotHandedOutEmpty) {
   EXPECT_EQ(Files(), 0u);
 }
 
+TEST_F(Sessions, ThatCannotBeKeptAreLogged) {
+  SessionStore store = Store();
+  const std::string id = store.Create(kAlice);
+  std::filesystem::create_directory(All()[0].string() + ".new");
+  store.Open(id, {})->Set("x", std::int32_t{1});
+  EXPECT_NE(ReadFile(folder_.Path() / "log").find("a session was not kept: File exists"), std::string::npos)
+      << ReadFile(folder_.Path() / "log");
+}
+
 TEST_F(Sessions, StayAsTheyWereOnAFullDisk) {
   SessionStore store = Store();
   const std::string id = store.Create(kAlice);

@@ -107,7 +107,7 @@ TEST_F(Users, ArePutReplacedAndRemoved) {
 }
 
 TEST_F(Users, KeepCommentsOfTheFile) {
-  Hold("# people\nKALVO\\bob - " + kHash + "\n");
+  Hold("# people\r\nKALVO\\bob - " + kHash + "\n");
   users_.Put({"KALVO\\alice", false, false, kHash});
   EXPECT_TRUE(ReadFile(file_).starts_with("# people\nKALVO\\bob - "));
 }
