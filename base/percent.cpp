@@ -5,9 +5,9 @@
 namespace kalvo::base {
 
 void AppendPercent(std::string& out, char byte) {
-  const auto code = static_cast<std::uint8_t>(byte);
-  out += '%';
-  AppendHexadecimal(out, {&code, 1}, HexLetters::Capital);
+  const auto code = static_cast<unsigned char>(byte);
+  const char written[] = {'%', HexDigit(code >> 4u, HexLetters::Capital), HexDigit(code & 15u, HexLetters::Capital)};
+  out.append(written, sizeof written);
 }
 
 std::optional<char> PercentAt(std::string_view text, std::size_t at) {

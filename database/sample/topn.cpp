@@ -7,6 +7,7 @@
 #include "database/sample/sample_steps.h"
 #include "kalvo/codes.h"
 #include "kalvo/platform/append.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::sample {
 namespace {
@@ -77,10 +78,10 @@ struct OwnerFigures {
 
 template <typename Id>
 std::string Identifier(char kind, Id number) {
-  static constexpr char kDigits[] = "0123456789ABCDEF";
   std::string text(13, '0');
   text[0] = kind;
-  for (std::size_t at = text.size(); number != 0 && at > 1; number /= 16) text[--at] = kDigits[number % 16];
+  for (std::size_t at = text.size(); number != 0 && at > 1; number /= 16)
+    text[--at] = HexDigit(static_cast<unsigned>(number % 16), HexLetters::Capital);
   return text;
 }
 

@@ -1,6 +1,7 @@
 #include "kalvo/topn_data_src.h"
 
 #include "context/steps.h"
+#include "kalvo/codes.h"
 #include "kalvo/context.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
@@ -24,24 +25,24 @@ struct KindRow {
 // What each table asks the loader for. The codes are the loader's own.
 // clang-format off
 constexpr KindRow kKinds[] = {
-  {TABLE_TOPN_MBCNT,                   1},
-  {TABLE_TOPN_MBSPACE,                 2},
-  {TABLE_TOPN_MailboxAverageSize,     21},
-  {TABLE_TOPN_MBOLDCNT,                8},
-  {TABLE_TOPN_MBOLDSPACE,              9},
-  {TABLE_TOPN_PFMSGCNT,                4},
-  {TABLE_TOPN_PFSPACE,                 5},
-  {TABLE_TOPN_PublicFolderAverageSize, 22},
-  {TABLE_TOPN_PFOLDCNT,               11},
-  {TABLE_TOPN_PFOLDSPACE,             12},
-  {TABLE_TOPN_MBSTALE,                13},
-  {TABLE_TOPN_PFSTALE,                14},
-  {TABLE_TOPN_OLDMBMSG,                6},
-  {TABLE_TOPN_OLDPFMSG,                7},
-  {TABLE_TOPN_LARGEMBMSG,             17},
-  {TABLE_TOPN_LARGEPFMSG,             19},
-  {TABLE_TOPN_LARGEOLDMBMSG,          18},
-  {TABLE_TOPN_LARGEOLDPFMSG,          20},
+  {TABLE_TOPN_MBCNT,                   kinds::kMailboxMessages},
+  {TABLE_TOPN_MBSPACE,                 kinds::kMailboxSpace},
+  {TABLE_TOPN_MailboxAverageSize,      kinds::kMailboxAverageSize},
+  {TABLE_TOPN_MBOLDCNT,                kinds::kMailboxOldMessages},
+  {TABLE_TOPN_MBOLDSPACE,              kinds::kMailboxOldSpace},
+  {TABLE_TOPN_PFMSGCNT,                kinds::kFolderMessages},
+  {TABLE_TOPN_PFSPACE,                 kinds::kFolderSpace},
+  {TABLE_TOPN_PublicFolderAverageSize, kinds::kFolderAverageSize},
+  {TABLE_TOPN_PFOLDCNT,                kinds::kFolderOldMessages},
+  {TABLE_TOPN_PFOLDSPACE,              kinds::kFolderOldSpace},
+  {TABLE_TOPN_MBSTALE,                 kinds::kStaleMailboxes},
+  {TABLE_TOPN_PFSTALE,                 kinds::kStaleFolders},
+  {TABLE_TOPN_OLDMBMSG,                kinds::kOldestMailboxMessages},
+  {TABLE_TOPN_OLDPFMSG,                kinds::kOldestFolderMessages},
+  {TABLE_TOPN_LARGEMBMSG,              kinds::kLargestMailboxMessages},
+  {TABLE_TOPN_LARGEPFMSG,              kinds::kLargestFolderMessages},
+  {TABLE_TOPN_LARGEOLDMBMSG,           kinds::kLargestOldMailboxMessages},
+  {TABLE_TOPN_LARGEOLDPFMSG,           kinds::kLargestOldFolderMessages},
 };
 
 using LoadCall = void (TopNLoader::*)(std::int16_t, std::string_view, RankedResults&);

@@ -4,12 +4,6 @@
 
 namespace kalvo {
 
-namespace {
-
-constexpr std::string_view kSmall = "0123456789abcdef", kCapital = "0123456789ABCDEF";
-
-}  // namespace
-
 std::string_view Trimmed(std::string_view text, std::string_view blanks) {
   const std::size_t first = text.find_first_not_of(blanks);
   if (first == std::string_view::npos) return {};
@@ -36,8 +30,7 @@ std::string SqlQuoted(std::string_view text) {
 }
 
 void AppendHexadecimal(std::string& out, std::span<const std::uint8_t> bytes, HexLetters letters) {
-  const std::string_view digits = letters == HexLetters::Small ? kSmall : kCapital;
-  for (const std::uint8_t byte : bytes) Append(out, digits[byte >> 4], digits[byte & 15]);
+  for (const std::uint8_t byte : bytes) Append(out, HexDigit(byte >> 4u, letters), HexDigit(byte & 15u, letters));
 }
 
 std::string Hexadecimal(std::span<const std::uint8_t> bytes) {
@@ -51,6 +44,8 @@ int HexValue(char digit) {
   return -1;
 }
 
-bool IsHexadecimal(std::string_view text) { return text.find_first_not_of(kSmall) == std::string_view::npos; }
+bool IsHexadecimal(std::string_view text) {
+  return text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
 
 }  // namespace kalvo

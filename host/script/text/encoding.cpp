@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "base/percent.h"
+
 namespace kalvo::host {
 
 namespace {
@@ -47,7 +49,6 @@ void AppendHtmlEncoded(std::string& out, std::string_view text) {
 }
 
 void AppendUrlEncoded(std::string& out, std::string_view text) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
   CopyRuns(
       out, text, [](unsigned char byte) { return kKeptInUrls[byte]; },
       [&](char byte) {
@@ -55,10 +56,7 @@ void AppendUrlEncoded(std::string& out, std::string_view text) {
           out += '+';
           return;
         }
-        const auto code = static_cast<unsigned char>(byte);
-        out += '%';
-        out += kDigits[code >> 4];
-        out += kDigits[code & 15];
+        base::AppendPercent(out, byte);
       });
 }
 

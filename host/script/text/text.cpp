@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "base/percent.h"
 #include "kalvo/platform/utf8.h"
 
 namespace kalvo::host {
@@ -27,13 +28,6 @@ Character DecodePair(std::string_view text, std::size_t at) {
   const Character low = CharacterAt(text, next, Encoding::Cesu8);
   if (!IsLowSurrogate(low.code)) return {kReplacementCharacter, unit.length};
   return {0x10000 + ((unit.code - 0xD800) << 10) + (low.code - 0xDC00), unit.length + low.length};
-}
-
-int HexDigit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
 }
 
 }  // namespace
@@ -74,14 +68,9 @@ std::string UrlDecoded(std::string_view text) {
   std::string bytes;
   bytes.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool escape =
-        text[i] == '%' && i + 2 < text.size() && HexDigit(text[i + 1]) >= 0 && HexDigit(text[i + 2]) >= 0;
-    if (escape) {
-      bytes += static_cast<char>(HexDigit(text[i + 1]) * 16 + HexDigit(text[i + 2]));
-      i += 2;
-    } else {
-      bytes += text[i] == '+' ? ' ' : text[i];
-    }
+    const auto byte = base::PercentAt(text, i);
+    bytes += byte ? *byte : text[i] == '+' ? ' ' : text[i];
+    if (byte) i += 2;
   }
   return WellFormed(bytes);
 }

@@ -23,6 +23,11 @@ std::string SqlQuoted(std::string_view text);
 
 enum class HexLetters { Small, Capital };
 
+// The hexadecimal digit of a value below 16.
+constexpr char HexDigit(unsigned value, HexLetters letters = HexLetters::Small) {
+  return (letters == HexLetters::Small ? "0123456789abcdef" : "0123456789ABCDEF")[value];
+}
+
 // Each byte as two hexadecimal digits.
 void AppendHexadecimal(std::string& out, std::span<const std::uint8_t> bytes, HexLetters letters = HexLetters::Small);
 std::string Hexadecimal(std::span<const std::uint8_t> bytes);

@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <functional>
+#include <iterator>
 #include <thread>
 
 #include "host/parts/setting_error.h"
@@ -226,10 +228,16 @@ TEST_F(Users, GetAnotherHashAndKeepWhatElseChangedMeanwhile) {
 TEST_F(Users, LeaveNothingBehindWhenTheFileCannotBeWritten) {
   users_.Put({"KALVO\\alice", false, false, kHash});
   const std::string before = ReadFile(file_);
+  const auto openFiles = [] {
+    const std::filesystem::directory_iterator files("/proc/self/fd");
+    return std::distance(begin(files), end(files));
+  };
+  const auto openBefore = openFiles();
   {
     const FullDisk full(8);
     EXPECT_THROW(users_.Put({"KALVO\\bob", true, false, kHash}), host::SettingError);
   }
+  EXPECT_EQ(openFiles(), openBefore);
   EXPECT_EQ(ReadFile(file_), before);
   EXPECT_FALSE(std::filesystem::exists(file_.string() + ".new"));
 }
