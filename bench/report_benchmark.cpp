@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "adapters/ranking/ranking.h"
+#include "adapters/ranking/make_ranking.h"
 #include "adapters/sqlite/sqlite_database.h"
 #include "bench/large_sample.h"
 #include "bench/timed_database.h"

@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-#include "adapters/ranking/ranking.h"
+#include "adapters/ranking/make_ranking.h"
 #include "adapters/sqlite/sqlite_database.h"
 #include "bench/large_sample.h"
 #include "host/cli/report_page.h"

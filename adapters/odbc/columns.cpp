@@ -6,7 +6,7 @@
 #include <cstring>
 #include <optional>
 
-#include "adapters/odbc/diagnostics.h"
+#include "adapters/odbc/odbc_diagnostics.h"
 #include "adapters/sql/iso_date.h"
 #include "kalvo/platform/conversion.h"
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "adapters/odbc/diagnostics.h"
+#include "adapters/odbc/odbc_diagnostics.h"
 #include "adapters/sql/diagnostics.h"
 
 namespace kalvo::odbc {

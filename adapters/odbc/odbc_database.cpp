@@ -1,6 +1,6 @@
 #include "adapters/odbc/odbc_database.h"
 
-#include "adapters/odbc/record_set.h"
+#include "adapters/odbc/odbc_record_set.h"
 #include "adapters/odbc/session.h"
 #include "adapters/sql/diagnostics.h"
 #include "adapters/sqlite/guard.h"

@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "adapters/odbc/diagnostics.h"
+#include "adapters/odbc/odbc_diagnostics.h"
 #include "adapters/sql/diagnostics.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "adapters/ranking/ranking.h"
+#include "adapters/ranking/make_ranking.h"
 #include "adapters/ranking/result_set.h"
 #include "adapters/ranking/statement.h"
 #include "kalvo/platform/database.h"

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "adapters/ranking/kinds.h"
-#include "adapters/ranking/ranking.h"
+#include "adapters/ranking/make_ranking.h"
 
 namespace kalvo::ranking {
 

@@ -3,9 +3,9 @@
 #include "adapters/sql/diagnostics.h"
 #include "adapters/sql/report_record_set.h"
 #include "adapters/sql/shape.h"
-#include "adapters/sqlite/diagnostics.h"
 #include "adapters/sqlite/guard.h"
-#include "adapters/sqlite/record_set.h"
+#include "adapters/sqlite/sqlite_diagnostics.h"
+#include "adapters/sqlite/sqlite_record_set.h"
 
 namespace kalvo::sqlite {
 

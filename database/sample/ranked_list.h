@@ -6,7 +6,7 @@
 #include <tuple>
 #include <vector>
 
-#include "adapters/ranking/ranking.h"
+#include "adapters/ranking/make_ranking.h"
 #include "database/sample/messages.h"
 
 namespace kalvo::sample {

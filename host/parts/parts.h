@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "adapters/ranking/ranking.h"
+#include "adapters/ranking/make_ranking.h"
 #include "host/parts/memory_session.h"
 #include "host/parts/places.h"
 #include "host/parts/system_clock.h"

@@ -4,7 +4,7 @@
 #include "kalvo/platform/ranking.h"
 
 #ifdef KALVO_HAS_RANKING
-#include "adapters/ranking/ranking.h"
+#include "adapters/ranking/make_ranking.h"
 #endif
 
 namespace kalvo::host {

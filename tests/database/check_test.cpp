@@ -3,7 +3,7 @@
 
 #include <sstream>
 
-#include "adapters/ranking/ranking.h"
+#include "adapters/ranking/make_ranking.h"
 #include "adapters/sqlite/sqlite_database.h"
 #include "database/sample/sample.h"
 #include "database/sample_databases.h"

@@ -4,7 +4,7 @@
 #include <sstream>
 
 #include "adapters/odbc/odbc_database.h"
-#include "adapters/ranking/ranking.h"
+#include "adapters/ranking/make_ranking.h"
 #include "adapters/sqlite/sqlite_database.h"
 #include "database/sample/sample.h"
 #include "database/sample/sample_steps.h"

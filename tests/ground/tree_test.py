@@ -255,6 +255,9 @@ class Tree(unittest.TestCase):
     def test_includes_lead_inwards(self):
         self.holds(upward_includes(self.sources))
 
+    def test_no_two_headers_have_one_name(self):
+        self.holds(headers_of_one_name(product_files(".h")))
+
     def test_a_namespace_begins_with_a_blank_line(self):
         self.holds(crowded_namespaces(self.sources))
 

@@ -5,7 +5,7 @@
 #include <set>
 
 #include "adapters/ranking/brute_force.h"
-#include "adapters/ranking/ranking.h"
+#include "adapters/ranking/make_ranking.h"
 #include "adapters/ranking/result_set.h"
 #include "adapters/ranking/sample_fixture.h"
 #include "adapters/sqlite/sqlite_database.h"

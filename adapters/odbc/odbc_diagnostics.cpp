@@ -1,4 +1,4 @@
-#include "adapters/odbc/diagnostics.h"
+#include "adapters/odbc/odbc_diagnostics.h"
 
 #include <sqlext.h>
 

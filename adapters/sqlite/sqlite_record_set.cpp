@@ -1,4 +1,4 @@
-#include "adapters/sqlite/record_set.h"
+#include "adapters/sqlite/sqlite_record_set.h"
 
 #include "adapters/sql/iso_date.h"
 #include "kalvo/platform/conversion.h"

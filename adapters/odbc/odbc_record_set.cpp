@@ -1,4 +1,4 @@
-#include "adapters/odbc/record_set.h"
+#include "adapters/odbc/odbc_record_set.h"
 
 #include "adapters/odbc/attribute_calls.h"
 #include "adapters/sql/diagnostics.h"

@@ -1,4 +1,4 @@
-#include "adapters/sqlite/diagnostics.h"
+#include "adapters/sqlite/sqlite_diagnostics.h"
 
 #include <sqlite3.h>
 

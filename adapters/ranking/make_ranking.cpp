@@ -1,4 +1,4 @@
-#include "adapters/ranking/ranking.h"
+#include "adapters/ranking/make_ranking.h"
 
 #include "adapters/ranking/loader.h"
 #include "kalvo/platform/append.h"
