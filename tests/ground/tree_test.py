@@ -26,7 +26,7 @@ TABLES = {"src/platform/case_tables.h"}
 RINGS = """
     include/kalvo/platform src/platform
     include/kalvo base
-    src/display src/context src/columns src/datasrc src/generator
+    src/display src/context src/columns src/datasrc src/generator src/memory
     adapters/sql adapters/sqlite adapters/odbc adapters/ranking adapters/mail adapters/maildir adapters/imap
     database database/sample database/sample_mail
     host/script/text host/script/engine host/script/late_binding host/script/binding host/script/page
