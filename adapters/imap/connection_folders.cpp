@@ -4,6 +4,7 @@
 #include "adapters/imap/imap_error.h"
 #include "adapters/imap/imap_session.h"
 #include "adapters/imap/imap_settings.h"
+#include "adapters/imap/transport.h"
 
 namespace kalvo::imap {
 
@@ -34,12 +35,13 @@ std::vector<Folder> Connection::List(std::string_view pattern, std::string_view 
   CheckSendable("The folder name", pattern);
   OwnedList found(mailimap_list_result_free);
   Command();
+  const Transport::Patience patience(*transport_);
   Check(mailimap_list(session_->imap, "", std::string(pattern).c_str(), &found.list), "LIST");
   std::vector<Folder> folders;
   found.ForEach<mailimap_mailbox_list>([&](const mailimap_mailbox_list& entry) {
     if (entry.mb_delimiter != 0) separator_ = entry.mb_delimiter;
     const std::string_view name = entry.mb_name;
-    if (name.starts_with(prefix)) folders.push_back({std::string(name), !IsNoSelect(entry)});
+    if (name.starts_with(prefix)) folders.push_back({std::string(name), !IsNoSelect(entry), {}, {}});
   });
   return folders;
 }

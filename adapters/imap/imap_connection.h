@@ -30,11 +30,6 @@ struct Login {
   std::string password;
 };
 
-struct Folder {
-  std::string name;  // as the server writes it
-  bool selectable = true;
-};
-
 // The state of a folder's messages: as long as all three are the same, the messages are.
 struct FolderState {
   std::uint32_t uidValidity = 0;
@@ -42,6 +37,13 @@ struct FolderState {
   std::uint32_t messages = 0;
 
   bool operator==(const FolderState&) const = default;
+};
+
+struct Folder {
+  std::string name;  // as the server writes it
+  bool selectable = true;
+  std::optional<FolderState> state;  // where it was asked for and may be known
+  std::optional<std::int64_t> size;  // bytes of its messages
 };
 
 enum class ServerSortKey { Date, Arrival, Size };
@@ -84,6 +86,12 @@ class Connection {
   // The prefix of the user's own folders, and those of other people's and of shared ones.
   const std::string& PersonalPrefix();
   const std::vector<std::string>& ForeignPrefixes();
+
+  // Whether a listing of folders tells their states and sizes with them, in one answer.
+  bool ListsStates();
+
+  // Such a listing.
+  std::vector<Folder> ListStates(std::string_view pattern, std::string_view prefix);
 
   // Folders by a LIST pattern. Only whole names that begin with `prefix` are answered.
   std::vector<Folder> List(std::string_view pattern, std::string_view prefix);
@@ -132,6 +140,7 @@ class Connection {
   void Connect(const ServerAddress& address);
   void LogIn(const Login& login);
   void ReadNamespaces();
+  std::string ReadAnswerLine();
   void FetchHeldCopies(std::uint32_t first, std::uint32_t last, const mail::IdentifierKey& key,
                        std::vector<HeldCopy>& copies);
   void Fetch(mailimap_set* messages, mailimap_fetch_type* wanted, OwnedList& found);

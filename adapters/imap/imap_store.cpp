@@ -102,7 +102,8 @@ ImapStore::Root ImapStore::RootOf(const mail::Tree& tree, Connection& connection
   return {connection.PersonalPrefix(), connection.ForeignPrefixes()};
 }
 
-std::vector<Folder> ImapStore::Below(const mail::Tree& tree, Connection& connection, std::string_view folder) {
+std::vector<Folder> ImapStore::Below(const mail::Tree& tree, Connection& connection, std::string_view folder,
+                                     States states) {
   const Root root = RootOf(tree, connection);
   const char separator = connection.Separator();
   std::string prefix(folder);
@@ -114,9 +115,12 @@ std::vector<Folder> ImapStore::Below(const mail::Tree& tree, Connection& connect
   } else {
     prefix += separator;
   }
-  auto listed = connection.List(prefix + "%", prefix);
+  const auto list = [&](const std::string& pattern, const std::string& start) {
+    return states == States::Yes ? connection.ListStates(pattern, start) : connection.List(pattern, start);
+  };
+  auto listed = list(prefix + "%", prefix);
   if (folder.empty() && !tree.IsPublic() && !prefix.empty()) {
-    for (auto& inbox : connection.List("INBOX", "")) listed.push_back(std::move(inbox));
+    for (auto& inbox : list("INBOX", "")) listed.push_back(std::move(inbox));
   }
   const std::string user = UserOf(tree);
   const auto belongs = [&](const Folder& found) {
@@ -139,7 +143,7 @@ std::string ImapStore::FindFolder(const mail::Tree& tree, const mail::FolderPath
   return pool_->With(tree.server, UserOf(tree), [&](Connection& connection) {
     const auto found = mail::FolderAt(path, [&](const std::string& folder) {
       std::vector<mail::NamedFolder> named;
-      for (Folder& each : Below(tree, connection, folder)) {
+      for (Folder& each : Below(tree, connection, folder, States::No)) {
         std::string name = mail::FolderName(LeafName(each.name, connection.Separator()));
         named.push_back({std::move(each.name), std::move(name)});
       }
@@ -180,11 +184,11 @@ std::vector<mail::FolderInfo> ImapStore::Folders(const mail::Tree& tree, std::st
   char separator = 0;
   const auto listed = pool_->With(tree.server, user, deadline, [&](Connection& connection) {
     separator = connection.Separator();
-    return Below(tree, connection, folder);
+    return Below(tree, connection, folder, connection.ListsStates() ? States::Yes : States::No);
   });
   std::vector<mail::FolderInfo> folders;
   for (const Folder& found : listed) {
-    auto info = found.selectable ? Describe({tree.server, user, found.name}, deadline) : mail::FolderInfo();
+    auto info = InfoOf({tree.server, user, found.name}, found, deadline);
     info.key = found.name;
     info.name = mail::FolderName(LeafName(found.name, separator));
     folders.push_back(std::move(info));
@@ -210,7 +214,6 @@ auto ImapStore::Learn(const Place& place, const Deadline& deadline, Step&& step)
   }
 }
 
-// A folder's dates are those of its first and last arrival: servers tell no others.
 mail::FolderInfo ImapStore::Describe(const Place& place, const Deadline& deadline) {
   const auto known = Learn(place, deadline, [&](Connection& connection) -> std::shared_ptr<KnownFolder> {
     try {
@@ -226,16 +229,36 @@ mail::FolderInfo ImapStore::Describe(const Place& place, const Deadline& deadlin
     }
   });
   mail::FolderInfo info;
-  if (!known) {
-    info.size.reset();
-    info.messageCount.reset();
-  } else if (!known->messages->empty()) {
-    info.size = known->TotalSize();
-    info.messageCount = static_cast<std::int32_t>(known->messages->size());
-    info.created = known->messages->back().received;
-    info.modified = known->messages->front().received;
-  }
+  if (known) return InfoOf(*known);
+  info.size.reset();
+  info.messageCount.reset();
   return info;
+}
+
+// What the server told with the folder's name, and where that is nothing, what is behind it.
+mail::FolderInfo ImapStore::InfoOf(const Place& place, const Folder& folder, const Deadline& deadline) {
+  mail::FolderInfo info;
+  if (!folder.selectable) return info;
+  if (!folder.state || !folder.size) return Describe(place, deadline);
+  const auto known = cache_.Find(PlaceText(place), *folder.state);
+  if (known) return InfoOf(*known);
+  info.size = *folder.size;
+  info.messageCount = static_cast<std::int32_t>(folder.state->messages);
+  info.knowsDates = folder.state->messages == 0;
+  return info;
+}
+
+// A folder's dates are those of its first and last arrival: servers tell no others.
+mail::FolderInfo ImapStore::InfoOf(const KnownFolder& known) {
+  mail::FolderInfo info;
+  info.size = known.TotalSize();
+  info.messageCount = static_cast<std::int32_t>(known.messages->size());
+  if (!known.messages->empty()) info.dates = {known.messages->back().received, known.messages->front().received};
+  return info;
+}
+
+mail::FolderDates ImapStore::DatesOf(const mail::Tree& tree, std::string_view folder) {
+  return Describe({tree.server, UserOf(tree), std::string(folder)}, Deadline(pool_->Config().limits.operation)).dates;
 }
 
 std::unique_ptr<mail::MessageSource> ImapStore::Messages(const mail::Tree& tree, std::string_view folder) {

@@ -27,6 +27,7 @@ class ImapStore : public mail::MailStore {
   std::string FindFolder(const mail::Tree& tree, const mail::FolderPath& path) override;
   mail::FolderPath PathOf(const mail::Tree& tree, std::string_view folder) override;
   std::vector<mail::FolderInfo> Folders(const mail::Tree& tree, std::string_view folder) override;
+  mail::FolderDates DatesOf(const mail::Tree& tree, std::string_view folder) override;
   std::unique_ptr<mail::MessageSource> Messages(const mail::Tree& tree, std::string_view folder) override;
   mail::MessageDetails Message(const mail::Tree& tree, std::string_view folder, std::string_view message) override;
   std::string Remove(const mail::Tree& tree, std::string_view folder, std::string_view message,
@@ -51,7 +52,10 @@ class ImapStore : public mail::MailStore {
   mail::MessageDetails Details(const mail::Tree& tree, std::string_view folder, const MessageNumber& number,
                                Connection::Parts parts);
   Root RootOf(const mail::Tree& tree, Connection& connection);
-  std::vector<Folder> Below(const mail::Tree& tree, Connection& connection, std::string_view folder);
+  enum class States : bool { No, Yes };
+  std::vector<Folder> Below(const mail::Tree& tree, Connection& connection, std::string_view folder, States states);
+  mail::FolderInfo InfoOf(const Place& place, const Folder& folder, const Deadline& deadline);
+  static mail::FolderInfo InfoOf(const KnownFolder& known);
   mail::FolderInfo Describe(const Place& place, const Deadline& deadline);
   template <typename Step>
   auto Learn(const Place& place, const Deadline& deadline, Step&& step);

@@ -65,7 +65,7 @@ std::ptrdiff_t Transport::TimeOut() {
 bool Transport::WaitFor(short events) {
   pollfd waited{Descriptor(), events, 0};
   for (;;) {
-    const int ready = poll(&waited, 1, deadline_.Wait(limits_.silence));
+    const int ready = poll(&waited, 1, deadline_.Wait(patient_ ? limits_.operation : limits_.silence));
     if (ready > 0 && !deadline_.Passed()) return true;
     if (ready < 0 && errno == EINTR) continue;
     TimeOut();

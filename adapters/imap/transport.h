@@ -25,6 +25,19 @@ class Transport {
   // All operations from here on share this deadline.
   void Begin(const Deadline& deadline) { deadline_ = deadline; }
 
+  // While it lives, a server may be silent for as long as the deadline lets it: some make their list of folders first,
+  // and start over when we hang up.
+  class Patience {
+   public:
+    explicit Patience(Transport& transport) : transport_(transport) { transport_.patient_ = true; }
+    ~Patience() { transport_.patient_ = false; }
+    Patience(const Patience&) = delete;
+    Patience& operator=(const Patience&) = delete;
+
+   private:
+    Transport& transport_;
+  };
+
   bool Connect();
 
   // Puts TLS over the connection: the server's certificate has to be valid and to carry the host's name.
@@ -58,6 +71,7 @@ class Transport {
   base::File socket_;
   std::unique_ptr<Tls> tls_;  // over the socket, so it goes first
   std::string trouble_;
+  bool patient_ = false;
   bool timedOut_ = false;
   bool silent_ = false;  // timed out because nothing came, not because all took too long
   std::size_t bytesRead_ = 0;

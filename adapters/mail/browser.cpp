@@ -110,7 +110,13 @@ std::shared_ptr<Listing> Browser::Attachments() {
 
 const std::shared_ptr<ListingItems>& Browser::FolderItems() {
   Position& at = Standing();
-  if (!at.folders) at.folders = MakeFolderItems(Kept(BindingOf(at.tree)), store_->Folders(at.tree, at.folder));
+  if (!at.folders) {
+    // The names keep the tree's mailbox.
+    const auto datesOf = [store = store_, names = at.names, tree = at.tree](const std::string& folder) {
+      return store->DatesOf(tree, folder);
+    };
+    at.folders = MakeFolderItems(Kept(BindingOf(at.tree)), store_->Folders(at.tree, at.folder), datesOf);
+  }
   return at.folders;
 }
 

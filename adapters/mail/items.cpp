@@ -61,7 +61,7 @@ class HeldItems : public ListingItems {
   }
 
  protected:
-  virtual Value FieldOf(const Item& item, std::size_t field) const = 0;
+  virtual Value FieldOf(Item& item, std::size_t field) = 0;
 
  private:
   std::span<const ListingField> fields_;
@@ -70,23 +70,30 @@ class HeldItems : public ListingItems {
 
 class FolderItems : public HeldItems<FolderInfo> {
  public:
-  FolderItems(KeptBinding binding, std::vector<FolderInfo> folders)
-      : HeldItems(kFolderFields, std::move(folders)), binding_(std::move(binding)) {}
+  FolderItems(KeptBinding binding, std::vector<FolderInfo> folders, AskDates datesOf)
+      : HeldItems(kFolderFields, std::move(folders)), binding_(std::move(binding)), datesOf_(std::move(datesOf)) {}
 
  protected:
-  Value FieldOf(const FolderInfo& folder, std::size_t field) const override {
+  Value FieldOf(FolderInfo& folder, std::size_t field) override {
     switch (field) {
       case kFolderName: return folder.name;
       case kFolderId: return FolderIdentifier(binding_.Bound(), folder.key);
       case kFolderSize: return NumberValue(folder.size);
       case kFolderMessages: return NumberValue(folder.messageCount);
-      case kFolderCreated: return DateValue(folder.created);
-      default: return DateValue(folder.modified);
+      case kFolderCreated: return DateValue(DatesOf(folder).created);
+      default: return DateValue(DatesOf(folder).modified);
     }
   }
 
  private:
+  const FolderDates& DatesOf(FolderInfo& folder) const {
+    if (!folder.knowsDates) folder.dates = datesOf_(folder.key);
+    folder.knowsDates = true;
+    return folder.dates;
+  }
+
   KeptBinding binding_;
+  AskDates datesOf_;
 };
 
 class AttachmentItems : public HeldItems<Attachment> {
@@ -95,7 +102,7 @@ class AttachmentItems : public HeldItems<Attachment> {
       : HeldItems(kAttachmentFields, std::move(attachments)) {}
 
  protected:
-  Value FieldOf(const Attachment& attachment, std::size_t field) const override {
+  Value FieldOf(Attachment& attachment, std::size_t field) override {
     if (field == kFileName) return attachment.name;
     return attachment.size;
   }
@@ -106,7 +113,7 @@ class AddressItems : public HeldItems<std::string> {
   explicit AddressItems(std::vector<std::string> addresses) : HeldItems(kAddressFields, std::move(addresses)) {}
 
  protected:
-  Value FieldOf(const std::string& address, std::size_t) const override { return address; }
+  Value FieldOf(std::string& address, std::size_t) override { return address; }
 };
 
 MessageField SortField(std::size_t field) {
@@ -162,8 +169,8 @@ class MessageItems : public ListingItems {
 
 }  // namespace
 
-std::shared_ptr<ListingItems> MakeFolderItems(KeptBinding binding, std::vector<FolderInfo> folders) {
-  return std::make_shared<FolderItems>(std::move(binding), std::move(folders));
+std::shared_ptr<ListingItems> MakeFolderItems(KeptBinding binding, std::vector<FolderInfo> folders, AskDates datesOf) {
+  return std::make_shared<FolderItems>(std::move(binding), std::move(folders), std::move(datesOf));
 }
 
 std::shared_ptr<ListingItems> MakeMessageItems(KeptBinding binding, std::unique_ptr<MessageSource> source) {

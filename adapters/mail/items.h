@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -19,7 +20,9 @@ struct KeptBinding {
   Binding Bound() const { return {key, server, mailbox}; }
 };
 
-std::shared_ptr<ListingItems> MakeFolderItems(KeptBinding binding, std::vector<FolderInfo> folders);
+// `datesOf` is asked for the dates of a folder that does not know them, once.
+using AskDates = std::function<FolderDates(const std::string& folder)>;
+std::shared_ptr<ListingItems> MakeFolderItems(KeptBinding binding, std::vector<FolderInfo> folders, AskDates datesOf);
 std::shared_ptr<ListingItems> MakeMessageItems(KeptBinding binding, std::unique_ptr<MessageSource> source);
 std::shared_ptr<ListingItems> MakeAttachmentItems(std::vector<Attachment> attachments);
 std::shared_ptr<ListingItems> MakeAddressItems(std::vector<std::string> addresses);

@@ -25,6 +25,11 @@ struct Tree {
   bool IsPublic() const { return mailbox == nullptr; }
 };
 
+// Seconds since 1970, UTC; nothing where the store tells none.
+struct FolderDates {
+  std::optional<std::int64_t> created, modified;
+};
+
 // One folder below another. Keys are the store's own words for a folder or a message: any bytes, the same from
 // call to call and from process to process. The root's key is "".
 struct FolderInfo {
@@ -32,8 +37,8 @@ struct FolderInfo {
   std::string name;                      // UTF-8, cleaned for showing (`CleanText`)
   std::optional<std::int64_t> size = 0;  // bytes of its own messages; nothing for a folder that may not be opened
   std::optional<std::int32_t> messageCount = 0;
-  std::optional<std::int64_t> created;  // seconds since 1970, UTC
-  std::optional<std::int64_t> modified;
+  FolderDates dates;
+  bool knowsDates = true;  // false: the store is asked for them when they are shown
 };
 
 // One message of a folder, as a listing shows it. Texts are cleaned.
@@ -109,6 +114,9 @@ class MailStore {
 
   // The folders right below a folder or the root, by name.
   virtual std::vector<FolderInfo> Folders(const Tree& tree, std::string_view folder) = 0;
+
+  // The dates of one of them that does not know them.
+  virtual FolderDates DatesOf(const Tree&, std::string_view) { return {}; }
 
   // The messages of a folder; none for the root. Fails with `NoSuchFolder` where it is gone.
   virtual std::unique_ptr<MessageSource> Messages(const Tree& tree, std::string_view folder) = 0;

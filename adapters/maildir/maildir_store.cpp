@@ -144,7 +144,7 @@ class MaildirStore::Trees : public mail::MailStore {
     for (const std::string& key : Below(KeysOf(tree), folder)) {
       Folder at = OpenKey(tree, key);
       const FolderTotals totals = at.Totals();
-      folders.push_back({key, NameOf(key), totals.size, totals.count, at.Created(), at.Modified()});
+      folders.push_back({key, NameOf(key), totals.size, totals.count, {at.Created(), at.Modified()}});
     }
     std::stable_sort(folders.begin(), folders.end(), [](const mail::FolderInfo& a, const mail::FolderInfo& b) {
       return ToLower(a.name) < ToLower(b.name);

@@ -17,7 +17,7 @@ constexpr int kTick = 20;  // milliseconds between two looks whether the server 
 constexpr struct {
   std::string_view command, answer;
 } kAnswers[] = {
-    {"CAPABILITY", "* CAPABILITY IMAP4rev1 UIDPLUS SORT\r\n"},
+    {"CAPABILITY", "* CAPABILITY IMAP4rev1 UIDPLUS SORT LIST-STATUS STATUS=SIZE\r\n"},
     {"LIST \"\" \"\"", "* LIST (\\Noselect) \"/\" \"\"\r\n"},
     {"LIST", "* LIST () \"/\" INBOX\r\n"},
     {"STATUS", "* STATUS INBOX (MESSAGES 3 UIDNEXT 4 UIDVALIDITY 7)\r\n"},

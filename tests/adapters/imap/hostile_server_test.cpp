@@ -52,6 +52,40 @@ TEST_F(HostileServer, AMessageThatCannotBeReadIsARowThatSaysSo) {
   EXPECT_EQ(Page(), "3, (this message cannot be read), Subject 1, Subject 3, 300");
 }
 
+TEST_F(HostileServer, FoldersAreListedWithTheirStatesInOneAnswer) {
+  server_.Misbehave("LIST \"\" \"%\"", [](Talk& talk, const std::string& tag) {
+    for (const std::string name : {"a", "b", "c"}) {
+      talk.Send("* LIST () \"/\" " + name + "\r\n* STATUS " + name +
+                " (MESSAGES 3 UIDNEXT 4 UIDVALIDITY 7 SIZE 1000)\r\n");
+    }
+    talk.Send(tag + " OK done\r\n");
+  });
+  const auto live = Browse(store_);
+  live->GotoContainer("EX01", "alice", "", 0, live::kByPath);
+  const auto folders = live->Folders();
+  EXPECT_EQ(ToText(folders->Total("FolderSize")), "3000");
+  EXPECT_EQ(ToText(folders->Total("MessageCount")), "9");
+  for (const auto& command : server_.Commands()) {
+    EXPECT_TRUE(!command.starts_with("STATUS") && !command.starts_with("EXAMINE")) << command;
+  }
+  EXPECT_EQ(ToText(folders->Field("ModifiedDate")), "1/3/1999") << "asked for where it is shown";
+  EXPECT_EQ(server_.Commands().back().substr(0, 9), "UID FETCH");
+}
+
+TEST_F(HostileServer, AListThatBreaksOffIsAnErrorAndNoShorterList) {
+  for (const char* answer : {"* LIST () \"/\" a\r\n* LIST () \"/\" {99999999}\r\n", "* LIST () \"/\" a\r\n* BYE\r\n",
+                             "* LIST () \"/\" a\r\nnonsense\r\n"}) {
+    OpenStore();
+    server_.Misbehave("LIST \"\" \"%\"", [&](Talk& talk, const std::string&) {
+      talk.Send(answer);
+      talk.Close();
+    });
+    const auto live = Browse(store_);
+    live->GotoContainer("EX01", "alice", "", 0, live::kByPath);
+    EXPECT_THROW(live->Folders(), Error) << answer;
+  }
+}
+
 constexpr char kEvil[] = "<script>x()</script>";
 
 class ARefusalOf : public HostileServer, public testing::WithParamInterface<const char*> {};
