@@ -29,14 +29,17 @@ constexpr RunTimeErrorRow kRunTimeErrors[] = {
 };
 // clang-format on
 
-consteval const RunTimeErrorRow& RowOf(std::int32_t number) {
-  return *std::find_if(std::begin(kRunTimeErrors), std::end(kRunTimeErrors),
-                       [&](const RunTimeErrorRow& row) { return row.number == number; });
+constexpr const char* DescriptionOf(std::int32_t number) {
+  for (const RunTimeErrorRow& row : kRunTimeErrors) {
+    if (row.number == number) return row.description;
+  }
+  return nullptr;
 }
 
 template <std::int32_t Number>
 Error RunTimeError() {
-  return Error(Number, RowOf(Number).description);
+  static_assert(DescriptionOf(Number));
+  return Error(Number, DescriptionOf(Number));
 }
 
 }  // namespace

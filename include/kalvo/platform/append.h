@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <concepts>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -17,7 +18,7 @@ template <AppendableInteger T>
 void AppendPiece(std::string& out, T number) {
   char digits[24];
   const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-  out.append(digits, end);
+  out.append(digits, static_cast<std::size_t>(end - digits));
 }
 
 // Appends text, characters and integers, integers in decimal. A `bool` has three spellings in this system,
