@@ -32,8 +32,8 @@ constexpr struct { std::string_view name; int type; mailimap_flag* (*make)(); } 
 
 template <typename T, typename Visit>
 void ForEach(clist* list, Visit&& visit) {
-  if (list == nullptr) return;
-  for (auto* each = clist_begin(list); each != nullptr; each = clist_next(each)) {
+  if (!list) return;
+  for (auto* each = clist_begin(list); each; each = clist_next(each)) {
     visit(*static_cast<T*>(clist_content(each)));
   }
 }
@@ -57,7 +57,7 @@ Owned<mailimap_flag_list> NewFlags(const std::string& words) {
 std::string FlagsText(const mailimap_msg_att_dynamic& item) {
   std::string text;
   ForEach<mailimap_flag_fetch>(item.att_list, [&](const mailimap_flag_fetch& each) {
-    if (each.fl_type != MAILIMAP_FLAG_FETCH_OTHER || each.fl_flag == nullptr) return;
+    if (each.fl_type != MAILIMAP_FLAG_FETCH_OTHER || !each.fl_flag) return;
     std::string_view word;
     if (each.fl_flag->fl_type == MAILIMAP_FLAG_KEYWORD) word = each.fl_flag->fl_data.fl_keyword;
     for (const auto& flag : kFlags) {
@@ -96,7 +96,7 @@ Piece ReadPiece(const mailimap_msg_att& answer) {
     if (item.att_type == MAILIMAP_MSG_ATT_ITEM_DYNAMIC) piece.flags = FlagsText(*item.att_data.att_dyn);
     if (item.att_type != MAILIMAP_MSG_ATT_ITEM_STATIC) return;
     const auto& part = *item.att_data.att_static;
-    if (part.att_type != MAILIMAP_MSG_ATT_BODY_SECTION || part.att_data.att_body_section->sec_body_part == nullptr) {
+    if (part.att_type != MAILIMAP_MSG_ATT_BODY_SECTION || !part.att_data.att_body_section->sec_body_part) {
       return;
     }
     piece.text.assign(part.att_data.att_body_section->sec_body_part, part.att_data.att_body_section->sec_length);

@@ -25,7 +25,7 @@ std::optional<std::int64_t> ArrivalTime(const mailimap_date_time& date) {
 
 std::string_view SectionOf(const mailimap_msg_att_static& item) {
   const mailimap_msg_att_body_section& section = *item.att_data.att_body_section;
-  return section.sec_body_part == nullptr ? "" : std::string_view(section.sec_body_part, section.sec_length);
+  return section.sec_body_part ? std::string_view(section.sec_body_part, section.sec_length) : "";
 }
 
 void ReadItem(const mailimap_msg_att_static& item, Fetched& message) {

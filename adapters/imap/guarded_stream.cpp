@@ -47,9 +47,9 @@ mailstream_low_driver kDriver = {Read,    Write,   Close,   Descriptor, Free,   
 
 mailstream* NewGuardedStream(Transport& transport, ResponseGuard& guard) {
   auto* low = mailstream_low_new(new Ends{transport, guard}, &kDriver);
-  if (low == nullptr) throw std::bad_alloc();
+  if (!low) throw std::bad_alloc();
   auto* stream = mailstream_new(low, kBufferBytes);
-  if (stream == nullptr) throw std::bad_alloc();
+  if (!stream) throw std::bad_alloc();
   return stream;
 }
 

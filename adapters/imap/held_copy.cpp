@@ -56,7 +56,7 @@ std::optional<mail::HeldMessage> ReadHeldLines(std::string_view text, const mail
   std::string record = Joined(text, length);
   std::replace(record.begin(), record.end(), ';', ' ');
   const std::size_t blank = record.find(' ');
-  if (blank == record.npos) return std::nullopt;
+  if (blank == std::string::npos) return std::nullopt;
   const std::string check = record.substr(0, blank);
   record.erase(0, blank + 1);
   if (check != CheckOf(record, key)) return std::nullopt;

@@ -25,7 +25,7 @@ bool Succeeded(int code) {
 
 // What the server said, fit for an error's text: at most so many printable ASCII characters.
 std::string Shown(const char* answer) {
-  std::string text = answer == nullptr ? "" : answer;
+  std::string text = answer ? answer : "";
   text.resize(std::min(text.size(), kAnswerShown));
   for (char& c : text) c = c >= 0x20 && c < 0x7F ? c : '?';
   return text;
@@ -35,13 +35,13 @@ std::string Shown(const char* answer) {
 
 Connection::Session::Session(Transport& transport, ResponseGuard& guard)
     : imap(mailimap_new(0, nullptr)), stream(NewGuardedStream(transport, guard)) {
-  if (imap == nullptr) throw std::bad_alloc();
+  if (!imap) throw std::bad_alloc();
 }
 
 Connection::Session::~Session() {
   // Logging out closes the stream only where the server answers.
-  if (imap->imap_stream != nullptr) mailimap_logout(imap);
-  if (imap->imap_stream != nullptr) {
+  if (imap->imap_stream) mailimap_logout(imap);
+  if (imap->imap_stream) {
     mailstream_close(imap->imap_stream);
     imap->imap_stream = nullptr;
   }
@@ -73,7 +73,7 @@ void Connection::Connect(const ServerAddress& address) {
   session_ = std::make_unique<Session>(*transport_, *guard_);
   const int code = mailimap_connect(session_->imap, session_->stream);
   if (!Succeeded(code)) {
-    if (session_->imap->imap_stream == nullptr) mailstream_close(session_->stream);
+    if (!session_->imap->imap_stream) mailstream_close(session_->stream);
     Fail(code, kStep);
   }
   if (address.security != Security::StartTls) return;

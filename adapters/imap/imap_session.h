@@ -28,12 +28,12 @@ struct Released {
 template <typename Handle>
 using Owned = std::unique_ptr<Handle, Released>;
 
-inline std::string_view View(const char* text) { return text == nullptr ? std::string_view() : text; }
+inline std::string_view View(const char* text) { return text ? text : std::string_view(); }
 
 template <typename Item, typename Visit>
 void ForEach(clist* list, Visit&& visit) {
-  if (list == nullptr) return;
-  for (auto* each = clist_begin(list); each != nullptr; each = clist_next(each)) {
+  if (!list) return;
+  for (auto* each = clist_begin(list); each; each = clist_next(each)) {
     visit(*static_cast<const Item*>(clist_content(each)));
   }
 }
@@ -43,7 +43,7 @@ class OwnedList {
  public:
   explicit OwnedList(void (*release)(clist*)) : release_(release) {}
   ~OwnedList() {
-    if (list != nullptr) release_(list);
+    if (list) release_(list);
   }
   OwnedList(const OwnedList&) = delete;
   OwnedList& operator=(const OwnedList&) = delete;

@@ -42,7 +42,7 @@ void ReadHost(std::string_view text, ServerAddress& address) {
   std::string_view port;
   if (text.starts_with('[')) {
     const auto end = text.find(']');
-    if (end == std::string_view::npos) Refuse("\"]\" is missing in \"", text, "\".");
+    if (end == std::string::npos) Refuse("\"]\" is missing in \"", text, "\".");
     address.host = Decoded(text.substr(1, end - 1));
     port = text.substr(end + 1);
   } else {
@@ -184,7 +184,7 @@ Settings ReadSettings(std::string_view url) {
   auto place = url.substr(0, question);
   if (place.ends_with('/')) place.remove_suffix(1);
   const auto at = place.rfind('@');
-  if (at == std::string_view::npos) Refuse("the administrator is missing: imap://ADMIN@HOST:PORT/.");
+  if (at == std::string::npos) Refuse("the administrator is missing: imap://ADMIN@HOST:PORT/.");
   settings.administrator = Decoded(place.substr(0, at));
   ReadHost(place.substr(at + 1), settings.server);
   reader.TakeAll(url.substr(std::min(question + 1, url.size())));

@@ -30,13 +30,13 @@ bool BreaksTheParser(std::string_view code) {
   if (code.starts_with(')') || code.starts_with("\\*")) return false;
   if (code.starts_with('\\')) code.remove_prefix(1);
   const auto flag = code.empty() ? 0 : static_cast<unsigned char>(code[0]);
-  return flag <= 0x20 || flag >= 0x7F || std::string_view("(){%*\"\\]").find(code[0]) != std::string_view::npos;
+  return flag <= 0x20 || flag >= 0x7F || std::string_view("(){%*\"\\]").find(code[0]) != std::string::npos;
 }
 
 // In a greeting the parser falls over any code that has a list.
 bool HasList(std::string_view code) {
   if (code.starts_with(' ')) code.remove_prefix(1);
-  return code.starts_with('[') && code.substr(0, code.find(']')).find('(') != code.npos;
+  return code.starts_with('[') && code.substr(0, code.find(']')).find('(') != std::string::npos;
 }
 
 }  // namespace

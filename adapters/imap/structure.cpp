@@ -24,7 +24,7 @@ struct Freed {
 // Parameters come as the message has them, in pieces and encoded. They are put together again as a header has them
 // for the one parser that knows all ways to write a file name.
 std::string Parameter(const mailimap_body_fld_param* parameters, const char* name, std::string_view charset) {
-  if (parameters == nullptr) return {};
+  if (!parameters) return {};
   std::string header;
   ForEach<mailimap_single_body_fld_param>(parameters->pa_list, [&](const mailimap_single_body_fld_param& each) {
     if (header.size() + View(each.pa_name).size() + View(each.pa_value).size() > mail::kLongestParameters) return;
@@ -41,7 +41,7 @@ std::string Parameter(const mailimap_body_fld_param* parameters, const char* nam
       g_mime_param_list_parse(nullptr, mail::PlainWords(header, charset).c_str()));
   if (!list) return {};
   auto* found = g_mime_param_list_get_parameter(list.get(), name);
-  return found == nullptr ? std::string() : std::string(View(g_mime_param_get_value(found)));
+  return found ? std::string(View(g_mime_param_get_value(found))) : std::string();
 }
 
 constexpr std::string_view MediaType(const mailimap_media_basic& media) {
@@ -59,7 +59,7 @@ constexpr std::string_view MediaType(const mailimap_media_basic& media) {
 // how the last four are filled up the structure does not tell.
 std::int64_t DecodedSize(const mailimap_body_fields& fields) {
   const auto size = static_cast<std::int64_t>(fields.bd_size);
-  if (fields.bd_encoding == nullptr || fields.bd_encoding->enc_type != MAILIMAP_BODY_FLD_ENC_BASE64) return size;
+  if (!fields.bd_encoding || fields.bd_encoding->enc_type != MAILIMAP_BODY_FLD_ENC_BASE64) return size;
   return (size - size / 78 * 2) * 3 / 4;
 }
 
@@ -102,11 +102,11 @@ std::vector<mail::Attachment> AttachmentsOf(const mailimap_body& body) {
   ForEachLeaf(body, [&](const mailimap_body_type_1part& part) {
     if (++parts > mail::kMostParts) return;
     const Leaf leaf = LeafOf(part);
-    const auto* disposition = part.bd_ext_1part == nullptr ? nullptr : part.bd_ext_1part->bd_disposition;
+    const auto* disposition = part.bd_ext_1part ? part.bd_ext_1part->bd_disposition : nullptr;
     std::string name;
-    if (disposition != nullptr) name = Parameter(disposition->dsp_attributes, "filename", charset);
+    if (disposition) name = Parameter(disposition->dsp_attributes, "filename", charset);
     if (name.empty()) name = Parameter(leaf.fields.bd_parameter, "name", charset);
-    const auto word = disposition == nullptr ? std::string_view() : View(disposition->dsp_type);
+    const auto word = disposition ? View(disposition->dsp_type) : std::string_view();
     if (!mail::IsAttachment(leaf.type, word, !name.empty())) return;
     attachments.push_back({mail::AttachmentName(name, leaf.type, leaf.subtype), DecodedSize(leaf.fields)});
   });
@@ -118,7 +118,7 @@ std::string CharsetOf(const mailimap_body& body) {
   std::string charset;
   ForEachLeaf(body, [&](const mailimap_body_type_1part& part) {
     const Leaf leaf = LeafOf(part);
-    if (!charset.empty() || leaf.type != "text" || leaf.fields.bd_parameter == nullptr) return;
+    if (!charset.empty() || leaf.type != "text" || !leaf.fields.bd_parameter) return;
     ForEach<mailimap_single_body_fld_param>(leaf.fields.bd_parameter->pa_list,
                                             [&](const mailimap_single_body_fld_param& each) {
                                               if (EqualsIgnoringAsciiCase(View(each.pa_name), "charset"))

@@ -33,7 +33,7 @@ Directory::Directory(std::vector<MailServer> servers, std::vector<Mailbox> mailb
 
 void Directory::AddExact(std::string_view text, std::size_t mailbox) {
   // An account without a domain would hide the display names that begin with it.
-  if (text.find_first_of("@\\/") != std::string_view::npos) exact_.emplace(ToLower(text), mailbox);
+  if (text.find_first_of("@\\/") != std::string::npos) exact_.emplace(ToLower(text), mailbox);
 }
 
 const MailServer& Directory::Server(std::string_view name) const {

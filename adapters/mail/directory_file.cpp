@@ -23,7 +23,7 @@ class DirectoryReader {
       const std::size_t end = text_.find('\n');
       ++line_;
       ReadLine(Trimmed(text_.substr(0, end)));
-      text_.remove_prefix(end == std::string_view::npos ? text_.size() : end + 1);
+      text_.remove_prefix(end == std::string::npos ? text_.size() : end + 1);
     }
     EndMailbox();
     return Directory(std::move(servers_), std::move(mailboxes_));
@@ -41,7 +41,7 @@ class DirectoryReader {
     if (std::any_of(line.begin(), line.end(), bad)) Refuse("a control character in the line");
     if (line.starts_with('[')) return ReadHeading(line);
     const std::size_t equals = line.find('=');
-    if (equals == std::string_view::npos) Refuse("expected \"[server NAME]\", \"[mailbox NAME]\" or \"key = value\"");
+    if (equals == std::string::npos) Refuse("expected \"[server NAME]\", \"[mailbox NAME]\" or \"key = value\"");
     ReadSetting(Trimmed(line.substr(0, equals)), Trimmed(line.substr(equals + 1)));
   }
 
@@ -81,7 +81,7 @@ class DirectoryReader {
       Set(mailbox_->account, value);
     } else if (key == "address") {
       // Addresses go into attributes that are not encoded.
-      if (value.find('@') == std::string_view::npos || value.find_first_of("\"<>&' ") != std::string_view::npos) {
+      if (value.find('@') == std::string::npos || value.find_first_of("\"<>&' ") != std::string::npos) {
         Refuse("an address is name@domain, without blanks, quotes, angle brackets and \"&\"");
       }
       mailbox_->addresses.emplace_back(value);

@@ -16,7 +16,7 @@ namespace {
 constexpr std::string_view kBlanks = " \t\r\n";
 constexpr std::string_view kBase64 = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-bool IsBlank(char c) { return kBlanks.find(c) != std::string_view::npos; }
+bool IsBlank(char c) { return kBlanks.find(c) != std::string::npos; }
 
 // "=?charset*language?encoding?text?="
 struct Word {
@@ -29,20 +29,22 @@ struct Word {
 std::optional<Word> WordAt(std::string_view field) {
   if (!field.starts_with("=?")) return std::nullopt;
   const std::size_t charsetEnd = field.find('?', 2);
-  if (charsetEnd == field.npos || charsetEnd + 2 >= field.size() || field[charsetEnd + 2] != '?') return std::nullopt;
+  if (charsetEnd == std::string::npos || charsetEnd + 2 >= field.size() || field[charsetEnd + 2] != '?') {
+    return std::nullopt;
+  }
   std::string_view charset = field.substr(2, charsetEnd - 2);
   if (charset.empty() || std::any_of(charset.begin(), charset.end(), IsBlank)) return std::nullopt;
   const char encoding = static_cast<char>(field[charsetEnd + 1] | 0x20);
   if (encoding != 'b' && encoding != 'q') return std::nullopt;
   const std::size_t begin = charsetEnd + 3, end = field.find("?=", begin);
-  if (end == field.npos) return std::nullopt;
+  if (end == std::string::npos) return std::nullopt;
   charset = charset.substr(0, charset.find('*'));
   return Word{ToLowerAscii(charset), encoding == 'b', field.substr(begin, end - begin), end + 2};
 }
 
 int HexDigit(char c) {
   const auto at = std::string_view("0123456789abcdef").find(static_cast<char>(c >= 'A' && c <= 'F' ? c | 0x20 : c));
-  return at == std::string_view::npos ? -1 : static_cast<int>(at);
+  return at == std::string::npos ? -1 : static_cast<int>(at);
 }
 
 // The bytes of neighbouring words of one charset. A word may end inside a character, and with mailers that cut blindly
@@ -57,7 +59,7 @@ class WordBytes {
     for (const char c : text) {
       if (c == '=') bits_ = 0, group_ = 0;
       const auto digit = kBase64.find(c);
-      if (digit == kBase64.npos) continue;
+      if (digit == std::string::npos) continue;
       group_ = (group_ << 6 | static_cast<std::uint32_t>(digit)) & 0xFFFF;
       bits_ += 6;
       if (bits_ < 8) continue;
@@ -107,7 +109,7 @@ void ForEachPiece(std::string_view field, std::string_view charset, Visit&& visi
     endWords();
     visit(ToUtf8(text, charset), false);
   };
-  for (std::size_t at = field.find("=?"); at != field.npos; at = field.find("=?", at)) {
+  for (std::size_t at = field.find("=?"); at != std::string::npos; at = field.find("=?", at)) {
     const auto word = WordAt(field.substr(at));
     if (!word) {
       at += 2;

@@ -127,7 +127,7 @@ std::optional<HeldMessage> ReadHeldRecord(std::string_view record) {
     if (first && word != kKind) return std::nullopt;
     first = false;
     const std::size_t equals = word.find('=');
-    if (whole || equals == word.npos) return std::nullopt;
+    if (whole || equals == std::string::npos) return std::nullopt;
     whole = word == "end=1";
     if (!ReadField(word.substr(0, equals), word.substr(equals + 1), message)) return std::nullopt;
   }

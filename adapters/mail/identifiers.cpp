@@ -68,7 +68,7 @@ std::optional<std::string> Decode(std::string_view text) {
   int held = 0;
   for (const char digit : text) {
     const std::size_t value = kDigits.find(digit);
-    if (value == std::string_view::npos) return std::nullopt;
+    if (value == std::string::npos) return std::nullopt;
     bits = (bits << 6) | static_cast<std::uint32_t>(value);
     held += 6;
     if (held >= 8) {

@@ -25,7 +25,7 @@ struct Free {
 // group's name.
 std::string SenderIn(InternetAddressList* list) {
   std::string group;
-  for (int i = 0; list != nullptr && i < internet_address_list_length(list); ++i) {
+  for (int i = 0; list && i < internet_address_list_length(list); ++i) {
     InternetAddress* each = internet_address_list_get_address(list, i);
     if (INTERNET_ADDRESS_IS_MAILBOX(each)) {
       return SenderText(Text(internet_address_get_name(each)),
@@ -41,7 +41,7 @@ std::string SenderIn(InternetAddressList* list) {
 // A name behind an address: "root (Cron Daemon)".
 std::string NameBehind(std::string_view from, std::string_view charset) {
   const std::size_t end = from.find_last_not_of(" \t\r\n"), begin = from.find('(');
-  if (end == from.npos || from[end] != ')' || begin == from.npos) return "";
+  if (end == std::string::npos || from[end] != ')' || begin == std::string::npos) return "";
   return HeaderText(from.substr(begin + 1, end - begin - 1), charset);
 }
 
@@ -57,12 +57,13 @@ std::string_view WithoutEmptyAddress(std::string_view sender) {
 std::string SenderOf(std::string_view from, std::string_view charset) {
   from = from.substr(0, kLongestSender);
   const std::string field = PlainWords(from, charset);
-  const auto deep = std::count_if(field.begin(), field.end(), [](char c) { return kNesting.find(c) != kNesting.npos; });
+  const auto deep =
+      std::count_if(field.begin(), field.end(), [](char c) { return kNesting.find(c) != std::string::npos; });
   if (deep <= kDeepestSender) {
     const Ref<InternetAddressList> list(internet_address_list_parse(nullptr, field.c_str()));
     std::string sender = SenderIn(list.get());
     // Behind a local user's name the parser does not look for one.
-    if (sender.find_first_of("@<") == sender.npos) sender = SenderText(NameBehind(from, charset), sender);
+    if (sender.find_first_of("@<") == std::string::npos) sender = SenderText(NameBehind(from, charset), sender);
     if (!sender.empty()) return CleanText(OneLine(sender));
   }
   return CleanText(WithoutEmptyAddress(HeaderText(from, charset)));

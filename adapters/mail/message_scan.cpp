@@ -33,11 +33,11 @@ std::string_view WithoutEnd(std::string_view line) {
 // Keeps a field's text where it is one of ours and the first of its name.
 void Keep(std::string_view field, Head& head) {
   const std::size_t colon = field.find(':');
-  if (colon == field.npos) return;
+  if (colon == std::string::npos) return;
   std::string_view name = field.substr(0, colon);
   while (!name.empty() && IsBlank(name.back())) name.remove_suffix(1);
   for (const auto& each : kFields) {
-    if (EqualsIgnoringAsciiCase(each.name, name) && (head.*each.field).data() == nullptr) {
+    if (EqualsIgnoringAsciiCase(each.name, name) && !(head.*each.field).data()) {
       head.*each.field = field.substr(colon + 1);
     }
   }
@@ -56,7 +56,7 @@ MessageScan::MessageScan(std::string_view message, AskMultipart askMultipart)
 // The line at the present place, with its end.
 std::string_view MessageScan::Line() const {
   const std::size_t end = text_.find('\n', at_);
-  return text_.substr(at_, end == text_.npos ? text_.npos : end + 1 - at_);
+  return text_.substr(at_, end == std::string::npos ? std::string::npos : end + 1 - at_);
 }
 
 // Up to and with the empty line behind it; to a delimiter where that is missing.

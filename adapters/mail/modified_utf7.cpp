@@ -56,7 +56,7 @@ std::optional<std::string> Unshift(std::string_view digits) {
   char32_t high = 0;
   for (const char digit : digits) {
     const std::size_t value = kDigits.find(digit);
-    if (value == std::string_view::npos) return std::nullopt;
+    if (value == std::string::npos) return std::nullopt;
     bits = (bits << 6) | static_cast<std::uint32_t>(value);
     if ((held += 6) < 16) continue;
     held -= 16;
@@ -117,7 +117,7 @@ std::string FromModifiedUtf7(std::string_view name) {
       continue;
     }
     const std::size_t end = name.find('-', at);
-    if (end == std::string_view::npos) return std::string(name);
+    if (end == std::string::npos) return std::string(name);
     if (end == at + 1) {
       out += '&';
     } else {

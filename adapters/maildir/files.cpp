@@ -23,7 +23,8 @@ struct CloseFolder {
 }  // namespace
 
 bool IsStep(std::string_view name) {
-  return !name.empty() && name != "." && name != ".." && name.find_first_of(std::string_view("/\0", 2)) == name.npos;
+  return !name.empty() && name != "." && name != ".." &&
+         name.find_first_of(std::string_view("/\0", 2)) == std::string::npos;
 }
 
 File OpenFolder(const File& top, std::string_view path) {

@@ -54,7 +54,7 @@ std::string_view UniquePart(std::string_view fileName) { return fileName.substr(
 std::optional<std::int64_t> SizeFromName(std::string_view fileName) {
   const std::string_view unique = UniquePart(fileName);
   const std::size_t at = unique.find(",S=");
-  if (at == std::string_view::npos) return std::nullopt;
+  if (at == std::string::npos) return std::nullopt;
   std::int64_t size = -1;
   const auto end = std::from_chars(unique.data() + at + 3, unique.data() + unique.size(), size);
   const bool whole = end.ec == std::errc() && (end.ptr == unique.data() + unique.size() || *end.ptr == ',');

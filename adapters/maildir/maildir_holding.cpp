@@ -66,7 +66,7 @@ bool Holding::Take(const std::string& tree, Folder& from, std::string_view uniqu
   const auto announce = [&](const std::string& name, bool isNew) {
     held.name = std::string(isNew ? kInNew : kInCur) + name;
     const std::size_t mark = name.find(":2,");
-    held.flags = mark == name.npos ? "" : name.substr(mark + 3);
+    held.flags = mark == std::string::npos ? "" : name.substr(mark + 3);
     if (!base::ReplaceFile(into, RecordName(held.id), mail::WriteHeldRecord(held), {base::Durable::Yes})) {
       RefuseToHold(std::strerror(errno));
     }

@@ -31,7 +31,7 @@ std::string Parameters(std::string_view field, std::string_view charset) {
 }
 
 Ref<GMimeContentType> TypeOf(const Head& head, bool isMessage, std::string_view charset) {
-  if (head.contentType.data() == nullptr) {
+  if (!head.contentType.data()) {
     return Ref<GMimeContentType>(isMessage ? g_mime_content_type_new("message", "rfc822")
                                            : g_mime_content_type_new("text", "plain"));
   }
@@ -92,7 +92,7 @@ std::int64_t DecodedSize(std::string_view content, std::string_view encodingFiel
 // A type without a subtype is none, and what has no type is plain text.
 std::string_view MediaOf(const Leaf& leaf, GMimeContentType* type) {
   const std::string_view field = leaf.head.contentType;
-  const bool isWhole = field.data() == nullptr || field.substr(0, field.find(';')).find('/') != field.npos;
+  const bool isWhole = !field.data() || field.substr(0, field.find(';')).find('/') != std::string::npos;
   return isWhole ? Text(g_mime_content_type_get_media_type(type)) : "";
 }
 
@@ -100,7 +100,7 @@ void ReadLeaf(const Leaf& leaf, MessageCharset& charset, Read what, MessageConte
   const auto type = TypeOf(leaf.head, leaf.isMessage, charset.For(leaf.head.contentType));
   const std::string_view media = MediaOf(leaf, type.get());
   const Ref<GMimeContentDisposition> disposition(
-      leaf.head.contentDisposition.data() == nullptr
+      !leaf.head.contentDisposition.data()
           ? nullptr
           : g_mime_content_disposition_parse(
                 nullptr, Parameters(leaf.head.contentDisposition, charset.For(leaf.head.contentDisposition)).c_str()));

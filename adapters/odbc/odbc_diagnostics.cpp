@@ -18,7 +18,7 @@ Diagnostic FirstDiagnostic(SQLSMALLINT handleType, SQLHANDLE handle) {
     if (static_cast<std::size_t>(length) < text.size()) break;
     text.resize(static_cast<std::size_t>(length) + 1);
   }
-  text.resize(text.find('\0') == text.npos ? text.size() : text.find('\0'));
+  text.resize(text.find('\0') == std::string::npos ? text.size() : text.find('\0'));
   return {state, text};
 }
 

@@ -39,7 +39,7 @@ constexpr Rule kRules[] = {
 
 std::int32_t NumberOf(std::string_view sqlState, std::string_view text) {
   for (const Rule& rule : kRules) {
-    if (sqlState.starts_with(rule.sqlState) && text.find(rule.text) != text.npos) return rule.number;
+    if (sqlState.starts_with(rule.sqlState) && text.find(rule.text) != std::string::npos) return rule.number;
   }
   return codes::kFailed;
 }

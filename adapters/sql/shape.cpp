@@ -145,7 +145,7 @@ void CheckTokens(Tokens own, Tokens completed, Tokens orderBy) {
 }  // namespace
 
 std::vector<std::string_view> CheckedStatements(const Batch& batch) {
-  if (batch.sql.find('\0') != batch.sql.npos) throw DatabaseError("42000", "The SQL holds a zero byte.");
+  if (batch.sql.find('\0') != std::string::npos) throw DatabaseError("42000", "The SQL holds a zero byte.");
   const auto own = Tokenize(batch.pattern, Placeholders::Read);
   const auto completed = Tokenize(batch.sql, Placeholders::Ignore);
   const auto orderBy = Tokenize(batch.orderBy, Placeholders::Read);

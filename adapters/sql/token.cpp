@@ -50,7 +50,7 @@ Piece LineComment(std::string_view text) {
 
 Piece BlockComment(std::string_view text) {
   const auto end = text.find("*/", 2);
-  return UpTo(text, TokenKind::Comment, end == text.npos ? text.size() + 1 : end + 2);
+  return UpTo(text, TokenKind::Comment, end == std::string::npos ? text.size() + 1 : end + 2);
 }
 
 Piece Number(std::string_view text) {

@@ -79,7 +79,7 @@ void AddMailboxAlert(const Organization& organization, AlertBook& book, const Se
                               MailboxLimit(type, mailbox.group, 1);
     if (over > std::max<std::int64_t>(most, 1'000)) most = over, worst = &mailbox;
   }
-  if (worst == nullptr) return;
+  if (!worst) return;
   book.Add({type, DisplayName(*worst), &server, organization.mailboxGroups[worst->group].name,
             MailboxLimit(type, worst->group, 1), Measured(type.measure, worst->messages, worst->space, worst->person)});
 }

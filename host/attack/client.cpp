@@ -51,7 +51,7 @@ extern "C" size_t KalvoTakeHeader(char* bytes, size_t size, size_t count, void* 
     headers.clear();  // an answer before the answer
   } else if (headers.size() == kMostHeaders) {
     return 0;  // ends the request
-  } else if (colon != line.npos) {
+  } else if (colon != std::string::npos) {
     headers.emplace_back(ToLower(line.substr(0, colon)), Trimmed(line.substr(colon + 1)));
   }
   return size * count;

@@ -12,7 +12,7 @@ constexpr std::string_view kTag = "<kalvo-probe";                            // 
 constexpr std::string_view kText = "%22%3E%3Ckalvo-probe%20x%3D%271%27%3E";  // "><kalvo-probe x='1'>
 constexpr std::string_view kNeverIssued = "AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA";
 
-bool Holds(std::string_view text, std::string_view part) { return text.find(part) != text.npos; }
+bool Holds(std::string_view text, std::string_view part) { return text.find(part) != std::string::npos; }
 
 std::string Told(int status) { return "it is answered " + std::to_string(status); }
 
@@ -36,8 +36,8 @@ constexpr Promise kPromises[] = {
 
 std::string_view ScriptsOf(std::string_view policy) {
   auto at = policy.find("script-src");
-  if (at == policy.npos) at = policy.find("default-src");
-  if (at == policy.npos) return policy;
+  if (at == std::string::npos) at = policy.find("default-src");
+  if (at == std::string::npos) return policy;
   const std::string_view rest = policy.substr(at);
   return rest.substr(0, rest.find(';'));
 }

@@ -175,24 +175,24 @@ class Check {
   static bool IsLetter(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
 
   static std::size_t FindWord(std::string_view text, std::string_view word, std::size_t from = 0) {
-    for (std::size_t at = text.find(word, from); at != std::string_view::npos; at = text.find(word, at + 1)) {
+    for (std::size_t at = text.find(word, from); at != std::string::npos; at = text.find(word, at + 1)) {
       const std::size_t end = at + word.size();
       if ((at == 0 || !IsLetter(text[at - 1])) && (end == text.size() || !IsLetter(text[end]))) return at;
     }
-    return std::string_view::npos;
+    return std::string::npos;
   }
 
   // Whether a statement reads a column of a table: it names both, or all columns of one of the table's aliases.
   static bool ReadsColumn(std::string_view sql, std::string_view table, std::string_view column) {
     std::size_t at = FindWord(sql, table);
-    if (at == std::string_view::npos) return false;
-    if (FindWord(sql, column) != std::string_view::npos) return true;
-    for (; at != std::string_view::npos; at = FindWord(sql, table, at + 1)) {
+    if (at == std::string::npos) return false;
+    if (FindWord(sql, column) != std::string::npos) return true;
+    for (; at != std::string::npos; at = FindWord(sql, table, at + 1)) {
       const std::size_t alias = std::min(at + table.size() + 1, sql.size());
       std::size_t end = alias;
       while (end < sql.size() && IsLetter(sql[end])) ++end;
       const std::string all = std::string(sql.substr(alias, end - alias)) + ".*";
-      if (end > alias && FindWord(sql, all) != std::string_view::npos) return true;
+      if (end > alias && FindWord(sql, all) != std::string::npos) return true;
     }
     return false;
   }

@@ -15,7 +15,7 @@ namespace {
 constexpr ReportName kReports[] = {KALVO_TABLE_CONSTANTS(KALVO_REPORT)};
 #undef KALVO_REPORT
 
-bool Has(std::string_view text, std::string_view piece) { return text.find(piece) != std::string_view::npos; }
+bool Has(std::string_view text, std::string_view piece) { return text.find(piece) != std::string::npos; }
 
 }  // namespace
 

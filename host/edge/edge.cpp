@@ -104,7 +104,7 @@ void CleanByRules(Cleaning& cleaning, const Source& source, const Surroundings& 
     // In a query or a form it is refused; a cookie may be somebody else's.
     if (&source == &kCookies && HoldsPlaceholder(value))
       return cleaning.TakeAway(source, rule ? rule->parameter : "a cookie", value);
-    if (rule == nullptr) return true;
+    if (!rule) return true;
     if (rule->sources == Sources::QueryOnly && &source != &kQuery) {
       return cleaning.TakeAway(source, rule->parameter, value);
     }

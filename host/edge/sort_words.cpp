@@ -23,7 +23,7 @@ bool ForEachWord(std::string_view list, Take&& take) {
     std::string_view item = Trimmed(list.substr(from, to - from), " ");
     from = to + 1;
     const std::size_t blank = item.find(' ');
-    if (blank != std::string_view::npos) {
+    if (blank != std::string::npos) {
       const std::string_view direction = Trimmed(item.substr(blank), " ");
       if (direction != constants.gszAscendingSort() && direction != constants.gszDescendingSort()) return false;
       item = item.substr(0, blank);

@@ -38,7 +38,7 @@ bool IsNameCharacter(char c) {
 
 std::optional<Address> ParseAddress(std::string_view text) {
   const auto colon = text.rfind(':');
-  if (colon == std::string_view::npos) return std::nullopt;
+  if (colon == std::string::npos) return std::nullopt;
   const auto port = ParsePort(text.substr(colon + 1));
   if (!port) return std::nullopt;
   const std::string host(text.substr(0, colon));
@@ -64,7 +64,7 @@ bool IsNetwork(std::string_view text) {
   const std::string_view address = text.substr(0, slash);
   const bool four = Parse4(address).has_value();
   if (!four && !Parse6(address)) return false;
-  if (slash == std::string_view::npos) return true;
+  if (slash == std::string::npos) return true;
   const std::string_view digits = text.substr(slash + 1);
   unsigned bits = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), bits);

@@ -77,7 +77,7 @@ double ReadDigits(std::string_view text) {
   if (read.ec == std::errc::result_out_of_range) {
     // Too large, or so small that it is nothing: the exponent's sign tells.
     const std::size_t power = text.find_first_of("eE");
-    const bool tiny = power != std::string_view::npos && text[power + 1] == '-';
+    const bool tiny = power != std::string::npos && text[power + 1] == '-';
     return tiny ? 0 : std::numeric_limits<double>::infinity();
   }
   return number;

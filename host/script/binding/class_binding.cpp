@@ -6,7 +6,7 @@ namespace kalvo::host {
 
 std::string Signature(const Member& member) {
   std::string text(member.name);
-  if (member.kind == MemberKind::Property) return member.set != nullptr ? text + "*" : text;
+  if (member.kind == MemberKind::Property) return member.set ? text + "*" : text;
   text += '(';
   for (const Parameter& parameter : member.Parameters()) {
     Append(text, text.back() == '(' ? "" : ", ", parameter.name);

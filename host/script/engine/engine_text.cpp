@@ -20,7 +20,7 @@ std::string TextAt(duk_context* context, duk_idx_t index) {
   duk_size_t length = 0;
   const char* text = duk_get_lstring(context, index, &length);
   std::string utf8;
-  if (text != nullptr) AppendFromEngine(utf8, {text, length});
+  if (text) AppendFromEngine(utf8, {text, length});
   return utf8;
 }
 

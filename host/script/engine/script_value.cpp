@@ -72,7 +72,7 @@ Value ObjectValue(Engine& engine, duk_idx_t index) {
   duk_context* context = engine.Context();
   if (auto own = NativeAt(context, index)) {
     const auto* text = dynamic_cast<const TextObject*>(own.get());
-    return text != nullptr ? Value(text->Text()) : Value(std::move(own));
+    return text ? Value(text->Text()) : Value(std::move(own));
   }
   duk_require_stack(context, 8);
   if (IsInstance(context, index, "Date")) return DateAt(context, index);
@@ -102,7 +102,7 @@ ScriptReference::ScriptReference(Engine& engine, duk_idx_t index) : home_(engine
 }
 
 ScriptReference::~ScriptReference() {
-  if (*home_ == nullptr) return;
+  if (!*home_) return;
   duk_context* context = (*home_)->Context();
   if (!duk_check_stack(context, 4)) return;  // kept until the engine closes
   duk_push_heap_stash(context);
@@ -114,7 +114,7 @@ ScriptReference::~ScriptReference() {
 }
 
 Engine& ScriptReference::Home() const {
-  if (*home_ == nullptr) throw ObjectRequired();
+  if (!*home_) throw ObjectRequired();
   return **home_;
 }
 
@@ -177,7 +177,7 @@ void PushValue(Engine& engine, const Value& value) {
 void PushObject(Engine& engine, const std::shared_ptr<Object>& object) {
   duk_context* context = engine.Context();
   duk_require_stack(context, 12);
-  if (object == nullptr) {
+  if (!object) {
     duk_push_null(context);
   } else if (const auto* script = dynamic_cast<const ScriptBacked*>(object.get())) {
     script->Reference().Push();

@@ -61,7 +61,7 @@ constexpr Attribute kAttributes[] = {
 
 void TakeWords(PageDirective& directive, const Attribute& attribute, std::string_view value) {
   std::size_t words = 0;
-  for (std::size_t from = value.find_first_not_of(kBetweenWords); from != std::string_view::npos;) {
+  for (std::size_t from = value.find_first_not_of(kBetweenWords); from != std::string::npos;) {
     const std::size_t to = std::min(value.find_first_of(kBetweenWords, from), value.size());
     const std::string_view word = value.substr(from, to - from);
     if (++words > kMostWords || !attribute.taken(word)) Refuse(attribute);
@@ -82,7 +82,7 @@ class Attributes {
     name = Take(rest_.find_first_of(" \t\r\n="));
     value = {};
     const std::size_t equals = rest_.find_first_not_of(kBlanks);
-    if (equals == std::string_view::npos || rest_[equals] != '=') return true;
+    if (equals == std::string::npos || rest_[equals] != '=') return true;
     rest_.remove_prefix(equals + 1);
     rest_.remove_prefix(std::min(rest_.find_first_not_of(kBlanks), rest_.size()));
     const bool quoted = rest_.starts_with('"') || rest_.starts_with('\'');

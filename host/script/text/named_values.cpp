@@ -23,7 +23,7 @@ NamedValues NamedValues::FromCookies(std::string_view header) {
   NamedValues names;
   ForEachPart(header, ';', [&](std::string_view part) {
     const std::size_t start = part.find_first_not_of(" \t");
-    if (start == std::string_view::npos) return;
+    if (start == std::string::npos) return;
     part = part.substr(start, part.find_last_not_of(" \t") - start + 1);
     AddPart(names, part);
   });

@@ -21,7 +21,7 @@ inline std::string_view KeyOf(std::string_view part) { return part.substr(0, par
 // What stands behind the "="; nothing where there is none.
 inline std::string_view ValueOf(std::string_view part) {
   const std::size_t equals = part.find('=');
-  return equals == std::string_view::npos ? std::string_view() : part.substr(equals + 1);
+  return equals == std::string::npos ? std::string_view() : part.substr(equals + 1);
 }
 
 }  // namespace kalvo::host

@@ -18,8 +18,8 @@ Sender SenderOf(const host::PageRequest& request) {
   const std::string_view origin = VariableOf(request, "HTTP_ORIGIN");
   if (origin.empty()) return site.empty() ? Sender::Untold : Sender::ThisSite;
   const std::size_t host = origin.find("://");
-  const bool fits = host != std::string_view::npos &&
-                    EqualsIgnoringAsciiCase(origin.substr(host + 3), VariableOf(request, "HTTP_HOST"));
+  const bool fits =
+      host != std::string::npos && EqualsIgnoringAsciiCase(origin.substr(host + 3), VariableOf(request, "HTTP_HOST"));
   return fits ? Sender::ThisSite : Sender::Elsewhere;
 }
 

@@ -49,7 +49,7 @@ void AppendLine(std::string& out, std::string_view text) { Append(out, text, '\n
 // Takes a line off the text; nothing when it has no whole line.
 std::optional<std::string> TakeLine(std::string_view& text) {
   const std::size_t end = text.find('\n');
-  if (end == std::string_view::npos) return std::nullopt;
+  if (end == std::string::npos) return std::nullopt;
   std::string line(text.substr(0, end));
   text.remove_prefix(end + 1);
   return line;

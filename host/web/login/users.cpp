@@ -140,8 +140,8 @@ std::string User::Stamp() const { return Fingerprint(LineOf(*this)); }
 
 std::optional<std::string> AccountNamed(std::string_view name) {
   const std::size_t slash = name.find('\\');
-  const std::string_view domain = slash == std::string_view::npos ? kDomain : name.substr(0, slash);
-  const std::string_view person = slash == std::string_view::npos ? name : name.substr(slash + 1);
+  const std::string_view domain = slash == std::string::npos ? kDomain : name.substr(0, slash);
+  const std::string_view person = slash == std::string::npos ? name : name.substr(slash + 1);
   if (!IsPart(domain) || !IsPart(person)) return std::nullopt;
   return Built([&](std::string& out) { Append(out, domain, '\\', person); });
 }
