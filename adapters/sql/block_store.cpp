@@ -6,7 +6,6 @@
 
 #include "adapters/sql/diagnostics.h"
 #include "kalvo/platform/append.h"
-#include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
 
 namespace kalvo::sql {
@@ -100,19 +99,7 @@ const BlockStore::Cell& BlockStore::At(std::int32_t field, std::int32_t row) con
 }
 
 std::string_view BlockStore::Text(std::int32_t field, std::int32_t row, std::string& scratch) const {
-  const Cell& cell = At(field, row);
-  switch (cell.kind) {
-    case Kind::Null: return {};
-    case Kind::Boolean: return cell.integer ? "True" : "False";
-    case Kind::Text:
-    case Kind::Binary: return {cell.bytes, cell.size};
-    default: break;
-  }
-  scratch.clear();
-  if (cell.kind == Kind::Integer) Append(scratch, cell.integer);
-  if (cell.kind == Kind::Double) AppendDouble(scratch, cell.number);
-  if (cell.kind == Kind::Date) AppendDate(scratch, Date{cell.number}, locale_);
-  return scratch;
+  return TextOf(At(field, row), locale_, scratch);
 }
 
 std::optional<std::span<const std::uint8_t>> BlockStore::Binary(std::int32_t field, std::int32_t row) const {

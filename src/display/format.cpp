@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <optional>
 
+#include "display/value_text.h"
 #include "kalvo/display.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
@@ -18,7 +19,6 @@ namespace {
 
 constexpr int kSignificantDigits = 15;
 constexpr int kDecimals = 2;
-constexpr int kFirstShownYear = 1951;
 
 // A number as the decimal digits that round it: 0.d1d2d3... x 10^point.
 struct Decimal {
@@ -81,34 +81,6 @@ void AppendDecimal(std::string& out, const Decimal& decimal, int decimals, const
   for (int i = whole; i < whole + decimals; ++i) out += digit(i);
 }
 
-// Most numbers are small and not near a tie: hundredths in plain arithmetic round them as their decimal digits do.
-// Nothing for a number that needs its digits looked at.
-std::optional<std::int64_t> Hundredths(double number) {
-  constexpr double kLargest = 1e6;
-  constexpr double kNearTie = 1e-6;
-  if (!(number < kLargest)) return std::nullopt;
-  const double scaled = number * 100;
-  const double whole = std::floor(scaled);
-  const double rest = scaled - whole;
-  if (std::abs(rest - 0.5) < kNearTie) return std::nullopt;
-  return static_cast<std::int64_t>(whole) + (rest > 0.5 ? 1 : 0);
-}
-
-void AppendGrouped(std::string& out, std::int64_t number, const Locale& locale) {
-  char digits[24];
-  const auto count = std::to_chars(digits, digits + sizeof digits, number).ptr - digits;
-  for (std::ptrdiff_t i = 0; i < count; ++i) {
-    if (i > 0 && (count - i) % 3 == 0) AppendGroupSeparator(out, locale);
-    out += digits[i];
-  }
-}
-
-void AppendHundredths(std::string& out, std::int64_t hundredths, const Locale& locale) {
-  AppendGrouped(out, hundredths / 100, locale);
-  const auto cents = static_cast<char>(hundredths % 100);
-  Append(out, locale.decimalPoint, static_cast<char>('0' + cents / 10), static_cast<char>('0' + cents % 10));
-}
-
 }  // namespace
 
 // ---- numbers --------------------------------------------------------------------------------------------
@@ -123,21 +95,14 @@ void Display::AppendNumber(std::string& out, std::string_view number, bool decim
 }
 
 void Display::AppendNumber(std::string& out, double number, bool decimal) const {
-  constexpr double kExactIntegers = 1e15;
   if (!std::isfinite(number)) throw Overflow();
-  const double size = std::abs(number);
-  if (!decimal && size < kExactIntegers && size == std::floor(size)) {
-    if (number < 0) out += '-';
-    AppendGrouped(out, static_cast<std::int64_t>(size), locale_);
-    return;
-  }
-  if (const auto hundredths = decimal ? Hundredths(size) : std::nullopt) {
-    if (number < 0 && *hundredths != 0) out += '-';
-    AppendHundredths(out, *hundredths, locale_);
+  char text[kMostNumberBytes];
+  if (char* end = WriteNumber(text, number, decimal, locale_)) {
+    out.append(text, end);
     return;
   }
   const int decimals = decimal ? kDecimals : 0;
-  Decimal digits = DecimalOf(size);
+  Decimal digits = DecimalOf(std::abs(number));
   Round(digits, decimals);
   if (number < 0 && !digits.zero) out += '-';
   AppendDecimal(out, digits, decimals, locale_);
@@ -172,7 +137,7 @@ void Display::AppendNumericValue(std::string& out, double number, double scale, 
 
 namespace {
 
-// Years up to 1950 are no dates of the product's: the default stands for them.
+// Nothing for a year that is not shown: the default stands for it.
 std::optional<Date> ShownDate(std::string_view text, const Locale& locale) {
   const auto read = ParseDate(text, locale);
   return read && YearOf(*read) >= kFirstShownYear ? read : std::nullopt;

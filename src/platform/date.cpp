@@ -5,6 +5,7 @@
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
+#include "platform/date_text.h"
 
 namespace kalvo {
 
@@ -27,52 +28,67 @@ struct Moment {
   int seconds = 0;  // since midnight
 };
 
+// To the next whole number, halves away from zero. `number` is not negative.
+int Rounded(double number) {
+  const int whole = static_cast<int>(number);
+  return number - whole >= 0.5 ? whole + 1 : whole;
+}
+
 std::optional<Moment> TakeApart(double serial) {
   if (!(std::abs(serial) < 4e6)) return std::nullopt;
-  double whole = std::trunc(serial);
-  int seconds = static_cast<int>(std::lround(std::abs(serial - whole) * kSecondsOfDay));
+  int whole = static_cast<int>(serial);
+  int seconds = Rounded(std::abs(serial - whole) * kSecondsOfDay);
   if (seconds == kSecondsOfDay) {
     whole += 1;  // the time runs forward before day zero, too
     seconds = 0;
   }
-  const year_month_day day{kDayZero + days{static_cast<int>(whole)}};
+  const year_month_day day{kDayZero + days{whole}};
   if (int{day.year()} < kFirstYear || int{day.year()} > kLastYear) return std::nullopt;
   return Moment{day, whole == 0, seconds};
 }
 
-void AppendTwoDigits(std::string& out, unsigned number) {
-  if (number < 10) out += '0';
-  Append(out, number);
+char* WriteTwoDigits(char* to, unsigned number) {
+  *to++ = static_cast<char>('0' + number / 10);
+  *to++ = static_cast<char>('0' + number % 10);
+  return to;
 }
 
-void AppendDayPart(std::string& out, unsigned number, const Locale& locale) {
-  if (locale.padDate) return AppendTwoDigits(out, number);
-  Append(out, number);
+// A number below 100, with two digits in any case or where it needs them.
+char* WritePart(char* to, unsigned number, bool padded) {
+  if (padded || number >= 10) return WriteTwoDigits(to, number);
+  *to++ = static_cast<char>('0' + number);
+  return to;
 }
 
-void AppendDay(std::string& out, const year_month_day& day, const Locale& locale) {
+char* WriteYear(char* to, unsigned year) {
+  if (year >= 1000) return WriteTwoDigits(WriteTwoDigits(to, year / 100), year % 100);
+  *to++ = static_cast<char>('0' + year / 100);
+  return WriteTwoDigits(to, year % 100);
+}
+
+char* WriteDay(char* to, const year_month_day& day, const Locale& locale) {
   const unsigned month{day.month()}, dayOfMonth{day.day()};
   const bool monthFirst = locale.dateOrder == DateOrder::MonthDayYear;
-  AppendDayPart(out, monthFirst ? month : dayOfMonth, locale);
-  out += locale.dateSeparator;
-  AppendDayPart(out, monthFirst ? dayOfMonth : month, locale);
-  Append(out, locale.dateSeparator, int{day.year()});
+  to = WritePart(to, monthFirst ? month : dayOfMonth, locale.padDate);
+  *to++ = locale.dateSeparator;
+  to = WritePart(to, monthFirst ? dayOfMonth : month, locale.padDate);
+  *to++ = locale.dateSeparator;
+  return WriteYear(to, static_cast<unsigned>(int{day.year()}));
 }
 
-void AppendTime(std::string& out, int seconds, const Locale& locale) {
-  const auto hour = static_cast<unsigned>(seconds / 3600);
-  const auto minute = static_cast<unsigned>(seconds / 60 % 60);
-  const auto second = static_cast<unsigned>(seconds % 60);
-  if (locale.hours == HourCycle::TwentyFour) {
-    AppendTwoDigits(out, hour);
-  } else {
-    Append(out, hour % 12 == 0 ? 12 : hour % 12);
-  }
-  out += ':';
-  AppendTwoDigits(out, minute);
-  out += ':';
-  AppendTwoDigits(out, second);
-  if (locale.hours == HourCycle::Twelve) out += hour < 12 ? " AM" : " PM";
+char* WriteTime(char* to, unsigned seconds, const Locale& locale) {
+  const unsigned hour = seconds / 3600;
+  const bool twelve = locale.hours == HourCycle::Twelve;
+  to = WritePart(to, twelve ? (hour % 12 == 0 ? 12 : hour % 12) : hour, !twelve);
+  *to++ = ':';
+  to = WriteTwoDigits(to, seconds / 60 % 60);
+  *to++ = ':';
+  to = WriteTwoDigits(to, seconds % 60);
+  if (!twelve) return to;
+  *to++ = ' ';
+  *to++ = hour < 12 ? 'A' : 'P';
+  *to++ = 'M';
+  return to;
 }
 
 // Reads a date text from left to right.
@@ -187,13 +203,21 @@ class DateReader {
 
 }  // namespace
 
-void AppendDate(std::string& out, Date date, const Locale& locale) {
+std::optional<DateText> WriteDate(char* to, Date date, const Locale& locale) {
   const auto moment = TakeApart(date.serial);
-  if (!moment) throw TypeMismatch();
-  if (!moment->isDayZero) AppendDay(out, moment->day, locale);
-  if (moment->seconds == 0 && !moment->isDayZero) return;
-  if (!moment->isDayZero) out += ' ';
-  AppendTime(out, moment->seconds, locale);
+  if (!moment) return std::nullopt;
+  const int year{moment->day.year()};
+  if (!moment->isDayZero) to = WriteDay(to, moment->day, locale);
+  if (moment->seconds == 0 && !moment->isDayZero) return DateText{to, year};
+  if (!moment->isDayZero) *to++ = ' ';
+  return DateText{WriteTime(to, static_cast<unsigned>(moment->seconds), locale), year};
+}
+
+void AppendDate(std::string& out, Date date, const Locale& locale) {
+  char text[kMostDateBytes];
+  const auto written = WriteDate(text, date, locale);
+  if (!written) throw TypeMismatch();
+  out.append(text, written->end);
 }
 
 std::optional<Date> MakeDate(int year, int month, int day, int hour, int minute, int second) {

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "kalvo/platform/locale.h"
+
 namespace kalvo {
 
 // One value of a result in its own type. `StoredValue{}` is null. What it points to stays as long as its row.
@@ -21,6 +23,10 @@ struct StoredValue {
   std::uint32_t size;  // of text and binary
   Kind kind;
 };
+
+// The text of a value: null "", booleans "True"/"False", dates in the general date format; a serial that is no date
+// fails with 13. The view is into the value or into `scratch`.
+std::string_view TextOf(const StoredValue& value, const Locale& locale, std::string& scratch);
 
 // A whole result, kept by its record set. Fields and rows count from 0.
 class Rows {
