@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "host/script/text/encoding.h"
 #include "kalvo/platform/conversion.h"
+#include "kalvo/platform/encoding.h"
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/page_host.h"
 
@@ -19,6 +19,7 @@ struct Parameter {
 
 class MemoryResponse : public Response {
  public:
+  bool SeesCalls() const override { return false; }
   void Write(std::string_view written) override { text += written; }
   void Flush() override {}
   std::string text;
@@ -27,6 +28,7 @@ class MemoryResponse : public Response {
 class MemoryRequest : public Request {
  public:
   explicit MemoryRequest(std::vector<Parameter> parameters) : parameters_(std::move(parameters)) {}
+  bool SeesCalls() const override { return false; }
   std::vector<std::string> QueryKeys() override {
     std::vector<std::string> keys;
     for (const Parameter& parameter : parameters_) keys.push_back(parameter.name);
@@ -54,14 +56,16 @@ class MemoryRequest : public Request {
 
 class MemorySession : public Session {
  public:
+  bool SeesCalls() const override { return false; }
   Value Item(std::string_view) override { return Empty{}; }
   std::shared_ptr<LiveContainer> StaticObject(std::string_view) override { throw ObjectRequired(); }
 };
 
 class MemoryServer : public Server {
  public:
-  void HTMLEncode(std::string& out, std::string_view text) override { host::AppendHtmlEncoded(out, text); }
-  void URLEncode(std::string& out, std::string_view text) override { host::AppendUrlEncoded(out, text); }
+  bool SeesCalls() const override { return false; }
+  void HTMLEncode(std::string& out, std::string_view text) override { AppendHtmlEncoded(out, text); }
+  void URLEncode(std::string& out, std::string_view text) override { AppendUrlEncoded(out, text); }
 };
 
 class MemoryPage : public ScriptingContext {

@@ -1,8 +1,8 @@
 #include "host/cli/report_page.h"
 
 #include "host/script/page/request.h"
-#include "host/script/text/encoding.h"
 #include "kalvo/platform/conversion.h"
+#include "kalvo/platform/encoding.h"
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/page_host.h"
 #include "kalvo/table_generator.h"
@@ -12,6 +12,7 @@ namespace {
 
 class TextResponse : public Response {
  public:
+  bool SeesCalls() const override { return false; }
   void Write(std::string_view piece) override { text += piece; }
   void Flush() override {}
   std::string text;
@@ -19,6 +20,7 @@ class TextResponse : public Response {
 
 class Encoders : public Server {
  public:
+  bool SeesCalls() const override { return false; }
   void HTMLEncode(std::string& out, std::string_view text) override { AppendHtmlEncoded(out, text); }
   void URLEncode(std::string& out, std::string_view text) override { AppendUrlEncoded(out, text); }
 };
@@ -26,6 +28,7 @@ class Encoders : public Server {
 class RightsSession : public Session {
  public:
   explicit RightsSession(bool administrator) : administrator_(administrator) {}
+  bool SeesCalls() const override { return false; }
   Value Item(std::string_view name) override {
     return administrator_ && EqualsIgnoringCase(name, "KalvoAdministrator") ? Value(std::string("Yes"))
                                                                             : Value(Empty());

@@ -4,9 +4,9 @@
 #include <optional>
 
 #include "base/file.h"
-#include "host/script/text/encoding.h"
 #include "host/web/run_folder.h"
 #include "kalvo/platform/append.h"
+#include "kalvo/platform/encoding.h"
 
 namespace kalvo::web {
 namespace {
@@ -62,7 +62,7 @@ std::string ReadErrorPage(const fs::path& folder, int status, std::string_view w
   std::string content = base::ReadFile(folder / NameOf(status)).value_or(std::string(ReasonOf(status)));
   if (why.empty()) return content;
   std::string paragraph = "<p>";
-  host::AppendHtmlEncoded(paragraph, why);
+  AppendHtmlEncoded(paragraph, why);
   paragraph += "</p>\n";
   return content.insert(std::min(content.rfind("</body>"), content.size()), paragraph);
 }

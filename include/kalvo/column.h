@@ -10,36 +10,37 @@
 
 namespace kalvo {
 
-// What a column shows and how: the sixteen values of its definition.
+struct ColumnFacts;
+
+// What a column shows and how.
 struct ColumnDefinition {
   KalvoTableColumnsConstants id = COL_FIRSTCOLUMN;
   std::string name;           // the header, encoded when it is shown
   std::string databaseField;  // the field of the row source, and the sort field of the header's links
-  KalvoTableHyperlinkType hyperLinkType = HYPERLINK_NONE;
-  std::string pieChartLink, lineGraphLink;
+  KalvoTableHyperlinkType hyperLinkType = HYPERLINK_NONE;  // where a data cell leads
   ColumnTotalState totalState = column_KeepTotal;
-  bool sortColumn = false;
-  KalvoTableFormatType formatType = FORMATTYPE_FIRSTFORMAT;
-  std::int32_t dataScale = 0;
-  std::string units;
-  std::int16_t rows = 0, columns = 0;  // spans of the data cell
-  std::string align;
+  bool sortColumn = false;                                   // whether the header has links that sort
+  KalvoTableFormatType formatType = FORMATTYPE_FIRSTFORMAT;  // how a data cell shows its value
+  std::int32_t dataScale = 0;                                // what a `FORMATTYPE_NUMERICVALUE` is divided by
+  std::string units;                                         // and what stands behind it: "KB"
+  std::int16_t rows = 0, columns = 0;                        // spans of the data cell; they count above 1
+  std::string align;                                         // "left", "right", "center"
   bool noWrap = false;
-  std::string defaultValue;
-};
-
-// A definition beside its spans as attribute texts, "" for none.
-struct ColumnFacts : ColumnDefinition {
-  std::string rowSpan, columnSpan;
 };
 
 // One column of a report. A definition only: it holds nothing of a row and is shared by every table that lists
 // its id. The column catalogue makes them; a page script may make its own.
 class KalvoColumn : public TableColumn {
  public:
-  KalvoColumn() = default;
+  KalvoColumn();
   explicit KalvoColumn(ColumnDefinition definition);
 
+  // A column by facts that others share, too.
+  explicit KalvoColumn(std::shared_ptr<const ColumnFacts> facts) : facts_(std::move(facts)) {}
+
+  // Defines the column anew. Each value is the one of that name in `ColumnDefinition`. `PieChartLink`,
+  // `LineGraphLink` and `DefaultValue` are accepted and ignored: a header has no such links, and a missing value
+  // shows nothing.
   void Initialize(KalvoTableColumnsConstants Id, std::string_view Name, std::string_view DatabaseField,
                   KalvoTableHyperlinkType HyperLinkType, std::string_view PieChartLink, std::string_view LineGraphLink,
                   ColumnTotalState inTotalState, bool SortColumn, KalvoTableFormatType FormatType,
@@ -59,18 +60,16 @@ class KalvoColumn : public TableColumn {
   void AppendHeader(std::string& out, Context& context, Display& display) override;
   void AppendData(std::string& out, Context& context, Display& display, RowSource& row) override;
   void AppendTotal(std::string& out, Context& context, Display& display, RowSource& totals, bool& firstCell) override;
+  std::unique_ptr<BoundColumn> Bind(Context& context, Display& display, RowSource& rows) override;
 
-  const ColumnDefinition& Definition() const { return *facts_; }
+  const ColumnDefinition& Definition() const;
 
  private:
-  void Define(ColumnDefinition definition);
   // True for the server column of a Top-N table whose scope is one server: all its cells drop out.
   bool DropsOut(const Context& context) const;
-  void AppendLaidOut(std::string& out, const Display& display, std::string_view content, std::string_view color) const;
 
   // Replaced as a whole: a script that is asked while a cell is made may initialise the column anew.
-  std::shared_ptr<const ColumnFacts> facts_ = std::make_shared<const ColumnFacts>();
-  std::string value_, text_, url_, anchor_;  // buffers of the cell that is being made, kept for the next
+  std::shared_ptr<const ColumnFacts> facts_;
 };
 
 }  // namespace kalvo

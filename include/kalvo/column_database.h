@@ -13,15 +13,14 @@ namespace columns {
 enum class Group : std::uint8_t;
 }
 
-// The catalogue of every column, filled when it is made. Columns are shared: each id answers one object.
+// The catalogue of every column. What a column is, is shared by all catalogues; the objects are the catalogue's own,
+// each made when it is first asked for: an id answers one object.
 class KalvoColumnDatabase : public ColumnCatalogue {
  public:
-  KalvoColumnDatabase();
-
   // The column of an id, null for an id that has none. Fails with 9 outside of 1 to 128.
   std::shared_ptr<TableColumn> GetColumn(std::int16_t nColumnId) const;
 
-  // Each makes the columns of one group anew. The constructor runs them all, in this order.
+  // Each makes the columns of one group anew: their ids answer other objects from then on.
   void Initialize_RMC_Alert();
   void Initialize_EXDB_Server();
   void Initialize_EXDB_ServerTotals();
@@ -39,12 +38,13 @@ class KalvoColumnDatabase : public ColumnCatalogue {
   void Initialize_Task_Columns();
 
   std::shared_ptr<TableColumn> Column(std::int16_t id) override { return GetColumn(id); }
+  bool SeesCalls() const override { return false; }
 
  private:
   void MakeGroup(columns::Group group);
-  const std::shared_ptr<TableColumn>& Slot(std::int16_t id) const;
 
-  std::array<std::shared_ptr<TableColumn>, COL_TOTALCOLUMNS> slots_;  // slot i holds id i + 1
+  // Slot i holds id i + 1; null until it is asked for.
+  mutable std::array<std::shared_ptr<TableColumn>, COL_TOTALCOLUMNS> slots_;
 };
 
 }  // namespace kalvo

@@ -3,9 +3,11 @@
 #include <concepts>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "kalvo/enumerations.h"
 #include "kalvo/platform/append.h"
@@ -132,10 +134,17 @@ class Context : public Object {
   // owns it. Administrators are not admitted here. Never raises; a missing browsing object is reported.
   bool DrillDownPermission(std::string_view szServerName, std::string_view szMailboxName) const;
 
+  // Whether the user may see this mailbox: an administrator, or who owns it. Never raises; a missing browsing object is
+  // reported.
+  bool MaySeeMailbox(std::string_view server, std::string_view mailbox) const;
+
   // The mailbox that the product's agent makes on each server: "Kalvo EXCH01".
   std::string KalvoCreatedMailboxName(std::string_view szServerName) const;
 
   // ---- used by the library's other classes ---------------------------------------------------------------
+
+  // Whether one of the page's four objects sees how it is called, or is not there at all.
+  bool SeesCalls() const;
 
   // `DebugOutput` and `TableDebugOutput` of a message that is only made when it is shown: the maker appends it.
   template <std::invocable<std::string&> Maker>
@@ -170,6 +179,7 @@ class Context : public Object {
   KalvoTableTopN topN_ = TOPN_UNDEFINED;
 
   bool debugTable_ = false;
+  std::optional<std::vector<std::string>> debugTypes_;  // in upper case; of a request that does not see who asks it
   std::int16_t tableIndex_ = 0;
   std::string urlParameters_;
   std::int16_t sortFieldCount_ = 0;
@@ -182,20 +192,15 @@ class Context : public Object {
   std::shared_ptr<Session> session_;
   std::shared_ptr<Server> server_;
 
-  // The last navigation of the live mailbox component. They outlast a page start, all but the kind of call.
+  // The last navigation of the live mailbox component. What was opened outlasts a page start, the kind of call does
+  // not.
   enum class GotoCall : std::int32_t { None = 0, Container = 1, Message = 2 };
-  struct ContainerGoto {
-    std::string server, mailbox, container;
-    std::int32_t threshold = 0, flags = 0;
-    bool failed = false;
-  };
   struct MessageGoto {
     std::string server, mailbox, message;
     bool mailboxMessage = false;
     bool failed = false;
   };
   GotoCall lastGotoCall_ = GotoCall::None;
-  ContainerGoto lastContainer_;
   MessageGoto lastMessage_;
 };
 

@@ -13,6 +13,10 @@ namespace kalvo {
 // row. Shown to administrators only. It has no totals: `AppendTotal` fails with 438.
 class KalvoControlColumn : public TableColumn {
  public:
+  // Defines the column anew: `Name` is the header and the name of every box, `ValueDBField` the field that identifies a
+  // row and is the value of its box. `Checked` boxes start ticked, `OnClick` is their script, and without `Edit` they
+  // are pictures. `FORMATTYPE_CHECKBOX` gives each row a box, `FORMATTYPE_QVCHECKBOX` each recipient one; any other
+  // format shows the field. `Id` and `Value` are accepted and ignored.
   void Initialize(KalvoTableColumnsConstants Id, std::string_view Name, std::string_view Value,
                   std::string_view ValueDBField, bool Checked, std::string_view OnClick, bool Edit,
                   KalvoTableFormatType FormatType);
@@ -25,15 +29,15 @@ class KalvoControlColumn : public TableColumn {
   void AppendHeader(std::string& out, Context& context, Display& display) override;
   void AppendData(std::string& out, Context& context, Display& display, RowSource& row) override;
   void AppendTotal(std::string& out, Context& context, Display& display, RowSource& totals, bool& firstCell) override;
+  std::unique_ptr<BoundColumn> Bind(Context& context, Display& display, RowSource& rows) override;
 
- private:
   struct Facts {
-    KalvoTableColumnsConstants id = COL_FIRSTCOLUMN;
-    std::string name, value, valueField, onClick;
+    std::string name, valueField, onClick;
     bool checked = false, edit = false;
     KalvoTableFormatType formatType = FORMATTYPE_FIRSTFORMAT;
   };
 
+ private:
   std::string BoxValue(RowSource& row) const;
   void AppendBox(std::string& out, const Display& display, std::string_view value) const;
   void AppendBoxOfRecipient(std::string& out, const Display& display, RowSource& row);

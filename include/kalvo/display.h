@@ -10,11 +10,8 @@
 
 namespace kalvo {
 
-class Request;
-class Response;
 class ScriptingContext;
 class Server;
-class Session;
 
 // An image: its path as a page below one of the console's folders sees it, and its size in pixels.
 struct ImageView {
@@ -47,10 +44,11 @@ struct CellLayout {
   std::string_view color = {};
 };
 
-// The library's HTML vocabulary: every cell, row, anchor, image, input and formatted value is made here, so all
-// output shares one set of tags, attribute orders, line breaks and image paths. Nothing is written to the
-// response. One for a page, on one thread; builders that encode work between `OnStartPage` and `OnEndPage` and
-// fail with 91 outside of it. Content is never encoded, attribute values always are.
+// The HTML vocabulary of the rows: cells, rows, anchors, images, inputs and formatted values are made here, so that all
+// tables share one set of tags, attribute orders, line breaks and image paths. The frame around a table, the folder
+// path and a message's details have tags of their own, beside the code that writes them. Nothing is written to the
+// response. One for a page, on one thread; builders that encode work between `OnStartPage` and `OnEndPage` and fail
+// with 91 outside of it. Content is never encoded, attribute values always are.
 //
 // Each text has one maker that appends to a buffer; the published operation of the same text wraps it.
 class Display : public Object {
@@ -169,6 +167,12 @@ class Display : public Object {
                     std::string_view szContent) const;
   void AppendFormCheckboxInput(std::string& out, std::string_view name, std::string_view value, bool checked,
                                std::string_view onClick, bool edit) const;
+  // The same box in two pieces, for who puts the value between them.
+  void AppendCheckboxStart(std::string& out, std::string_view name) const;
+  void AppendCheckboxEnd(std::string& out, bool checked, std::string_view onClick) const;
+
+  // `<input type="hidden" name="InGroup" value="1">`. Nothing is encoded.
+  void AppendHiddenInput(std::string& out, std::string_view name, std::string_view value) const;
   void AppendDeleteMessageForm(std::string& out, std::string_view szServerName, std::string_view szMailboxName,
                                std::string_view szFolderId, std::string_view szMessageId, std::int32_t Flags,
                                std::string_view szContinueUrl) const;
@@ -186,6 +190,9 @@ class Display : public Object {
 
   const Locale& PageLocale() const { return locale_; }
 
+  // Whether the page's encoder sees how it is called, or is not there at all.
+  bool SeesCalls() const;
+
  private:
   void AppendSortLinkRow(std::string& out, std::string_view up, std::string_view down) const;
   void AppendSortLink(std::string& out, std::string_view link, const ImageView& image, std::string_view alt) const;
@@ -194,9 +201,6 @@ class Display : public Object {
   const Locale& locale_;
   Image message_, folder_, attachment_, noAttachment_;
   std::string bookmark_;
-  std::shared_ptr<Response> response_;
-  std::shared_ptr<Request> request_;
-  std::shared_ptr<Session> session_;
   std::shared_ptr<Server> server_;
 };
 

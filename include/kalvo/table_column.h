@@ -8,6 +8,7 @@
 
 namespace kalvo {
 
+class BoundColumn;
 class Context;
 class Display;
 class RowSource;
@@ -22,6 +23,10 @@ class TableColumn : public Object {
   // `firstCell` is true until a column has written the row's label; that column sets it to false.
   virtual void AppendTotal(std::string& out, Context& context, Display& display, RowSource& totals,
                            bool& firstCell) = 0;
+
+  // For one rendering whose rows lie stored and on which nobody looks: the column over those rows. Null for a column
+  // that is asked for each of its data cells.
+  virtual std::unique_ptr<BoundColumn> Bind(Context& context, Display& display, RowSource& rows);
 };
 
 // Answers the columns of a table by their ids.
@@ -29,6 +34,10 @@ class ColumnCatalogue : public Object {
  public:
   // The column of that id, null for an id that has none. Fails with 9 for an id outside of the catalogue.
   virtual std::shared_ptr<TableColumn> Column(std::int16_t id) = 0;
+
+  // Whether somebody can tell how often it is asked, as a page's own catalogue can. One that sees no calls is asked
+  // once for each column of a table.
+  virtual bool SeesCalls() const { return true; }
 };
 
 }  // namespace kalvo

@@ -15,10 +15,11 @@ namespace tables {
 enum class Group : std::uint8_t;
 }
 
-// The catalogue of every report table, filled when it is made. Tables are shared: each id answers one object.
+// The catalogue of every report table. What a table is, is shared by all catalogues; the objects are the catalogue's
+// own, each made when it is first asked for: an id answers one object.
 class KalvoTableDatabase : public Object {
  public:
-  explicit KalvoTableDatabase(const Platform& platform);
+  explicit KalvoTableDatabase(const Platform& platform) : platform_(platform) {}
 
   // True for every id: what is no slot is found out by the slot lookup.
   bool ValidTable(std::int32_t tableId) const;
@@ -29,7 +30,7 @@ class KalvoTableDatabase : public Object {
   // The table of an id, null for an empty slot. Fails with 9 outside of 1 to 68.
   std::shared_ptr<Table> GetTable(std::int32_t tableId) const;
 
-  // Each makes the tables of one group anew. The constructor runs them all, in this order.
+  // Each makes the tables of one group anew: their ids answer other objects from then on.
   void InitializeGeneralTables();
   void InitializeTaskTables();
   void InitializeResourceTables();
@@ -39,10 +40,11 @@ class KalvoTableDatabase : public Object {
 
  private:
   void MakeGroup(tables::Group group);
-  const std::shared_ptr<Table>& Slot(std::int32_t id) const;
 
   const Platform& platform_;
-  std::array<std::shared_ptr<Table>, TABLE_TOTALTABLES> slots_;  // slot i holds id i + 1
+
+  // Slot i holds id i + 1; null until it is asked for.
+  mutable std::array<std::shared_ptr<Table>, TABLE_TOTALTABLES> slots_;
 };
 
 }  // namespace kalvo

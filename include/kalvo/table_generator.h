@@ -14,14 +14,8 @@ class Context;
 class Display;
 class KalvoColumnDatabase;
 class KalvoTableDatabase;
-class Listing;
-class LiveContainer;
-class Request;
 class Response;
 class ScriptingContext;
-class Server;
-class Session;
-class Trap;
 
 // What a console page makes to put a report on the page. It keeps the page's context, its display and the two
 // catalogues, each made when it is first needed, and drops them when it is dropped itself.
@@ -74,16 +68,6 @@ class KalvoforExchangeTableGenerator : public Object {
   KalvoTableDatabase& Tables();
   KalvoColumnDatabase& Columns();
   std::shared_ptr<Response> PageResponse() const;
-  bool ResolveMailbox(Trap& trap, LiveContainer& live, std::string_view szServer, std::string& szMailbox);
-  bool ExplainUnresolved(Trap& trap, std::string_view szServer, std::string_view szMailbox);
-  bool TakeMailboxAddress(Trap& trap, LiveContainer& live, Listing& candidates, std::string_view szServer,
-                          std::string& szMailbox);
-  void WriteMailboxLink(Trap& trap, std::string_view szServer, std::string_view szMailbox);
-  bool WriteFolderById(Trap& trap, LiveContainer& live, std::string_view szServer, std::string_view szMailbox,
-                       std::string_view szFolderId);
-  void WriteContainerLinks(Trap& trap, std::string_view szServer, std::string_view szMailbox,
-                           std::string_view szContainer);
-  void Write(Trap& trap, std::string_view text);
 
   const Platform& platform_;
   std::shared_ptr<Context> context_;
@@ -91,9 +75,6 @@ class KalvoforExchangeTableGenerator : public Object {
   std::shared_ptr<KalvoTableDatabase> tables_;
   std::shared_ptr<KalvoColumnDatabase> columns_;
   std::shared_ptr<Response> response_;
-  std::shared_ptr<Request> request_;
-  std::shared_ptr<Session> session_;
-  std::shared_ptr<Server> server_;
 };
 
 }  // namespace kalvo

@@ -1,5 +1,6 @@
 #include "kalvo/column_database.h"
 
+#include "columns/column_facts.h"
 #include "columns/column_rows.h"
 #include "kalvo/column.h"
 #include "kalvo/control_column.h"
@@ -13,48 +14,47 @@ constexpr std::string_view AlignText(columns::Align align) {
   return align == columns::Left ? "left" : align == columns::Right ? "right" : "center";
 }
 
-std::shared_ptr<TableColumn> MakeColumn(const columns::ColumnRow& row) {
-  auto column = std::make_shared<KalvoColumn>();
-  column->Initialize(row.id, row.header, row.field, row.link, "", "",
-                     row.total == columns::Keep ? column_KeepTotal : column_NoTotal, row.sort == columns::Sorts,
-                     row.format, row.scale, row.units, 1, 1, AlignText(row.align), row.wrap == columns::NoWrap, "");
-  return column;
+std::shared_ptr<const ColumnFacts> FactsOf(const columns::ColumnRow& row) {
+  return std::make_shared<const ColumnFacts>(ColumnDefinition{
+      row.id, std::string(row.header), std::string(row.field), row.link,
+      row.total == columns::Keep ? column_KeepTotal : column_NoTotal, row.sort == columns::Sorts, row.format, row.scale,
+      std::string(row.units), 1, 1, std::string(AlignText(row.align)), row.wrap == columns::NoWrap});
 }
 
-std::shared_ptr<TableColumn> MakeColumn(const columns::ControlColumnRow& row) {
+std::shared_ptr<TableColumn> MakeBoxes(const columns::ControlColumnRow& row) {
   auto column = std::make_shared<KalvoControlColumn>();
   column->Initialize(row.id, row.name, row.value, row.field, false, "", true, row.format);
   return column;
 }
 
-}  // namespace
-
-KalvoColumnDatabase::KalvoColumnDatabase() {
-  Initialize_RMC_Alert();
-  Initialize_EXDB_Server();
-  Initialize_EXDB_ServerTotals();
-  Initialize_EXDB_ServerBackup();
-  Initialize_EXDB_Group();
-  Initialize_EXDB_MailboxGroup();
-  Initialize_EXDB_MailboxGroupTotals();
-  Initialize_EXDB_QuotaViolation();
-  Initialize_EXDB_DbFile();
-  Initialize_EXDB_DbFileHistory();
-  Initialize_EXDB_DbFileSystem();
-  Initialize_EXDB_Mailbox();
-  Initialize_TOPN_Columns();
-  Initialize_MAPI_Columns();
-  Initialize_Task_Columns();
+// The facts of every column by its id, made once for all pages; null where there is none.
+const std::shared_ptr<const ColumnFacts>& SharedFacts(std::int16_t id) {
+  static const auto facts = [] {
+    std::array<std::shared_ptr<const ColumnFacts>, COL_TOTALCOLUMNS> made;
+    for (const columns::ColumnRow& row : columns::kColumns) made[row.id - 1] = FactsOf(row);
+    return made;
+  }();
+  return facts[static_cast<std::size_t>(id - 1)];
 }
 
+std::shared_ptr<TableColumn> MakeColumn(std::int16_t id) {
+  for (const columns::ControlColumnRow& row : columns::kControlColumns) {
+    if (row.id == id) return MakeBoxes(row);
+  }
+  const auto& facts = SharedFacts(id);
+  return facts ? std::make_shared<KalvoColumn>(facts) : nullptr;
+}
+
+}  // namespace
+
 void KalvoColumnDatabase::MakeGroup(columns::Group group) {
-  const auto make = [&](const auto& rows) {
+  const auto forget = [&](const auto& rows) {
     for (const auto& row : rows) {
-      if (row.group == group) slots_[row.id - 1] = MakeColumn(row);
+      if (row.group == group) slots_[row.id - 1] = nullptr;
     }
   };
-  make(columns::kControlColumns);
-  make(columns::kColumns);
+  forget(columns::kControlColumns);
+  forget(columns::kColumns);
 }
 
 void KalvoColumnDatabase::Initialize_RMC_Alert() { MakeGroup(columns::Group::Alert); }
@@ -73,11 +73,11 @@ void KalvoColumnDatabase::Initialize_TOPN_Columns() { MakeGroup(columns::Group::
 void KalvoColumnDatabase::Initialize_MAPI_Columns() { MakeGroup(columns::Group::LiveMailbox); }
 void KalvoColumnDatabase::Initialize_Task_Columns() { MakeGroup(columns::Group::Task); }
 
-const std::shared_ptr<TableColumn>& KalvoColumnDatabase::Slot(std::int16_t id) const {
-  if (id < 1 || id > COL_TOTALCOLUMNS) throw SubscriptOutOfRange();
-  return slots_[static_cast<std::size_t>(id - 1)];
+std::shared_ptr<TableColumn> KalvoColumnDatabase::GetColumn(std::int16_t nColumnId) const {
+  if (nColumnId < 1 || nColumnId > COL_TOTALCOLUMNS) throw SubscriptOutOfRange();
+  std::shared_ptr<TableColumn>& slot = slots_[static_cast<std::size_t>(nColumnId - 1)];
+  if (!slot) slot = MakeColumn(nColumnId);
+  return slot;
 }
-
-std::shared_ptr<TableColumn> KalvoColumnDatabase::GetColumn(std::int16_t nColumnId) const { return Slot(nColumnId); }
 
 }  // namespace kalvo

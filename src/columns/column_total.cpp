@@ -1,9 +1,10 @@
 // The cell of the totals row.
 
-#include "columns/row_cell.h"
+#include "columns/asked_cell.h"
 #include "kalvo/column.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
+#include "kalvo/platform/append.h"
 #include "kalvo/platform/owned.h"
 #include "kalvo/row_source.h"
 
@@ -39,13 +40,14 @@ void KalvoColumn::AppendTotal(std::string& out, Context& context, Display& displ
     display.AppendCell(out, "");
     return;
   }
-  Scratch text(text_);
-  *text = "<strong>";
-  const auto start = text->size();
-  AppendSum(*text, facts_, display, totals);
-  if (text->size() == start) *text += "&nbsp;";
-  *text += "</strong>";
-  AppendLaidOut(out, display, *text, "");
+  const std::string text = Built([&](std::string& made) {
+    made = "<strong>";
+    const auto start = made.size();
+    AppendSum(made, facts_, display, totals);
+    if (made.size() == start) made += "&nbsp;";
+    made += "</strong>";
+  });
+  AppendLaidOut(out, facts_, display, text, "");
 }
 
 }  // namespace kalvo

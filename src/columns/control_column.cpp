@@ -1,5 +1,7 @@
 #include "kalvo/control_column.h"
 
+#include "columns/bound_column.h"
+#include "display/page_text.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
 #include "kalvo/platform/append.h"
@@ -9,11 +11,48 @@
 
 namespace kalvo {
 
-void KalvoControlColumn::Initialize(KalvoTableColumnsConstants Id, std::string_view Name, std::string_view value,
-                                    std::string_view ValueDBField, bool Checked, std::string_view OnClick, bool Edit,
-                                    KalvoTableFormatType FormatType) {
-  facts_ = std::make_shared<const Facts>(Facts{Id, std::string(Name), std::string(value), std::string(ValueDBField),
-                                               std::string(OnClick), Checked, Edit, FormatType});
+namespace {
+
+// A box for each row, all alike but for the identifier of the row.
+class StoredBoxes final : public BoundColumn {
+ public:
+  StoredBoxes(const KalvoControlColumn::Facts& column, const Display& display, std::int32_t field) : field_(field) {
+    display.AppendCellStart(start_, {.align = "center"});
+    display.AppendCheckboxStart(start_, column.name);
+    display.AppendCheckboxEnd(end_, column.checked, column.onClick);
+  }
+
+  bool AppendCell(PageText& out, const StoredValue* row) override {
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    // Another value has a box of its own making, or an error to be told.
+    if (!row || row[field_].kind != StoredValue::Kind::Binary || row[field_].size == 0) return false;
+    const std::string_view identifier(row[field_].bytes, row[field_].size);
+    out.Put(start_);
+    out.Put(" value=\"");
+    char* to = out.Room(2 * identifier.size());
+    for (const char byte : identifier) {
+      *to++ = kDigits[static_cast<unsigned char>(byte) >> 4];
+      *to++ = kDigits[byte & 15];
+    }
+    out.EndAt(to);
+    out.Put("\"");
+    out.Put(end_);
+    out.Put("</td>");
+    return true;
+  }
+
+ private:
+  std::int32_t field_;
+  std::string start_, end_;
+};
+
+}  // namespace
+
+void KalvoControlColumn::Initialize(KalvoTableColumnsConstants /*Id*/, std::string_view Name,
+                                    std::string_view /*Value*/, std::string_view ValueDBField, bool Checked,
+                                    std::string_view OnClick, bool Edit, KalvoTableFormatType FormatType) {
+  facts_ = std::make_shared<const Facts>(
+      Facts{std::string(Name), std::string(ValueDBField), std::string(OnClick), Checked, Edit, FormatType});
 }
 
 std::string KalvoControlColumn::ConstructHTMLHeader(Context& pCtxt, Display& pDisplay) {
@@ -59,6 +98,13 @@ void KalvoControlColumn::AppendBoxOfRecipient(std::string& out, const Display& d
   }
   AppendBox(out, display, value);
   lastRecipient_ = std::move(recipient);
+}
+
+std::unique_ptr<BoundColumn> KalvoControlColumn::Bind(Context& context, Display& display, RowSource& rows) {
+  if (!context.KalvoAdministrator()) return std::make_unique<HiddenColumn>();
+  if (facts_->formatType != FORMATTYPE_CHECKBOX || !facts_->edit) return nullptr;
+  const auto field = rows.StoredField(facts_->valueField);
+  return field ? std::make_unique<StoredBoxes>(*facts_, display, *field) : nullptr;
 }
 
 void KalvoControlColumn::AppendTotal(std::string&, Context&, Display&, RowSource&, bool&) {

@@ -5,6 +5,9 @@
 #include <iterator>
 #include <string_view>
 
+#include "columns/row_fields.h"
+#include "context/parameters.h"
+#include "display/message_store.h"
 #include "kalvo/enumerations.h"
 
 namespace kalvo::links {
@@ -14,7 +17,7 @@ enum class From : std::uint8_t {
   None,
   Value,        // the field that the cell shows
   Field,        // another field of the row
-  AlertField,   // a field of the row in an alert, a Top-N field by its number elsewhere
+  AlertField,   // a field of the row in an alert, one of a Top-N row elsewhere
   Name,         // the context's name: the server
   Mailbox,      // the context's mailbox
   MailboxPath,  // the context's mailbox, a backslash and the cell's value
@@ -23,16 +26,13 @@ enum class From : std::uint8_t {
 
 struct LinkSource {
   From from = From::None;
-  std::string_view field = {};
-  std::string_view topN = {};  // for `AlertField` outside of an alert
+  RowField field = {};
+  RowField ranked = {};  // for `AlertField` outside of an alert
 };
 
 constexpr LinkSource Value() { return {From::Value}; }
-constexpr LinkSource Field(std::string_view name) { return {From::Field, name}; }
-constexpr LinkSource TopN(std::string_view number) { return {From::Field, number}; }
-constexpr LinkSource AlertOrTopN(std::string_view field, std::string_view number) {
-  return {From::AlertField, field, number};
-}
+constexpr LinkSource Field(RowField field) { return {From::Field, field}; }
+constexpr LinkSource AlertOrRanked(RowField field, RowField ranked) { return {From::AlertField, field, ranked}; }
 constexpr LinkSource Name() { return {From::Name}; }
 constexpr LinkSource Mailbox() { return {From::Mailbox}; }
 constexpr LinkSource MailboxPath() { return {From::MailboxPath}; }
@@ -49,6 +49,9 @@ enum class LinkWhen : std::uint8_t {
   AlertIsOfAServer,  // there is a value, and the row's alert is not that of a new server
 };
 
+// The alert of a server that has just been found, of which there are no reports yet.
+inline constexpr std::int32_t kNewServerAlert = 5018;
+
 enum class LinkSort : std::uint8_t { AsIs, ByModifiedDate };
 enum class MissingServer : std::uint8_t { Plain, Grey };
 
@@ -64,9 +67,7 @@ struct LinkRule {
 };
 
 // clang-format off
-inline constexpr std::string_view kSingleServer  = "../Resources/SingleServerReports.asp";
-inline constexpr std::string_view kMailboxPage   = "../Resources/MailboxSummary.asp";
-inline constexpr std::string_view kPublicFolders = "../Resources/PublicFolderSummary.asp";
+using enum RowField;
 
 inline constexpr LinkRule kLinks[] = {
   {HYPERLINK_NONE,                    ""},
@@ -74,31 +75,40 @@ inline constexpr LinkRule kLinks[] = {
   {HYPERLINK_MAILBOXGROUP,            "../Resources/SingleMailboxGroupReports.asp",  {{"GroupName", Value()}}},
   {HYPERLINK_SERVERGROUPCONFIG,       "../Configuration/ConfigureServerGroup.asp",   {{"GroupName", Value()}}},
   {HYPERLINK_MAILBOXGROUPCONFIG,      "../Configuration/ConfigureMailboxGroup.asp",  {{"GroupName", Value()}}},
-  {HYPERLINK_SERVER,                  kSingleServer,  {{"Server", Value()}}, LinkWhen::Always, LinkSort::AsIs, MissingServer::Grey},
-  {HYPERLINK_PUBLICFOLDER,            kPublicFolders, {{"Server", AlertOrTopN("Attrib2", "15")}, {"Mailbox", Value()}, {"PublicFolderId", AlertOrTopN("Attrib5", "3")}}, LinkWhen::Always, LinkSort::ByModifiedDate},
+  {HYPERLINK_SERVER,                  kSingleServerPage,  {{"Server", Value()}}, LinkWhen::Always, LinkSort::AsIs, MissingServer::Grey},
+  {HYPERLINK_PUBLICFOLDER,            kPublicFolderPage, {{"Server", AlertOrRanked(Attrib2, RankedServer)}, {"Mailbox", Value()}, {"PublicFolderId", AlertOrRanked(Attrib5, RankedPublicFolder)}}, LinkWhen::Always, LinkSort::ByModifiedDate},
   {HYPERLINK_DISABLEDSINGLEUSER,      "../Tasks/DisabledSingleUser.asp",             {{"Name", Value()}}},
   {HYPERLINK_CAPACITYPLANNINGSERVER,  "../Tasks/CapacityPlanning.asp",               {{"Server", Value()}}},
-  {HYPERLINK_SERVER_MANAGED,          kSingleServer,  {{"Server", Value()}}, LinkWhen::ServerIsManaged,  LinkSort::AsIs, MissingServer::Grey},
-  {HYPERLINK_ALERT_SERVER_MANAGED,    kSingleServer,  {{"Server", Value()}}, LinkWhen::AlertIsOfAServer, LinkSort::AsIs, MissingServer::Grey},
-  {HYPERLINK_ALERT_MAILBOX,           kMailboxPage,   {{"Server", Field("Attrib2")}, {"Mailbox", Field("AlertedResource")}}},
-  {HYPERLINK_CHARGEBACK_MAILBOX,      kMailboxPage,   {{"Server", Field("ComputerName")}, {"Mailbox", Field("MbDistName")}}},
-  {HYPERLINK_MAPI_FOLDERNAME,         kMailboxPage,   {{"Server", Name()}, {"Mailbox", Mailbox()}, {"ContainerId", Field("ExchangeId")}}},
-  {HYPERLINK_MAPI_PUBLICFOLDERNAME,   kPublicFolders, {{"Server", Name()}, {"Mailbox", MailboxPath()}, {"PublicFolderId", Field("ExchangeId")}}},
-  {HYPERLINK_MAPI_MESSAGE,            kMailboxPage,   {{"Server", Name()}, {"Mailbox", Mailbox()}, {"Container", Request()}, {"ContainerId", Request()}, {"MessageId", Field("ExchangeId")}}},
-  {HYPERLINK_MAPI_PUBLICFOLDERMESSAGE, kPublicFolders, {{"Server", Name()}, {"Mailbox", Mailbox()}, {"PublicFolderId", Request()}, {"MessageId", Field("ExchangeId")}}},
-  {HYPERLINK_TOPN_MAILBOX,            kMailboxPage,   {{"Server", TopN("15")}, {"Mailbox", TopN("16")}}},
-  {HYPERLINK_TOPN_SERVER,             kSingleServer,  {{"Server", Value()}}},
+  {HYPERLINK_SERVER_MANAGED,          kSingleServerPage,  {{"Server", Value()}}, LinkWhen::ServerIsManaged,  LinkSort::AsIs, MissingServer::Grey},
+  {HYPERLINK_ALERT_SERVER_MANAGED,    kSingleServerPage,  {{"Server", Value()}}, LinkWhen::AlertIsOfAServer, LinkSort::AsIs, MissingServer::Grey},
+  {HYPERLINK_ALERT_MAILBOX,           kMailboxPage,   {{"Server", Field(Attrib2)}, {"Mailbox", Field(AlertedResource)}}},
+  {HYPERLINK_CHARGEBACK_MAILBOX,      kMailboxPage,   {{"Server", Field(ComputerName)}, {"Mailbox", Field(MbDistName)}}},
+  {HYPERLINK_MAPI_FOLDERNAME,         kMailboxPage,   {{"Server", Name()}, {"Mailbox", Mailbox()}, {"ContainerId", Field(ExchangeId)}}},
+  {HYPERLINK_MAPI_PUBLICFOLDERNAME,   kPublicFolderPage, {{"Server", Name()}, {"Mailbox", MailboxPath()}, {"PublicFolderId", Field(ExchangeId)}}},
+  {HYPERLINK_MAPI_MESSAGE,            kMailboxPage,   {{"Server", Name()}, {"Mailbox", Mailbox()}, {"Container", Request()}, {"ContainerId", Request()}, {"MessageId", Field(ExchangeId)}}},
+  {HYPERLINK_MAPI_PUBLICFOLDERMESSAGE, kPublicFolderPage, {{"Server", Name()}, {"Mailbox", Mailbox()}, {"PublicFolderId", Request()}, {"MessageId", Field(ExchangeId)}}},
+  {HYPERLINK_TOPN_MAILBOX,            kMailboxPage,   {{"Server", Field(RankedServer)}, {"Mailbox", Field(RankedMailbox)}}},
+  {HYPERLINK_TOPN_SERVER,             kSingleServerPage,  {{"Server", Value()}}},
   // Kept: ascending, although the link is called a modified-date sort.
-  {HYPERLINK_TOPN_MailboxFolder_ModifiedDateSort, kMailboxPage, {{"Server", TopN("15")}, {"Mailbox", TopN("16")}, {"ContainerId", TopN("12")}}, LinkWhen::Always, LinkSort::ByModifiedDate},
-  {HYPERLINK_TOPN_MailboxMessage,     kMailboxPage,   {{"Server", TopN("15")}, {"Mailbox", TopN("16")}, {"ContainerId", TopN("12")}, {"MessageId", TopN("11")}}},
-  {HYPERLINK_TOPN_PublicFolderMessage, kPublicFolders, {{"Server", TopN("15")}, {"Mailbox", TopN("16")}, {"PublicFolderId", TopN("3")}, {"MessageId", TopN("11")}}},
+  {HYPERLINK_TOPN_MailboxFolder_ModifiedDateSort, kMailboxPage, {{"Server", Field(RankedServer)}, {"Mailbox", Field(RankedMailbox)}, {"ContainerId", Field(RankedContainer)}}, LinkWhen::Always, LinkSort::ByModifiedDate},
+  {HYPERLINK_TOPN_MailboxMessage,     kMailboxPage,   {{"Server", Field(RankedServer)}, {"Mailbox", Field(RankedMailbox)}, {"ContainerId", Field(RankedContainer)}, {"MessageId", Field(RankedMessage)}}},
+  {HYPERLINK_TOPN_PublicFolderMessage, kPublicFolderPage, {{"Server", Field(RankedServer)}, {"Mailbox", Field(RankedMailbox)}, {"PublicFolderId", Field(RankedPublicFolder)}, {"MessageId", Field(RankedMessage)}}},
+};
+
+// The parameters that sort a mailbox or public folder page's second table by modified date. The page's first table,
+// the folders, is left as it is; its second, the messages, is sorted.
+struct SortParameter { std::string_view name, value; };
+
+inline constexpr SortParameter kModifiedDateSort[] = {
+  {kSortFieldParameter, ""}, {kSortFieldParameter, "ModifiedDate"},
+  {kSortOrderParameter, ""}, {kSortOrderParameter, kAscendingSort},
 };
 
 // The link that an alerted resource gets by the kind of resource that it is, whatever the case of the word.
 struct AlertedResourceRow {
   std::string_view attrib3;
   KalvoTableHyperlinkType link;
-  std::string_view alertTypeCode = {};   // only for alerts of this code
+  std::int32_t alertTypeCode = 0;  // only for alerts of this code; 0 is any
 };
 
 inline constexpr AlertedResourceRow kAlertedResources[] = {
@@ -106,7 +116,7 @@ inline constexpr AlertedResourceRow kAlertedResources[] = {
   {"Mailbox Group",  HYPERLINK_MAILBOXGROUP},
   {"Public folder",  HYPERLINK_PUBLICFOLDER},
   {"Server Group",   HYPERLINK_SERVERGROUP},
-  {"Server",         HYPERLINK_SERVER,        "5023"},
+  {"Server",         HYPERLINK_SERVER,        5023},
 };
 // clang-format on
 
@@ -117,5 +127,10 @@ constexpr bool RowsAreIndexedByType() {
   return true;
 }
 static_assert(RowsAreIndexedByType());
+
+// The rule of a link type; null for one that leads nowhere.
+constexpr const LinkRule* RuleOf(KalvoTableHyperlinkType type) {
+  return type > HYPERLINK_NONE && type < static_cast<std::int32_t>(std::size(kLinks)) ? &kLinks[type] : nullptr;
+}
 
 }  // namespace kalvo::links

@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "context/parameters.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
@@ -11,11 +12,24 @@
 
 namespace kalvo {
 
+namespace {
+
+std::vector<std::string> DebugTypes(Request& request) {
+  std::vector<std::string> types;
+  const std::int32_t n = request.QueryCount("Debug");
+  for (std::int32_t i = 1; i <= n; ++i) types.push_back(ToUpper(request.QueryItem("Debug", i)));
+  return types;
+}
+
+}  // namespace
+
 void Context::OnStartPage(ScriptingContext& ASPScriptingContext) {
   response_ = ASPScriptingContext.GetResponse();
   request_ = ASPScriptingContext.GetRequest();
   session_ = ASPScriptingContext.GetSession();
   server_ = ASPScriptingContext.GetServer();
+  debugTypes_.reset();
+  if (request_ && !request_->SeesCalls()) debugTypes_ = DebugTypes(*request_);
   debugTable_ = bDebug("Table");
   tableIndex_ = 0;
   lastGotoCall_ = GotoCall::None;
@@ -36,10 +50,10 @@ void Context::DigestQueryString() {
   const struct {
     std::string_view name;
     std::int16_t& count;
-  } counted[] = {{szSortFieldParameterName(), sortFieldCount_},
-                 {szSortOrderParameterName(), sortOrderCount_},
-                 {"First", firstRowCount_},
-                 {"PageSize", pageSizeCount_}};
+  } counted[] = {{kSortFieldParameter, sortFieldCount_},
+                 {kSortOrderParameter, sortOrderCount_},
+                 {kFirstRowParameter, firstRowCount_},
+                 {kPageSizeParameter, pageSizeCount_}};
 
   std::string_view separator;
   std::string value;
@@ -68,6 +82,11 @@ std::int16_t Context::IncrementTableIndex() {
 }
 
 // ---- the page host --------------------------------------------------------------------------------------
+
+bool Context::SeesCalls() const {
+  const auto sees = [](const auto& object) { return !object || object->SeesCalls(); };
+  return sees(response_) || sees(request_) || sees(session_) || sees(server_);
+}
 
 std::shared_ptr<Session> Context::GetSession() const { return Held(session_); }
 std::shared_ptr<Request> Context::GetRequest() const { return Held(request_); }

@@ -1,5 +1,6 @@
 // What is reported inline: failures and debug traces.
 
+#include <algorithm>
 #include <charconv>
 
 #include "kalvo/context.h"
@@ -43,13 +44,14 @@ bool Context::Failure(std::string_view szDescription) const {
 }
 
 bool Context::bDebug(std::string_view szDebugType) const {
+  const auto request = GetRequest();
+  if (debugTypes_ && debugTypes_->empty()) return false;
   const std::string type = ToUpper(szDebugType);
-  const std::int32_t n = GetRequest()->QueryCount("Debug");
+  const auto names = [&](const std::string& value) { return value == type || value == "ALL" || value == "TRUE"; };
+  if (debugTypes_) return std::any_of(debugTypes_->begin(), debugTypes_->end(), names);
+  const std::int32_t n = request->QueryCount("Debug");
   bool debug = false;
-  for (std::int32_t i = 1; i <= n; ++i) {
-    const std::string value = ToUpper(GetRequest()->QueryItem("Debug", i));
-    debug = debug || value == type || value == "ALL" || value == "TRUE";
-  }
+  for (std::int32_t i = 1; i <= n; ++i) debug = names(ToUpper(GetRequest()->QueryItem("Debug", i))) || debug;
   return debug;
 }
 

@@ -27,18 +27,12 @@ bool Context::EncapsulateGotoContainerFailure(LiveContainer& pLiveContainer, std
                                               std::int32_t OldThreshold, std::int32_t Flags,
                                               std::string_view szErrorString, bool bDefect7022Workaround) {
   Trap trap;
-  bool& failed = lastContainer_.failed;
-  // Kept: what was opened last is remembered, but unlike a message a container is opened anew on every call.
-  lastContainer_.server = ServerName;
-  lastContainer_.mailbox = MailboxName;
-  lastContainer_.container = ContainerName;
-  lastContainer_.threshold = OldThreshold;
-  lastContainer_.flags = Flags;
+  // Kept: unlike a message, a container is opened anew on every call.
   lastGotoCall_ = GotoCall::Container;
   trap([&] { TableDebugOutput("<p>Calling to GotoContainer.</p>\r\n"); });
   trap([&] { pLiveContainer.GotoContainer(ServerName, MailboxName, ContainerName, OldThreshold, Flags); });
 
-  failed = CurrentError().number == codes::kOldAgent;
+  bool failed = CurrentError().number == codes::kOldAgent;
   if (failed) trap([&] { Held(response_)->Write(kUpgradeMessage); });
   if (bDefect7022Workaround && !failed && CurrentError().number == codes::kNoSuchFolder) {
     failed = true;

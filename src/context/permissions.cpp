@@ -40,6 +40,15 @@ Context::Ownership Context::OwnsMailbox(Trap& trap, LiveContainer& live, std::st
   return result;
 }
 
+bool Context::MaySeeMailbox(std::string_view server, std::string_view mailbox) const {
+  Trap trap;
+  std::shared_ptr<LiveContainer> live;
+  if (Fails(trap, *this, "Get the live container object.", [&] { live = LiveDriller(); })) return false;
+  bool administrator = false;
+  trap([&] { administrator = KalvoAdministrator(); });
+  return administrator || OwnsMailbox(trap, *live, server, mailbox).owns;
+}
+
 std::string Context::KalvoCreatedMailboxName(std::string_view szServerName) const {
   return Built([&](std::string& out) { Append(out, "Kalvo ", szServerName); });
 }

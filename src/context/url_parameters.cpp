@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "context/parameters.h"
 #include "kalvo/context.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
@@ -24,16 +25,16 @@ std::int16_t Context::TableNumber(std::string_view name, std::int16_t count) con
 }
 
 std::string Context::TableSortFieldInformation() const {
-  return TableInformation(szSortFieldParameterName(), sortFieldCount_);
+  return TableInformation(kSortFieldParameter, sortFieldCount_);
 }
 
 std::string Context::TableSortOrderInformation() const {
-  return TableInformation(szSortOrderParameterName(), sortOrderCount_);
+  return TableInformation(kSortOrderParameter, sortOrderCount_);
 }
 
-std::int16_t Context::TableFirstRowInformation() const { return TableNumber("First", firstRowCount_); }
+std::int16_t Context::TableFirstRowInformation() const { return TableNumber(kFirstRowParameter, firstRowCount_); }
 
-std::int16_t Context::TablePageSizeInformation() const { return TableNumber("PageSize", pageSizeCount_); }
+std::int16_t Context::TablePageSizeInformation() const { return TableNumber(kPageSizeParameter, pageSizeCount_); }
 
 // ---- links that change this table's values --------------------------------------------------------------
 
@@ -69,10 +70,10 @@ void Context::AppendTableURL(std::string& out, std::string_view szSortFieldStrin
                              std::string_view szFirstRowString, std::string_view szPageSizeString) const {
   Append(out, GetRequest()->ServerVariable("URL"), '?', urlParameters_);
   const std::string_view first = urlParameters_.empty() ? "" : "&";
-  AppendTableURLParameter(out, first, szSortFieldParameterName(), sortFieldCount_, szSortFieldString);
-  AppendTableURLParameter(out, "&", szSortOrderParameterName(), sortOrderCount_, szSortOrderString);
-  AppendTableURLParameter(out, "&", "First", firstRowCount_, szFirstRowString);
-  AppendTableURLParameter(out, "&", "PageSize", pageSizeCount_, szPageSizeString);
+  AppendTableURLParameter(out, first, kSortFieldParameter, sortFieldCount_, szSortFieldString);
+  AppendTableURLParameter(out, "&", kSortOrderParameter, sortOrderCount_, szSortOrderString);
+  AppendTableURLParameter(out, "&", kFirstRowParameter, firstRowCount_, szFirstRowString);
+  AppendTableURLParameter(out, "&", kPageSizeParameter, pageSizeCount_, szPageSizeString);
 }
 
 }  // namespace kalvo

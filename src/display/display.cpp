@@ -13,18 +13,17 @@ Display::Display(const Locale& locale)
       noAttachment_(images::kNoAttachment) {}
 
 void Display::OnStartPage(ScriptingContext& ASPScriptingContext) {
-  response_ = ASPScriptingContext.GetResponse();
-  request_ = ASPScriptingContext.GetRequest();
-  session_ = ASPScriptingContext.GetSession();
+  // Kept: all four are taken, although the encoder alone is needed: a page's own scripting context sees that it is
+  // asked.
+  ASPScriptingContext.GetResponse();
+  ASPScriptingContext.GetRequest();
+  ASPScriptingContext.GetSession();
   server_ = ASPScriptingContext.GetServer();
   bookmark_.clear();
 }
 
-void Display::OnEndPage() {
-  response_.reset();
-  request_.reset();
-  session_.reset();
-  server_.reset();
-}
+bool Display::SeesCalls() const { return !server_ || server_->SeesCalls(); }
+
+void Display::OnEndPage() { server_.reset(); }
 
 }  // namespace kalvo

@@ -80,13 +80,25 @@ void Display::AppendFormCheckboxInput(std::string& out, std::string_view name, s
     AppendGraphicInput(out, checked ? images::kCheck : images::kEmptyCheck, "");
     return;
   }
+  AppendCheckboxStart(out, name);
+  AppendInputFieldIfNotNull(out, "value", value);
+  AppendCheckboxEnd(out, checked, onClick);
+}
+
+void Display::AppendCheckboxStart(std::string& out, std::string_view name) const {
   out += "<input";
   AppendInputField(out, "type", "checkbox");
   AppendInputField(out, "name", name);
-  AppendInputFieldIfNotNull(out, "value", value);
+}
+
+void Display::AppendCheckboxEnd(std::string& out, bool checked, std::string_view onClick) const {
   if (checked) out += " Checked";
   AppendInputFieldIfNotNull(out, "OnClick", onClick);
   out += '>';
+}
+
+void Display::AppendHiddenInput(std::string& out, std::string_view name, std::string_view value) const {
+  Append(out, "<input type=\"hidden\" name=\"", name, "\" value=\"", value, "\">");
 }
 
 // ---- the delete-message form ----------------------------------------------------------------------------
@@ -102,8 +114,9 @@ std::string Display::DeleteMessageForm(std::string_view szServerName, std::strin
 void Display::AppendDeleteMessageForm(std::string& out, std::string_view szServerName, std::string_view szMailboxName,
                                       std::string_view szFolderId, std::string_view szMessageId, std::int32_t Flags,
                                       std::string_view szContinueUrl) const {
-  const auto hidden = [&](std::string_view name, const auto& value) {
-    Append(out, "<input type=\"hidden\" name=\"", name, "\" value=\"", value, "\">", kCrLf);
+  const auto hidden = [&](std::string_view name, std::string_view value) {
+    AppendHiddenInput(out, name, value);
+    out += kCrLf;
   };
   Append(out, "<form method=\"get\" action=\"/KalvoforExchange/Configuration/Process.asp\" target=\"_top\"",
          " onSubmit=\"return ConfirmDeleteMessage()\">", kCrLf);
@@ -112,7 +125,7 @@ void Display::AppendDeleteMessageForm(std::string& out, std::string_view szServe
   hidden("MailboxName", szMailboxName);
   hidden("FolderId", szFolderId);
   hidden("MessageId", szMessageId);
-  hidden("Flags", Flags);
+  hidden("Flags", std::to_string(Flags));
   hidden("Continue", szContinueUrl);
   Append(out, "<input type=\"submit\" name=\"Delete\" value=\"Delete\">", kCrLf, "</form>");
 }

@@ -1,12 +1,12 @@
-// Where the user is: the mailbox and the folder path above a live listing, each step of it a link.
+#include "generator/folder_path.h"
 
 #include "context/fails.h"
 #include "kalvo/context.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/live_mailbox.h"
+#include "kalvo/platform/owned.h"
 #include "kalvo/platform/page_host.h"
-#include "kalvo/table_generator.h"
 
 namespace kalvo {
 
@@ -28,8 +28,6 @@ constexpr std::string_view kOldServer =
     "<p>You have attempted to scan a server with an earlier version of Kalvo Exchange Edition. In order to "
     "successfully scan this agent, you must upgrade it to the current version.";
 
-constexpr std::string_view kFailedPath = "-1";
-
 // `<td><a target="_top" href="MailboxSummary.asp?Server=EX01&Mailbox=alice">alice</a></td>`. The container is
 // a parameter only below the mailbox itself.
 void AppendLinkCell(std::string& out, const Context& context, std::string_view server, std::string_view mailbox,
@@ -46,30 +44,35 @@ void AppendFolderCell(std::string& out, const Context& context, std::string_view
 
 }  // namespace
 
-void KalvoforExchangeTableGenerator::Write(Trap& trap, std::string_view text) {
-  trap([&] { PageResponse()->Write(text); });
+void FolderPath::Write(std::string_view text) {
+  trap_([&] { Held(response_)->Write(text); });
+}
+
+template <typename Maker>
+void FolderPath::WriteMade(Maker&& maker) {
+  trap_([&] {
+    const auto response = Held(response_);
+    response->Write(Built(maker));
+  });
 }
 
 // ---- public folders -------------------------------------------------------------------------------------
 
-std::string KalvoforExchangeTableGenerator::PublicFolderDisplayPath() {
-  Context& context = PageContext();
+std::optional<std::string> PublicFolderPath(Context& context) {
   Trap trap;
   std::string id, server;
   trap([&] { id = context.GetRequest()->QueryText("PublicFolderId"); });
-  if (id.empty()) return {};
-  // Kept: a failure is told from a request without a public folder.
-  const std::string failed(kFailedPath);
+  if (id.empty()) return "";
   std::shared_ptr<LiveContainer> live;
-  if (Fails(trap, context, "Get the live container object.", [&] { live = context.LiveDriller(); })) return failed;
+  if (Fails(trap, context, "Get the live container object.", [&] { live = context.LiveDriller(); })) return {};
   trap([&] { server = context.GetRequest()->QueryText("Server"); });
   if (context.EncapsulateGotoContainerFailure(*live, server, context.KalvoCreatedMailboxName(server), "", 0,
                                               live::kPublicFolders, "Public folder by identifier.")) {
-    return failed;
+    return {};
   }
   if (Fails(trap, context, "Open Public folder by identifier.",
             [&] { live->GotoContainerById(server, id, live::kPublicFolders); })) {
-    return failed;
+    return {};
   }
   std::string path;
   trap([&] { path = live->CurrentContainerName(); });
@@ -78,131 +81,118 @@ std::string KalvoforExchangeTableGenerator::PublicFolderDisplayPath() {
 
 // ---- the path -------------------------------------------------------------------------------------------
 
-bool KalvoforExchangeTableGenerator::DisplayFolderPath(std::string_view szServer, std::string& szMailbox,
-                                                       std::string_view szContainer, std::string_view szFolderId,
-                                                       KalvoTableConstants tableId) {
-  Context& context = PageContext();
-  Trap trap;
+bool FolderPath::Show(std::string_view server, std::string& mailbox, std::string_view container,
+                      std::string_view folderId, KalvoTableConstants table) {
   std::shared_ptr<LiveContainer> live;
-  if (Fails(trap, context, "Get the live container object.", [&] { live = context.LiveDriller(); })) return false;
-  if (szMailbox.empty()) return true;
-  if (tableId == TABLE_MAPI_FOLDERS && !ResolveMailbox(trap, *live, szServer, szMailbox)) return false;
+  if (Fails(trap_, context_, "Get the live container object.", [&] { live = context_.LiveDriller(); })) return false;
+  if (mailbox.empty()) return true;
+  if (table == TABLE_MAPI_FOLDERS && !Resolve(*live, server, mailbox)) return false;
 
-  const bool isPublic = tableId == TABLE_MAPI_PUBLICFOLDER_FOLDERS;
-  Write(trap, "<table border=\"0\"><tr>");
-  if (isPublic) {
-    const std::string path = PublicFolderDisplayPath();
-    if (path == kFailedPath) return false;
-    if (!path.empty()) {
-      trap([&] { PageResponse()->Write(Built([&](std::string& out) { AppendFolderCell(out, context, path); })); });
-    }
-  } else {
-    WriteMailboxLink(trap, szServer, szMailbox);
+  const bool isPublic = table == TABLE_MAPI_PUBLICFOLDER_FOLDERS;
+  Write("<table border=\"0\"><tr>");
+  if (!isPublic) {
+    WriteMailbox(server, mailbox);
+  } else if (!WritePublicFolder()) {
+    return false;
   }
-  if ((szContainer.empty() || isPublic) && !szFolderId.empty()) {
-    if (!WriteFolderById(trap, *live, szServer, szMailbox, szFolderId)) return false;
-  } else if (!szContainer.empty()) {
-    WriteContainerLinks(trap, szServer, szMailbox, szContainer);
+  if ((container.empty() || isPublic) && !folderId.empty()) {
+    if (!WriteFolderById(*live, server, mailbox, folderId)) return false;
+  } else if (!container.empty()) {
+    WriteContainer(server, mailbox, container);
   }
-  Write(trap, "</tr></table>");
+  Write("</tr></table>");
   return true;
 }
 
-void KalvoforExchangeTableGenerator::WriteMailboxLink(Trap& trap, std::string_view szServer,
-                                                      std::string_view szMailbox) {
-  trap([&] {
-    PageResponse()->Write(Built([&](std::string& out) {
-      out += "<td>Mailbox:</td>";
-      AppendLinkCell(out, PageContext(), szServer, szMailbox, "", szMailbox);
-    }));
+bool FolderPath::WritePublicFolder() {
+  const auto path = PublicFolderPath(context_);
+  if (!path) return false;
+  if (!path->empty()) WriteMade([&](std::string& out) { AppendFolderCell(out, context_, *path); });
+  return true;
+}
+
+void FolderPath::WriteMailbox(std::string_view server, std::string_view mailbox) {
+  WriteMade([&](std::string& out) {
+    out += "<td>Mailbox:</td>";
+    AppendLinkCell(out, context_, server, mailbox, "", mailbox);
   });
 }
 
-bool KalvoforExchangeTableGenerator::WriteFolderById(Trap& trap, LiveContainer& live, std::string_view szServer,
-                                                     std::string_view szMailbox, std::string_view szFolderId) {
-  Context& context = PageContext();
-  if (context.EncapsulateGotoContainerFailure(live, szServer, szMailbox, "", 0, live::kByPath,
-                                              "Mailbox folder by identifier.")) {
+bool FolderPath::WriteFolderById(LiveContainer& live, std::string_view server, std::string_view mailbox,
+                                 std::string_view folderId) {
+  if (context_.EncapsulateGotoContainerFailure(live, server, mailbox, "", 0, live::kByPath,
+                                               "Mailbox folder by identifier.")) {
     return false;
   }
-  if (Fails(trap, context, "Open mailbox folder by identifier.",
-            [&] { live.GotoContainerById(szServer, szFolderId, live::kByPath); })) {
+  if (Fails(trap_, context_, "Open mailbox folder by identifier.",
+            [&] { live.GotoContainerById(server, folderId, live::kByPath); })) {
     return false;
   }
-  trap([&] {
+  trap_([&] {
     const std::string path = live.CurrentContainerName();
-    PageResponse()->Write(Built([&](std::string& out) { AppendFolderCell(out, context, path); }));
+    Held(response_)->Write(Built([&](std::string& out) { AppendFolderCell(out, context_, path); }));
   });
   return true;
 }
 
 // A link cell for each piece of the path, leading to the path up to it. Empty pieces are no step.
-void KalvoforExchangeTableGenerator::WriteContainerLinks(Trap& trap, std::string_view szServer,
-                                                         std::string_view szMailbox, std::string_view szContainer) {
-  Write(trap, "<td>Path:</td>");
+void FolderPath::WriteContainer(std::string_view server, std::string_view mailbox, std::string_view container) {
+  Write("<td>Path:</td>");
   std::string path;
-  while (!szContainer.empty()) {
-    const auto end = szContainer.find('\\');
-    const std::string_view piece = szContainer.substr(0, end);
-    szContainer.remove_prefix(end == std::string_view::npos ? szContainer.size() : end + 1);
+  while (!container.empty()) {
+    const auto end = container.find('\\');
+    const std::string_view piece = container.substr(0, end);
+    container.remove_prefix(end == std::string_view::npos ? container.size() : end + 1);
     if (piece.empty()) continue;
     Append(path, path.empty() ? "" : "\\", piece);
-    trap([&] {
-      PageResponse()->Write(Built([&](std::string& out) {
-        out += "<td>\\</td>";
-        AppendLinkCell(out, PageContext(), szServer, szMailbox, path, piece);
-      }));
+    WriteMade([&](std::string& out) {
+      out += "<td>\\</td>";
+      AppendLinkCell(out, context_, server, mailbox, path, piece);
     });
   }
 }
 
 // ---- the mailbox that a typed name means ----------------------------------------------------------------
 
-bool KalvoforExchangeTableGenerator::ResolveMailbox(Trap& trap, LiveContainer& live, std::string_view szServer,
-                                                    std::string& szMailbox) {
-  Context& context = PageContext();
-  if (!context.DrillDownPermission(szServer, szMailbox)) {
-    Write(trap, kNoPermission);
+bool FolderPath::Resolve(LiveContainer& live, std::string_view server, std::string& mailbox) {
+  if (!context_.DrillDownPermission(server, mailbox)) {
+    Write(kNoPermission);
     return false;
   }
   // Every sort and paging link carries the page size: without one this is the first visit.
   std::string pageSize;
-  trap([&] { pageSize = context.GetRequest()->QueryText("PageSize"); });
-  if (pageSize.empty()) trap([&] { live.ResetNameResolution(); });
+  trap_([&] { pageSize = context_.GetRequest()->QueryText("PageSize"); });
+  if (pageSize.empty()) trap_([&] { live.ResetNameResolution(); });
 
   std::shared_ptr<Listing> candidates;
   ClearError();  // the number below is this call's alone
-  trap([&] { candidates = live.ResolveNameToAddress(szServer, szMailbox); });
-  if (CurrentError().number != 0) return ExplainUnresolved(trap, szServer, szMailbox);
-  return TakeMailboxAddress(trap, live, *candidates, szServer, szMailbox);
+  trap_([&] { candidates = live.ResolveNameToAddress(server, mailbox); });
+  if (CurrentError().number != 0) return Explain(server, mailbox);
+  return TakeAddress(live, *candidates, server, mailbox);
 }
 
-bool KalvoforExchangeTableGenerator::ExplainUnresolved(Trap& trap, std::string_view szServer,
-                                                       std::string_view szMailbox) {
+bool FolderPath::Explain(std::string_view server, std::string_view mailbox) {
   switch (CurrentError().number) {
-    case codes::kAmbiguousName: {
-      Write(trap, kAmbiguous);
-      const std::string pattern = Built([&](std::string& out) { Append(out, szMailbox, '%'); });
-      trap([&] { BuildTable(TABLE_AmbiguousAddressResolution, szServer, "", "", pattern); });
+    case codes::kAmbiguousName:
+      Write(kAmbiguous);
+      trap_([&] { showCandidates_(server, Built([&](std::string& out) { Append(out, mailbox, '%'); })); });
       break;
-    }
-    case codes::kNoSuchMailbox: Write(trap, kNoSuchMailbox); break;
-    case codes::kOldAgent: Write(trap, kOldServer); break;
-    default: Reports(trap, PageContext(), "ResolveNameToAddress"); break;
+    case codes::kNoSuchMailbox: Write(kNoSuchMailbox); break;
+    case codes::kOldAgent: Write(kOldServer); break;
+    default: Reports(trap_, context_, "ResolveNameToAddress"); break;
   }
   return false;
 }
 
-bool KalvoforExchangeTableGenerator::TakeMailboxAddress(Trap& trap, LiveContainer& live, Listing& candidates,
-                                                        std::string_view szServer, std::string& szMailbox) {
+bool FolderPath::TakeAddress(LiveContainer& live, Listing& candidates, std::string_view server, std::string& mailbox) {
   std::string home;
-  trap([&] { home = live.MailboxHomeServer(szServer, szMailbox); });
-  if (ToLower(home) != ToLower(szServer)) {
-    Write(trap, kNoSuchMailbox);
+  trap_([&] { home = live.MailboxHomeServer(server, mailbox); });
+  if (!EqualsIgnoringCase(home, server)) {
+    Write(kNoSuchMailbox);
     return false;
   }
-  return !Fails(trap, PageContext(), "pLiveContainer.Mailbox",
-                [&] { szMailbox = ToText(candidates.Field("Address"), platform_.locale); });
+  return !Fails(trap_, context_, "pLiveContainer.Mailbox",
+                [&] { mailbox = ToText(candidates.Field("Address"), locale_); });
 }
 
 }  // namespace kalvo

@@ -28,22 +28,20 @@ constexpr ScopeRow kScopes[] = {
 
 }  // namespace
 
+Table::Table(const Platform& platform) : Table(platform, std::make_shared<const TableDefinition>()) {}
+
+Table::Table(const Platform& platform, std::shared_ptr<const TableDefinition> definition)
+    : platform_(platform), definition_(std::move(definition)), showEntries_(definition_->showEntries) {}
+
 void Table::Initialize(KalvoTableType TableType, KalvoTableConstants Id, std::string_view Name,
-                       TableTotalsState TotalsStateInput, bool ShowCharts, bool ShowLastScan, bool IsForm,
+                       TableTotalsState TotalsStateInput, bool /*ShowCharts*/, bool ShowLastScan, bool IsForm,
                        bool ShowEntries, std::span<const std::int16_t> Columns, std::string_view SQL,
                        std::string_view OrderBy, std::string_view DefaultSortOrder) {
-  type_ = TableType;
-  id_ = Id;
-  name_ = Name;
-  totalsState_ = TotalsStateInput;
-  showCharts_ = ShowCharts;
-  showLastScan_ = ShowLastScan;
-  isForm_ = IsForm;
+  definition_ = std::make_shared<const TableDefinition>(
+      TableDefinition{TableType, Id, std::string(Name), TotalsStateInput, ShowLastScan, IsForm, ShowEntries,
+                      std::vector<std::int16_t>(Columns.begin(), Columns.end()), std::string(SQL), std::string(OrderBy),
+                      std::string(DefaultSortOrder)});
   showEntries_ = ShowEntries;
-  defaultSortOrder_ = DefaultSortOrder;
-  columns_.assign(Columns.begin(), Columns.end());
-  sql_ = SQL;
-  orderBy_ = OrderBy;
 }
 
 void Table::SetTopNParameters(Context& pCtxt) {
@@ -62,7 +60,7 @@ std::shared_ptr<RowSource> Table::GetDataSrc(Context& pCtxt) {
     source->Initialize(*this, pCtxt.GetName(), pCtxt);
     return source;
   };
-  switch (type_) {
+  switch (definition_->type) {
     case TABLETYPE_KALVODB: return initialized(std::make_shared<KalvodbDataSrc>(platform_));
     case TABLETYPE_TOPN: SetTopNParameters(pCtxt); return initialized(std::make_shared<TopnDataSrc>(platform_));
     case TABLETYPE_MAPI: return initialized(std::make_shared<MapiDataSrc>(platform_.locale));

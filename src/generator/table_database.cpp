@@ -17,29 +17,32 @@ constexpr KalvoTableType TypeOf(tables::Group group) {
   }
 }
 
-std::shared_ptr<Table> MakeTable(const tables::TableRow& row, const Platform& platform) {
-  auto table = std::make_shared<Table>(platform);
-  table->Initialize(TypeOf(row.group), row.id, row.title,
-                    row.totals == tables::ShowTotals ? table_ShowTotals : table_NoTotals,
-                    row.charts == tables::ShowCharts, row.lastScan == tables::ShowScan, row.form == tables::IsForm,
-                    row.entries == tables::ShowEntries, row.columns, TableSql(row.id), row.orderBy, row.sortOrder);
-  return table;
+std::shared_ptr<const TableDefinition> DefinitionOf(const tables::TableRow& row) {
+  return std::make_shared<const TableDefinition>(
+      TableDefinition{TypeOf(row.group), row.id, std::string(row.title),
+                      row.totals == tables::ShowTotals ? table_ShowTotals : table_NoTotals,
+                      row.lastScan == tables::ShowScan, row.form == tables::IsForm, row.entries == tables::ShowEntries,
+                      std::vector<std::int16_t>(row.columns.begin(), row.columns.end()), TableSql(row.id),
+                      std::string(row.orderBy), std::string(row.sortOrder)});
+}
+
+// The definition of every table by its id, made once for all pages; null where there is none. Fails with 9 for an id
+// outside of the catalogue.
+const std::shared_ptr<const TableDefinition>& SharedDefinition(std::int32_t id) {
+  static const auto definitions = [] {
+    std::array<std::shared_ptr<const TableDefinition>, TABLE_TOTALTABLES> made;
+    for (const tables::TableRow& row : tables::kTables) made[static_cast<std::size_t>(row.id - 1)] = DefinitionOf(row);
+    return made;
+  }();
+  if (id < 1 || id > TABLE_TOTALTABLES) throw SubscriptOutOfRange();
+  return definitions[static_cast<std::size_t>(id - 1)];
 }
 
 }  // namespace
 
-KalvoTableDatabase::KalvoTableDatabase(const Platform& platform) : platform_(platform) {
-  InitializeGeneralTables();
-  InitializeTaskTables();
-  InitializeResourceTables();
-  InitializeConfigurationTables();
-  InitializeTopNTables();
-  InitializeMAPITables();
-}
-
 void KalvoTableDatabase::MakeGroup(tables::Group group) {
   for (const tables::TableRow& row : tables::kTables) {
-    if (row.group == group) slots_[static_cast<std::size_t>(row.id - 1)] = MakeTable(row, platform_);
+    if (row.group == group) slots_[static_cast<std::size_t>(row.id - 1)] = nullptr;
   }
 }
 
@@ -53,13 +56,14 @@ void KalvoTableDatabase::InitializeMAPITables() { MakeGroup(tables::Group::LiveM
 // Kept: true for every id, so that nobody need ask. What is no slot fails where the slot is looked up.
 bool KalvoTableDatabase::ValidTable(std::int32_t /*tableId*/) const { return true; }
 
-const std::shared_ptr<Table>& KalvoTableDatabase::Slot(std::int32_t id) const {
-  if (id < 1 || id > TABLE_TOTALTABLES) throw SubscriptOutOfRange();
-  return slots_[static_cast<std::size_t>(id - 1)];
+bool KalvoTableDatabase::IsTableNull(std::int32_t nTableId) const { return !SharedDefinition(nTableId); }
+
+std::shared_ptr<Table> KalvoTableDatabase::GetTable(std::int32_t tableId) const {
+  const auto& definition = SharedDefinition(tableId);
+  if (!definition) return nullptr;
+  std::shared_ptr<Table>& slot = slots_[static_cast<std::size_t>(tableId - 1)];
+  if (!slot) slot = std::make_shared<Table>(platform_, definition);
+  return slot;
 }
-
-bool KalvoTableDatabase::IsTableNull(std::int32_t nTableId) const { return !Slot(nTableId); }
-
-std::shared_ptr<Table> KalvoTableDatabase::GetTable(std::int32_t tableId) const { return Slot(tableId); }
 
 }  // namespace kalvo

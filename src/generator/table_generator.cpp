@@ -1,5 +1,9 @@
 #include "kalvo/table_generator.h"
 
+#include "display/message_store.h"
+#include "generator/folder_path.h"
+#include "generator/message_deletion.h"
+#include "generator/message_details.h"
 #include "kalvo/column_database.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
@@ -42,18 +46,17 @@ std::shared_ptr<Response> KalvoforExchangeTableGenerator::PageResponse() const {
 
 void KalvoforExchangeTableGenerator::OnStartPage(ScriptingContext& ASPScriptingContext) {
   response_ = ASPScriptingContext.GetResponse();
-  request_ = ASPScriptingContext.GetRequest();
-  session_ = ASPScriptingContext.GetSession();
-  server_ = ASPScriptingContext.GetServer();
+  // Kept: the others are taken, too, although only the context and the display need them: a page's own scripting
+  // context sees that it is asked.
+  ASPScriptingContext.GetRequest();
+  ASPScriptingContext.GetSession();
+  ASPScriptingContext.GetServer();
   PageContext().OnStartPage(ASPScriptingContext);
   PageDisplay().OnStartPage(ASPScriptingContext);
 }
 
 void KalvoforExchangeTableGenerator::OnEndPage() {
   response_.reset();
-  request_.reset();
-  session_.reset();
-  server_.reset();
   PageContext().OnEndPage();
   PageDisplay().OnEndPage();
 }
@@ -77,6 +80,41 @@ void KalvoforExchangeTableGenerator::BuildTable(KalvoTableConstants tableId, std
   }
   const std::shared_ptr<Response> response = response_ ? response_ : std::make_shared<NoResponse>();
   table->BuildHTML(context, *response, PageDisplay(), Columns(), szEmptyMessage, szTableName);
+}
+
+bool KalvoforExchangeTableGenerator::DisplayFolderPath(std::string_view szServer, std::string& szMailbox,
+                                                       std::string_view szContainer, std::string_view szFolderId,
+                                                       KalvoTableConstants tableId) {
+  const auto showCandidates = [&](std::string_view server, std::string_view pattern) {
+    BuildTable(TABLE_AmbiguousAddressResolution, server, "", "", pattern);
+  };
+  return FolderPath(PageContext(), response_, platform_.locale, showCandidates)
+      .Show(szServer, szMailbox, szContainer, szFolderId, tableId);
+}
+
+void KalvoforExchangeTableGenerator::DisplayMessageInformation(std::string_view szServerName,
+                                                               std::string_view szMailboxName,
+                                                               std::string_view szContainer,
+                                                               std::string_view szMessageId, bool bMailboxMessage) {
+  MessageDetails(PageContext(), PageDisplay(), response_, platform_.locale)
+      .Show(szServerName, szMailboxName, szContainer, szMessageId,
+            bMailboxMessage ? kMailboxStore : kPublicFolderStore);
+}
+
+bool KalvoforExchangeTableGenerator::CheckUserPermissions(std::string_view szServerName,
+                                                          std::string_view szMailboxName) {
+  return !szServerName.empty() && PageContext().MaySeeMailbox(szServerName, szMailboxName);
+}
+
+// Kept: a failure is told from a request without a public folder.
+std::string KalvoforExchangeTableGenerator::PublicFolderDisplayPath() {
+  return PublicFolderPath(PageContext()).value_or("-1");
+}
+
+bool KalvoforExchangeTableGenerator::DeleteMessage(std::string& szErrorString) {
+  ClearError();
+  szErrorString = "Unknown Error";
+  return DeleteNamedMessage(PageContext(), szErrorString);
 }
 
 std::string KalvoforExchangeTableGenerator::GetTableSQL(KalvoTableConstants tableId) const {

@@ -29,7 +29,15 @@ constexpr CellLayout kHeading{.header = true, .align = "left"};
 }  // namespace
 
 void TableRendering::Write(std::string_view text) {
+  if (joined_) return joined_->Put(text);
   trap_([&] { response_.Write(text); });
+}
+
+// Writes what has been joined: before anything else may write, and when it has become much.
+void TableRendering::Flush() {
+  if (!joined_ || joined_->Size() == 0) return;
+  trap_([&] { response_.Write(joined_->View()); });
+  joined_->Shorten(0);
 }
 
 // Makes a piece and writes it. A piece that fails leaves nothing behind, and what was reported while it was made
@@ -45,7 +53,7 @@ void TableRendering::WriteMade(Maker&& maker) {
 void TableRendering::Render(std::string_view emptyMessage, std::string_view tableName) {
   StartTable();
   if (!Open()) return;
-  WriteMade([&](std::string& out) { Append(out, kCrLf, "<a name=\"", table_.bookmark_, "\"></a>", kCrLf); });
+  WriteMade([&](std::string& out) { Append(out, kCrLf, "<a name=\"", table_.Bookmark(), "\"></a>", kCrLf); });
   if (!tableName.empty()) WriteTitle(tableName);
 
   trap_([&] { page_.records = Held(source_)->RecordCount(); });
@@ -56,15 +64,15 @@ void TableRendering::Render(std::string_view emptyMessage, std::string_view tabl
   }
   ChoosePage();
   if (page_.IsPaged()) {
-    table_.showEntries_ = true;
+    table_.ShowEntriesFromNowOn();
     if (!trap_([&] { AppendNavigationRow(navigationRow_); })) navigationRow_.clear();
   }
-  if (table_.showEntries_ || table_.showLastScan_) WriteEntries();
-  WriteMade([&](std::string& out) { display_.AppendDetailTableStart(out, table_.bookmark_); });
+  if (table_.ShowsEntries() || table_.Definition().showLastScan) WriteEntries();
+  WriteMade([&](std::string& out) { display_.AppendDetailTableStart(out, table_.Bookmark()); });
   if (page_.IsPaged()) Write(navigationRow_);
   WriteWarning();
 
-  const Elapsed elapsed(table_.platform_);
+  const Elapsed elapsed(table_.GetPlatform());
   MoveToFirstRow();
   WriteRows();
   trap_([&] { context_.Trace("Time", [&](std::string& out) { out += elapsed.Report("Table render"); }); });
@@ -77,10 +85,11 @@ void TableRendering::StartTable() {
   std::int16_t index = 0;
   trap_([&] { index = context_.IncrementTableIndex(); });
   trap_([&] {
-    context_.TraceTable(
-        [&](std::string& out) { Append(out, "<p>Table Index: ", index, " (", TypeLabel(table_.type_), ")</p>"); });
+    context_.TraceTable([&](std::string& out) {
+      Append(out, "<p>Table Index: ", index, " (", TypeLabel(table_.Definition().type), ")</p>");
+    });
   });
-  table_.bookmark_ = Built([&](std::string& out) { Append(out, context_.TableIndex(), "chart"); });
+  table_.SetBookmark(Built([&](std::string& out) { Append(out, context_.TableIndex(), "chart"); }));
 }
 
 bool TableRendering::Open() {
@@ -110,7 +119,7 @@ void TableRendering::WriteTitle(std::string_view tableName) {
 
 void TableRendering::WriteEntries() {
   Write("<table border=\"0\">\r\n<tr>");
-  if (table_.showEntries_) {
+  if (table_.ShowsEntries()) {
     WriteMade([&](std::string& out) {
       display_.AppendCell(out, "Number of Entries:", kHeading);
       display_.AppendCell(out, std::to_string(page_.records), kHeading);
@@ -138,7 +147,7 @@ void TableRendering::WriteEntries() {
 void TableRendering::WriteWarning() {
   bool administrator = false;
   trap_([&] { administrator = context_.KalvoAdministrator(); });
-  if (!administrator || !table_.isForm_) return;
+  if (!administrator || !table_.Definition().isForm) return;
   WriteMade([&](std::string& out) {
     AppendWideRow(out,
                   page_.IsPaged() ? "WARNING: Sorting/paging will lose unsubmitted changes"
@@ -149,7 +158,8 @@ void TableRendering::WriteWarning() {
 
 // A row of one header cell that is as wide as the table has columns, hidden ones included.
 void TableRendering::AppendWideRow(std::string& out, std::string_view content, std::string_view align) {
-  const std::string span = table_.columns_.size() > 1 ? std::to_string(table_.columns_.size()) : std::string();
+  const std::string span =
+      table_.Definition().columns.size() > 1 ? std::to_string(table_.Definition().columns.size()) : std::string();
   display_.AppendTableRowStart(out);
   display_.AppendCell(out, content, {.header = true, .columnSpan = span, .align = align});
   display_.AppendTableRowEnd(out);
@@ -207,7 +217,7 @@ void TableRendering::AppendPagingLink(std::string& out, std::string_view image, 
   const std::string content = Built([&](std::string& text) {
     Append(text, "<img src=\"../Images/Controls/", image, ".gif\" height=\"31\" width=\"40\" border=\"0\">");
   });
-  display_.AppendAnchor(out, link, table_.bookmark_, "", content);
+  display_.AppendAnchor(out, link, table_.Bookmark(), "", content);
 }
 
 // ---- rows -----------------------------------------------------------------------------------------------
@@ -220,45 +230,97 @@ void TableRendering::MoveToFirstRow() {
 }
 
 void TableRendering::WriteRows() {
-  std::int64_t row = std::max(page_.first, std::int64_t{1});
-  for (Phase phase = Phase::Header; phase != Phase::Done;) {
-    bool firstCell = true;
+  WriteRow(Phase::Header);
+  if (WriteDataRows()) WriteRow(Phase::Totals);
+}
+
+void TableRendering::WriteRow(Phase phase) {
+  WriteMade([&](std::string& out) { display_.AppendTableRowStart(out); });
+  WriteCells(phase);
+  WriteMade([&](std::string& out) { display_.AppendTableRowEnd(out); });
+}
+
+// The rows end by their count alone; no source is asked whether it has reached its end. The last row's end stands
+// behind the way to the totals. True when they are reached.
+bool TableRendering::WriteDataRows() {
+  constexpr std::size_t kPiece = 32 << 10;
+  if (NobodyLooksOn()) BindColumns();
+  bool totals = false, last = false;
+  for (std::int64_t row = std::max(page_.first, std::int64_t{1}); !last; ++row) {
     WriteMade([&](std::string& out) { display_.AppendTableRowStart(out); });
-    WriteRow(phase, firstCell);
-    phase = NextPhase(phase, row);
+    joined_ ? WriteStoredCells(source_->StoredRow()) : WriteCells(Phase::Data);
+    trap_([&] { Held(source_)->MoveNext(); });
+    last = row >= page_.last;
+    if (last || (joined_ && joined_->Size() > kPiece)) Flush();
+    if (last) totals = MoveToTotals();
     WriteMade([&](std::string& out) { display_.AppendTableRowEnd(out); });
   }
+  Flush();
+  joined_.reset();
+  return totals;
 }
 
-void TableRendering::WriteRow(Phase phase, bool& firstCell) {
-  // A copy: a script that is asked for a cell may initialise the table anew.
-  rowColumns_ = table_.columns_;
-  for (const std::int16_t id : rowColumns_) {
-    trap_([&] { column_ = columns_.Column(id); });
-    WriteMade([&](std::string& out) {
-      TableColumn& column = *Held(column_);
-      if (phase == Phase::Header) return column.AppendHeader(out, context_, display_);
-      if (phase == Phase::Data) return column.AppendData(out, context_, display_, *Held(source_));
-      column.AppendTotal(out, context_, display_, *Held(source_), firstCell);
-    });
-  }
-}
-
-// The rows end by their count alone; no source is asked whether it has reached its end.
-TableRendering::Phase TableRendering::NextPhase(Phase phase, std::int64_t& row) {
-  if (phase == Phase::Header) return Phase::Data;
-  if (phase == Phase::Totals) return Phase::Done;
-  trap_([&] { Held(source_)->MoveNext(); });
-  ++row;
-  return row > page_.last ? AfterData() : Phase::Data;
-}
-
-TableRendering::Phase TableRendering::AfterData() {
-  if (table_.totalsState_ != table_ShowTotals) return Phase::Done;
+bool TableRendering::MoveToTotals() {
+  if (table_.Definition().totals != table_ShowTotals) return false;
   // A source that cannot be asked has no totals either.
   std::int16_t status = -1;
   trap_([&] { status = Held(source_)->MoveTotals(); });
-  return status == 0 ? Phase::Totals : Phase::Done;
+  return status == 0;
+}
+
+void TableRendering::WriteCells(Phase phase) {
+  bool firstCell = true;
+  // A copy: a script that is asked for a cell may initialise the table anew.
+  rowColumns_ = table_.Definition().columns;
+  for (const std::int16_t id : rowColumns_) {
+    trap_([&] { column_ = columns_.Column(id); });
+    WriteCell(phase, firstCell);
+  }
+}
+
+void TableRendering::WriteCell(Phase phase, bool& firstCell) {
+  WriteMade([&](std::string& out) {
+    TableColumn& column = *Held(column_);
+    if (phase == Phase::Header) return column.AppendHeader(out, context_, display_);
+    if (phase == Phase::Data) return column.AppendData(out, context_, display_, *Held(source_));
+    column.AppendTotal(out, context_, display_, *Held(source_), firstCell);
+  });
+}
+
+// ---- stored rows ----------------------------------------------------------------------------------------
+
+bool TableRendering::NobodyLooksOn() const {
+  return !context_.SeesCalls() && !display_.SeesCalls() && !response_.SeesCalls() && !columns_.SeesCalls();
+}
+
+// From here to the last row nothing can change what a column is, and what the rows are made of is written in pieces.
+void TableRendering::BindColumns() {
+  bool isBound = false;
+  bound_.clear();
+  const bool found = trap_([&] {
+    for (const std::int16_t id : table_.Definition().columns) {
+      BoundCells cells;
+      cells.column = Held(columns_.Column(id));
+      cells.cells = cells.column->Bind(context_, display_, *Held(source_));
+      isBound = isBound || cells.cells;
+      bound_.push_back(std::move(cells));
+    }
+  });
+  if (found && isBound) joined_.emplace();
+}
+
+void TableRendering::WriteStoredCells(const StoredValue* row) {
+  bool firstCell = true;
+  for (const BoundCells& column : bound_) {
+    const std::size_t start = joined_->Size();
+    bool made = true;
+    const bool failed = !trap_([&] { made = column.cells && column.cells->AppendCell(*joined_, row); });
+    if (failed) joined_->Shorten(start);
+    if (made) continue;
+    Flush();
+    column_ = column.column;
+    WriteCell(Phase::Data, firstCell);
+  }
 }
 
 }  // namespace kalvo

@@ -2,10 +2,13 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "columns/bound_column.h"
+#include "display/page_text.h"
 #include "generator/paging.h"
 #include "kalvo/platform/error.h"
 #include "kalvo/table.h"
@@ -29,7 +32,7 @@ class TableRendering {
   void Render(std::string_view emptyMessage, std::string_view tableName);
 
  private:
-  enum class Phase : std::uint8_t { Header, Data, Totals, Done };
+  enum class Phase : std::uint8_t { Header, Data, Totals };
 
   void StartTable();
   bool Open();
@@ -39,15 +42,21 @@ class TableRendering {
   void WriteWarning();
   void MoveToFirstRow();
   void WriteRows();
-  void WriteRow(Phase phase, bool& firstCell);
-  Phase NextPhase(Phase phase, std::int64_t& row);
-  Phase AfterData();
+  bool WriteDataRows();
+  bool MoveToTotals();
+  void WriteRow(Phase phase);
+  void WriteCells(Phase phase);
+  void WriteCell(Phase phase, bool& firstCell);
+  bool NobodyLooksOn() const;
+  void BindColumns();
+  void WriteStoredCells(const StoredValue* row);
 
   void AppendNavigationRow(std::string& out);
   void AppendPagingLink(std::string& out, std::string_view image, std::int64_t first, std::int64_t size);
   void AppendPagingLinks(std::string& left, std::string& right);
   void AppendWideRow(std::string& out, std::string_view content, std::string_view align);
   void Write(std::string_view text);
+  void Flush();
   template <typename Maker>
   void WriteMade(Maker&& maker);
 
@@ -62,6 +71,14 @@ class TableRendering {
   std::shared_ptr<TableColumn> column_;   // of the cell under way; the one before it where the catalogue failed
   std::string cell_;                      // the piece of HTML under way
   Paging page_;
+
+  // Where nobody looks on: the columns bound to the stored rows, and the text of rows that is not written yet.
+  struct BoundCells {
+    std::shared_ptr<TableColumn> column;
+    std::unique_ptr<BoundColumn> cells;  // null where the column is asked
+  };
+  std::vector<BoundCells> bound_;
+  std::optional<PageText> joined_;
   std::string navigationRow_;
 };
 

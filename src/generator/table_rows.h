@@ -14,7 +14,6 @@ namespace kalvo::tables {
 enum class Group : std::uint8_t { General, Task, Resource, Configuration, TopN, LiveMailbox };
 
 enum class Totals : std::uint8_t { ShowTotals, NoTotals };
-enum class Charts : std::uint8_t { ShowCharts, NoCharts };
 enum class LastScan : std::uint8_t { ShowScan, NoScan };
 enum class Form : std::uint8_t { IsForm, NoForm };
 enum class Entries : std::uint8_t { ShowEntries, NoEntries };
@@ -26,7 +25,6 @@ struct TableRow {
   KalvoTableConstants id;
   std::string_view title;
   Totals totals;
-  Charts charts;
   LastScan lastScan;
   Form form;
   Entries entries;
@@ -36,7 +34,6 @@ struct TableRow {
 };
 
 using enum Totals;
-using enum Charts;
 using enum LastScan;
 using enum Form;
 using enum Entries;
@@ -155,77 +152,77 @@ inline constexpr std::int16_t kLiveAttachments[] = {COL_MAPI_ATTACHMENTFILENAME,
 // from their row source.
 inline constexpr TableRow kTables[] = {
 // group                 id                                                     title                                                      totals      charts      last scan  form    entries      order by           order   columns
-  {Group::General,       TABLE_CURRENTALERTS,                                   "Current Alerts",                                          NoTotals,   NoCharts,   NoScan,    IsForm, ShowEntries, "AlertTime",       "DESC", kCurrentAlerts},
+  {Group::General,       TABLE_CURRENTALERTS,                                   "Current Alerts",                                          NoTotals,     NoScan,    IsForm, ShowEntries, "AlertTime",       "DESC", kCurrentAlerts},
 
-  {Group::Task,          TABLE_TASK_STORAGEADVISORY_DISABLEDSINGLERECIPIENT,    "Quota Violations: All Users",                             NoTotals,   NoCharts,   ShowScan,  NoForm, ShowEntries, "RecipientName",   "ASC",  kQuotaViolations},
-  {Group::Task,          TABLE_TASK_CAPACITYPLANNING_SUMMARY,                   "Capacity Planning: Group Summary",                        ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "PercentUsed",     "DESC", kCapacityOfGroup},
-  {Group::Task,          TABLE_TASK_CAPACITYPLANNING_SINGLESERVER,              "Capacity Planning: Single Server Detail",                 NoTotals,   NoCharts,   ShowScan,  NoForm, ShowEntries, "PercentUsed",     "DESC", kCapacityOfServer},
-  {Group::Task,          TABLE_TASK_RECOVERYMANAGEMENT_SucessfulBackups,        "Recovery Management: Most Recent Successful Backups",     NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "BackupStart",     "ASC",  kLatestBackups},
-  {Group::Task,          TABLE_TASK_RECOVERYMANAGEMENT_FAILEDBACKUPS,           "Recovery Management: Failed Backups",                     NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "ComputerName",    "ASC",  kFailedBackups},
-  {Group::Task,          TABLE_TASK_RECOVERYMANAGEMENT_SERVERSOVERBACKUPPOLICY, "Recovery Management: Servers Over Backup Policy",         NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "ComputerName",    "ASC",  kServersOverBackupPolicy},
-  {Group::Task,          TABLE_TASK_RECOVERYMANAGEMENT_LONGESTBACKUPS,          "Recovery Management: Longest Backups",                    NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "sb.BackupLength", "DESC", kLongestBackups},
-  {Group::Task,          TABLE_PERFORMANCE_AVGMSGS_DESC,                        "Performance: Busiest Servers by Average Messages",        NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "",                "",     kMessageRate},
-  {Group::Task,          TABLE_PERFORMANCE_AVGMSGS_ASC,                         "Performance: Least Busy Servers by Average Messages",     NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "",                "",     kMessageRate},
-  {Group::Task,          TABLE_PERFORMANCE_AVGMSGSIZE_DESC,                     "Performance: Busiest Servers by Average Message Size",    NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "",                "",     kMessageSize},
-  {Group::Task,          TABLE_PERFORMANCE_AVGMSGSIZE_ASC,                      "Performance: Least Busy Servers by Average Message Size", NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "",                "",     kMessageSize},
-  {Group::Task,          TABLE_PERFORMANCE_AVGDISKIO_DESC,                      "Performance: Busiest Servers by Average Disk I/O",        NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "",                "",     kDiskIo},
-  {Group::Task,          TABLE_PERFORMANCE_AVGDISKIO_ASC,                       "Performance: Least Busy Servers by Average Disk I/O",     NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "",                "ASC",  kDiskIo},
-  {Group::Task,          TABLE_PERFORMANCE_AVGMEMUSAGE_DESC,                    "Performance: Busiest Servers by Memory Usage",            NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "",                "",     kMemory},
-  {Group::Task,          TABLE_PERFORMANCE_AVGMEMUSAGE_ASC,                     "Performance: Least Busy Servers by Memory Usage",         NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "",                "",     kMemory},
-  {Group::Task,          TABLE_TASK_STORAGEADVISORY_DISABLEDRECIPIENTS,         "Storage Advisory: Disabled Recipients",                   NoTotals,   NoCharts,   NoScan,    IsForm, ShowEntries, "RecipientName",   "ASC",  kDisabledRecipients},
-  {Group::Task,          TABLE_TASK_STORAGEADVISORY_MISSINGSERVERS,             "Storage Advisory: Missing Servers",                       NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "ComputerName",    "ASC",  kMissingServers},
-  {Group::Task,          TABLE_TASK_STORAGEADVISORY_NEWSERVERS,                 "Storage Advisory: New Servers",                           NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "Attrib2",         "ASC",  kNewServers},
-  {Group::Task,          TABLE_TASK_STORAGEADVISORY_MAILBOX_SPACEPOLICY,        "Storage Advisory: Mailboxes exceeded space policy",       NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "Attrib2",         "ASC",  kSpacePolicyAlerts},
-  {Group::Task,          TABLE_TASK_STORAGEADVISORY_PUBLICFOLDER_SPACEPOLICY,   "Storage Advisory: Public folders exceeded space policy",  NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "Attrib2",         "ASC",  kSpacePolicyAlerts},
-  {Group::Task,          TABLE_TASK_STORAGEADVISORY_MAILBOXGROUP_SPACEPOLICY,   "Storage Advisory: Mailbox Groups exceeded space policy",  NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "Attrib2",         "ASC",  kMailboxGroupAlerts},
-  {Group::Task,          TABLE_TASK_STORAGEADVISORY_FileSystemCapacity,         "Storage Advisory: File System capacity policy",           NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "Attrib2",         "ASC",  kSpacePolicyAlerts},
+  {Group::Task,          TABLE_TASK_STORAGEADVISORY_DISABLEDSINGLERECIPIENT,    "Quota Violations: All Users",                             NoTotals,     ShowScan,  NoForm, ShowEntries, "RecipientName",   "ASC",  kQuotaViolations},
+  {Group::Task,          TABLE_TASK_CAPACITYPLANNING_SUMMARY,                   "Capacity Planning: Group Summary",                        ShowTotals,   ShowScan,  NoForm, ShowEntries, "PercentUsed",     "DESC", kCapacityOfGroup},
+  {Group::Task,          TABLE_TASK_CAPACITYPLANNING_SINGLESERVER,              "Capacity Planning: Single Server Detail",                 NoTotals,     ShowScan,  NoForm, ShowEntries, "PercentUsed",     "DESC", kCapacityOfServer},
+  {Group::Task,          TABLE_TASK_RECOVERYMANAGEMENT_SucessfulBackups,        "Recovery Management: Most Recent Successful Backups",     NoTotals,     NoScan,    NoForm, ShowEntries, "BackupStart",     "ASC",  kLatestBackups},
+  {Group::Task,          TABLE_TASK_RECOVERYMANAGEMENT_FAILEDBACKUPS,           "Recovery Management: Failed Backups",                     NoTotals,     NoScan,    NoForm, ShowEntries, "ComputerName",    "ASC",  kFailedBackups},
+  {Group::Task,          TABLE_TASK_RECOVERYMANAGEMENT_SERVERSOVERBACKUPPOLICY, "Recovery Management: Servers Over Backup Policy",         NoTotals,     NoScan,    NoForm, ShowEntries, "ComputerName",    "ASC",  kServersOverBackupPolicy},
+  {Group::Task,          TABLE_TASK_RECOVERYMANAGEMENT_LONGESTBACKUPS,          "Recovery Management: Longest Backups",                    NoTotals,     NoScan,    NoForm, ShowEntries, "sb.BackupLength", "DESC", kLongestBackups},
+  {Group::Task,          TABLE_PERFORMANCE_AVGMSGS_DESC,                        "Performance: Busiest Servers by Average Messages",        NoTotals,     NoScan,    NoForm, ShowEntries, "",                "",     kMessageRate},
+  {Group::Task,          TABLE_PERFORMANCE_AVGMSGS_ASC,                         "Performance: Least Busy Servers by Average Messages",     NoTotals,     NoScan,    NoForm, ShowEntries, "",                "",     kMessageRate},
+  {Group::Task,          TABLE_PERFORMANCE_AVGMSGSIZE_DESC,                     "Performance: Busiest Servers by Average Message Size",    NoTotals,     NoScan,    NoForm, ShowEntries, "",                "",     kMessageSize},
+  {Group::Task,          TABLE_PERFORMANCE_AVGMSGSIZE_ASC,                      "Performance: Least Busy Servers by Average Message Size", NoTotals,     NoScan,    NoForm, ShowEntries, "",                "",     kMessageSize},
+  {Group::Task,          TABLE_PERFORMANCE_AVGDISKIO_DESC,                      "Performance: Busiest Servers by Average Disk I/O",        NoTotals,     NoScan,    NoForm, ShowEntries, "",                "",     kDiskIo},
+  {Group::Task,          TABLE_PERFORMANCE_AVGDISKIO_ASC,                       "Performance: Least Busy Servers by Average Disk I/O",     NoTotals,     NoScan,    NoForm, ShowEntries, "",                "ASC",  kDiskIo},
+  {Group::Task,          TABLE_PERFORMANCE_AVGMEMUSAGE_DESC,                    "Performance: Busiest Servers by Memory Usage",            NoTotals,     NoScan,    NoForm, ShowEntries, "",                "",     kMemory},
+  {Group::Task,          TABLE_PERFORMANCE_AVGMEMUSAGE_ASC,                     "Performance: Least Busy Servers by Memory Usage",         NoTotals,     NoScan,    NoForm, ShowEntries, "",                "",     kMemory},
+  {Group::Task,          TABLE_TASK_STORAGEADVISORY_DISABLEDRECIPIENTS,         "Storage Advisory: Disabled Recipients",                   NoTotals,     NoScan,    IsForm, ShowEntries, "RecipientName",   "ASC",  kDisabledRecipients},
+  {Group::Task,          TABLE_TASK_STORAGEADVISORY_MISSINGSERVERS,             "Storage Advisory: Missing Servers",                       NoTotals,     NoScan,    NoForm, ShowEntries, "ComputerName",    "ASC",  kMissingServers},
+  {Group::Task,          TABLE_TASK_STORAGEADVISORY_NEWSERVERS,                 "Storage Advisory: New Servers",                           NoTotals,     NoScan,    NoForm, ShowEntries, "Attrib2",         "ASC",  kNewServers},
+  {Group::Task,          TABLE_TASK_STORAGEADVISORY_MAILBOX_SPACEPOLICY,        "Storage Advisory: Mailboxes exceeded space policy",       NoTotals,     NoScan,    NoForm, ShowEntries, "Attrib2",         "ASC",  kSpacePolicyAlerts},
+  {Group::Task,          TABLE_TASK_STORAGEADVISORY_PUBLICFOLDER_SPACEPOLICY,   "Storage Advisory: Public folders exceeded space policy",  NoTotals,     NoScan,    NoForm, ShowEntries, "Attrib2",         "ASC",  kSpacePolicyAlerts},
+  {Group::Task,          TABLE_TASK_STORAGEADVISORY_MAILBOXGROUP_SPACEPOLICY,   "Storage Advisory: Mailbox Groups exceeded space policy",  NoTotals,     NoScan,    NoForm, ShowEntries, "Attrib2",         "ASC",  kMailboxGroupAlerts},
+  {Group::Task,          TABLE_TASK_STORAGEADVISORY_FileSystemCapacity,         "Storage Advisory: File System capacity policy",           NoTotals,     NoScan,    NoForm, ShowEntries, "Attrib2",         "ASC",  kSpacePolicyAlerts},
 
-  {Group::Resource,      TABLE_RES_SERVERGROUPS_SUMMARY,                        "Configuration: Server Groups Summary",                    NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "Name",            "ASC",  kServerGroups},
-  {Group::Resource,      TABLE_RES_MAILBOXGROUPS_SUMMARY,                       "Configuration: Mailbox Groups Summary",                   NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "Name",            "ASC",  kMailboxGroups},
-  {Group::Resource,      TABLE_RES_SERVERGROUPS_MAILBOXESSUMMARY,               "Resources: Server Groups Mailboxes Summary",              NoTotals,   NoCharts,   NoScan,    NoForm, NoEntries,   "Name",            "ASC",  kServerGroupMailboxes},
-  {Group::Resource,      TABLE_RES_SERVERGROUPS_PUBLICFOLDERSSUMMARY,           "Resources: Server Groups Public folders Summary",         NoTotals,   NoCharts,   NoScan,    NoForm, NoEntries,   "Name",            "ASC",  kServerGroupPublicFolders},
-  {Group::Resource,      TABLE_RES_MAILBOXGROUPS_MAILBOXESSUMMARY,              "Resources: Mailbox Groups Mailboxes Summary",             ShowTotals, NoCharts,   NoScan,    NoForm, NoEntries,   "Name",            "ASC",  kMailboxGroupMailboxes},
-  {Group::Resource,      TABLE_RES_SERVERGROUPMEMBERSHIP,                       "Resources: Single Server Group Membership",               ShowTotals, ShowCharts, ShowScan,  NoForm, ShowEntries, "ComputerName",    "ASC",  kGroupMembers},
-  {Group::Resource,      TABLE_RES_ORGANIZATION_SERVERSUMMARY,                  "Organization Site Server Summary",                        ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "ComputerName",    "ASC",  kServerSummary},
-  {Group::Resource,      TABLE_RES_ORGANIZATION_SITESERVERSUMMARY,              "Organization Site Server Summary",                        ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "ComputerName",    "ASC",  kServerSummary},
-  {Group::Resource,      TABLE_RES_ORGANIZATION_ALLSERVERS,                     "All Exchange Servers",                                    NoTotals,   NoCharts,   ShowScan,  NoForm, ShowEntries, "ComputerName",    "ASC",  kAllServers},
-  {Group::Resource,      TABLE_RES_SERVERGROUP_SERVERSUMMARY,                   "Server Group Server Summary",                             ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "ComputerName",    "ASC",  kGroupMembers},
-  {Group::Resource,      TABLE_RES_SERVER_DBFILESUMMARY,                        "Single Server DB File Summary",                           ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "DbFileString",    "ASC",  kDatabaseFiles},
-  {Group::Resource,      TABLE_CHARGEBACK_Organization,                         "Chargeback report by organization",                       ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "MbName",          "ASC",  kChargeback},
-  {Group::Resource,      TABLE_CHARGEBACK_Site,                                 "Chargeback report by site",                               ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "MbName",          "ASC",  kChargeback},
-  {Group::Resource,      TABLE_CHARGEBACK_Server,                               "Chargeback report by server",                             ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "MbName",          "ASC",  kChargebackOfServer},
-  {Group::Resource,      TABLE_CHARGEBACK_ServerGroup,                          "Chargeback report by server group",                       ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "MbName",          "ASC",  kChargeback},
-  {Group::Resource,      TABLE_AmbiguousAddressResolution,                      "Resolution of ambiguous addresses",                       NoTotals,   NoCharts,   NoScan,    NoForm, NoEntries,   "MbName",          "ASC",  kAmbiguousAddresses},
+  {Group::Resource,      TABLE_RES_SERVERGROUPS_SUMMARY,                        "Configuration: Server Groups Summary",                    NoTotals,     NoScan,    NoForm, ShowEntries, "Name",            "ASC",  kServerGroups},
+  {Group::Resource,      TABLE_RES_MAILBOXGROUPS_SUMMARY,                       "Configuration: Mailbox Groups Summary",                   NoTotals,     NoScan,    NoForm, ShowEntries, "Name",            "ASC",  kMailboxGroups},
+  {Group::Resource,      TABLE_RES_SERVERGROUPS_MAILBOXESSUMMARY,               "Resources: Server Groups Mailboxes Summary",              NoTotals,     NoScan,    NoForm, NoEntries,   "Name",            "ASC",  kServerGroupMailboxes},
+  {Group::Resource,      TABLE_RES_SERVERGROUPS_PUBLICFOLDERSSUMMARY,           "Resources: Server Groups Public folders Summary",         NoTotals,     NoScan,    NoForm, NoEntries,   "Name",            "ASC",  kServerGroupPublicFolders},
+  {Group::Resource,      TABLE_RES_MAILBOXGROUPS_MAILBOXESSUMMARY,              "Resources: Mailbox Groups Mailboxes Summary",             ShowTotals,   NoScan,    NoForm, NoEntries,   "Name",            "ASC",  kMailboxGroupMailboxes},
+  {Group::Resource,      TABLE_RES_SERVERGROUPMEMBERSHIP,                       "Resources: Single Server Group Membership",               ShowTotals, ShowScan,  NoForm, ShowEntries, "ComputerName",    "ASC",  kGroupMembers},
+  {Group::Resource,      TABLE_RES_ORGANIZATION_SERVERSUMMARY,                  "Organization Site Server Summary",                        ShowTotals,   ShowScan,  NoForm, ShowEntries, "ComputerName",    "ASC",  kServerSummary},
+  {Group::Resource,      TABLE_RES_ORGANIZATION_SITESERVERSUMMARY,              "Organization Site Server Summary",                        ShowTotals,   ShowScan,  NoForm, ShowEntries, "ComputerName",    "ASC",  kServerSummary},
+  {Group::Resource,      TABLE_RES_ORGANIZATION_ALLSERVERS,                     "All Exchange Servers",                                    NoTotals,     ShowScan,  NoForm, ShowEntries, "ComputerName",    "ASC",  kAllServers},
+  {Group::Resource,      TABLE_RES_SERVERGROUP_SERVERSUMMARY,                   "Server Group Server Summary",                             ShowTotals,   ShowScan,  NoForm, ShowEntries, "ComputerName",    "ASC",  kGroupMembers},
+  {Group::Resource,      TABLE_RES_SERVER_DBFILESUMMARY,                        "Single Server DB File Summary",                           ShowTotals,   ShowScan,  NoForm, ShowEntries, "DbFileString",    "ASC",  kDatabaseFiles},
+  {Group::Resource,      TABLE_CHARGEBACK_Organization,                         "Chargeback report by organization",                       ShowTotals,   ShowScan,  NoForm, ShowEntries, "MbName",          "ASC",  kChargeback},
+  {Group::Resource,      TABLE_CHARGEBACK_Site,                                 "Chargeback report by site",                               ShowTotals,   ShowScan,  NoForm, ShowEntries, "MbName",          "ASC",  kChargeback},
+  {Group::Resource,      TABLE_CHARGEBACK_Server,                               "Chargeback report by server",                             ShowTotals,   ShowScan,  NoForm, ShowEntries, "MbName",          "ASC",  kChargebackOfServer},
+  {Group::Resource,      TABLE_CHARGEBACK_ServerGroup,                          "Chargeback report by server group",                       ShowTotals,   ShowScan,  NoForm, ShowEntries, "MbName",          "ASC",  kChargeback},
+  {Group::Resource,      TABLE_AmbiguousAddressResolution,                      "Resolution of ambiguous addresses",                       NoTotals,     NoScan,    NoForm, NoEntries,   "MbName",          "ASC",  kAmbiguousAddresses},
 
-  {Group::Configuration, TABLE_SERVERGROUPSUMMARY,                              "Configuration: Server Groups Summary",                    NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "Name",            "ASC",  kConfiguredServerGroups},
-  {Group::Configuration, TABLE_MAILBOXGROUPSUMMARY,                             "Configuration: Mailbox Groups Summary",                   NoTotals,   NoCharts,   NoScan,    NoForm, ShowEntries, "Name",            "ASC",  kConfiguredMailboxGroups},
-  {Group::Configuration, TABLE_SINGLESERVERGROUPMEMBERSHIP,                     "Configuration: Single Server Group Membership",           NoTotals,   NoCharts,   NoScan,    IsForm, ShowEntries, "ComputerName",    "ASC",  kGroupMembership},
+  {Group::Configuration, TABLE_SERVERGROUPSUMMARY,                              "Configuration: Server Groups Summary",                    NoTotals,     NoScan,    NoForm, ShowEntries, "Name",            "ASC",  kConfiguredServerGroups},
+  {Group::Configuration, TABLE_MAILBOXGROUPSUMMARY,                             "Configuration: Mailbox Groups Summary",                   NoTotals,     NoScan,    NoForm, ShowEntries, "Name",            "ASC",  kConfiguredMailboxGroups},
+  {Group::Configuration, TABLE_SINGLESERVERGROUPMEMBERSHIP,                     "Configuration: Single Server Group Membership",           NoTotals,     NoScan,    IsForm, ShowEntries, "ComputerName",    "ASC",  kGroupMembership},
 
-  {Group::TopN,          TABLE_TOPN_MBCNT,                                      "TopN Mailbox Count",                                      ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "",     kMailboxSizes},
-  {Group::TopN,          TABLE_TOPN_MBSPACE,                                    "TopN Mailbox Space",                                      ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "DESC", kMailboxSizes},
-  {Group::TopN,          TABLE_TOPN_MailboxAverageSize,                         "TopN Average Mailbox Space",                              ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "DESC", kMailboxSizes},
-  {Group::TopN,          TABLE_TOPN_MBOLDCNT,                                   "TopN Mailbox Old Message Count",                          ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "",     kMailboxOldSizes},
-  {Group::TopN,          TABLE_TOPN_MBOLDSPACE,                                 "TopN Mailbox Old Message Space",                          ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "",     kMailboxOldSizes},
-  {Group::TopN,          TABLE_TOPN_PFMSGCNT,                                   "TopN Public folder Message Count",                        ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "",     kPublicFolderSizes},
-  {Group::TopN,          TABLE_TOPN_PFSPACE,                                    "TopN Public folder Message Space",                        ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "",     kPublicFolderSizes},
-  {Group::TopN,          TABLE_TOPN_PublicFolderAverageSize,                    "TopN Public folder Average Message Space",                ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "",     kPublicFolderSizes},
-  {Group::TopN,          TABLE_TOPN_PFOLDCNT,                                   "TopN Public folder Old Message Count",                    ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "",     kPublicFolderOldSizes},
-  {Group::TopN,          TABLE_TOPN_PFOLDSPACE,                                 "TopN Public folder Old Message Space",                    ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "",     kPublicFolderOldSizes},
-  {Group::TopN,          TABLE_TOPN_MBSTALE,                                    "TopN Stale Mailboxes",                                    NoTotals,   NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "",     kStaleMailboxes},
-  {Group::TopN,          TABLE_TOPN_PFSTALE,                                    "TopN Stale Public folders",                               NoTotals,   NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "",     kStalePublicFolders},
-  {Group::TopN,          TABLE_TOPN_LARGEMBMSG,                                 "TopN Largest Mailbox Messages",                           ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "",     kMailboxMessages},
-  {Group::TopN,          TABLE_TOPN_OLDMBMSG,                                   "TopN Oldest Mailbox Messages",                            ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "",     kMailboxMessages},
-  {Group::TopN,          TABLE_TOPN_LARGEOLDMBMSG,                              "TopN Largest Old Mailbox Messages",                       ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "",     kMailboxMessages},
-  {Group::TopN,          TABLE_TOPN_LARGEPFMSG,                                 "TopN Largest Public folder Messages",                     ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "",     kPublicFolderMessages},
-  {Group::TopN,          TABLE_TOPN_OLDPFMSG,                                   "TopN Oldest Public folder Messages",                      ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "",     kPublicFolderMessages},
-  {Group::TopN,          TABLE_TOPN_LARGEOLDPFMSG,                              "TopN Largest Old Public folder Messages",                 ShowTotals, NoCharts,   ShowScan,  NoForm, ShowEntries, "",                "",     kPublicFolderMessages},
+  {Group::TopN,          TABLE_TOPN_MBCNT,                                      "TopN Mailbox Count",                                      ShowTotals,   ShowScan,  NoForm, ShowEntries, "",                "",     kMailboxSizes},
+  {Group::TopN,          TABLE_TOPN_MBSPACE,                                    "TopN Mailbox Space",                                      ShowTotals,   ShowScan,  NoForm, ShowEntries, "",                "DESC", kMailboxSizes},
+  {Group::TopN,          TABLE_TOPN_MailboxAverageSize,                         "TopN Average Mailbox Space",                              ShowTotals,   ShowScan,  NoForm, ShowEntries, "",                "DESC", kMailboxSizes},
+  {Group::TopN,          TABLE_TOPN_MBOLDCNT,                                   "TopN Mailbox Old Message Count",                          ShowTotals,   ShowScan,  NoForm, ShowEntries, "",                "",     kMailboxOldSizes},
+  {Group::TopN,          TABLE_TOPN_MBOLDSPACE,                                 "TopN Mailbox Old Message Space",                          ShowTotals,   ShowScan,  NoForm, ShowEntries, "",                "",     kMailboxOldSizes},
+  {Group::TopN,          TABLE_TOPN_PFMSGCNT,                                   "TopN Public folder Message Count",                        ShowTotals,   ShowScan,  NoForm, ShowEntries, "",                "",     kPublicFolderSizes},
+  {Group::TopN,          TABLE_TOPN_PFSPACE,                                    "TopN Public folder Message Space",                        ShowTotals,   ShowScan,  NoForm, ShowEntries, "",                "",     kPublicFolderSizes},
+  {Group::TopN,          TABLE_TOPN_PublicFolderAverageSize,                    "TopN Public folder Average Message Space",                ShowTotals,   ShowScan,  NoForm, ShowEntries, "",                "",     kPublicFolderSizes},
+  {Group::TopN,          TABLE_TOPN_PFOLDCNT,                                   "TopN Public folder Old Message Count",                    ShowTotals,   ShowScan,  NoForm, ShowEntries, "",                "",     kPublicFolderOldSizes},
+  {Group::TopN,          TABLE_TOPN_PFOLDSPACE,                                 "TopN Public folder Old Message Space",                    ShowTotals,   ShowScan,  NoForm, ShowEntries, "",                "",     kPublicFolderOldSizes},
+  {Group::TopN,          TABLE_TOPN_MBSTALE,                                    "TopN Stale Mailboxes",                                    NoTotals,     ShowScan,  NoForm, ShowEntries, "",                "",     kStaleMailboxes},
+  {Group::TopN,          TABLE_TOPN_PFSTALE,                                    "TopN Stale Public folders",                               NoTotals,     ShowScan,  NoForm, ShowEntries, "",                "",     kStalePublicFolders},
+  {Group::TopN,          TABLE_TOPN_LARGEMBMSG,                                 "TopN Largest Mailbox Messages",                           ShowTotals,   ShowScan,  NoForm, ShowEntries, "",                "",     kMailboxMessages},
+  {Group::TopN,          TABLE_TOPN_OLDMBMSG,                                   "TopN Oldest Mailbox Messages",                            ShowTotals,   ShowScan,  NoForm, ShowEntries, "",                "",     kMailboxMessages},
+  {Group::TopN,          TABLE_TOPN_LARGEOLDMBMSG,                              "TopN Largest Old Mailbox Messages",                       ShowTotals,   ShowScan,  NoForm, ShowEntries, "",                "",     kMailboxMessages},
+  {Group::TopN,          TABLE_TOPN_LARGEPFMSG,                                 "TopN Largest Public folder Messages",                     ShowTotals,   ShowScan,  NoForm, ShowEntries, "",                "",     kPublicFolderMessages},
+  {Group::TopN,          TABLE_TOPN_OLDPFMSG,                                   "TopN Oldest Public folder Messages",                      ShowTotals,   ShowScan,  NoForm, ShowEntries, "",                "",     kPublicFolderMessages},
+  {Group::TopN,          TABLE_TOPN_LARGEOLDPFMSG,                              "TopN Largest Old Public folder Messages",                 ShowTotals,   ShowScan,  NoForm, ShowEntries, "",                "",     kPublicFolderMessages},
 
-  {Group::LiveMailbox,   TABLE_MAPI_MESSAGES,                                   "MAPI Messages",                                           ShowTotals, NoCharts,   NoScan,    NoForm, ShowEntries, "",                "",     kLiveMessages},
-  {Group::LiveMailbox,   TABLE_MAPI_FOLDERS,                                    "MAPI Folders",                                            ShowTotals, NoCharts,   NoScan,    NoForm, ShowEntries, "",                "",     kLiveFolders},
-  {Group::LiveMailbox,   TABLE_MAPI_PUBLICFOLDER_MESSAGES,                      "MAPI Public folder Messages",                             ShowTotals, NoCharts,   NoScan,    NoForm, ShowEntries, "",                "",     kLivePublicFolderMessages},
-  {Group::LiveMailbox,   TABLE_MAPI_PUBLICFOLDER_FOLDERS,                       "MAPI Public folder Folders",                              ShowTotals, NoCharts,   NoScan,    NoForm, ShowEntries, "",                "",     kLivePublicFolders},
-  {Group::LiveMailbox,   TABLE_MAPI_ATTACHMENTS,                                "MAPI Mailbox Message Attachments",                        ShowTotals, NoCharts,   NoScan,    NoForm, ShowEntries, "",                "",     kLiveAttachments},
-  {Group::LiveMailbox,   TABLE_MAPI_PUBLICFOLDER_ATTACHMENTS,                   "MAPI Public folder Message Attachments",                  ShowTotals, NoCharts,   NoScan,    NoForm, ShowEntries, "",                "",     kLiveAttachments},
+  {Group::LiveMailbox,   TABLE_MAPI_MESSAGES,                                   "MAPI Messages",                                           ShowTotals,   NoScan,    NoForm, ShowEntries, "",                "",     kLiveMessages},
+  {Group::LiveMailbox,   TABLE_MAPI_FOLDERS,                                    "MAPI Folders",                                            ShowTotals,   NoScan,    NoForm, ShowEntries, "",                "",     kLiveFolders},
+  {Group::LiveMailbox,   TABLE_MAPI_PUBLICFOLDER_MESSAGES,                      "MAPI Public folder Messages",                             ShowTotals,   NoScan,    NoForm, ShowEntries, "",                "",     kLivePublicFolderMessages},
+  {Group::LiveMailbox,   TABLE_MAPI_PUBLICFOLDER_FOLDERS,                       "MAPI Public folder Folders",                              ShowTotals,   NoScan,    NoForm, ShowEntries, "",                "",     kLivePublicFolders},
+  {Group::LiveMailbox,   TABLE_MAPI_ATTACHMENTS,                                "MAPI Mailbox Message Attachments",                        ShowTotals,   NoScan,    NoForm, ShowEntries, "",                "",     kLiveAttachments},
+  {Group::LiveMailbox,   TABLE_MAPI_PUBLICFOLDER_ATTACHMENTS,                   "MAPI Public folder Message Attachments",                  ShowTotals,   NoScan,    NoForm, ShowEntries, "",                "",     kLiveAttachments},
 };
 // clang-format on
 

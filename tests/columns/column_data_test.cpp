@@ -74,7 +74,6 @@ TEST(ColumnData, AValueIsShownByItsFormat) {
     page.column.formatType = c.format;
     page.column.dataScale = 1024;
     page.column.units = "KB";
-    page.column.defaultValue = "default";
     page.row.fields = {{"Value", c.value}};
     EXPECT_EQ(page.Content(), c.shown);
     EXPECT_EQ(page.Read(), "Value");

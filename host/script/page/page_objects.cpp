@@ -3,9 +3,9 @@
 #include <cmath>
 
 #include "host/script/late_binding/adapters.h"
-#include "host/script/text/encoding.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
+#include "kalvo/platform/encoding.h"
 
 namespace kalvo::host {
 namespace {

@@ -20,6 +20,8 @@ namespace kalvo::host {
 // The page's `Server`.
 class ServerObject : public Server {
  public:
+  bool SeesCalls() const override { return false; }
+
   using Maker = std::function<std::shared_ptr<Object>(std::string_view name)>;
 
   ServerObject(PagePlace place, Maker make) : place_(std::move(place)), make_(std::move(make)) {}
@@ -43,6 +45,8 @@ class ServerObject : public Server {
 // The page's `Session`.
 class SessionObject : public Session {
  public:
+  bool SeesCalls() const override { return false; }
+
   // What is given outlives this object.
   SessionObject(Engine& engine, PageSession& session, std::span<const ScriptStatic> statics)
       : engine_(engine), session_(session), declared_(statics) {}

@@ -17,6 +17,8 @@ class RequestObject : public Request {
  public:
   explicit RequestObject(const PageRequest& request);
 
+  bool SeesCalls() const override { return false; }
+
   std::shared_ptr<NameCollection> QueryString() const { return query_; }
   std::shared_ptr<NameCollection> Form() const { return form_; }
   std::shared_ptr<NameCollection> Cookies() const { return cookies_; }

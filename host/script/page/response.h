@@ -14,6 +14,7 @@ class ResponseObject : public Response {
  public:
   ResponseObject(Engine& engine, PageSink& sink) : engine_(engine), sink_(sink) {}
 
+  bool SeesCalls() const override { return false; }
   void Write(std::string_view text) override;
   void Flush() override;
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "host/script/text/encoding.h"
 #include "host/script/text/text.h"
 #include "kalvo/platform/conversion.h"
+#include "kalvo/platform/encoding.h"
 
 namespace kalvo::web::login {
 namespace {
@@ -37,7 +37,7 @@ std::string SignInAddress(std::string_view path, std::string_view query) {
   std::string signIn(kSignInPage);
   if (IsOfThisConsole(address) && !EqualsIgnoringAsciiCase(address, kStartPage)) {
     signIn += "?Return=";
-    host::AppendUrlEncoded(signIn, address);
+    AppendUrlEncoded(signIn, address);
   }
   return signIn;
 }

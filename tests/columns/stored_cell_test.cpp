@@ -1,0 +1,215 @@
+#include "columns/stored_cell.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "columns/row_fields.h"
+#include "fakes/page_fixture.h"
+#include "fakes/stored_rows.h"
+#include "kalvo/column.h"
+#include "kalvo/column_database.h"
+#include "kalvo/control_column.h"
+
+namespace kalvo {
+namespace {
+
+using Kind = StoredValue::Kind;
+
+// What a cell over a stored row is: its bytes, or the error that it fails with.
+std::string BoundCell(TableColumn& column, fakes::PageFixture& page, fakes::StoredRowSource& rows) {
+  const auto bound = column.Bind(*page.context, *page.display, rows);
+  if (!bound) return "asked";
+  PageText out;
+  try {
+    return bound->AppendCell(out, rows.StoredRow()) ? std::string(out.View()) : "asked";
+  } catch (const Error& error) {
+    return "fails with " + std::to_string(error.Number());
+  }
+}
+
+// The same cell, its fields asked for by their names.
+std::string AskedFor(TableColumn& column, fakes::PageFixture& page, fakes::StoredRowSource& rows) {
+  try {
+    std::string out;
+    column.AppendData(out, *page.context, *page.display, rows);
+    return out;
+  } catch (const Error& error) {
+    return "fails with " + std::to_string(error.Number());
+  }
+}
+
+// ---- every column over every kind of value --------------------------------------------------------------
+
+const char* const kTexts[] = {"",
+                              " ",
+                              "\t ",
+                              "0",
+                              "1",
+                              "2",
+                              "5018",
+                              "5023",
+                              "Server",
+                              "server",
+                              "MAILBOX",
+                              "Mailbox Group",
+                              "Public folder",
+                              "Server Group",
+                              "a<b>&\"c\"",
+                              "EXCH 01",
+                              "1/2/1999 3:04:05 PM",
+                              "1/2/1950",
+                              "1999-01-02",
+                              "12.345",
+                              "-7",
+                              "1E+20",
+                              "no number",
+                              "\xC3\xAB\xE2\x82\xAC",
+                              "A long text, longer than a block of it"};
+
+void AddAnyValue(fakes::StoredRowSource& rows, const std::string& name, std::mt19937& random) {
+  const auto whole = [&](std::int64_t limit) { return static_cast<std::int64_t>(random() % limit); };
+  const double fraction = static_cast<double>(random()) / 4294967296.0;
+  constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+  switch (random() % 12) {
+    case 0: return rows.Add(name, StoredValue{});
+    case 1: return rows.AddInteger(name, whole(4));
+    case 2: return rows.AddInteger(name, whole(2'000'000'000) - 1'000'000'000);
+    case 3: return rows.AddInteger(name, std::numeric_limits<std::int64_t>::max() - whole(1000));
+    case 4: return rows.AddNumber(name, static_cast<double>(whole(3'000'000)) - 1000, Kind::Double);
+    case 5: return rows.AddNumber(name, (fraction - 0.1) * 1e7, Kind::Double);
+    case 6: return rows.AddNumber(name, static_cast<double>(whole(100'000)) / 200 * 1024, Kind::Double);
+    case 7: return rows.AddNumber(name, std::pow(10, fraction * 300), Kind::Double);
+    case 8: return rows.AddNumber(name, 36000 + fraction * 10'000, Kind::Date);
+    case 9: return rows.AddNumber(name, random() % 4 == 0 ? kNone : (fraction - 0.2) * 3e6, Kind::Date);
+    case 10: return rows.AddText(name, "ab\x01\x7F", Kind::Binary);
+    default: return rows.AddText(name, kTexts[random() % std::size(kTexts)]);
+  }
+}
+
+// Every field that a column of the catalogue may read, each of any value.
+void AddAnyRow(fakes::StoredRowSource& rows, const ColumnDefinition& column, std::mt19937& random) {
+  AddAnyValue(rows, column.databaseField, random);
+  for (const RowFieldRow& field : kRowFields) AddAnyValue(rows, std::string(field.name), random);
+}
+
+TEST(StoredCell, IsTheCellThatIsMadeByName) {
+  fakes::PageFixture page;
+  const KalvoColumnDatabase catalogue;
+  std::mt19937 random(11);
+  int bound = 0;
+  for (std::int16_t id = 1; id <= COL_TOTALCOLUMNS; ++id) {
+    const auto column = std::dynamic_pointer_cast<KalvoColumn>(catalogue.GetColumn(id));
+    if (!column) continue;
+    for (int i = 0; i < 200; ++i) {
+      fakes::StoredRowSource rows;
+      AddAnyRow(rows, column->Definition(), random);
+      const std::string cell = BoundCell(*column, page, rows);
+      if (cell == "asked") break;
+      ++bound;
+      ASSERT_EQ(cell, AskedFor(*column, page, rows)) << id << " " << i;
+    }
+  }
+  EXPECT_GT(bound, 80 * 200) << "most columns can be bound";
+}
+
+TEST(StoredCell, EveryFormatAndLinkShowsWhatItDoesByName) {
+  fakes::PageFixture page;
+  std::mt19937 random(12);
+  for (std::int32_t format = 0; format <= 18; ++format) {
+    for (std::int32_t link = -1; link <= 22; ++link) {
+      ColumnDefinition definition;
+      definition.databaseField = "Value";
+      definition.formatType = static_cast<KalvoTableFormatType>(format);
+      definition.hyperLinkType = static_cast<KalvoTableHyperlinkType>(link);
+      definition.dataScale = link % 3 == 0 ? 0 : 1024;
+      definition.units = "<KB>";
+      definition.align = "right\"";
+      definition.columns = 2;
+      definition.noWrap = link % 2 == 0;
+      KalvoColumn column(definition);
+      for (int i = 0; i < 20; ++i) {
+        fakes::StoredRowSource rows;
+        AddAnyRow(rows, definition, random);
+        const std::string cell = BoundCell(column, page, rows);
+        if (cell == "asked") break;
+        ASSERT_EQ(cell, AskedFor(column, page, rows)) << format << " " << link;
+      }
+    }
+  }
+}
+
+// ---- what is not bound ----------------------------------------------------------------------------------
+
+struct Unbound {
+  const char* why;
+  KalvoTableFormatType format;
+  KalvoTableHyperlinkType link;
+  const char* field;  // of the row
+};
+
+TEST(StoredCell, ACellThatNeedsThePageOrAMissingFieldIsAsked) {
+  const Unbound kCases[] = {
+      {"a field that the rows lack", FORMATTYPE_NOFORMATING, HYPERLINK_NONE, "Other"},
+      {"a link's field that they lack", FORMATTYPE_NOFORMATING, HYPERLINK_SERVER, "Value"},
+      {"a picture", FORMATTYPE_IMAGE, HYPERLINK_NONE, "Value"},
+      {"a box of a group's member", FORMATTYPE_MEMBERSHIPCHECKBOX, HYPERLINK_NONE, "Value"},
+      {"a link with the page's mailbox", FORMATTYPE_NOFORMATING, HYPERLINK_MAPI_FOLDERNAME, "Value"},
+  };
+  fakes::PageFixture page;
+  for (const Unbound& c : kCases) {
+    ColumnDefinition definition;
+    definition.databaseField = "Value";
+    definition.formatType = c.format;
+    definition.hyperLinkType = c.link;
+    fakes::StoredRowSource rows;
+    rows.AddInteger(c.field, 1);
+    KalvoColumn column(definition);
+    EXPECT_EQ(BoundCell(column, page, rows), "asked") << c.why;
+  }
+}
+
+TEST(StoredCell, BehindTheLastRowEveryFieldIsEmpty) {
+  fakes::PageFixture page;
+  fakes::StoredRowSource rows;
+  rows.AddInteger("Value", 1);
+  ColumnDefinition definition;
+  definition.databaseField = "Value";
+  const auto bound = KalvoColumn(definition).Bind(*page.context, *page.display, rows);
+  PageText out;
+  ASSERT_TRUE(bound->AppendCell(out, nullptr));
+  EXPECT_EQ(out.View(), "<td>&nbsp;</td>");
+}
+
+TEST(StoredCell, ATagTooLongToBeKeptIsAsked) {
+  fakes::PageFixture page;
+  fakes::StoredRowSource rows;
+  rows.AddInteger("Value", 1);
+  ColumnDefinition definition;
+  definition.databaseField = "Value";
+  definition.align = std::string(300, 'x');
+  KalvoColumn column(definition);
+  EXPECT_EQ(BoundCell(column, page, rows), "asked");
+}
+
+// ---- boxes ----------------------------------------------------------------------------------------------
+
+TEST(StoredCell, BoxesAreBoundWhereTheIdentifierIsBinary) {
+  fakes::PageFixture page;
+  KalvoControlColumn boxes;
+  boxes.Initialize(COL_CURRENTALERTS_DELETE, "Delete", "", "AlertId", false, "", true, FORMATTYPE_CHECKBOX);
+  fakes::StoredRowSource rows;
+  rows.AddText("AlertId", "\xA0\x01", Kind::Binary);
+  EXPECT_EQ(BoundCell(boxes, page, rows), "") << "others see none";
+  page.Administrator();
+  EXPECT_EQ(BoundCell(boxes, page, rows),
+            "<td align=\"center\"><input type=\"checkbox\" name=\"Delete\" value=\"A001\"></td>");
+  fakes::StoredRowSource texts;
+  texts.AddText("AlertId", "a");
+  EXPECT_EQ(BoundCell(boxes, page, texts), "asked") << "an error has to be told";
+}
+
+}  // namespace
+}  // namespace kalvo
