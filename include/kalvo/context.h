@@ -3,11 +3,9 @@
 #include <concepts>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "kalvo/enumerations.h"
 #include "kalvo/platform/append.h"
@@ -29,7 +27,8 @@ class Trap;
 // `OnEndPage`. Outside of that span an operation that needs the page host fails with 91.
 class Context : public Object {
  public:
-  Context() = default;
+  Context();
+  ~Context() override;
 
   // Takes Response, Request, Session and Server from the page host, in that order, and digests the query
   // string. The scope stays as it is; everything counted per page starts again. Fails with 6 when a sort or
@@ -57,7 +56,7 @@ class Context : public Object {
   // ---- the table being built -----------------------------------------------------------------------------
 
   // The number of the table being built on this page: 1 for the first, 0 before it.
-  std::int16_t TableIndex() const { return tableIndex_; }
+  std::int16_t TableIndex() const;
 
   // Counts the next table and returns its number. Fails with 6 after 32767 tables.
   std::int16_t IncrementTableIndex();
@@ -70,8 +69,8 @@ class Context : public Object {
   std::string ServerURLEncode(std::string_view szData) const;
   void AppendServerHTMLEncode(std::string& out, std::string_view szData) const;
 
-  std::string_view szSortFieldParameterName() const { return "Sort"; }
-  std::string_view szSortOrderParameterName() const { return "SortOrder"; }
+  std::string_view szSortFieldParameterName() const;
+  std::string_view szSortOrderParameterName() const;
 
   // ---- sort and paging state of the table being built ----------------------------------------------------
 
@@ -110,7 +109,7 @@ class Context : public Object {
   bool bDebug(std::string_view szDebugType) const;
 
   // `bDebug("Table")` as it was when the page started.
-  bool bDebugTable() const { return debugTable_; }
+  bool bDebugTable() const;
 
   // Calls `GotoContainer` and reports its failure: the upgrade message for 0x80004002, "No such Folder" for
   // 0xE1C1002F when asked for, the failure paragraph else. True when it failed. Never raises.
@@ -146,6 +145,10 @@ class Context : public Object {
   // Whether one of the page's four objects sees how it is called, or is not there at all.
   bool SeesCalls() const;
 
+  // Writes to the page. Whether the session lets the user open every mailbox.
+  void Write(std::string_view text) const;
+  bool MayDrillDown() const;
+
   // `DebugOutput` and `TableDebugOutput` of a message that is only made when it is shown: the maker appends it.
   template <std::invocable<std::string&> Maker>
   void Trace(std::string_view szDebugType, Maker&& maker) const {
@@ -153,7 +156,7 @@ class Context : public Object {
   }
   template <std::invocable<std::string&> Maker>
   void TraceTable(Maker&& maker) const {
-    if (debugTable_) WriteTrace(Built(std::forward<Maker>(maker)));
+    if (bDebugTable()) WriteTrace(Built(std::forward<Maker>(maker)));
   }
 
   // The session's live mailbox browsing object. Fails with 424 when the session has none.
@@ -167,41 +170,12 @@ class Context : public Object {
   Ownership OwnsMailbox(Trap& trap, LiveContainer& live, std::string_view server, std::string_view mailbox) const;
 
  private:
-  std::string TableInformation(std::string_view name, std::int16_t count) const;
-  std::int16_t TableNumber(std::string_view name, std::int16_t count) const;
-  void AppendTableURLParameter(std::string& out, std::string_view separator, std::string_view name, std::int16_t count,
-                               std::string_view value) const;
-  bool SessionGrants(std::string_view name) const;
-  void DigestQueryString();
+  struct Parts;
   void WriteTrace(std::string_view message) const;
 
   std::string name_, org_, site_, mailbox_, container_;
   KalvoTableTopN topN_ = TOPN_UNDEFINED;
-
-  bool debugTable_ = false;
-  std::optional<std::vector<std::string>> debugTypes_;  // in upper case; of a request that does not see who asks it
-  std::int16_t tableIndex_ = 0;
-  std::string urlParameters_;
-  std::int16_t sortFieldCount_ = 0;
-  std::int16_t sortOrderCount_ = 0;
-  std::int16_t firstRowCount_ = 0;
-  std::int16_t pageSizeCount_ = 0;
-
-  std::shared_ptr<Response> response_;
-  std::shared_ptr<Request> request_;
-  std::shared_ptr<Session> session_;
-  std::shared_ptr<Server> server_;
-
-  // The last navigation of the live mailbox component. What was opened outlasts a page start, the kind of call does
-  // not.
-  enum class GotoCall : std::int32_t { None = 0, Container = 1, Message = 2 };
-  struct MessageGoto {
-    std::string server, mailbox, message;
-    bool mailboxMessage = false;
-    bool failed = false;
-  };
-  GotoCall lastGotoCall_ = GotoCall::None;
-  MessageGoto lastMessage_;
+  std::unique_ptr<Parts> parts_;  // the page and what is kept of it
 };
 
 }  // namespace kalvo

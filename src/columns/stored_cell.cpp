@@ -90,39 +90,44 @@ bool StoredCell::MayLink() const {
 // All the fields that a cell may come to read are looked for: one that is missing is reported when it is read.
 bool StoredCell::FindFields(RowSource& rows) {
   fields_.fill(kAbsent);
-  bool found = true;
-  const auto find = [&](RowField field) {
-    const auto place = rows.StoredField(NameOf(field));
-    found = found && place.has_value();
-    fields_[static_cast<std::size_t>(field)] = place.value_or(kAbsent);
-  };
-  const bool alerted = column_->formatType == FORMATTYPE_ALERTEDRESOURCE;
-  const auto findOf = [&](KalvoTableHyperlinkType type) {
-    const links::LinkRule* rule = links::RuleOf(type);
-    if (!rule) return;
-    for (const links::LinkParameter& parameter : rule->parameters) {
-      switch (parameter.source.from) {
-        case links::From::None:
-        case links::From::Value: break;
-        case links::From::Field: find(parameter.source.field); break;
-        case links::From::AlertField: find(alerted ? parameter.source.field : parameter.source.ranked); break;
-        default: found = false; break;  // a parameter of the page
-      }
-    }
-    if (rule->when == links::LinkWhen::ServerIsManaged) find(RowField::ServerState);
-    if (rule->when == links::LinkWhen::AlertIsOfAServer) find(RowField::AlertTypeCode);
-    if (rule->missing == links::MissingServer::Grey) find(RowField::Missing);
-  };
   const auto own = rows.StoredField(column_->databaseField);
-  ownField_ = own.value_or(kAbsent);
-  findOf(column_->hyperLinkType);
-  if (column_->formatType == FORMATTYPE_BackupDateTime) find(RowField::LastQuickScan);
-  if (alerted) {
-    find(RowField::Attrib3);
-    find(RowField::AlertTypeCode);
-    for (const links::AlertedResourceRow& resource : links::kAlertedResources) findOf(resource.link);
+  if (!own || !FindLinkFields(rows, column_->hyperLinkType)) return false;
+  ownField_ = *own;
+  if (column_->formatType == FORMATTYPE_BackupDateTime) return Find(rows, RowField::LastQuickScan);
+  if (column_->formatType != FORMATTYPE_ALERTEDRESOURCE) return true;
+  bool found = Find(rows, RowField::Attrib3) && Find(rows, RowField::AlertTypeCode);
+  for (const links::AlertedResourceRow& resource : links::kAlertedResources) {
+    found = found && FindLinkFields(rows, resource.link);
   }
-  return found && own.has_value();
+  return found;
+}
+
+bool StoredCell::Find(RowSource& rows, RowField field) {
+  const auto place = rows.StoredField(NameOf(field));
+  fields_[static_cast<std::size_t>(field)] = place.value_or(kAbsent);
+  return place.has_value();
+}
+
+bool StoredCell::FindLinkFields(RowSource& rows, KalvoTableHyperlinkType type) {
+  const links::LinkRule* rule = links::RuleOf(type);
+  if (!rule) return true;
+  for (const links::LinkParameter& parameter : rule->parameters) {
+    if (!FindParameter(rows, parameter.source)) return false;
+  }
+  if (rule->when == links::LinkWhen::ServerIsManaged && !Find(rows, RowField::ServerState)) return false;
+  if (rule->when == links::LinkWhen::AlertIsOfAServer && !Find(rows, RowField::AlertTypeCode)) return false;
+  return rule->missing != links::MissingServer::Grey || Find(rows, RowField::Missing);
+}
+
+bool StoredCell::FindParameter(RowSource& rows, const links::LinkSource& source) {
+  const bool alerted = column_->formatType == FORMATTYPE_ALERTEDRESOURCE;
+  switch (source.from) {
+    case links::From::None:
+    case links::From::Value: return true;
+    case links::From::Field: return Find(rows, source.field);
+    case links::From::AlertField: return Find(rows, alerted ? source.field : source.ranked);
+    default: return false;  // what the page knows
+  }
 }
 
 bool StoredCell::MakeConstants() {

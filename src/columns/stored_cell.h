@@ -68,6 +68,9 @@ class StoredCell final : public BoundColumn {
   StoredCell(std::shared_ptr<const ColumnFacts> column, const Display& display);
 
   bool FindFields(RowSource& rows);
+  bool Find(RowSource& rows, RowField field);
+  bool FindLinkFields(RowSource& rows, KalvoTableHyperlinkType type);
+  bool FindParameter(RowSource& rows, const links::LinkSource& source);
   bool MakeConstants();
   bool MayLink() const;
   FieldValue At(std::int32_t field) const;

@@ -9,9 +9,14 @@
 
 namespace kalvo {
 
-bool Context::SessionGrants(std::string_view name) const { return ToText(GetSession()->Item(name)) == "Yes"; }
+namespace {
 
-bool Context::KalvoAdministrator() const { return SessionGrants("KalvoAdministrator"); }
+bool Grants(const Context& context, std::string_view name) { return ToText(context.GetSession()->Item(name)) == "Yes"; }
+
+}  // namespace
+
+bool Context::KalvoAdministrator() const { return Grants(*this, "KalvoAdministrator"); }
+bool Context::MayDrillDown() const { return Grants(*this, "KalvoDrillDownAuth"); }
 
 std::shared_ptr<LiveContainer> Context::LiveDriller() const {
   auto driller = GetSession()->StaticObject("gLiveDriller");
@@ -22,7 +27,7 @@ std::shared_ptr<LiveContainer> Context::LiveDriller() const {
 bool Context::DrillDownPermission(std::string_view szServerName, std::string_view szMailboxName) const {
   Trap trap;
   bool authorised = false;
-  trap([&] { authorised = SessionGrants("KalvoDrillDownAuth"); });
+  trap([&] { authorised = MayDrillDown(); });
   if (authorised) return true;
 
   std::shared_ptr<LiveContainer> live;

@@ -243,20 +243,17 @@ void TableRendering::WriteRow(Phase phase) {
 // The rows end by their count alone; no source is asked whether it has reached its end. The last row's end stands
 // behind the way to the totals. True when they are reached.
 bool TableRendering::WriteDataRows() {
-  constexpr std::size_t kPiece = 32 << 10;
   if (NobodyLooksOn()) BindColumns();
+  if (joined_) return WriteStoredRows();
   bool totals = false, last = false;
-  for (std::int64_t row = std::max(page_.first, std::int64_t{1}); !last; ++row) {
+  for (std::int64_t row = FirstRow(); !last; ++row) {
     WriteMade([&](std::string& out) { display_.AppendTableRowStart(out); });
-    joined_ ? WriteStoredCells(source_->StoredRow()) : WriteCells(Phase::Data);
+    WriteCells(Phase::Data);
     trap_([&] { Held(source_)->MoveNext(); });
     last = row >= page_.last;
-    if (last || (joined_ && joined_->Size() > kPiece)) Flush();
     if (last) totals = MoveToTotals();
     WriteMade([&](std::string& out) { display_.AppendTableRowEnd(out); });
   }
-  Flush();
-  joined_.reset();
   return totals;
 }
 
@@ -309,13 +306,33 @@ void TableRendering::BindColumns() {
   if (found && isBound) joined_.emplace();
 }
 
-void TableRendering::WriteStoredCells(const StoredValue* row) {
+bool TableRendering::WriteStoredRows() {
+  constexpr std::size_t kPiece = 32 << 10;
+  const RowConstant start(display_.TableRowStart()), end(display_.TableRowEnd());
+  RowSource& source = *source_;
+  bool totals = false, last = false;
+  for (std::int64_t row = FirstRow(); !last; ++row) {
+    joined_->Put(start);
+    WriteStoredCells(source);
+    trap_([&] { source.MoveNext(); });
+    last = row >= page_.last;
+    if (last || joined_->Size() > kPiece) Flush();
+    if (last) totals = MoveToTotals();
+    joined_->Put(end);
+  }
+  Flush();
+  joined_.reset();
+  return totals;
+}
+
+void TableRendering::WriteStoredCells(RowSource& source) {
   bool firstCell = true;
+  const StoredValue* row = nullptr;
+  trap_([&] { row = source.StoredRow(); });
   for (const BoundCells& column : bound_) {
     const std::size_t start = joined_->Size();
     bool made = true;
-    const bool failed = !trap_([&] { made = column.cells && column.cells->AppendCell(*joined_, row); });
-    if (failed) joined_->Shorten(start);
+    if (!trap_([&] { made = column.cells && column.cells->AppendCell(*joined_, row); })) joined_->Shorten(start);
     if (made) continue;
     Flush();
     column_ = column.column;

@@ -44,12 +44,14 @@ class TableRendering {
   void WriteRows();
   bool WriteDataRows();
   bool MoveToTotals();
+  std::int64_t FirstRow() const { return page_.first > 1 ? page_.first : 1; }
   void WriteRow(Phase phase);
   void WriteCells(Phase phase);
   void WriteCell(Phase phase, bool& firstCell);
   bool NobodyLooksOn() const;
   void BindColumns();
-  void WriteStoredCells(const StoredValue* row);
+  bool WriteStoredRows();
+  void WriteStoredCells(RowSource& source);
 
   void AppendNavigationRow(std::string& out);
   void AppendPagingLink(std::string& out, std::string_view image, std::int64_t first, std::int64_t size);

@@ -13,13 +13,13 @@
 #include "kalvo/column_database.h"
 #include "kalvo/control_column.h"
 
-namespace kalvo {
+namespace kalvo::test {
 namespace {
 
 using Kind = StoredValue::Kind;
 
 // What a cell over a stored row is: its bytes, or the error that it fails with.
-std::string BoundCell(TableColumn& column, fakes::PageFixture& page, fakes::StoredRowSource& rows) {
+std::string BoundCell(TableColumn& column, PageFixture& page, StoredRowSource& rows) {
   const auto bound = column.Bind(*page.context, *page.display, rows);
   if (!bound) return "asked";
   PageText out;
@@ -31,7 +31,7 @@ std::string BoundCell(TableColumn& column, fakes::PageFixture& page, fakes::Stor
 }
 
 // The same cell, its fields asked for by their names.
-std::string AskedFor(TableColumn& column, fakes::PageFixture& page, fakes::StoredRowSource& rows) {
+std::string AskedFor(TableColumn& column, PageFixture& page, StoredRowSource& rows) {
   try {
     std::string out;
     column.AppendData(out, *page.context, *page.display, rows);
@@ -69,7 +69,7 @@ const char* const kTexts[] = {"",
                               "\xC3\xAB\xE2\x82\xAC",
                               "A long text, longer than a block of it"};
 
-void AddAnyValue(fakes::StoredRowSource& rows, const std::string& name, std::mt19937& random) {
+void AddAnyValue(StoredRowSource& rows, const std::string& name, std::mt19937& random) {
   const auto whole = [&](std::int64_t limit) { return static_cast<std::int64_t>(random() % limit); };
   const double fraction = static_cast<double>(random()) / 4294967296.0;
   constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
@@ -90,13 +90,13 @@ void AddAnyValue(fakes::StoredRowSource& rows, const std::string& name, std::mt1
 }
 
 // Every field that a column of the catalogue may read, each of any value.
-void AddAnyRow(fakes::StoredRowSource& rows, const ColumnDefinition& column, std::mt19937& random) {
+void AddAnyRow(StoredRowSource& rows, const ColumnDefinition& column, std::mt19937& random) {
   AddAnyValue(rows, column.databaseField, random);
   for (const RowFieldRow& field : kRowFields) AddAnyValue(rows, std::string(field.name), random);
 }
 
 TEST(StoredCell, IsTheCellThatIsMadeByName) {
-  fakes::PageFixture page;
+  PageFixture page;
   const KalvoColumnDatabase catalogue;
   std::mt19937 random(11);
   int bound = 0;
@@ -104,7 +104,7 @@ TEST(StoredCell, IsTheCellThatIsMadeByName) {
     const auto column = std::dynamic_pointer_cast<KalvoColumn>(catalogue.GetColumn(id));
     if (!column) continue;
     for (int i = 0; i < 200; ++i) {
-      fakes::StoredRowSource rows;
+      StoredRowSource rows;
       AddAnyRow(rows, column->Definition(), random);
       const std::string cell = BoundCell(*column, page, rows);
       if (cell == "asked") break;
@@ -116,7 +116,7 @@ TEST(StoredCell, IsTheCellThatIsMadeByName) {
 }
 
 TEST(StoredCell, EveryFormatAndLinkShowsWhatItDoesByName) {
-  fakes::PageFixture page;
+  PageFixture page;
   std::mt19937 random(12);
   for (std::int32_t format = 0; format <= 18; ++format) {
     for (std::int32_t link = -1; link <= 22; ++link) {
@@ -131,7 +131,7 @@ TEST(StoredCell, EveryFormatAndLinkShowsWhatItDoesByName) {
       definition.noWrap = link % 2 == 0;
       KalvoColumn column(definition);
       for (int i = 0; i < 20; ++i) {
-        fakes::StoredRowSource rows;
+        StoredRowSource rows;
         AddAnyRow(rows, definition, random);
         const std::string cell = BoundCell(column, page, rows);
         if (cell == "asked") break;
@@ -158,13 +158,13 @@ TEST(StoredCell, ACellThatNeedsThePageOrAMissingFieldIsAsked) {
       {"a box of a group's member", FORMATTYPE_MEMBERSHIPCHECKBOX, HYPERLINK_NONE, "Value"},
       {"a link with the page's mailbox", FORMATTYPE_NOFORMATING, HYPERLINK_MAPI_FOLDERNAME, "Value"},
   };
-  fakes::PageFixture page;
+  PageFixture page;
   for (const Unbound& c : kCases) {
     ColumnDefinition definition;
     definition.databaseField = "Value";
     definition.formatType = c.format;
     definition.hyperLinkType = c.link;
-    fakes::StoredRowSource rows;
+    StoredRowSource rows;
     rows.AddInteger(c.field, 1);
     KalvoColumn column(definition);
     EXPECT_EQ(BoundCell(column, page, rows), "asked") << c.why;
@@ -172,8 +172,8 @@ TEST(StoredCell, ACellThatNeedsThePageOrAMissingFieldIsAsked) {
 }
 
 TEST(StoredCell, BehindTheLastRowEveryFieldIsEmpty) {
-  fakes::PageFixture page;
-  fakes::StoredRowSource rows;
+  PageFixture page;
+  StoredRowSource rows;
   rows.AddInteger("Value", 1);
   ColumnDefinition definition;
   definition.databaseField = "Value";
@@ -184,8 +184,8 @@ TEST(StoredCell, BehindTheLastRowEveryFieldIsEmpty) {
 }
 
 TEST(StoredCell, ATagTooLongToBeKeptIsAsked) {
-  fakes::PageFixture page;
-  fakes::StoredRowSource rows;
+  PageFixture page;
+  StoredRowSource rows;
   rows.AddInteger("Value", 1);
   ColumnDefinition definition;
   definition.databaseField = "Value";
@@ -197,19 +197,19 @@ TEST(StoredCell, ATagTooLongToBeKeptIsAsked) {
 // ---- boxes ----------------------------------------------------------------------------------------------
 
 TEST(StoredCell, BoxesAreBoundWhereTheIdentifierIsBinary) {
-  fakes::PageFixture page;
+  PageFixture page;
   KalvoControlColumn boxes;
   boxes.Initialize(COL_CURRENTALERTS_DELETE, "Delete", "", "AlertId", false, "", true, FORMATTYPE_CHECKBOX);
-  fakes::StoredRowSource rows;
+  StoredRowSource rows;
   rows.AddText("AlertId", "\xA0\x01", Kind::Binary);
   EXPECT_EQ(BoundCell(boxes, page, rows), "") << "others see none";
   page.Administrator();
   EXPECT_EQ(BoundCell(boxes, page, rows),
             "<td align=\"center\"><input type=\"checkbox\" name=\"Delete\" value=\"A001\"></td>");
-  fakes::StoredRowSource texts;
+  StoredRowSource texts;
   texts.AddText("AlertId", "a");
   EXPECT_EQ(BoundCell(boxes, page, texts), "asked") << "an error has to be told";
 }
 
 }  // namespace
-}  // namespace kalvo
+}  // namespace kalvo::test

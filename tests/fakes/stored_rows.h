@@ -10,7 +10,7 @@
 #include "kalvo/platform/error.h"
 #include "kalvo/row_source.h"
 
-namespace kalvo::fakes {
+namespace kalvo::test {
 
 // One row of stored values that can be asked for by their names, too.
 class StoredRowSource : public RowSource {
@@ -74,4 +74,4 @@ class StoredRowSource : public RowSource {
   std::string scratch_, answer_;
 };
 
-}  // namespace kalvo::fakes
+}  // namespace kalvo::test
