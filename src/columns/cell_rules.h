@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "columns/link_rules.h"
+#include "kalvo/codes.h"
 #include "kalvo/column.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
@@ -20,7 +21,6 @@
 // fails with 13 there. The order of the calls is what a page's own row source sees.
 namespace kalvo::rules {
 
-inline constexpr double kStateManaged = 2;
 inline constexpr double kStateSucceeded = 2;
 inline constexpr double kDirectoryStore = 2;
 inline constexpr std::string_view kMissingServerColor = "#CCCCCC";
@@ -84,7 +84,7 @@ void Format(Cell& cell) {
       if (!cell.Read().IsEmpty()) cell.PutDateTimeFloat();
       break;
     case FORMATTYPE_SERVERSTATE:
-      cell.Put(ToInt16(cell.Read().RequiredNumber()) == kStateManaged ? "Managed" : "Unmanaged");
+      cell.Put(ToInt16(cell.Read().RequiredNumber()) == kServerManaged ? "Managed" : "Unmanaged");
       break;
     case FORMATTYPE_STATUS: cell.Put(cell.Read().RequiredNumber() == kStateSucceeded ? "Succeeded" : "Failed"); break;
     case FORMATTYPE_BACKUPTYPE:
@@ -109,9 +109,9 @@ const links::LinkRule* Link(Cell& cell) {
   bool applies = false;
   if (rule->when == links::LinkWhen::ServerIsManaged) {
     const auto state = cell.Field(RowField::ServerState);
-    applies = state.IsEmpty() || state.Number() == kStateManaged;
+    applies = state.IsEmpty() || state.Number() == kServerManaged;
   } else {
-    applies = cell.Field(RowField::AlertTypeCode).Number() != links::kNewServerAlert;
+    applies = cell.Field(RowField::AlertTypeCode).Number() != alerts::kNewServer;
   }
   return applies ? rule : nullptr;
 }

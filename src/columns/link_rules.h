@@ -8,6 +8,7 @@
 #include "columns/row_fields.h"
 #include "context/parameters.h"
 #include "display/message_store.h"
+#include "kalvo/codes.h"
 #include "kalvo/enumerations.h"
 
 namespace kalvo::links {
@@ -48,9 +49,6 @@ enum class LinkWhen : std::uint8_t {
   ServerIsManaged,   // there is a value, and the row's "ServerState" is empty or 2
   AlertIsOfAServer,  // there is a value, and the row's alert is not that of a new server
 };
-
-// The alert of a server that has just been found, of which there are no reports yet.
-inline constexpr std::int32_t kNewServerAlert = 5018;
 
 enum class LinkSort : std::uint8_t { AsIs, ByModifiedDate };
 enum class MissingServer : std::uint8_t { Plain, Grey };
@@ -116,7 +114,7 @@ inline constexpr AlertedResourceRow kAlertedResources[] = {
   {"Mailbox Group",  HYPERLINK_MAILBOXGROUP},
   {"Public folder",  HYPERLINK_PUBLICFOLDER},
   {"Server Group",   HYPERLINK_SERVERGROUP},
-  {"Server",         HYPERLINK_SERVER,        5023},
+  {"Server",         HYPERLINK_SERVER,        alerts::kSilentServer},
 };
 // clang-format on
 
