@@ -98,6 +98,20 @@ TEST_F(Gates, SendBackToThisConsoleOnly) {
   }
 }
 
+TEST_F(Gates, KnowABrowserForFourWeeks) {
+  const Decision decision = SignIn("bob", "correct+horse");
+  const std::string device = std::get<Answer>(decision).head.headers.back().second;
+  EXPECT_TRUE(device.starts_with("KalvoDevice=")) << device;
+  EXPECT_TRUE(device.ends_with("; Max-Age=2419200")) << device;
+}
+
+TEST_F(Gates, LetNobodyInWhoseSessionCannotBeKept) {
+  std::filesystem::remove_all(folder_.Path() / "sessions");
+  WriteFile(folder_.Path() / "sessions", "no folder");
+  EXPECT_EQ(Variable(std::get<Admission>(SignIn("bob", "correct+horse")), "KALVO_SIGN_IN"), "full");
+  EXPECT_NE(ReadFile(folder_.Path() / "log").find("nobody can sign in: "), std::string::npos);
+}
+
 TEST_F(Gates, BeginANewSessionAtEachSignIn) {
   const std::string first = CookieOfBob();
   const std::string second = CookieOf(SignIn("bob", "correct+horse", "", first));

@@ -177,6 +177,23 @@ TEST_F(Attempts, FromAPlaceThatWasKnownLongAgoAreAStrangers) {
   EXPECT_GT(throttle_.Begin("KALVO\\alice", "10.0.0.1", "laptop"), 0);
 }
 
+TEST_F(Attempts, FromAPlaceThatWasKnownFourWeeksAgoAreNot) {
+  throttle_.Remember("KALVO\\alice", "10.0.0.1", "laptop");
+  now_ += 2'419'200;  // seconds
+  EXPECT_EQ(Heard(9, "KALVO\\alice", "10.0.0.1"), 4);
+  for (int i = 0; i < 80; ++i) Heard(1, "KALVO\\alice", "10.0.1." + std::to_string(i));
+  EXPECT_EQ(throttle_.Begin("KALVO\\alice", "10.0.0.9", "laptop"), 0);
+  now_ += 1;
+  EXPECT_GT(throttle_.Begin("KALVO\\alice", "10.0.0.9", "laptop"), 0);
+}
+
+TEST_F(Attempts, ThatNeverFailedLendNoneToOthers) {
+  throttle_.Succeeded("KALVO\\alice", "10.0.0.1");
+  int heard = 0;
+  for (int i = 0; i < 50; ++i) heard += Heard(1, "KALVO\\user" + std::to_string(i), "10.0.0.1");
+  EXPECT_EQ(heard, 30);
+}
+
 TEST_F(Attempts, ThatAreNotHeardLeaveNoFiles) {
   const auto files = [&] {
     const std::filesystem::directory_iterator all(folder_.Path() / "attempts");
