@@ -22,7 +22,7 @@ ConnectionPool::Taken ConnectionPool::Get(const ServerAddress& address, const st
     kept_.front().connection->Begin(deadline);
     return {*kept_.front().connection, false};
   }
-  auto made = std::make_unique<Connection>(address, Login{user, settings_.password}, settings_.limits, deadline);
+  auto made = std::make_unique<Connection>(address, settings_.LoginAs(user), settings_.limits, deadline);
   cost_.connections++;
   cost_.bytesRead += made->BytesRead();
   kept_.push_front({&address, user, std::move(made)});

@@ -85,8 +85,12 @@ void Connection::Connect(const ServerAddress& address) {
 }
 
 void Connection::LogIn(const Login& login) {
-  Command();
-  Check(mailimap_login(session_->imap, login.user.c_str(), login.password.c_str()), kLogin);
+  if (login.authenticates.empty()) {
+    Command();
+    Check(mailimap_login(session_->imap, login.user.c_str(), login.password.c_str()), kLogin);
+  } else {
+    LogInFor(login, kLogin);
+  }
   mailimap_capability_data* data = nullptr;
   Command();
   Check(mailimap_capability(session_->imap, &data), "CAPABILITY");
@@ -126,7 +130,9 @@ void Connection::Fail(int code, std::string_view step) {
   } else {
     what = "refused";
     if (step == kLogin) fault = Fault::LoginRefused;
-    const auto answer = Shown(session_ ? session_->imap->imap_response : nullptr);
+    const char* said = session_ ? session_->imap->imap_response : nullptr;
+    const auto answer = Shown(refusal_.empty() ? said : refusal_.c_str());
+    refusal_.clear();
     if (!answer.empty()) Append(what, ": ", answer);
   }
   // A server without such a mailbox often has no other answer.

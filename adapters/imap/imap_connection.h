@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -23,12 +24,8 @@ namespace kalvo::imap {
 class OwnedList;
 class ResponseGuard;
 class Transport;
+struct Login;
 struct ServerAddress;
-
-struct Login {
-  std::string user;
-  std::string password;
-};
 
 // The state of a folder's messages: as long as all three are the same, the messages are.
 struct FolderState {
@@ -140,7 +137,11 @@ class Connection {
   void Connect(const ServerAddress& address);
   void LogIn(const Login& login);
   void ReadNamespaces();
-  std::string ReadAnswerLine();
+  using TakeLine = std::function<void(const std::string& line)>;
+  void Say(const std::string& command, std::string_view step, const TakeLine& take);
+  void SendLine(const std::string& line, std::string_view step);
+  std::string ReadAnswerLine(std::string_view step);
+  void LogInFor(const Login& login, std::string_view step);
   void FetchHeldCopies(std::uint32_t first, std::uint32_t last, const mail::IdentifierKey& key,
                        std::vector<HeldCopy>& copies);
   void Fetch(mailimap_set* messages, mailimap_fetch_type* wanted, OwnedList& found);
@@ -154,6 +155,7 @@ class Connection {
   std::unique_ptr<Session> session_;
   std::string openFolder_;
   FolderState openState_;
+  std::string refusal_;  // the server's words, where the mail library does not have them
   bool knowsNamespaces_ = false;
   char separator_ = 0;
   std::string personal_;

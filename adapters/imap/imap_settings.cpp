@@ -98,6 +98,12 @@ struct Reader {
     } else if (name == "sort") {
       if (value != "yes" && value != "no") Refuse("sort must be yes or no, not \"", value, "\".");
       settings.serverSort = value == "yes";
+    } else if (name == "login") {
+      if (value != "name" && value != "authorize") Refuse("login must be name or authorize, not \"", value, "\".");
+      settings.authorizes = value == "authorize";
+    } else if (name == "plain") {
+      if (value != "yes" && value != "no") Refuse("plain must be yes or no, not \"", value, "\".");
+      settings.plainAllowed = value == "yes";
     } else if (name == "silence") {
       settings.limits.silence = Seconds(name, value);
     } else if (name == "time-limit") {
@@ -162,11 +168,28 @@ std::string Settings::LoginOf(std::string_view mailbox) const {
   return login;
 }
 
+Login Settings::LoginAs(const std::string& user) const { return {user, password, authorizes ? administrator : ""}; }
+
 std::string Settings::HoldingLogin() const {
   std::string login = holdingTemplate.empty() ? publicTemplate : holdingTemplate;
   ReplaceAll(login, "{admin}", administrator);
   return login;
 }
+
+namespace {
+
+bool IsThisMachine(std::string_view host) {
+  return EqualsIgnoringAsciiCase(host, "localhost") || host.starts_with("127.") || host == "::1";
+}
+
+// The password opens every mailbox.
+void CheckSecurity(const ServerAddress& address, bool plainAllowed) {
+  if (address.security != Security::None || plainAllowed || IsThisMachine(address.host)) return;
+  Refuse("tls=none would send the password to ", address.host,
+         " for everybody on the way to read; use starttls or tls, or say plain=yes.");
+}
+
+}  // namespace
 
 Settings ReadSettings(std::string_view url) {
   Reader reader;
@@ -191,6 +214,10 @@ Settings ReadSettings(std::string_view url) {
   if (settings.directoryFile.empty()) Refuse("directory=FILE is missing.");
   if (reader.passwordFile.empty()) Refuse("password-file=FILE is missing.");
   reader.PlaceServers();
+  CheckSecurity(settings.server, settings.plainAllowed);
+  for (const auto& [name, address] : settings.servers) CheckSecurity(address, settings.plainAllowed);
+  if (settings.authorizes && settings.loginTemplate.empty()) settings.loginTemplate = "{mailbox}";
+  if (settings.loginTemplate.empty()) settings.loginTemplate = "{mailbox}*{admin}";
   settings.password = ReadPassword(reader.passwordFile);
   CheckSendable("The administrator", settings.administrator);
   CheckSendable("The password", settings.password);

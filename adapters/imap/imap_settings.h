@@ -15,6 +15,12 @@ enum class Security {
   Tls,       // TLS from the first byte
 };
 
+struct Login {
+  std::string user;
+  std::string password;
+  std::string authenticates;  // who logs in for the user, by SASL PLAIN; "": the user, by LOGIN
+};
+
 struct ServerAddress {
   std::string host;
   std::uint16_t port = 143;
@@ -28,12 +34,14 @@ struct Settings {
   std::map<std::string, ServerAddress, std::less<>> servers;  // by server name, in lower case
   std::string administrator;
   std::string password;
-  std::string loginTemplate = "{mailbox}*{admin}";  // {mailbox}: the mailbox's location in the directory
-  std::string publicTemplate = "{admin}";           // who reads and deletes in public folders
-  std::string holdingTemplate;                      // the product's own account; "": the same as `publicTemplate`
-  std::string holdingFolder = "Kalvo held";         // of that account, where deleted messages are held
+  std::string loginTemplate;                 // "{mailbox}*{admin}"; {mailbox}: the mailbox's location in the directory
+  std::string publicTemplate = "{admin}";    // who reads and deletes in public folders
+  std::string holdingTemplate;               // the product's own account; "": the same as `publicTemplate`
+  std::string holdingFolder = "Kalvo held";  // of that account, where deleted messages are held
   std::string directoryFile;
-  bool serverSort = true;  // use the server's own sorting where it has one
+  bool authorizes = false;    // the administrator logs in for somebody by SASL PLAIN, not by a name made of both
+  bool plainAllowed = false;  // passwords may go to other machines without TLS
+  bool serverSort = true;     // use the server's own sorting where it has one
   Limits limits;
 
   const ServerAddress& AddressOf(std::string_view serverName) const;
@@ -41,6 +49,9 @@ struct Settings {
   // The login name for a mailbox, by its location; for "" that of the public folders.
   std::string LoginOf(std::string_view mailbox) const;
   std::string HoldingLogin() const;
+
+  // How to log in under such a name.
+  Login LoginAs(const std::string& user) const;
 };
 
 // Reads the address of a mail store:
@@ -49,11 +60,14 @@ struct Settings {
 //
 // Words are percent-encoded as in any address. Beside these two, which have to be there, it may say
 //   template=TEXT        the login name, default "{mailbox}*{admin}"
+//   login=name|authorize how the administrator logs in for a mailbox: by a name made of both, or by SASL PLAIN with the
+//                        mailbox's name to act for; then the template is "{mailbox}" where it is not given
 //   public-login=TEXT    the login name for public folders, default "{admin}"
 //   holding=NAME         the folder in which deleted messages are held, default "Kalvo held"; it is made when it is
 //                        needed. A folder of the product's own account, never of a mailbox's owner
 //   holding-login=TEXT   the login name for it, default that for public folders
 //   tls=none|starttls|tls    default starttls ("imaps://" is tls, port 993)
+//   plain=yes            allow tls=none to another machine than this
 //   ca-file=FILE         the certificate authorities to trust, default the system's
 //   server=NAME=HOST:PORT    where the directory's server of that name is, when not at HOST:PORT; once for each
 //   sort=no              never ask the server to sort

@@ -33,6 +33,8 @@ constexpr struct { std::string_view name, means; } kCharsets[] = {
   {"iso-8859-8-e",      "ISO-8859-8"},
   {"gb2312",            "GB18030"},
   {"gb_2312-80",        "GB18030"},
+  {"eucgb2312_cn",      "GB18030"},
+  {"euc-cn",            "GB18030"},
   {"gbk",               "GB18030"},
   {"x-gbk",             "GB18030"},
   {"big5",              "BIG5-HKSCS"},

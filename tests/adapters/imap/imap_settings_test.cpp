@@ -66,12 +66,22 @@ TEST_F(ImapSettings, HaveTheUsualPorts) {
 }
 
 TEST_F(ImapSettings, LeadEachServerNameToAnAddress) {
-  const auto settings = ReadSettings(With("imap://a@one/", "&server=EX02=two:2143&tls=none"));
+  const auto settings = ReadSettings(With("imap://a@one/", "&server=EX02=two:2143&tls=none&plain=yes"));
   EXPECT_EQ(settings.AddressOf("EX01").host, "one");
   EXPECT_EQ(settings.AddressOf("ex02").host, "two");
   EXPECT_EQ(settings.AddressOf("ex02").port, 2143);
   EXPECT_EQ(settings.AddressOf("ex02").security, Security::None);
   EXPECT_EQ(settings.AddressOf("evil.example").host, "one") << "a name from a request is never a host";
+}
+
+TEST_F(ImapSettings, NameWhoLogsIn) {
+  const auto named = ReadSettings(With("imap://kalvo@localhost/"));
+  EXPECT_EQ(named.LoginOf("alice"), "alice*kalvo");
+  EXPECT_EQ(named.LoginAs("alice*kalvo").authenticates, "");
+  const auto acting = ReadSettings(With("imap://kalvo@localhost/", "&login=authorize"));
+  EXPECT_EQ(acting.LoginOf("alice"), "alice");
+  EXPECT_EQ(acting.LoginAs("alice").authenticates, "kalvo");
+  EXPECT_EQ(ReadSettings(With("imap://a@127.0.0.1/", "&tls=none")).server.security, Security::None) << "this machine";
 }
 
 TEST_F(ImapSettings, RefuseWhatTheyDoNotUnderstand) {
@@ -89,6 +99,10 @@ TEST_F(ImapSettings, RefuseWhatTheyDoNotUnderstand) {
       {"an unknown setting", With("imap://a@h/", "&colour=red"), "\"colour\" is not a setting"},
       {"an unknown kind of encryption", With("imap://a@h/", "&tls=maybe"), "tls must be none, starttls or tls"},
       {"a broken encoding", With("imap://a@h/", "&template=%4"), "hexadecimal"},
+      {"a password in plain words to another machine", With("imap://a@mail.example.com/", "&tls=none"),
+       "tls=none would send the password to mail.example.com"},
+      {"the same to one of several", With("imap://a@localhost/", "&tls=none&server=EX02=two"), "the password to two"},
+      {"an unknown way to log in", With("imap://a@h/", "&login=magic"), "login must be name or authorize"},
       {"a server without an address", With("imap://a@h/", "&server=EX02"), "NAME=HOST:PORT"},
       {"a time that is none", With("imap://a@h/", "&silence=0"), "silence must be a number from 1 to 3600"},
       {"a line end in the administrator", With("imap://a%0D%0Ab@h/"), "control character"},

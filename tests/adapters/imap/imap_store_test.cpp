@@ -107,7 +107,7 @@ TEST_F(ImapStoreTest, AMessageThatVanishesWhileItIsListedKeepsItsRow) {
 TEST_F(ImapStoreTest, ANameCannotEndACommand) {
   Fill(1);
   const auto settings = imap::ReadSettings(StoreAddress(server_));
-  imap::Connection connection(settings.server, {"alice*master", "pw"}, settings.limits,
+  imap::Connection connection(settings.server, {"alice*master", "pw", ""}, settings.limits,
                               imap::Deadline(settings.limits.operation));
   const std::string evil[] = {"x\r\nA1 DELETE INBOX", "x\nA1 DELETE INBOX", std::string("x\0y", 3), "x\x7F"};
   for (const auto& name : evil) {
@@ -118,7 +118,7 @@ TEST_F(ImapStoreTest, ANameCannotEndACommand) {
     EXPECT_NE(ErrorOf([&] { connection.Rights(name); }).Description().find("control character"), std::string::npos);
   }
   EXPECT_NE(ErrorOf([&] {
-              imap::Connection(settings.server, {"alice\r\nA1 LOGOUT", "pw"}, settings.limits,
+              imap::Connection(settings.server, {"alice\r\nA1 LOGOUT", "pw", ""}, settings.limits,
                                imap::Deadline(settings.limits.operation));
             })
                 .Description()

@@ -9,6 +9,7 @@
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/live_mailbox.h"
+#include "support/error_of.h"
 
 namespace kalvo::test {
 namespace {
@@ -53,6 +54,21 @@ TEST_F(OddMailbox, AMessageThatTheServerStumblesOverIsARowLikeTheOthers) {
   live_->GotoMsgAttachment("EX01", "alice", ToText(live_->Messages()->Field("ExchangeId")), 0);
   EXPECT_EQ(ToText(live_->MessageSubject()), "damaged");
   EXPECT_EQ(live_->Attachments()->Count(), 0);
+}
+
+TEST_F(OddMailbox, IsOpenedByWhoMayActForItsOwner) {
+  Start();
+  PlainImap(server_->Port(), "alice").Append("INBOX", "Subject: here\n\nx\n", 915148800);
+  live_ = Browse(std::make_shared<imap::ImapStore>(
+      imap::ReadSettings(StoreAddress(*server_, "&login=authorize&public-login=kalvo"))));
+  Go("Inbox");
+  EXPECT_EQ(FieldsOf(*live_->Messages(), "Name"), Texts{"here"});
+  server_->Write("password", "wrong\n");
+  live_ = Browse(std::make_shared<imap::ImapStore>(imap::ReadSettings(
+      "imap://master@127.0.0.1:" + std::to_string(server_->Port()) + "/?tls=none&login=authorize&directory=" +
+      server_->Folder() + "/directory&password-file=" + server_->Folder() + "/password")));
+  EXPECT_NE(ErrorOf([&] { Go("Inbox"); }).Description().find("Authentication failed. (LOGIN)"), std::string::npos)
+      << ErrorOf([&] { Go("Inbox"); }).Description();
 }
 
 TEST_F(OddMailbox, AFolderThatIsRepairedWhileItIsOpenIsReadAgain) {
