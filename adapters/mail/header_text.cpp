@@ -8,6 +8,7 @@
 #include "adapters/mail/charset.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo::mail {
 
@@ -42,11 +43,6 @@ std::optional<Word> WordAt(std::string_view field) {
   return Word{ToLowerAscii(charset), encoding == 'b', field.substr(begin, end - begin), end + 2};
 }
 
-int HexDigit(char c) {
-  const auto at = std::string_view("0123456789abcdef").find(static_cast<char>(c >= 'A' && c <= 'F' ? c | 0x20 : c));
-  return at == std::string::npos ? -1 : static_cast<int>(at);
-}
-
 // The bytes of neighbouring words of one charset. A word may end inside a character, and with mailers that cut blindly
 // inside a base64 group; padding ends a group.
 class WordBytes {
@@ -73,8 +69,8 @@ class WordBytes {
   void AddQuoted(std::string_view text) {
     bits_ = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
-      const int high = text[i] == '=' && i + 2 < text.size() ? HexDigit(text[i + 1]) : -1;
-      const int low = high < 0 ? -1 : HexDigit(text[i + 2]);
+      const int high = text[i] == '=' && i + 2 < text.size() ? HexValue(text[i + 1]) : -1;
+      const int low = high < 0 ? -1 : HexValue(text[i + 2]);
       if (low >= 0) {
         bytes_ += static_cast<char>(high * 16 + low);
         i += 2;

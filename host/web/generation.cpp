@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "base/private_folder.h"
 #include "host/parts/database_proof.h"
 #include "host/parts/setting_error.h"
 #include "host/web/log.h"
@@ -54,9 +55,7 @@ host::PartsSettings Proved(host::PartsSettings parts, const Log& log) {
 
 // Sessions and tokens lie in one private folder, whoever makes it first.
 fs::path TokensFolderOf(const Settings& settings) {
-  std::error_code failed;
-  fs::create_directories(settings.sessions.parent_path(), failed);
-  mkdir(settings.sessions.c_str(), 0700);
+  base::MakePrivateFolder(settings.sessions);  // what is wrong with it is told by whoever uses it
   return settings.sessions / "tokens";
 }
 

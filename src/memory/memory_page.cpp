@@ -2,6 +2,7 @@
 
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
+#include "kalvo/platform/text_tools.h"
 
 namespace kalvo {
 
@@ -56,7 +57,6 @@ void MemoryServer::HTMLEncode(std::string& out, std::string_view text) {
 }
 
 void MemoryServer::URLEncode(std::string& out, std::string_view text) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
     const bool kept = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
@@ -65,7 +65,7 @@ void MemoryServer::URLEncode(std::string& out, std::string_view text) {
     } else if (c == ' ') {
       out += '+';
     } else {
-      out += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+      out += {'%', HexDigit(byte >> 4u, HexLetters::Capital), HexDigit(byte & 15u, HexLetters::Capital)};
     }
   }
 }

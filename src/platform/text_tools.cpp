@@ -1,12 +1,14 @@
 #include "kalvo/platform/text_tools.h"
 
+#include <algorithm>
+
 #include "kalvo/platform/append.h"
 
 namespace kalvo {
 
 std::string_view Trimmed(std::string_view text, std::string_view blanks) {
   const std::size_t first = text.find_first_not_of(blanks);
-  if (first == std::string_view::npos) return {};
+  if (first == std::string::npos) return {};
   return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
@@ -45,7 +47,7 @@ int HexValue(char digit) {
 }
 
 bool IsHexadecimal(std::string_view text) {
-  return text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+  return std::all_of(text.begin(), text.end(), [](char c) { return HexValue(c) >= 0 && (c < 'A' || c > 'F'); });
 }
 
 }  // namespace kalvo

@@ -149,6 +149,29 @@ def off_dialect(sources):
     return found
 
 
+# What one file alone may do: why | how it is written | the file
+ALONE = [
+    ("a descriptor is closed by its File", re.compile(r"(?<![\w.>:])(?:::)?close\("), "base/file.cpp"),
+    ("a file is renamed over another by ReplaceFile", re.compile(r"(?<![\w.>:])(?:::)?renameat\("), "base/fresh_file.cpp"),
+    ("a private folder is made by MakePrivateFolder", re.compile(r"(?<![\w.>:])(?:::)?mkdir\("), "base/private_folder.cpp"),
+    ("the steady clock is asked for milliseconds by Milliseconds", re.compile(r"\bCLOCK_MONOTONIC\b"), ""),
+    ("hexadecimal digits stand in one table", re.compile(r'"0123456789(?:abcdef|ABCDEF)"'),
+     "include/kalvo/platform/text_tools.h"),
+]
+
+
+def done_elsewhere(sources):
+    found = []
+    for source in sources:
+        code = source.code()
+        for why, pattern, file in ALONE:
+            # texts are blanked out of the code: what is looked for in them is looked for in the whole source
+            for place in pattern.finditer(source.text if pattern.pattern.startswith('"') else code):
+                if source.path != file:
+                    found.append(f"{source.path}:{source.text.count(chr(10), 0, place.start()) + 1}: {why}")
+    return found
+
+
 def uneven_rulers(sources):
     found = []
     for source in sources:
@@ -226,6 +249,14 @@ class Rules(unittest.TestCase):
             with self.subTest(text):
                 self.assertRegex(" ".join(off_dialect([Source("a.cpp", f"\nf({text});\n")])), "^a.cpp:2: ")
 
+    def test_what_one_file_does_is_told_of_another(self):
+        for text in ("close(file);", "::close(file);", "renameat(a, b, c, d);", "mkdir(path, 0700);",
+                     'f("0123456789abcdef"[i]);'):
+            with self.subTest(text):
+                self.assertRegex(" ".join(done_elsewhere([Source("host/a.cpp", f"\n{text}\n")])), "^host/a.cpp:2: ")
+        self.assertEqual(done_elsewhere([Source("base/file.cpp", "close(file);")]), [])
+        self.assertEqual(done_elsewhere([Source("host/a.cpp", "out.close(); // close(file)\nFile::close();")]), [])
+
     def test_rulers_and_namespaces(self):
         self.assertEqual(uneven_rulers([Source("a.h", "  // ---- a ".ljust(RULER_END, "-") + "\n")]), [])
         self.assertEqual(uneven_rulers([Source("a.h", "// ---- a ----\n")]), ["a.h:1: a ruler ends in column 108"])
@@ -257,6 +288,9 @@ class Tree(unittest.TestCase):
 
     def test_no_two_headers_have_one_name(self):
         self.holds(headers_of_one_name(product_files(".h")))
+
+    def test_a_tool_is_made_once(self):
+        self.holds(done_elsewhere(self.sources))
 
     def test_a_namespace_begins_with_a_blank_line(self):
         self.holds(crowded_namespaces(self.sources))
