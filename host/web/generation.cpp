@@ -1,7 +1,6 @@
 #include "host/web/generation.h"
 
 #include <strings.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include "base/private_folder.h"
