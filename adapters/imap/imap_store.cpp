@@ -13,7 +13,7 @@
 #include "adapters/imap/removal.h"
 #include "adapters/mail/directory_file.h"
 #include "adapters/mail/errors.h"
-#include "adapters/mail/folder_path.h"
+#include "adapters/mail/named_folder.h"
 #include "adapters/mail/shown_text.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"

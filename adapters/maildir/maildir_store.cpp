@@ -11,7 +11,7 @@
 #include "adapters/mail/browser.h"
 #include "adapters/mail/directory_file.h"
 #include "adapters/mail/errors.h"
-#include "adapters/mail/folder_path.h"
+#include "adapters/mail/named_folder.h"
 #include "adapters/mail/shown_text.h"
 #include "adapters/mail/sizes.h"
 #include "adapters/maildir/folder.h"

@@ -7,6 +7,7 @@
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/owned.h"
+#include "kalvo/platform/text_tools.h"
 #include "kalvo/row_source.h"
 
 namespace kalvo {
@@ -23,7 +24,6 @@ class StoredBoxes final : public BoundColumn {
   }
 
   bool AppendCell(PageText& out, const StoredValue* row) override {
-    constexpr char kDigits[] = "0123456789ABCDEF";
     // Another value has a box of its own making, or an error to be told.
     if (!row || row[field_].kind != StoredValue::Kind::Binary || row[field_].size == 0) return false;
     const std::string_view identifier(row[field_].bytes, row[field_].size);
@@ -31,8 +31,8 @@ class StoredBoxes final : public BoundColumn {
     out.Put(" value=\"");
     char* to = out.Room(2 * identifier.size());
     for (const char byte : identifier) {
-      *to++ = kDigits[static_cast<unsigned char>(byte) >> 4];
-      *to++ = kDigits[byte & 15];
+      *to++ = HexDigit(static_cast<unsigned char>(byte) >> 4u, HexLetters::Capital);
+      *to++ = HexDigit(static_cast<unsigned char>(byte) & 15u, HexLetters::Capital);
     }
     out.EndAt(to);
     out.Put("\"");

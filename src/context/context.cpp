@@ -1,7 +1,7 @@
 #include "kalvo/context.h"
 
 #include "context/live_navigation.h"
-#include "context/page_objects.h"
+#include "context/objects_of_page.h"
 #include "context/page_reports.h"
 #include "context/parameters.h"
 #include "context/table_state.h"

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "context/page_objects.h"
+#include "context/objects_of_page.h"
 
 namespace kalvo {
 

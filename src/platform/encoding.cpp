@@ -10,6 +10,8 @@
 #include <emmintrin.h>
 #endif
 
+#include "kalvo/platform/text_tools.h"
+
 namespace kalvo {
 
 namespace {
@@ -126,12 +128,11 @@ char* WriteChanged(Html, char* to, char byte) {
 }
 
 char* WriteChanged(Url, char* to, char byte) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
   if (byte == ' ') return Put(to, "+");
   const auto code = static_cast<unsigned char>(byte);
   *to++ = '%';
-  *to++ = kDigits[code >> 4];
-  *to++ = kDigits[code & 15];
+  *to++ = HexDigit(code >> 4u, HexLetters::Capital);
+  *to++ = HexDigit(code & 15u, HexLetters::Capital);
   return to;
 }
 

@@ -1,4 +1,4 @@
-#include "adapters/mail/folder_path.h"
+#include "adapters/mail/named_folder.h"
 
 #include <algorithm>
 #include <span>
