@@ -15,7 +15,7 @@ from datetime import datetime, timedelta
 from pathlib import Path
 
 SCHEMA = Path(__file__).resolve().parents[2] / "database" / "schema.sql"
-WORDS = {"@DT@": "datetime", "@B16@": "blob", "@CI@": " collate nocase", "@END@": ""}
+WORDS = {"@DT@": "datetime", "@B16@": "blob", "@CI@": " collate nocase", "@END@": "", "@PG@": "-- "}
 ORGANIZATION, SITE, SUBSYSTEM = "Kalvo Test", "Main Site", "Exchange Manager"
 BEGIN, DAYS = datetime(2002, 1, 1), 700
 
