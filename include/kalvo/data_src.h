@@ -17,6 +17,7 @@ class Table;
 // rows. The real row sources do not derive from it, and it has no totals.
 class DataSrc : public Object {
  public:
+  // Keeps the table and the context; the type and the resource are ignored.
   void Initialize(std::int16_t TableType, Table& pTable, std::string_view ResourceName, Context& Ctxt);
   std::int16_t OpenDS() { return 0; }
   std::int16_t CloseDS() { return 0; }
@@ -27,9 +28,7 @@ class DataSrc : public Object {
   std::int16_t GetRowIndex() const { return 0; }
 
  private:
-  std::int16_t tableType_ = 0;
   std::shared_ptr<Table> table_;
-  std::string resourceName_;
   std::shared_ptr<Context> context_;
 };
 

@@ -6,10 +6,8 @@
 
 namespace kalvo {
 
-void DataSrc::Initialize(std::int16_t TableType, Table& pTable, std::string_view ResourceName, Context& Ctxt) {
-  tableType_ = TableType;
+void DataSrc::Initialize(std::int16_t /*TableType*/, Table& pTable, std::string_view /*ResourceName*/, Context& Ctxt) {
   table_ = Owned(pTable);
-  resourceName_ = ResourceName;
   context_ = Owned(Ctxt);
 }
 
