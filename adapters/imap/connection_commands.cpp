@@ -41,7 +41,7 @@ std::string Connection::ReadAnswerLine(std::string_view step) {
   std::string line;
   for (;;) {
     const Buffer buffer(mmap_string_new(""));
-    if (mailstream_read_line_remove_eol(stream, buffer.get()) == nullptr) Fail(MAILIMAP_ERROR_STREAM, step);
+    if (!mailstream_read_line_remove_eol(stream, buffer.get())) Fail(MAILIMAP_ERROR_STREAM, step);
     line.append(buffer->str, buffer->len);
     const auto literal = LiteralAtEnd(line);
     if (!literal) return line;

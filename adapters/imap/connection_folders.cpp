@@ -12,19 +12,19 @@ namespace {
 
 bool IsNoSelect(const mailimap_mailbox_list& entry) {
   const auto* flags = entry.mb_flag;
-  if (flags == nullptr) return false;
+  if (!flags) return false;
   if (flags->mbf_sflag == MAILIMAP_MBX_LIST_SFLAG_NOSELECT) return true;
-  if (flags->mbf_oflags == nullptr) return false;
-  for (auto* each = clist_begin(flags->mbf_oflags); each != nullptr; each = clist_next(each)) {
+  if (!flags->mbf_oflags) return false;
+  for (auto* each = clist_begin(flags->mbf_oflags); each; each = clist_next(each)) {
     const auto* flag = static_cast<mailimap_mbx_list_oflag*>(clist_content(each));
-    if (flag->of_flag_ext != nullptr && std::string_view(flag->of_flag_ext) == "NonExistent") return true;
+    if (flag->of_flag_ext && std::string_view(flag->of_flag_ext) == "NonExistent") return true;
   }
   return false;
 }
 
 void AddPrefixes(const mailimap_namespace_item* item, std::vector<std::string>& prefixes) {
-  if (item == nullptr || item->ns_data_list == nullptr) return;
-  for (auto* each = clist_begin(item->ns_data_list); each != nullptr; each = clist_next(each)) {
+  if (!item || !item->ns_data_list) return;
+  for (auto* each = clist_begin(item->ns_data_list); each; each = clist_next(each)) {
     prefixes.emplace_back(static_cast<mailimap_namespace_info*>(clist_content(each))->ns_prefix);
   }
 }
@@ -90,8 +90,8 @@ FolderState Connection::Status(const std::string& folder) {
   Check(mailimap_status(session_->imap, folder.c_str(), wanted.get(), &answer), "STATUS");
   const Owned<mailimap_mailbox_data_status> owned(answer);
   FolderState state;
-  if (answer == nullptr || answer->st_info_list == nullptr) return state;
-  for (auto* each = clist_begin(answer->st_info_list); each != nullptr; each = clist_next(each)) {
+  if (!answer || !answer->st_info_list) return state;
+  for (auto* each = clist_begin(answer->st_info_list); each; each = clist_next(each)) {
     const auto* info = static_cast<mailimap_status_info*>(clist_content(each));
     if (info->st_att == MAILIMAP_STATUS_ATT_UIDVALIDITY) state.uidValidity = info->st_value;
     if (info->st_att == MAILIMAP_STATUS_ATT_UIDNEXT) state.uidNext = info->st_value;
@@ -108,7 +108,7 @@ FolderState Connection::Open(const std::string& folder, Access access) {
   Check(writing ? mailimap_select(session_->imap, folder.c_str()) : mailimap_examine(session_->imap, folder.c_str()),
         writing ? "SELECT" : "EXAMINE");
   const auto* info = session_->imap->imap_selection_info;
-  if (info == nullptr) Fail(MAILIMAP_ERROR_PROTOCOL, "EXAMINE");
+  if (!info) Fail(MAILIMAP_ERROR_PROTOCOL, "EXAMINE");
   openFolder_ = folder;
   openState_ = {info->sel_uidvalidity, info->sel_uidnext, info->sel_exists};
   return openState_;

@@ -41,8 +41,8 @@ mail::IdentifierKey MakeKey(const Settings& settings) {
 // The last name of a folder, as people write it.
 std::string LeafName(std::string_view folder, char separator) {
   if (EqualsIgnoringAsciiCase(folder, "INBOX")) return "Inbox";
-  const auto end = separator == 0 ? folder.npos : folder.rfind(separator);
-  return mail::FromModifiedUtf7(end == folder.npos ? folder : folder.substr(end + 1));
+  const auto end = separator == 0 ? std::string::npos : folder.rfind(separator);
+  return mail::FromModifiedUtf7(end == std::string::npos ? folder : folder.substr(end + 1));
 }
 
 // "INBOX." is the inbox's name and the separator, in any case.
@@ -128,7 +128,7 @@ std::vector<Folder> ImapStore::Below(const mail::Tree& tree, Connection& connect
     std::string_view leaf = found.name;
     if (!isInbox || leaf.starts_with(prefix)) leaf.remove_prefix(prefix.size());
     if (holding_.IsIt(connection, user, found.name)) return false;
-    if (leaf.empty() || !CanBeSent(leaf) || (separator != 0 && leaf.find(separator) != leaf.npos)) return false;
+    if (leaf.empty() || !CanBeSent(leaf) || (separator != 0 && leaf.find(separator) != std::string::npos)) return false;
     return std::none_of(root.excluded.begin(), root.excluded.end(), [&](const std::string& other) {
       if (other.empty()) return false;
       const std::string_view bare(other.data(), other.size() - (other.back() == separator ? 1 : 0));

@@ -36,7 +36,7 @@ class Words {
   std::optional<std::string_view> List() {
     SkipBlanks();
     const std::size_t end = left_.find(')');
-    if (!left_.starts_with('(') || end == left_.npos) return std::nullopt;
+    if (!left_.starts_with('(') || end == std::string::npos) return std::nullopt;
     const std::string_view list = Cut(end + 1);
     return list.substr(1, list.size() - 2);
   }
@@ -62,7 +62,7 @@ class Words {
 
   std::optional<std::string> Literal() {
     const std::size_t end = left_.find("}\r\n");
-    const auto size = end == left_.npos ? std::nullopt : Number(left_.substr(1, end - 1));
+    const auto size = end == std::string::npos ? std::nullopt : Number(left_.substr(1, end - 1));
     if (!size || left_.size() - end - 3 < *size) return std::nullopt;
     Cut(end + 3);
     return std::string(Cut(*size));
@@ -118,7 +118,7 @@ void ListAnswer::TakeState(std::string_view rest) {
 
 std::optional<std::size_t> LiteralAtEnd(std::string_view line) {
   const std::size_t begin = line.rfind('{');
-  if (begin == line.npos || !line.ends_with('}')) return std::nullopt;
+  if (begin == std::string::npos || !line.ends_with('}')) return std::nullopt;
   return Number(line.substr(begin + 1, line.size() - begin - 2));
 }
 

@@ -21,8 +21,8 @@ struct Transport::Tls {
   gnutls_session_t session = nullptr;
 
   ~Tls() {
-    if (session != nullptr) gnutls_deinit(session);
-    if (trust != nullptr) gnutls_certificate_free_credentials(trust);
+    if (session) gnutls_deinit(session);
+    if (trust) gnutls_certificate_free_credentials(trust);
   }
 
   // 0, or the library's code of what went wrong.
@@ -98,7 +98,7 @@ bool Transport::Connect() {
   const int code = getaddrinfo(address_.host.c_str(), std::to_string(address_.port).c_str(), &hints, &found);
   if (code != 0) return Fail(std::string("has no address: ") + gai_strerror(code)) > 0;
   bool connected = false;
-  for (const addrinfo* each = found; each != nullptr && !connected && !timedOut_; each = each->ai_next) {
+  for (const addrinfo* each = found; each && !connected && !timedOut_; each = each->ai_next) {
     connected = ConnectTo(each->ai_addr, each->ai_addrlen, each->ai_family);
   }
   freeaddrinfo(found);

@@ -22,7 +22,7 @@ struct Tree {
   std::string server;                // as the directory spells it
   const Mailbox* mailbox = nullptr;  // of the directory; null for the public folders
 
-  bool IsPublic() const { return mailbox == nullptr; }
+  bool IsPublic() const { return !mailbox; }
 };
 
 // Seconds since 1970, UTC; nothing where the store tells none.

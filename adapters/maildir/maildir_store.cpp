@@ -132,7 +132,7 @@ class MaildirStore::Trees : public mail::MailStore {
     mail::FolderPath path;
     if (folder.empty()) return path;
     if (!KeysOf(tree).contains(std::string(folder))) throw mail::NoSuchFolder("The folder does not exist any more.");
-    for (std::size_t end = 0; end != std::string_view::npos;) {
+    for (std::size_t end = 0; end != std::string::npos;) {
       end = folder.find('.', end == 0 ? 0 : end + 1);
       path.push_back(NameOf(folder.substr(0, end)));
     }
@@ -266,10 +266,10 @@ class MaildirStore::Trees : public mail::MailStore {
     for (const Name& name : NamesIn(OpenTree(tree))) {
       const std::string_view key = std::string_view(name.text).substr(1);
       if (!name.isFolder || name.text[0] != '.' || key.empty() || key.front() == '.' || key.back() == '.' ||
-          key.find("..") != std::string_view::npos || name.text == kOwnFolder) {
+          key.find("..") != std::string::npos || name.text == kOwnFolder) {
         continue;
       }
-      for (std::size_t end = key.find('.'); end != std::string_view::npos; end = key.find('.', end + 1)) {
+      for (std::size_t end = key.find('.'); end != std::string::npos; end = key.find('.', end + 1)) {
         keys.emplace(key.substr(0, end));
       }
       keys.emplace(key);

@@ -139,7 +139,7 @@ void AddDateOrText(sql::BlockStore& rows, std::optional<Date> date, std::string_
 
 void AddUntyped(sql::BlockStore& rows, std::string_view text) {
   const auto date = sql::ParseIsoDateTime(text);
-  if (!date && text.find('.') != text.npos) return AddDecimal(rows, text);
+  if (!date && text.find('.') != std::string::npos) return AddDecimal(rows, text);
   AddDateOrText(rows, date, text);
 }
 

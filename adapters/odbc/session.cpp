@@ -80,7 +80,7 @@ std::string DriverOf(const std::string& dataSource) {
 }
 
 std::string ConnectionString(std::string_view dataSource) {
-  if (dataSource.find_first_of(";={}[]") != dataSource.npos) {
+  if (dataSource.find_first_of(";={}[]") != std::string::npos) {
     throw sql::ConnectionError("IM002", "A data source name holds none of ; = { } [ ].");
   }
   const std::string name(dataSource);
@@ -88,7 +88,7 @@ std::string ConnectionString(std::string_view dataSource) {
   std::string out;
   Append(out, "DSN=", name);
   for (const auto& row : kDriverDefaults) {
-    const bool applies = driver.find(row.part) != driver.npos;
+    const bool applies = driver.find(row.part) != std::string::npos;
     if (applies && ConfiguredValue(name, row.key, "odbc.ini").empty()) Append(out, ";", row.key, "=", row.value);
   }
   return out;
@@ -131,7 +131,7 @@ std::string Session::Info(SQLUSMALLINT what) const {
 Engine Session::FindEngine() const {
   const std::string lower = ToLowerAscii(Info(SQL_DBMS_NAME));
   for (const auto& row : kEngines) {
-    if (lower.find(row.part) != lower.npos) return row.engine;
+    if (lower.find(row.part) != std::string::npos) return row.engine;
   }
   return Engine::Other;
 }
@@ -147,7 +147,7 @@ void Session::SetUp() {
   for (const auto& row : kSetUp) {
     if (row.engine != engine_) continue;
     std::string statement(row.sql);
-    if (const auto limit = statement.find('%'); limit != statement.npos) {
+    if (const auto limit = statement.find('%'); limit != std::string::npos) {
       const auto seconds = std::chrono::ceil<std::chrono::seconds>(options_.timeLimit + kGrace).count();
       statement.replace(limit, 1, std::to_string(seconds * row.timeUnits));
     }

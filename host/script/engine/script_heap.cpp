@@ -29,7 +29,7 @@ std::byte* MapPlace() {
 
 }  // namespace
 
-// ---- the image ---------------------------------------------------------------------------------------------
+// ---- the image ------------------------------------------------------------------------------------------
 
 void EngineImage::Unmap::operator()(std::byte* place) const { munmap(place, kPlace); }
 
@@ -57,12 +57,12 @@ void* EngineImage::Allocate(std::size_t bytes) {
 }
 
 duk_context* EngineImage::Lend() {
-  if (context_ == nullptr || isLent_.exchange(true)) return nullptr;
+  if (!context_ || isLent_.exchange(true)) return nullptr;
   std::copy(fresh_.begin(), fresh_.end(), place_.get());
   return context_;
 }
 
-// ---- blocks ------------------------------------------------------------------------------------------------
+// ---- blocks ---------------------------------------------------------------------------------------------
 
 // Stands before a block, so that all can be found at the end.
 struct alignas(kAlignment) ScriptHeap::Block {
@@ -80,20 +80,20 @@ std::size_t ScriptHeap::SizeOf(const void* block) const {
 void ScriptHeap::Link(Block* block) {
   block->previous = nullptr;
   block->next = first_;
-  if (first_ != nullptr) first_->previous = block;
+  if (first_) first_->previous = block;
   first_ = block;
 }
 
 void ScriptHeap::Unlink(const Block* block) {
-  (block->previous != nullptr ? block->previous->next : first_) = block->next;
-  if (block->next != nullptr) block->next->previous = block->previous;
+  (block->previous ? block->previous->next : first_) = block->next;
+  if (block->next) block->next->previous = block->previous;
 }
 
 void* ScriptHeap::Allocate(std::size_t bytes) {
-  if (image_ != nullptr && image_->IsBeingMade()) return image_->Allocate(bytes);
+  if (image_ && image_->IsBeingMade()) return image_->Allocate(bytes);
   if (bytes > SIZE_MAX - sizeof(Block)) return nullptr;
   auto* block = static_cast<Block*>(std::malloc(sizeof(Block) + bytes));
-  if (block == nullptr) return nullptr;
+  if (!block) return nullptr;
   Link(block);
   return block + 1;
 }
@@ -101,15 +101,15 @@ void* ScriptHeap::Allocate(std::size_t bytes) {
 void* ScriptHeap::Reallocate(void* old, std::size_t bytes) {
   if (IsInImage(old)) {
     void* moved = Allocate(bytes);
-    if (moved != nullptr) std::memcpy(moved, old, std::min(bytes, SizeOf(old)));
+    if (moved) std::memcpy(moved, old, std::min(bytes, SizeOf(old)));
     return moved;
   }
   if (bytes > SIZE_MAX - sizeof(Block)) return nullptr;
   Block* block = Block::Of(old);
   Unlink(block);
   auto* moved = static_cast<Block*>(std::realloc(block, sizeof(Block) + bytes));
-  Link(moved != nullptr ? moved : block);
-  return moved != nullptr ? moved + 1 : nullptr;
+  Link(moved ? moved : block);
+  return moved ? moved + 1 : nullptr;
 }
 
 // A block of the image stays where it is: it comes back with the next copy.
@@ -120,7 +120,7 @@ void ScriptHeap::Free(void* block) {
 }
 
 void ScriptHeap::FreeAll() {
-  while (first_ != nullptr) std::free(std::exchange(first_, first_->next));
+  while (first_) std::free(std::exchange(first_, first_->next));
 }
 
 }  // namespace kalvo::host

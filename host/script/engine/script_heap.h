@@ -33,7 +33,7 @@ class EngineImage {
     void operator()(std::byte* place) const;
   };
 
-  bool IsBeingMade() const { return context_ == nullptr; }
+  bool IsBeingMade() const { return !context_; }
   bool Holds(const void* block) const;
   void* Allocate(std::size_t bytes);
 
@@ -72,7 +72,7 @@ class ScriptHeap {
 
  private:
   struct Block;
-  bool IsInImage(const void* block) const { return image_ != nullptr && image_->Holds(block); }
+  bool IsInImage(const void* block) const { return image_ && image_->Holds(block); }
   void Link(Block* block);
   void Unlink(const Block* block);
 
