@@ -99,7 +99,7 @@ std::string ReportPage::Build(KalvoTableConstants id, const ReportScope& scope) 
 std::vector<std::string> FailuresOf(std::string_view html) {
   static constexpr std::string_view kBegins = "Error Generating Table:";
   std::vector<std::string> failures;
-  for (std::size_t at = 0; (at = html.find(kBegins, at)) != std::string_view::npos;) {
+  for (std::size_t at = 0; (at = html.find(kBegins, at)) != std::string::npos;) {
     at += kBegins.size();
     failures.push_back(PlainText(html.substr(at, html.find("</p>", at) - at)));
   }

@@ -38,7 +38,7 @@ class Context : public Object {
   // Releases the four host objects. Nothing else is reset.
   void OnEndPage();
 
-  // ---- scope: set by the generator before each table -----------------------------------------------------
+  // ---- scope: set by the generator before each table ----------------------------------------------------
 
   const std::string& GetName() const { return name_; }
   void SetName(std::string_view Name) { name_ = Name; }
@@ -53,7 +53,7 @@ class Context : public Object {
   KalvoTableTopN GetTopN() const { return topN_; }
   void SetTopN(KalvoTableTopN TopNTypeInput) { topN_ = TopNTypeInput; }
 
-  // ---- the table being built -----------------------------------------------------------------------------
+  // ---- the table being built ----------------------------------------------------------------------------
 
   // The number of the table being built on this page: 1 for the first, 0 before it.
   std::int16_t TableIndex() const;
@@ -61,7 +61,7 @@ class Context : public Object {
   // Counts the next table and returns its number. Fails with 6 after 32767 tables.
   std::int16_t IncrementTableIndex();
 
-  // ---- the page host -------------------------------------------------------------------------------------
+  // ---- the page host ------------------------------------------------------------------------------------
 
   std::shared_ptr<Session> GetSession() const;
   std::shared_ptr<Request> GetRequest() const;
@@ -72,7 +72,7 @@ class Context : public Object {
   std::string_view szSortFieldParameterName() const;
   std::string_view szSortOrderParameterName() const;
 
-  // ---- sort and paging state of the table being built ----------------------------------------------------
+  // ---- sort and paging state of the table being built ---------------------------------------------------
 
   // The parameter for all tables up to this one, and for the later ones that the request has: `szSortString`
   // stands at this table's place. "&Sort=Name&Sort=&Sort=Date" for table 3 of a request with "Sort=Name".
@@ -94,7 +94,7 @@ class Context : public Object {
   std::int16_t TableFirstRowInformation() const;
   std::int16_t TablePageSizeInformation() const;
 
-  // ---- failures and traces -------------------------------------------------------------------------------
+  // ---- failures and traces ------------------------------------------------------------------------------
 
   // Writes the failure paragraph; with the pending error's number and description when asked to, or when
   // table tracing is on. Always false.
@@ -124,7 +124,7 @@ class Context : public Object {
                                            std::string_view szMailboxName, std::string_view szMessageId,
                                            bool bMailboxMessage, std::string_view szErrorString);
 
-  // ---- permissions ---------------------------------------------------------------------------------------
+  // ---- permissions --------------------------------------------------------------------------------------
 
   // Whether the session's "KalvoAdministrator" is exactly "Yes".
   bool KalvoAdministrator() const;
@@ -140,7 +140,7 @@ class Context : public Object {
   // The mailbox that the product's agent makes on each server: "Kalvo EXCH01".
   std::string KalvoCreatedMailboxName(std::string_view szServerName) const;
 
-  // ---- used by the library's other classes ---------------------------------------------------------------
+  // ---- used by the library's other classes --------------------------------------------------------------
 
   // Whether one of the page's four objects sees how it is called, or is not there at all.
   bool SeesCalls() const;

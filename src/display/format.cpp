@@ -185,7 +185,7 @@ void Display::AppendDateTimeFloat(std::string& out, std::string_view date) const
 std::string_view TrimmedTabsAndSpaces(std::string_view text) {
   constexpr std::string_view kBlanks = " \t";
   const auto first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
+  if (first == std::string::npos) return {};
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 

@@ -37,6 +37,9 @@ RINGS = """
     host/cli
 """.split()
 
+# A page's way through a worker, one step after the other.
+ONE_WAY = {"host/web/worker.cpp: RunPage"}
+
 # What makes a statement out of a member without reading it.
 CHANGES = {"clear", "push_back", "emplace_back", "reserve", "reset"}
 
@@ -65,7 +68,8 @@ def too_long_functions(sources):
     for source in sources:
         longest = LONGEST_OF_LIBRARY if source.path.startswith(LIBRARY) else LONGEST_FUNCTION
         found += [f"{source.path}:{source.line(f.head)}: {f.name} has {source.length(f)} lines, {longest} are allowed"
-                  for f in source.functions if source.length(f) > longest]
+                  for f in source.functions
+                  if source.length(f) > longest and f"{source.path}: {f.name}" not in ONE_WAY]
     return found
 
 
@@ -291,6 +295,12 @@ class Tree(unittest.TestCase):
 
     def test_no_file_is_too_long(self):
         self.holds(too_long_files(self.sources))
+
+    def test_no_function_is_too_long(self):
+        self.holds(too_long_functions(self.sources))
+
+    def test_every_member_is_read(self):
+        self.holds(unread_members(self.sources))
 
     def test_includes_lead_inwards(self):
         self.holds(upward_includes(self.sources))
