@@ -104,7 +104,7 @@ Column Describe(SQLHSTMT statement, SQLUSMALLINT number, Engine engine) {
   if (engine == Engine::Sqlite) {
     reading = SqliteReading(reading, TextAttribute(statement, number, SQL_DESC_BASE_TABLE_NAME).empty());
   }
-  // Kept: MariaDB's bit(1) is a number there, not a truth.
+  // MariaDB's bit(1) is a number there, not a truth.
   if (engine == Engine::MariaDb && reading == Reading::Boolean) reading = Reading::Integer;
   return {name, reading, CTypeOf(reading), engine == Engine::Sqlite ? 0 : WidthOf(reading, size)};
 }

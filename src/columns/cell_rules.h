@@ -27,7 +27,7 @@ inline constexpr std::string_view kMissingServerColor = "#CCCCCC";
 inline constexpr std::string_view kNoBackup = "No Successful Backup";
 inline constexpr std::string_view kEmptyLink = "&nbsp;&nbsp;&nbsp;";  // a link needs something to click on
 
-// "1hr&nbsp;02min&nbsp;5sec". Kept: minutes are padded, seconds are not.
+// "1hr&nbsp;02min&nbsp;5sec". Kept: minutes are padded, seconds are not; pages show it so.
 inline std::string Duration(std::int32_t duration) {
   const std::int32_t seconds = duration % 60;
   const std::int32_t minutes = (duration - seconds) % 3600 / 60;

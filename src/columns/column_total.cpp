@@ -27,7 +27,8 @@ void AppendSum(std::string& out, const std::shared_ptr<const ColumnFacts>& colum
 
 }  // namespace
 
-// Kept: the label and the cells of columns without a total are plain, total cells keep their column's layout.
+// Kept: the label and the cells of columns without a total are plain, total cells keep their column's
+// layout; pages show it so.
 void KalvoColumn::AppendTotal(std::string& out, Context& context, Display& display, RowSource& totals,
                               bool& firstCell) {
   if (DropsOut(context)) return;

@@ -87,7 +87,7 @@ inline constexpr LinkRule kLinks[] = {
   {HYPERLINK_MAPI_PUBLICFOLDERMESSAGE, kPublicFolderPage, {{"Server", Name()}, {"Mailbox", Mailbox()}, {"PublicFolderId", Request()}, {"MessageId", Field(ExchangeId)}}},
   {HYPERLINK_TOPN_MAILBOX,            kMailboxPage,   {{"Server", Field(RankedServer)}, {"Mailbox", Field(RankedMailbox)}}},
   {HYPERLINK_TOPN_SERVER,             kSingleServerPage,  {{"Server", Value()}}},
-  // Kept: ascending, although the link is called a modified-date sort.
+  // Kept: ascending, although the link is called a modified-date sort: pages lead there.
   {HYPERLINK_TOPN_MailboxFolder_ModifiedDateSort, kMailboxPage, {{"Server", Field(RankedServer)}, {"Mailbox", Field(RankedMailbox)}, {"ContainerId", Field(RankedContainer)}}, LinkWhen::Always, LinkSort::ByModifiedDate},
   {HYPERLINK_TOPN_MailboxMessage,     kMailboxPage,   {{"Server", Field(RankedServer)}, {"Mailbox", Field(RankedMailbox)}, {"ContainerId", Field(RankedContainer)}, {"MessageId", Field(RankedMessage)}}},
   {HYPERLINK_TOPN_PublicFolderMessage, kPublicFolderPage, {{"Server", Field(RankedServer)}, {"Mailbox", Field(RankedMailbox)}, {"PublicFolderId", Field(RankedPublicFolder)}, {"MessageId", Field(RankedMessage)}}},

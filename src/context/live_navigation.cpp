@@ -9,7 +9,7 @@ namespace kalvo {
 
 namespace {
 
-// Kept: the paragraph is not closed and no line break follows.
+// Kept: the paragraph is not closed and no line break follows; pages show it so.
 constexpr std::string_view kUpgradeMessage =
     "<p>You have attempted to scan an Kalvo Exchange Edition agent with an earlier version. "
     "In order to successfully scan this agent, you must upgrade it to the current version.";
@@ -20,7 +20,7 @@ std::string Step(std::string_view call, std::string_view description) {
 
 }  // namespace
 
-// Kept: unlike a message, a folder is opened anew on every call.
+// Kept: unlike a message, a folder is opened anew on every call, as a page's own browsing object sees.
 bool LiveNavigation::OpenFolder(const Context& context, LiveContainer& live, const FolderPlace& place,
                                 std::string_view description, bool tellsMissingFolder) {
   Trap trap;
@@ -79,7 +79,8 @@ void LiveNavigation::ReportMessage(Trap& trap, const Context& context, const Mes
     failed_ = true;
     trap([&] { context.Write(kUpgradeMessage); });
   } else if (CurrentError().number == codes::kNoMessageReports) {
-    // Kept: the result stays what it was, so that the details follow unless an earlier call had failed.
+    // Kept: the result stays what it was, so that the details follow unless an earlier call had failed: pages show
+    // them.
     const std::string_view kind = place.ofMailbox ? "mailbox" : "public folder";
     trap([&] {
       context.Write(Built([&](std::string& out) {

@@ -40,7 +40,8 @@ Context::Ownership Context::OwnsMailbox(Trap& trap, LiveContainer& live, std::st
   Ownership result;
   trap([&] { result.user = GetRequest()->ServerVariable("LOGON_USER"); });
   trap([&] { result.owner = live.MailboxOwner(server, mailbox); });
-  // Kept: a question that failed leaves no owner, which is the name of a user who did not log on.
+  // Kept: a question that failed leaves no owner, which is the name of a user who did not log on:
+  // pages without a sign-in show the mailbox so.
   result.owns = ToLower(result.owner) == ToLower(result.user);
   return result;
 }

@@ -52,7 +52,7 @@ LiveTableRow MapiDataSrc::TableRow(Steps& steps, LiveOpen opens) {
   for (const LiveTableRow& row : kLiveTables) {
     if (row.table == table_->GetId() && row.opens == opens) return row;
   }
-  // Kept: the open goes on as for the messages of a mailbox.
+  // Kept: the open goes on as for the messages of a mailbox, as a page's own browsing object sees.
   steps.Refuse("Invalid table identifier for MAPI table.");
   return {table_->GetId(), opens, LiveStore::Mailbox, LiveItems::Messages};
 }
@@ -90,7 +90,7 @@ std::int16_t MapiDataSrc::OpenMessageDS() {
   const std::string mailbox = context_->GetMailbox();
   const std::string messageId = Query(steps, *Held(context_), "MessageId");
   if (!TakeLiveContainer(steps)) return kFailed;
-  // Kept: the drill-down permission here, ownership for folders.
+  // Kept: the drill-down permission here, ownership for folders, for administrators who gave the one alone.
   if (!Held(context_)->DrillDownPermission(server, mailbox)) {
     steps.Refuse("Mailbox does not exist, or you are not the owner.");
     return kFailed;

@@ -12,7 +12,7 @@ namespace kalvo {
 
 namespace {
 
-// Kept: 1 is not true here; only the boolean and -1 are.
+// Kept: 1 is not true here; only the boolean and -1 are, for page scripts that count with either.
 bool IsExactlyTrue(const Value& value) {
   if (const auto* truth = std::get_if<bool>(&value)) return *truth;
   const bool number = std::holds_alternative<std::int32_t>(value) || std::holds_alternative<std::int64_t>(value) ||
@@ -145,7 +145,7 @@ void Display::AppendTableHeaderCell(std::string& out, std::string_view szHeaderT
 
 void Display::AppendSortLinkRow(std::string& out, std::string_view up, std::string_view down) const {
   std::string arrows;
-  // Kept: the down link alone decides whether there are arrows.
+  // Kept: the down link alone decides whether there are arrows, for page scripts that leave one link out.
   if (down.empty()) {
     AppendGraphicInput(arrows, images::kBlankSort, "");
   } else {

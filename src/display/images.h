@@ -15,7 +15,7 @@ inline constexpr ImageView kEmptyCheck          {"../Images/Controls/EmptyCheck.
 inline constexpr ImageView kMessage             {"../Images/Message.gif",                    16, 16};
 inline constexpr ImageView kFolder              {"../Images/Folder.gif",                     16, 16};
 inline constexpr ImageView kAttachment          {"../Images/Attachment.gif",                 16, 16};
-// Kept: the spacer of the image folder itself, not the control image of the same name.
+// Kept: the spacer of the image folder itself, not the control image of the same name: pages show it so.
 inline constexpr ImageView kNoAttachment        {"../Images/BlankGraphSpacing.gif",          16, 16};
 // clang-format on
 

@@ -45,7 +45,7 @@ void Table::Initialize(KalvoTableType TableType, KalvoTableConstants Id, std::st
 }
 
 void Table::SetTopNParameters(Context& pCtxt) {
-  // Kept: an undefined scope has load type 0, which the Top-N row source refuses.
+  // Kept: an undefined scope has load type 0, which the Top-N row source refuses on the page, for its reader.
   topNObject_ = 0;
   topNLoadType_ = 0;
   for (const ScopeRow& row : kScopes) {

@@ -106,7 +106,7 @@ bool KalvoforExchangeTableGenerator::CheckUserPermissions(std::string_view szSer
   return !szServerName.empty() && PageContext().MaySeeMailbox(szServerName, szMailboxName);
 }
 
-// Kept: a failure is told from a request without a public folder.
+// Kept: a failure is told from a request without a public folder, for page scripts that compare the answer.
 std::string KalvoforExchangeTableGenerator::PublicFolderDisplayPath() {
   return PublicFolderPath(PageContext()).value_or("-1");
 }

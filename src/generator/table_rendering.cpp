@@ -58,7 +58,7 @@ void TableRendering::Render(std::string_view emptyMessage, std::string_view tabl
 
   trap_([&] { page_.records = Held(source_)->RecordCount(); });
   if (page_.records == 0) {
-    // Kept: the source of an empty table is not closed; it goes with the rendering.
+    // Kept: the source of an empty table is not closed, as a page's own source sees; it goes with the rendering.
     WriteMade([&](std::string& out) { Append(out, "<p><em>", emptyMessage, "</em></p>", kCrLf); });
     return;
   }
