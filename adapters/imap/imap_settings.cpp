@@ -76,12 +76,11 @@ std::chrono::milliseconds Seconds(std::string_view what, std::string_view text) 
 
 struct Reader {
   Settings settings;
-  std::string passwordFile;
   std::vector<std::string> servers;
 
   void Take(std::string_view name, const std::string& value) {
     const std::pair<std::string_view, std::string*> texts[] = {
-        {"directory", &settings.directoryFile},        {"password-file", &passwordFile},
+        {"directory", &settings.directoryFile},        {"password-file", &settings.passwordFile},
         {"template", &settings.loginTemplate},         {"public-login", &settings.publicTemplate},
         {"holding", &settings.holdingFolder},          {"holding-login", &settings.holdingTemplate},
         {"ca-file", &settings.server.certificateFile},
@@ -212,13 +211,13 @@ Settings ReadSettings(std::string_view url) {
   ReadHost(place.substr(at + 1), settings.server);
   reader.TakeAll(url.substr(std::min(question + 1, url.size())));
   if (settings.directoryFile.empty()) Refuse("directory=FILE is missing.");
-  if (reader.passwordFile.empty()) Refuse("password-file=FILE is missing.");
+  if (settings.passwordFile.empty()) Refuse("password-file=FILE is missing.");
   reader.PlaceServers();
   CheckSecurity(settings.server, settings.plainAllowed);
   for (const auto& [name, address] : settings.servers) CheckSecurity(address, settings.plainAllowed);
   if (settings.authorizes && settings.loginTemplate.empty()) settings.loginTemplate = "{mailbox}";
   if (settings.loginTemplate.empty()) settings.loginTemplate = "{mailbox}*{admin}";
-  settings.password = ReadPassword(reader.passwordFile);
+  settings.password = ReadPassword(settings.passwordFile);
   CheckSendable("The administrator", settings.administrator);
   CheckSendable("The password", settings.password);
   CheckSendable("The login template", settings.loginTemplate);

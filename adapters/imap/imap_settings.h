@@ -38,7 +38,7 @@ struct Settings {
   std::string publicTemplate = "{admin}";    // who reads and deletes in public folders
   std::string holdingTemplate;               // the product's own account; "": the same as `publicTemplate`
   std::string holdingFolder = "Kalvo held";  // of that account, where deleted messages are held
-  std::string directoryFile;
+  std::string directoryFile, passwordFile;
   bool authorizes = false;    // the administrator logs in for somebody by SASL PLAIN, not by a name made of both
   bool plainAllowed = false;  // passwords may go to other machines without TLS
   bool serverSort = true;     // use the server's own sorting where it has one

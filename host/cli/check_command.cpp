@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <fstream>
+#include <iomanip>
 #include <iostream>
 
 #include "host/attack/attack.h"
@@ -7,6 +8,7 @@
 #include "host/cli/commands.h"
 #include "host/cli/database_check.h"
 #include "host/parts/database_part.h"
+#include "host/parts/mail_part.h"
 #include "host/parts/parts.h"
 #include "host/parts/setting_error.h"
 #include "host/web/settings.h"
@@ -29,6 +31,18 @@ std::string CookieOf(const std::string& file) {
   return line;
 }
 
+#ifdef KALVO_HAS_CHECK
+// Tells what was found at the mail servers.
+bool MailIsWell(const std::string& where) {
+  bool isWell = true;
+  for (const MailFinding& finding : CheckMail(where)) {
+    std::cout << std::left << std::setw(12) << "Mail" << (finding.isGood ? "" : "fails: ") << finding.text << '\n';
+    isWell = isWell && finding.isGood;
+  }
+  return isWell;
+}
+#endif
+
 }  // namespace
 
 int RunCheck(const CheckArguments& arguments) {
@@ -39,8 +53,9 @@ int RunCheck(const CheckArguments& arguments) {
   const web::Settings settings = arguments.config ? web::ReadSettings(*arguments.config) : web::Settings();
   const DatabaseProof proof = ProveDatabaseAside(settings.Parts());  // before anything is open
   const Parts parts(settings.Parts());
-  return CheckDatabase(parts.GetPlatform(),
-                       {settings.parts.database, DescribeDriver(parts.GetPlatform().database), proof}, std::cout);
+  const int database = CheckDatabase(
+      parts.GetPlatform(), {settings.parts.database, DescribeDriver(parts.GetPlatform().database), proof}, std::cout);
+  return MailIsWell(settings.parts.mail) ? database : kFailed;
 #else
   std::cerr << "kalvo: this build cannot check" << (arguments.config ? " " + *arguments.config : "") << '\n';
   return kFailed;

@@ -12,6 +12,9 @@
 #endif
 #ifdef KALVO_HAS_IMAP
 #include "adapters/imap/imap_mail.h"
+#include "adapters/imap/imap_settings.h"
+#include "adapters/imap/mail_check.h"
+#include "adapters/mail/directory_file.h"
 #endif
 
 namespace kalvo::host {
@@ -36,6 +39,21 @@ Store OpenImap([[maybe_unused]] std::string_view url) {
 }
 
 }  // namespace
+
+std::vector<MailFinding> CheckMail([[maybe_unused]] std::string_view where) {
+  std::vector<MailFinding> findings;
+#ifdef KALVO_HAS_IMAP
+  if (!NamesImap(where)) return findings;
+  try {
+    const imap::Settings settings = imap::ReadSettings(where);
+    const mail::Directory directory = mail::ReadDirectoryFile(settings.directoryFile);
+    for (auto& each : imap::CheckMail(settings, directory)) findings.push_back({each.isGood, std::move(each.text)});
+  } catch (const Error& error) {
+    findings.push_back({false, error.Description()});
+  }
+#endif
+  return findings;
+}
 
 Store OpenMail(std::string_view where) {
   if (where.empty()) return nullptr;

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "adapters/imap/imap_under_test.h"
+#include "adapters/imap/mail_check.h"
+#include "adapters/mail/directory_file.h"
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
 #include "kalvo/platform/live_mailbox.h"
@@ -69,6 +71,35 @@ TEST_F(OddMailbox, IsOpenedByWhoMayActForItsOwner) {
       server_->Folder() + "/directory&password-file=" + server_->Folder() + "/password")));
   EXPECT_NE(ErrorOf([&] { Go("Inbox"); }).Description().find("Authentication failed. (LOGIN)"), std::string::npos)
       << ErrorOf([&] { Go("Inbox"); }).Description();
+}
+
+// What a check of the server says, each finding that is not as it should be after "!".
+std::string Checked(const DovecotServer& server, const std::string& address) {
+  const auto settings = imap::ReadSettings(address);
+  mail::Directory directory = mail::ReadDirectoryFile(server.Folder() + "/directory");
+  std::string all;
+  for (const auto& finding : imap::CheckMail(settings, directory))
+    all += (finding.isGood ? "" : "!") + finding.text + "\n";
+  return all;
+}
+
+TEST_F(OddMailbox, ACheckTellsWhatIsThereAndWhatWouldBeRight) {
+  Start();
+  server_->MakePublicFolder({"Sales"});
+  const std::string address = StoreAddress(*server_);
+  fs::permissions(server_->Folder() + "/password", fs::perms(0600));
+  const std::string good = "password file " + server_->Folder() + "/password is closed to others\n";
+  EXPECT_EQ(Checked(*server_, address), good +
+                                            "EX01 lets alice*master read INBOX (0 messages)\n"
+                                            "EX01 shows kalvo*master 1 public folders below Public/\n"
+                                            "EX02 lets zoe*master read INBOX (0 messages)\n");
+  fs::permissions(server_->Folder() + "/password", fs::perms(0644));
+  server_->Write("users/alice/Maildir/dovecot-acl", "owner lr\n");
+  const std::string bad = Checked(*server_, address + "&public-login=nobody");
+  EXPECT_NE(bad.find("!password file " + server_->Folder() + "/password is open to others: chmod 600\n"), bad.npos)
+      << bad;
+  EXPECT_NE(bad.find("!EX01 gives alice*master no right e in INBOX: nothing can be deleted\n"), bad.npos) << bad;
+  EXPECT_NE(bad.find("!EX01 as nobody: The mail server"), bad.npos) << bad;
 }
 
 TEST_F(OddMailbox, AFolderThatIsRepairedWhileItIsOpenIsReadAgain) {

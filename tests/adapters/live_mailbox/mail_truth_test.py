@@ -156,6 +156,13 @@ class MailTruth(unittest.TestCase):
         self.check(rows)
         self.assertEqual([int(row[4]) for row in rows], [len(content) + content.count(b"\n") for _, content, *_ in self.made])
 
+    def test_a_check_logs_in_at_the_server(self):
+        self.write("kalvo.toml", f'mail = "imap://kalvo@127.0.0.1:{self.port}/?tls=none&directory={self.folder}/directory'
+                                 f'&password-file={self.folder}/password"\nrun = "run"\n')
+        done = subprocess.run([KALVO, "check", "--config", "kalvo.toml"], cwd=self.folder, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=100, text=True, check=False)
+        self.assertIn(f"Mail        EX01 lets alice*kalvo read INBOX ({MESSAGES} messages)\n", done.stdout + done.stderr)
+
     def test_so_does_one_that_is_asked_to_act_for_the_owner(self):
         self.assertEqual(self.imap("&login=authorize"), self.imap())
 
