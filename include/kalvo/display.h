@@ -59,7 +59,7 @@ class Display : public Object {
   void OnStartPage(ScriptingContext& ASPScriptingContext);
   void OnEndPage();
 
-  // ---- images a page may replace -------------------------------------------------------------------------
+  // ---- images a page may replace ------------------------------------------------------------------------
 
   const Image& MessageGraphicID() const { return message_; }
   void SetMessageGraphicID(const Image& image) { message_ = image; }
@@ -70,7 +70,7 @@ class Display : public Object {
   const Image& NoAttachmentGraphicID() const { return noAttachment_; }
   void SetNoAttachmentGraphicID(const Image& image) { noAttachment_ = image; }
 
-  // ---- tables, rows, cells -------------------------------------------------------------------------------
+  // ---- tables, rows, cells ------------------------------------------------------------------------------
 
   // The start of a report's table. The bookmark goes into the sort links of the header cells that follow.
   std::string DetailTableStart(std::string_view szBookmark);
@@ -98,7 +98,7 @@ class Display : public Object {
                               std::string_view szDownSortLink, std::string_view szLineLink,
                               std::string_view szHistoryLink) const;
 
-  // ---- images, inputs, anchors, forms --------------------------------------------------------------------
+  // ---- images, inputs, anchors, forms -------------------------------------------------------------------
 
   // `<img border="0" src="../Images/Controls/Up.gif" width="20" height="16">`, with `alt` first when there is
   // one. Nothing is encoded.
@@ -122,7 +122,7 @@ class Display : public Object {
                                 std::string_view szFolderId, std::string_view szMessageId, std::int32_t Flags,
                                 std::string_view szContinueUrl) const;
 
-  // ---- values --------------------------------------------------------------------------------------------
+  // ---- values -------------------------------------------------------------------------------------------
 
   // A number with digits grouped, and two decimals when `bDecimal` is true. Null becomes 0, in the caller's
   // variable too. Fails with 13 for a value that is no number.
@@ -148,7 +148,7 @@ class Display : public Object {
   // The URL with one more parameter; the name as it is, the value encoded. An empty name adds nothing.
   std::string AddParamToURL(std::string_view pURL, std::string_view szName, std::string_view szValue) const;
 
-  // ---- the makers, for rows ------------------------------------------------------------------------------
+  // ---- the makers, for rows -----------------------------------------------------------------------------
 
   void AppendDetailTableStart(std::string& out, std::string_view szBookmark);
   void AppendDetailTableEnd(std::string& out) const;

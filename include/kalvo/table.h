@@ -67,7 +67,7 @@ class Table : public Object {
   std::int16_t GetTopNObject() const { return topNObject_; }
   std::int16_t GetTopNLoadType() const { return topNLoadType_; }
 
-  // ---- what a rendering reads, and what it leaves behind ---------------------------------------------------
+  // ---- what a rendering reads, and what it leaves behind ------------------------------------------------
 
   const TableDefinition& Definition() const { return *definition_; }
   const Platform& GetPlatform() const { return platform_; }

@@ -36,7 +36,7 @@ class AskedCell {
 
   void AppendTo(std::string& out);
 
-  // ---- as the rules see it -------------------------------------------------------------------------------
+  // ---- as the rules see it ------------------------------------------------------------------------------
 
   const ColumnFacts& Column() const { return *column_; }
   FieldText Read();

@@ -46,7 +46,7 @@ class StoredCell final : public BoundColumn {
 
   bool AppendCell(PageText& out, const StoredValue* row) override;
 
-  // ---- as the rules see it -------------------------------------------------------------------------------
+  // ---- as the rules see it ------------------------------------------------------------------------------
 
   const ColumnFacts& Column() const { return *column_; }
   FieldValue Read() { return Value(); }

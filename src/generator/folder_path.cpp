@@ -142,7 +142,7 @@ void FolderPath::WriteContainer(std::string_view server, std::string_view mailbo
   while (!container.empty()) {
     const auto end = container.find('\\');
     const std::string_view piece = container.substr(0, end);
-    container.remove_prefix(end == std::string_view::npos ? container.size() : end + 1);
+    container.remove_prefix(end == std::string::npos ? container.size() : end + 1);
     if (piece.empty()) continue;
     Append(path, path.empty() ? "" : "\\", piece);
     WriteMade([&](std::string& out) {
