@@ -124,12 +124,13 @@ bool Engine::BeginIn(EngineImage& image) {
     return false;
   }
   if (!memory_->Fits(image.used_)) return false;
+  std::random_device dice;  // may fail, and nothing may once the image is lent
+  const std::uint64_t seed = std::uint64_t{dice()} << 32 | dice();
   context_ = image.Lend();
   if (context_ == nullptr) return false;
   memory_->heap.SetImage(&image);
   memory_->used = image.used_;
-  std::random_device dice;
-  kalvo_engine_adopt(context_, this, std::uint64_t{dice()} << 32 | dice());
+  kalvo_engine_adopt(context_, this, seed);
   return true;
 }
 
