@@ -29,7 +29,8 @@ void TableState::Start() {
     if (!Count(key, n)) KeepOther(key, n);
   }
   address_.clear();
-  if (!page_.request->SeesCalls()) AppendAddress(address_);
+  // A request that is script may have ended the page while it was asked.
+  if (page_.request && !page_.request->SeesCalls()) AppendAddress(address_);
 }
 
 void TableState::AppendAddress(std::string& out) const {
