@@ -24,13 +24,16 @@ void AddNamed(CLI::App& app, const std::string& option, NamedValues& values, con
 }
 
 void AddPage(CLI::App& app, PageArguments& page) {
-  app.add_option("PAGE", page.page, "the page's file")->required();
+  app.add_option("PAGE", page.page, "the page's file");
+  app.add_option("--check", page.check, "compile every page of a site, and run none")->type_name("SITE");
+  app.add_flag("--strict", page.strict, "fail also where a table or a function of the page's own failed");
   app.add_option("--root", page.root, "the site's root folder (default: the page's own folder)")->type_name("DIR");
   app.add_option("--url", page.url, "the page's address (default: \"/\" and the page's path below the root)")
       ->type_name("PATH");
   app.add_option("--query", page.query, "the query string, without \"?\"")->type_name("TEXT");
   app.add_option("--form", page.form, "a posted form, URL-encoded; makes the request a POST")->type_name("TEXT");
   app.add_option("--logon", page.logon, "the user's logon name")->type_name("NAME");
+  AddNamed(app, "--application", page.application, "NAME=TEXT", "what Application(NAME) answers; may be repeated");
   AddNamed(app, "--session", page.session, "NAME=VALUE", "a session value; may be repeated");
   AddNamed(app, "--static", page.statics, "NAME=FILE.js",
            "a session static object: what the script evaluates to; may be repeated");

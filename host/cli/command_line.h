@@ -18,12 +18,15 @@ struct PageArguments {
   std::string query;
   std::optional<std::string> form;
   std::string logon;
-  std::vector<std::pair<std::string, std::string>> session;  // name and value
-  std::vector<std::pair<std::string, std::string>> statics;  // name and file
+  std::vector<std::pair<std::string, std::string>> application;  // name and text
+  std::vector<std::pair<std::string, std::string>> session;      // name and value
+  std::vector<std::pair<std::string, std::string>> statics;      // name and file
   PartsSettings parts;
   PageLimits limits;
   bool headers = false;
   bool edge = false;
+  bool strict = false;
+  std::optional<std::string> check;  // a site's folder: its pages are compiled, none is run
 };
 
 struct ServeArguments {

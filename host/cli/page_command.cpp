@@ -3,25 +3,34 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <set>
 
 #include "host/cli/command_line.h"
 #include "host/cli/commands.h"
+#include "host/cli/page_timer.h"
+#include "host/cli/report_page.h"
 #include "host/edge/edge.h"
 #include "host/parts/memory_session.h"
 #include "host/parts/parts.h"
 #include "host/parts/setting_error.h"
 #include "host/script/page/site.h"
 #include "kalvo/platform/append.h"
+#include "kalvo/platform/conversion.h"
 
 namespace kalvo::host {
 namespace {
 
 namespace fs = std::filesystem;
 
+constexpr double kGraceSeconds = 1;  // in which the page's own limit ends it, where it can
+
 // Standard output. A reader that went away ends the page.
 class OutputSink : public PageSink {
  public:
   explicit OutputSink(bool headers) : headers_(headers) {}
+
+  // What was printed of the page itself.
+  const std::string& Text() const { return text_; }
 
   void Head(const PageHead& head) override {
     if (!headers_) return;
@@ -32,7 +41,10 @@ class OutputSink : public PageSink {
     Put(text);
   }
 
-  void Body(std::string_view bytes) override { Put(bytes); }
+  void Body(std::string_view bytes) override {
+    Put(bytes);
+    text_ += bytes;
+  }
 
  private:
   static void Put(std::string_view bytes) {
@@ -42,6 +54,7 @@ class OutputSink : public PageSink {
   }
 
   bool headers_;
+  std::string text_;
 };
 
 struct PagePlace {
@@ -78,6 +91,7 @@ PageRequest MakeRequest(const PageArguments& arguments, const PagePlace& place) 
 PageOptions MakeOptions(const PageArguments& arguments) {
   PageOptions options;
   options.limits = arguments.limits;
+  options.application = arguments.application;
   for (const auto& [name, file] : arguments.statics) {
     std::ifstream in(file, std::ios::binary);
     if (!in) {
@@ -101,9 +115,40 @@ bool PassesTheEdge(PageRequest& request, const PagePlace& place, Site& site, con
   return true;
 }
 
+// Says what the page's reader may not see: what functions of its own failed with while the library went on.
+void TellUnseen(const PageResult& result) {
+  for (const PageFailure& failure : result.unseen) std::cerr << "kalvo: " << DescribeWay(failure) << '\n';
+  const std::size_t more = result.unseenCount - result.unseen.size();
+  if (more > 0) std::cerr << "kalvo: and " << more << " more\n";
+}
+
+// Compiles every page below a folder. The exit code.
+int CheckPages(const PageArguments& arguments) {
+  if (!fs::is_directory(*arguments.check)) throw SettingError("--check " + *arguments.check + " is no folder");
+  const fs::path root = fs::canonical(*arguments.check);
+  const Parts parts(arguments.parts);
+  Site site(root, parts.GetPlatform());
+  std::set<std::string> pages;
+  for (const auto& entry : fs::recursive_directory_iterator(root)) {
+    if (entry.is_regular_file() && EqualsIgnoringAsciiCase(entry.path().extension().string(), ".asp")) {
+      pages.insert(entry.path().lexically_relative(root).generic_string());
+    }
+  }
+  int code = kDone;
+  for (const std::string& page : pages) {
+    const auto failure = site.Prepare(page);
+    if (!failure) continue;
+    std::cerr << "kalvo: " << DescribeWay(*failure) << '\n';
+    code = kFailed;
+  }
+  return code;
+}
+
 }  // namespace
 
 int RunPage(const PageArguments& arguments) {
+  if (arguments.check) return CheckPages(arguments);
+  if (arguments.page.empty()) throw SettingError("a page's file is needed, or --check SITE");
   const PagePlace place = Locate(arguments);
   const PageOptions options = MakeOptions(arguments);
   PartsSettings wanted = arguments.parts;
@@ -114,11 +159,18 @@ int RunPage(const PageArguments& arguments) {
   OutputSink sink(arguments.headers);
   PageRequest request = MakeRequest(arguments, place);
   if (arguments.edge && !PassesTheEdge(request, place, site, parts.GetPlatform())) return kFailed;
+  const PageTimer timer(place.page, arguments.limits.seconds + kGraceSeconds);
   const PageResult result = site.Run(place.page, request, session, sink, options);
-  if (!result.failure) return kDone;
-  SendRest(result, sink);
-  std::cerr << "kalvo: " << Describe(*result.failure) << '\n';
-  return kFailed;
+  TellUnseen(result);
+  if (result.failure) {
+    SendRest(result, sink);
+    std::cerr << "kalvo: " << DescribeWay(*result.failure) << '\n';
+    return kFailed;
+  }
+  if (!arguments.strict) return kDone;
+  const std::vector<std::string> failures = FailuresOf(sink.Text());
+  for (const std::string& failure : failures) std::cerr << "kalvo: " << place.page << ": " << failure << '\n';
+  return failures.empty() && result.unseenCount == 0 ? kDone : kFailed;
 }
 
 }  // namespace kalvo::host

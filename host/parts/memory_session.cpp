@@ -15,7 +15,19 @@ Value MemorySession::Get(std::string_view name) {
   return found == values_.end() ? Value() : found->second;
 }
 
-void MemorySession::Set(std::string_view name, const Value& value) { values_[ToLower(name)] = value; }
+void MemorySession::Set(std::string_view name, const Value& value) {
+  if (IsEmpty(value)) {
+    values_.erase(ToLower(name));
+  } else {
+    values_[ToLower(name)] = value;
+  }
+}
+
+std::vector<std::string> MemorySession::Names() {
+  std::vector<std::string> names;
+  for (const auto& [name, value] : values_) names.push_back(name);
+  return names;
+}
 
 void MemorySession::Abandon() {
   values_.clear();

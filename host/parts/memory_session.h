@@ -19,6 +19,7 @@ class MemorySession final : public PageSession {
 
   Value Get(std::string_view name) override;
   void Set(std::string_view name, const Value& value) override;
+  std::vector<std::string> Names() override;
   void Abandon() override;
   std::shared_ptr<LiveContainer> LiveDriller() override { return driller_.Of(who_); }
 

@@ -70,7 +70,7 @@ FastCgiRequest ReadRequest(FCGX_Request& request) {
   } else if (body.length > 0) {
     std::string text = ReadBody(request.in, body.length);
     taken.complete = text.size() == body.length;
-    if (body.type == kFormType) taken.request.form = std::move(text);
+    (body.type == kFormType ? taken.request.form : taken.request.body) = std::move(text);
   }
   return taken;
 }

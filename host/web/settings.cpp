@@ -114,6 +114,7 @@ const Rule kRules[] = {
   {"session_minutes", Whole{Set<&Settings::sessionMinutes>, {1, 1440}}, "a whole number of minutes from #"},
   {"sessions_per_user", Whole{Set<&Settings::sessionsPerUser>, {1, 100}}, "a whole number from #"},
   {"debug",        Flag{At<&Settings::debug>},                  "true or false"},
+  {"show_errors",  Flag{At<&Settings::showErrors>},             "true or false"},
   {"error_pages",  Path{&Settings::errorPages},              "a folder with 404.html, 500.html, 503.html"},
 };
 // clang-format on
@@ -223,9 +224,20 @@ void TakeVisitor(Settings& settings, const fs::path& file, const fs::path& folde
   }
 }
 
+// [application]: a table of texts that pages read.
+void TakeApplication(Settings& settings, const fs::path& file, const fs::path& folder, const toml::node& application) {
+  const toml::table* table = application.as_table();
+  if (!table) Entry(file, folder, "application", application).Refuse("a table");
+  for (const auto& [key, node] : *table) {
+    const std::string name(key.str());
+    settings.application.emplace_back(name, Entry(file, folder, "application." + name, node).Text("a text"));
+  }
+}
+
 void TakeKey(Settings& settings, const fs::path& file, const fs::path& folder, const std::string& key,
              const toml::node& node) {
   if (key == "visitor") return TakeVisitor(settings, file, folder, node);
+  if (key == "application") return TakeApplication(settings, file, folder, node);
   for (const Rule& rule : kRules) {
     if (rule.key != key) continue;
     const std::string right = RightOf(rule);

@@ -45,6 +45,8 @@ struct Settings {
   int sessionMinutes = 30;                // without a request, after which one signs in again
   int sessionsPerUser = 5;                // one more sign-in ends the user's oldest
   bool debug = false;                     // whether administrators may see a page's traces
+  bool showErrors = false;                // whether administrators, or all without a users file, may see why one failed
+  host::NamedTexts application;           // what `Application(name)` of a page answers
   std::string logon;                      // without a users file: who every visitor is
   host::NamedTexts session;               // and the session values every visitor has
 

@@ -17,6 +17,7 @@
 #include "host/web/acting/acting_session.h"
 #include "host/web/acting/sender.h"
 #include "host/web/error_pages.h"
+#include "host/web/failure_page.h"
 #include "host/web/fastcgi.h"
 #include "host/web/generation.h"
 #include "host/web/holding_sweep.h"
@@ -153,13 +154,23 @@ void Worker::RunPage(FCGX_Request& request) {
       *admission->session,
       {*generation_.tokens, generation_.trail, generation_.parts.GetMailStore(), settings.holdingDays},
       {admission->mark, {admission->logon, std::string(VariableOf(page, "REMOTE_ADDR"))}, page.method == "POST"});
+  options.sessionMinutes = settings.sessionMinutes;
+  options.application = settings.application;
+  const bool shows = settings.showErrors && (!generation_.gate || IsAdministrator(*admission->session));
   const host::PageResult result = generation_.site.Run(asked.page, page, session, sink, options);
-  if (!result.failure) return FCGX_Finish_r(&request);
+  for (const host::PageFailure& unseen : result.unseen) log_.Write("page " + DescribeWay(unseen));
+  const bool isHtml = result.head.contentType.starts_with("text/html");
+  if (!result.failure) {
+    if (shows && isHtml && !result.unseen.empty()) sink.Body(UnseenText(result, settings.site));
+    return FCGX_Finish_r(&request);
+  }
 
   const int status = StatusOf(*result.failure);
-  if (status != 404) log_.Write("page " + Describe(*result.failure));
-  if (!result.headSent) return SendError(request, status);
-  // Half a page was sent. Its end is not, so that nobody takes it for the whole.
+  if (status != 404) log_.Write("page " + DescribeWay(*result.failure));
+  if (!result.headSent && (!shows || status == 404)) return SendError(request, status);
+  if (!result.headSent) return SendFailure(request, *result.failure);
+  // Half a page was sent. It says so to its reader, and its end is not sent, so that no program takes it for the whole.
+  if (isHtml) sink.Body(BrokenEnd() + (shows ? FailureText(*result.failure, settings.site) : ""));
 }
 
 void Worker::NotePostFromElsewhere(const host::PageRequest& asked, std::string_view page) {
@@ -211,6 +222,17 @@ std::optional<login::Admission> Worker::Admit(FCGX_Request& request, std::string
     SendError(request, 500);
   }
   return std::nullopt;
+}
+
+void Worker::SendFailure(FCGX_Request& request, const host::PageFailure& failure) {
+  host::PageHead head;
+  head.status = 500;
+  head.reason = ReasonOf(500);
+  FastCgiSink sink(request);
+  sink.Head(head);
+  sink.Body("<!DOCTYPE html>\n<title>The page failed</title>\n<h1>The page failed</h1>\n" +
+            FailureText(failure, generation_.settings.site));
+  FCGX_Finish_r(&request);
 }
 
 void Worker::SendError(FCGX_Request& request, int status, std::string_view why) {

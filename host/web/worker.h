@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "host/script/page/page_request.h"
+#include "host/script/page/page_result.h"
 #include "host/web/login/gate.h"
 
 struct FCGX_Request;
@@ -41,6 +42,8 @@ class Worker {
   // What the edge did not let in, of whom; "" for a stranger.
   void NoteTakenAway(const edge::Verdict& verdict, const std::string& user, const FastCgiRequest& asked);
   void NoteRefused(const std::string& why, const FastCgiRequest& asked);
+  // Why the page failed, for whom it may be shown to.
+  void SendFailure(FCGX_Request& request, const host::PageFailure& failure);
   // `why` is a sentence for the visitor that the error page does not have.
   void SendError(FCGX_Request& request, int status, std::string_view why = "");
 

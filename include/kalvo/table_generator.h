@@ -30,6 +30,9 @@ class KalvoforExchangeTableGenerator : public Object {
   void OnStartPage(ScriptingContext& ASPScriptingContext);
   void OnEndPage();
 
+  // Whether a page was started and has not ended: without one nothing that is built can be seen.
+  bool HasPage() const { return response_ != nullptr; }
+
   // Does nothing and succeeds.
   void TearDown() {}
 

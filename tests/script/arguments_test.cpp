@@ -171,8 +171,8 @@ class Probe : public Object {
 };
 
 constexpr Member kProbe[] = {
-    Method<&Probe::Flip>("Flip", {{"flag"}, {"text"}, {"value"}}),
-    Method<&Probe::Echo>("Echo", {{"value"}}),
+    Method<&Probe::Flip>("Flip", {{"flag"}, {"text"}, {"value"}}, "Changes all three."),
+    Method<&Probe::Echo>("Echo", {{"value"}}, "Answers the value."),
 };
 
 class ProbeTest : public testing::Test {

@@ -160,6 +160,135 @@ TEST_F(Intrinsics, AskForTheLiveDrillerOncePerPage) {
   EXPECT_EQ(Script("Response.Write(typeof Session.StaticObjects('gLiveDriller'));"), "undefined");
 }
 
+TEST_F(Intrinsics, RefuseHeadersThatTheServerSets) {
+  for (const char* name : {"Content-Length", "transfer-encoding", "Connection"}) {
+    Script("Response.AddHeader('" + std::string(name) + "', '3')");
+    EXPECT_NE(Failure().find("is set by the server alone"), std::string::npos) << name << ": " << Failure();
+  }
+}
+
+TEST_F(Intrinsics, EncodeTheAddressOfARedirection) {
+  Script("Response.Redirect('/a b?x=\u00E4&y=%41')");
+  EXPECT_EQ(sink.heads[0].headers, (NamedTexts{{"Location", "/a%20b?x=%C3%A4&y=%41"}}));
+  Script("Response.Redirect()");
+  EXPECT_NE(Failure().find("The address to redirect to is missing (url left out)"), std::string::npos) << Failure();
+}
+
+TEST_F(Intrinsics, FindMembersInAnyCase) {
+  request.queryString = "a=1";
+  EXPECT_EQ(Script("response.write('no');"), "");
+  EXPECT_EQ(Script("Response.write('x'); Response.contenttype = 'text/plain'; Response.WRITE(Response.CONTENTTYPE);"
+                   "Response.Write(Request.querystring('a').count + server().mapPath('/').length);"
+                   "function server() { return { mapPath: function () { return ''; } }; }"),
+            "xtext/plain1");
+  EXPECT_EQ(Script("var own = {Write: 1}; Response.Write(typeof own.write + typeof Response.Wrote);"),
+            "undefinedundefined");
+}
+
+TEST_F(Intrinsics, AssignItemsOfSessionAndCookies) {
+  EXPECT_EQ(Script("Session('n') = 7; Session('n') += 1; Session('t') = 'x'; Response.Write(Session('n') + "
+                   "Session('t')); Response.Cookies('c') = 'a b'; Response.Cookies('c').Path = '/x';"
+                   "Response.Cookies('c').MaxAge = 60; Response.Cookies('d') = '1'; Response.Cookies('d').HttpOnly = "
+                   "false; Response.Cookies('d').secure = true;"
+                   "Response.Cookies('d').Expires = new Date(Date.UTC(2030, 0, 2, 3, 4, 5));"),
+            "8x");
+  EXPECT_EQ(session.values["n"], Value(8));
+  EXPECT_EQ(sink.heads[0].headers,
+            (NamedTexts{{"Set-Cookie", "c=a+b; Path=/x; Max-Age=60; HttpOnly; SameSite=Lax"},
+                        {"Set-Cookie", "d=1; Path=/; Expires=Wed, 02 Jan 2030 03:04:05 GMT; Secure; SameSite=Lax"}}));
+  EXPECT_EQ(Script("try { Session('o') = {}; } catch (e) { Response.Write(e.number + e.message); }"),
+            "-2146828275value: a session keeps texts, numbers, booleans and dates; JSON.stringify makes a text");
+  for (const char* code :
+       {"Response.Cookies('a b') = 1", "Response.Cookies('') = 1", "Response.Cookies('a').Path = 'x'",
+        "Response.Cookies('a').Path = '/;x'", "Response.Cookies('a').Expires = 'soon'",
+        "var c = Response.Cookies('a'); Response.Flush(); c.value = 1"}) {
+    Script(code);
+    EXPECT_TRUE(result.failure) << code;
+  }
+}
+
+TEST_F(Intrinsics, ListWhatTheSessionHas) {
+  session.values = {{"a", Value(1)}, {"b", Value(std::string("x"))}};
+  EXPECT_EQ(Script("var c = Session.Contents; Response.Write(c.Count + c('b') + ';'); for (var k in c) "
+                   "Response.Write(k + '=' + c(k) + ';'); c.Remove('A'); Response.Write(Session.Contents.Count);"
+                   "Session.Contents.RemoveAll(); Response.Write(typeof Session('b'));"),
+            "2x;a=1;b=x;1undefined");
+  EXPECT_EQ(Script("Response.Write(Session.SessionID + Session.Timeout);"), "the-mark30");
+}
+
+TEST_F(Intrinsics, EnumerateAsPagesOfOthersDo) {
+  request.queryString = "b=1&a=2&a=3";
+  const std::string walk = "for (; !e.atEnd(); e.moveNext()) Response.Write(e.item() + ';');";
+  EXPECT_EQ(Script("var e = new Enumerator(Request.QueryString);" + walk), "b;a;");
+  EXPECT_EQ(Script("var e = new Enumerator(Request.QueryString('a'));" + walk), "2;3;");
+  EXPECT_EQ(Script("var e = new Enumerator([1, 'x']);" + walk + "e.moveFirst(); Response.Write(e.item());"), "1;x;1");
+  EXPECT_EQ(Script("var e = new Enumerator({a: 1, b: 2});" + walk), "a;b;");
+  EXPECT_EQ(Script("var e = new Enumerator(null);" + walk + "Response.Write(typeof e.item());"), "undefined");
+}
+
+TEST_F(Intrinsics, TellNumberAndDescriptionOfEveryError) {
+  EXPECT_EQ(Script("try { null.x; } catch (e) { Response.Write(e.number + '|' + (e.description === e.message)); }"),
+            "-2147467259|true");
+  EXPECT_EQ(
+      Script("var e = new Error('m'); e.number = 5; e.description = 'd'; Response.Write(e.number + e.description + "
+             "e.message);"),
+      "5dm");
+}
+
+TEST_F(Intrinsics, WriteBytes) {
+  EXPECT_EQ(Script("Response.BinaryWrite([71, 73, 70, 0, 255]); Response.BinaryWrite(new Uint8Array([1, 2]));"),
+            std::string("GIF\0\xFF\1\2", 7));
+  for (const char* code : {"Response.BinaryWrite('x')", "Response.BinaryWrite([256])", "Response.BinaryWrite([-1])",
+                           "Response.BinaryWrite(['x'])", "Response.BinaryWrite()"}) {
+    EXPECT_EQ(Script(code), "");
+    EXPECT_TRUE(result.failure) << code;
+  }
+}
+
+TEST_F(Intrinsics, ReadTextsOfTheSiteAlone) {
+  Put("data/list.json", "\xEF\xBB\xBF[1, \"\u00E4\"]");
+  Put("data/latin.txt", "k\xE4se");
+  EXPECT_EQ(Script("Response.Write(JSON.parse(Server.ReadText('data/list.json'))[1]);"), "\u00E4");
+  std::filesystem::create_symlink("/etc/passwd", folder.Path() / "data/out");
+  const struct {
+    const char* path;
+    const char* why;
+  } kCases[] = {{"data/none", "is not there"},
+                {"data", "is not there"},
+                {"../x", "is not below the site"},
+                {"data/out", "is not below the site"},
+                {"data/latin.txt", "is not UTF-8"}};
+  for (const auto& c : kCases) {
+    EXPECT_EQ(Script("Server.ReadText('" + std::string(c.path) + "')"), "");
+    EXPECT_NE(Failure().find(c.why), std::string::npos) << c.path << ": " << Failure();
+  }
+}
+
+TEST_F(Intrinsics, ReadABodyThatIsNoForm) {
+  request.method = "POST";
+  request.body = "{\"a\": [1, 2]}";
+  EXPECT_EQ(Script("Response.Write(JSON.parse(Request.Text).a[1] + '|' + Request.Form.Count);"), "2|0");
+}
+
+TEST_F(Intrinsics, SayWhoMayKeepThePage) {
+  Script("Response.Expires = 5;");
+  EXPECT_EQ(sink.heads[0].headers, (NamedTexts{{"Cache-Control", "private, max-age=300"}}));
+  Script("Response.Expires = 0;");
+  EXPECT_EQ(sink.heads[0].headers, (NamedTexts{{"Cache-Control", "no-store"}}));
+  Script("Response.CacheControl = 'public'; Response.Charset = 'UTF-8'; Response.Buffer = true;");
+  EXPECT_EQ(sink.heads[0].headers, (NamedTexts{{"Cache-Control", "public"}}));
+  Script("Response.Charset = 'latin1'");
+  EXPECT_NE(Failure().find("A page is sent as UTF-8"), std::string::npos);
+  EXPECT_EQ(Script("Response.Buffer = false; Response.Write('a'); Response.Write('b');"), "ab");
+  EXPECT_EQ(sink.pieces, 2);
+}
+
+TEST_F(Intrinsics, ReadWhatTheSettingsName) {
+  options.application = {{"Title", "Kalvo"}};
+  EXPECT_EQ(Script("Response.Write(Application('TITLE') + typeof Application('none') + Application.Count);"),
+            "Kalvoundefined1");
+}
+
 TEST_F(Intrinsics, ServeAsScriptingContext) {
   EXPECT_EQ(Script("Response.Write(ScriptingContext.Request === Request && ScriptingContext.Response === Response && "
                    "ScriptingContext.Server === Server && ScriptingContext.Session === Session);"),

@@ -210,5 +210,12 @@ TEST_F(Limits, OfNothingEndAtOnce) {
   EXPECT_EQ(Kind(), FailureKind::MemoryLimit);
 }
 
+TEST_F(Limits, OfTimeHoldInsideOfASort) {
+  options.limits.seconds = 0.5;
+  Script("var a = []; for (var i = 0; i < 200000; ++i) a.push(Math.random()); a.sort();");
+  ASSERT_TRUE(result.failure);
+  EXPECT_EQ(result.failure->kind, FailureKind::TimeLimit);
+}
+
 }  // namespace
 }  // namespace kalvo::test

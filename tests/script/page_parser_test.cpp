@@ -131,7 +131,70 @@ TEST_F(PageParser, LeavesOtherCommentsAlone) {
   EXPECT_EQ(Parse("<!-- #exclude -->").texts, Texts{"<!-- #exclude -->"});
 }
 
-TEST_F(PageParser, RepairsTextThatIsNoUtf8) { EXPECT_EQ(Parse("a\xFFz").texts, Texts{"a\xEF\xBF\xBDz"}); }
+TEST_F(PageParser, RefusesWhatIsNotUtf8) {
+  EXPECT_EQ(Failure("a\n\xFFz"), "a/page.asp:2: the file is not UTF-8");
+  EXPECT_EQ(Failure("\r\n\r\ngr\xFC\xDF"), "a/page.asp:3: the file is not UTF-8");
+  EXPECT_EQ(Failure(std::string("<\0%\0 \0", 6)), "a/page.asp:1: the file is not UTF-8");
+  EXPECT_EQ(Failure("\xFF\xFE<"), "a/page.asp:1: the file is not UTF-8");
+  EXPECT_EQ(Parse("a\uFFFDz").texts, Texts{"a\uFFFDz"});
+  files.files["a/latin.inc"] = "x\n\nk\xE4se";
+  EXPECT_EQ(Failure("<!--#include file=\"latin.inc\"-->"), "a/latin.inc:3: the file is not UTF-8");
+}
+
+TEST_F(PageParser, TakesTheDirectiveBeforeAllCode) {
+  EXPECT_EQ(Parse("x <%@ Language=JScript SortWords=\"Owner\" %>\ny").directive.sortWords, Texts{"Owner"});
+  EXPECT_EQ(Failure("<% ; %><%@ Language=JScript %>"),
+            "a/page.asp:1: the block \"<%@\" must stand before all code of its file");
+  EXPECT_EQ(Failure("\n<%@ Language=VBScript %>"), "a/page.asp:2: the page's language must be JavaScript");
+  EXPECT_EQ(Failure("<%@ Language=JScript CodePage=1252 %>"),
+            "a/page.asp:1: a page is UTF-8: CodePage is 65001 or left out");
+  EXPECT_EQ(Failure("<%@ CodePage=\"65001\" %>"), "");
+}
+
+TEST_F(PageParser, RunsServerScriptElements) {
+  EXPECT_EQ(Parse("a<script runat=\"server\" language=\"JScript\">var b = 1;</script>c").script,
+            "__text(0);\nvar b = 1;\n__text(1);\n");
+  EXPECT_EQ(Parse("<SCRIPT RUNAT=server>f();</SCRIPT >").script, "f();\n");
+  files.files["a/code.js"] = "function f() { return '<%'; }";
+  EXPECT_EQ(Parse("<script runat='server' src='code.js'></script>").script, "function f() { return '<%'; }\n");
+  EXPECT_EQ(Parse("<script runat=\"server\" src=\"code.js\"/>x").script, "function f() { return '<%'; }\n__text(0);\n");
+  EXPECT_EQ(Parse("<script src=\"x.js\">runat=server</script>").texts,
+            Texts{"<script src=\"x.js\">runat=server</script>"});
+  EXPECT_EQ(Failure("\n<script runat=server>f();"),
+            "a/page.asp:2: the element \"script\" does not end with \"</script>\"");
+  EXPECT_EQ(Failure("<script runat=server language=vbscript>x</script>"),
+            "a/page.asp:1: the page's language must be JavaScript");
+  EXPECT_EQ(Failure("<script runat=server src=\"no.js\"></script>"), "a/page.asp:1: there is no include \"no.js\"");
+}
+
+TEST_F(PageParser, TakesABlankBeforeTheExpression) {
+  EXPECT_EQ(Parse("<% = 1 %>").script, "__write(( 1 \n));\n");
+  EXPECT_EQ(Parse("<%\n= 1 %>").script, "__write(( 1 \n));\n");
+}
+
+TEST_F(PageParser, LetsItemsBeAssigned) {
+  const struct {
+    const char* why;
+    const char* code;
+    const char* script;
+  } kCases[] = {
+      {"a session's item", "Session('a') = 1;", "Session.Reference('a').value = 1;"},
+      {"in its place in a line", "if (x) Session(f(1)) += 'b'", "if (x) Session.Reference(f(1)).value += 'b'"},
+      {"a cookie", "Response.Cookies('a') = b;", "Response.Cookies('a').value = b;"},
+      {"one in another", "Session(Session('a')) = 1", "Session.Reference(Session('a')).value = 1"},
+      {"over lines", "Session(\n'a'\n) =\n1", "Session.Reference(\n'a'\n).value =\n1"},
+      {"no comparison", "if (Session('a') == 1) {}", "if (Session('a') == 1) {}"},
+      {"no other object", "my.Session('a') = 1", "my.Session('a') = 1"},
+      {"no text", "x = \"Session('a') = 1\"", "x = \"Session('a') = 1\""},
+      {"no comment", "// Session('a') = 1\n/* Session('a') = 1 */", "// Session('a') = 1\n/* Session('a') = 1 */"},
+      {"no regular expression", "x = /Session('a') = 1[/\"]/.test(y)", "x = /Session('a') = 1[/\"]/.test(y)"},
+      {"a division is none", "a / b; Session('a') = 1 / 2", "a / b; Session.Reference('a').value = 1 / 2"},
+      {"not closed", "Session('a' = 1", "Session('a' = 1"},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_EQ(Parse("<%" + std::string(c.code) + "%>").script, std::string(c.script) + "\n") << c.why;
+  }
+}
 
 TEST_F(PageParser, NamesWhatIsWrongAndWhere) {
   files.files["a/self.inc"] = "<!--#include file=\"self.inc\"-->";
@@ -144,12 +207,13 @@ TEST_F(PageParser, NamesWhatIsWrongAndWhere) {
       {"a\n<% x", "a/page.asp:2: the block \"<%\" does not end with \"%>\""},
       {"a\n\n<%= x", "a/page.asp:3: the block \"<%\" does not end with \"%>\""},
       {"<%@ x", "a/page.asp:1: the block \"<%@\" does not end with \"%>\""},
-      {"x<%@ Language=JScript %>", "a/page.asp:1: the block \"<%@\" must be the first of its file"},
+      {"<% ; %><%@ Language=JScript %>", "a/page.asp:1: the block \"<%@\" must stand before all code of its file"},
       {"<%@ Language=VBScript %>", "a/page.asp:1: the page's language must be JavaScript"},
       {"\n<%=  %>", "a/page.asp:2: the block \"<%=\" has no expression"},
       {"<%=%>", "a/page.asp:1: the block \"<%=\" has no expression"},
       {"\n<!--#include file=\"x.inc\"", "a/page.asp:2: the include does not end with \"-->\""},
       {"\n<!--#include file=\"x.inc\"-->", "a/page.asp:2: there is no include \"x.inc\""},
+      {"<!--#include file='x.inc\"-->", "a/page.asp:1: an include must name its file in quotation marks"},
       {"<!--#include file=x.inc-->", "a/page.asp:1: an include must name its file in quotation marks"},
       {"<!--#include file=\"\"-->", "a/page.asp:1: an include must name its file in quotation marks"},
       {"<!--#include \"x.inc\"-->", "a/page.asp:1: an include must name file=\"...\" or virtual=\"...\""},

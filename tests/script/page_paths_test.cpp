@@ -17,7 +17,7 @@ TEST(PathBelowRootTest, RemovesDotsAndRefusesToLeave) {
 }
 
 TEST(MappedPathTest, StartsAtThePagesFolderOrAtTheRoot) {
-  const PagePlace place{"/srv/site", "Reports/Daily.asp"};
+  const SitePlace place{"/srv/site", "Reports/Daily.asp"};
   const struct {
     const char* why;
     const char* path;

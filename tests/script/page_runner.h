@@ -44,7 +44,19 @@ class KeepingSession : public host::PageSession {
     const auto found = values.find(ToLower(name));
     return found == values.end() ? Value() : found->second;
   }
-  void Set(std::string_view name, const Value& value) override { values[ToLower(name)] = value; }
+  void Set(std::string_view name, const Value& value) override {
+    if (IsEmpty(value)) {
+      values.erase(ToLower(name));
+    } else {
+      values[ToLower(name)] = value;
+    }
+  }
+  std::vector<std::string> Names() override {
+    std::vector<std::string> names;
+    for (const auto& [name, value] : values) names.push_back(name);
+    return names;
+  }
+  std::string Id() override { return "the-mark"; }
   void Abandon() override { abandoned = true; }
   std::shared_ptr<LiveContainer> LiveDriller() override {
     ++drillersMade;

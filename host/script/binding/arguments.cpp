@@ -75,6 +75,7 @@ std::string CallFrame::TextOf(std::size_t i) const {
 
 Argument<const Printed&>::Argument(const Source& source) {
   duk_context* context = source.frame.Context();
+  source.Wants("text");
   const bool isScriptObject = duk_is_object(context, source.Index()) && NativeAt(context, source.Index()) == nullptr;
   if (!isScriptObject) {
     printed.text = source.frame.TextOf(source.i);
@@ -86,8 +87,27 @@ Argument<const Printed&>::Argument(const Source& source) {
   duk_pop(context);
 }
 
+Argument<const RawBytes&>::Argument(const Source& source) {
+  Engine& engine = source.Wants("array of bytes").frame.engine;
+  duk_context* context = engine.Context();
+  duk_size_t size = 0;
+  if (const void* buffer = duk_get_buffer_data(context, source.Index(), &size)) {
+    raw.bytes.assign(static_cast<const char*>(buffer), size);
+    return;
+  }
+  const duk_size_t length = ArrayLength(context, source.Index());
+  const Charged room(engine, length);
+  raw.bytes.reserve(length);
+  for (duk_size_t i = 0; i < length; ++i) {
+    if (i % 1024 == 0) engine.CheckLimits();
+    const std::int32_t byte = ToInt32(Element(engine, source.Index(), static_cast<duk_uarridx_t>(i)));
+    if (byte < 0 || byte > 255) throw Overflow();
+    raw.bytes += static_cast<char>(byte);
+  }
+}
+
 Argument<const Image&>::Argument(const Source& source) {
-  Engine& engine = source.frame.engine;
+  Engine& engine = source.Wants("image: an array of path, width and height").frame.engine;
   constexpr duk_size_t kElements = 3;
   if (ArrayLength(engine.Context(), source.Index()) < kElements) throw SubscriptOutOfRange();
   image.path = TextOf(engine, Element(engine, source.Index(), 0));
@@ -105,7 +125,7 @@ Argument<const ColumnIds&>::Argument(const Source& source) {
 
 BoxedValue::BoxedValue(const ArgumentSource& source)
     : index(source.Index()), boxed(IsBox(source.frame.Context(), source.Index())) {
-  duk_context* context = source.frame.Context();
+  duk_context* context = source.Wants("value of its kind").frame.Context();
   if (!boxed) {
     value = source.frame.ValueOf(source.i);
     return;

@@ -44,6 +44,11 @@ struct CallFrame {
   std::span<const Parameter> parameters;
   std::size_t given = 0;  // how many arguments the script wrote
 
+  // The argument that is being converted, and what it must be, for the message of a failure; kNone while none is.
+  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+  std::size_t reading = kNone;
+  std::string_view wanted{};
+
   duk_context* Context() const { return engine.Context(); }
 
   // The argument as a loosely typed value, or the parameter's default.
@@ -56,6 +61,16 @@ struct ArgumentSource {
   CallFrame& frame;
   std::size_t i;
   duk_idx_t Index() const { return static_cast<duk_idx_t>(i); }
+
+  // Says what the argument must be before it is converted.
+  const ArgumentSource& Wants(std::string_view what) const {
+    frame.reading = i;
+    frame.wanted = what;
+    return *this;
+  }
+
+  Value AsValue(std::string_view what) const { return Wants(what).frame.ValueOf(i); }
+  std::string AsText() const { return Wants("text").frame.TextOf(i); }
 };
 
 // The argument of one parameter type: converted when it is made, handed over by `Get`, written back where the
@@ -71,14 +86,14 @@ struct UnchangedArgument {
 template <typename T>
 requires std::same_as<T, std::string_view>
 struct Argument<T> : UnchangedArgument {
-  explicit(false) Argument(const Source& source) : text(source.frame.TextOf(source.i)) {}
+  explicit(false) Argument(const Source& source) : text(source.AsText()) {}
   std::string_view Get() const { return text; }
   std::string text;
 };
 
 template <>
 struct Argument<const Value&> : UnchangedArgument {
-  explicit(false) Argument(const Source& source) : value(source.frame.ValueOf(source.i)) {}
+  explicit(false) Argument(const Source& source) : value(source.AsValue("value")) {}
   const Value& Get() const { return value; }
   Value value;
 };
@@ -95,11 +110,23 @@ struct Argument<const Printed&> : UnchangedArgument {
   Printed printed;
 };
 
+// Bytes: an array of numbers from 0 to 255, or one of the engine's buffers.
+struct RawBytes {
+  std::string bytes;
+};
+
+template <>
+struct Argument<const RawBytes&> : UnchangedArgument {
+  explicit(false) Argument(const Source& source);
+  const RawBytes& Get() const { return raw; }
+  RawBytes raw;
+};
+
 // What was not written at all, unlike what was written as undefined.
 template <>
 struct Argument<std::optional<Value>> : UnchangedArgument {
   explicit(false) Argument(const Source& source) {
-    if (source.i < source.frame.given) value = source.frame.ValueOf(source.i);
+    if (source.i < source.frame.given) value = source.AsValue("value");
   }
   std::optional<Value> Get() { return std::move(value); }
   std::optional<Value> value;
@@ -107,21 +134,21 @@ struct Argument<std::optional<Value>> : UnchangedArgument {
 
 template <>
 struct Argument<bool> : UnchangedArgument {
-  explicit(false) Argument(const Source& source) : value(ToBoolean(source.frame.ValueOf(source.i))) {}
+  explicit(false) Argument(const Source& source) : value(ToBoolean(source.AsValue("truth value"))) {}
   bool Get() const { return value; }
   bool value;
 };
 
 template <>
 struct Argument<std::int16_t> : UnchangedArgument {
-  explicit(false) Argument(const Source& source) : value(ToInt16(source.frame.ValueOf(source.i))) {}
+  explicit(false) Argument(const Source& source) : value(ToInt16(source.AsValue("number"))) {}
   std::int16_t Get() const { return value; }
   std::int16_t value;
 };
 
 template <>
 struct Argument<std::int32_t> : UnchangedArgument {
-  explicit(false) Argument(const Source& source) : value(ToInt32(source.frame.ValueOf(source.i))) {}
+  explicit(false) Argument(const Source& source) : value(ToInt32(source.AsValue("number"))) {}
   std::int32_t Get() const { return value; }
   std::int32_t value;
 };
@@ -130,7 +157,7 @@ struct Argument<std::int32_t> : UnchangedArgument {
 template <typename E>
 requires std::is_enum_v<E>
 struct Argument<E> : UnchangedArgument {
-  explicit(false) Argument(const Source& source) : value(ToInt32(source.frame.ValueOf(source.i))) {}
+  explicit(false) Argument(const Source& source) : value(ToInt32(source.AsValue("number"))) {}
   E Get() const { return static_cast<E>(value); }
   std::int32_t value;
 };
@@ -214,7 +241,7 @@ template <typename T>
 requires std::derived_from<T, Object>
 struct Argument<T&> : UnchangedArgument {
   explicit(false) Argument(const Source& source) {
-    Engine& engine = source.frame.engine;
+    Engine& engine = source.Wants("object that serves here").frame.engine;
     if constexpr (OuterInterface<T>) {
       const bool isAsked = FailsWhenAsked<T> && !duk_is_object(engine.Context(), source.Index());
       object = isAsked ? Adapt<T>(engine, source.Index()) : InterfaceAt<T>(engine, source.Index());

@@ -23,6 +23,7 @@ struct Member {
   std::string_view name;
   std::array<Parameter, kMaxParameters> parameters{};
   std::size_t parameterCount = 0;
+  std::string_view says;               // for the reference: what it needs, does, answers and fails with
   void (*call)(CallFrame&) = nullptr;  // runs the operation or reads the property; pushes one value
   void (*set)(CallFrame&) = nullptr;   // writes the property; null for one that is only read
 
@@ -52,6 +53,7 @@ void RunOperation(CallFrame& frame) {
   auto& self = SelfOf<typename Types::Class>(frame);
   [&]<std::size_t... I>(std::index_sequence<I...>) {
     typename Types::Arguments arguments{ArgumentSource{frame, I}...};
+    frame.reading = CallFrame::kNone;
     const auto writeBack = [&] { (std::get<I>(arguments).WriteBack(frame), ...); };
     const auto invoke = [&]() -> decltype(auto) {
       if constexpr (std::is_member_function_pointer_v<decltype(F)>) {
@@ -76,31 +78,37 @@ void RunOperation(CallFrame& frame) {
   (std::make_index_sequence<Types::kCount>());
 }
 
+// A row that says nothing does not compile.
+constexpr std::string_view Said(std::string_view says) {
+  if (says.empty() || !says.ends_with('.')) throw "each operation has a sentence";
+  return says;
+}
+
 template <auto F, std::size_t N>
-consteval Member Method(std::string_view name, const Parameter (&parameters)[N]) {
+consteval Member Method(std::string_view name, const Parameter (&parameters)[N], std::string_view says) {
   static_assert(Operation<decltype(F)>::kCount == N, "each parameter of an operation has one name");
   static_assert(N <= kMaxParameters);
-  Member member{MemberKind::Method, name, {}, N, RunOperation<F>, nullptr};
+  Member member{MemberKind::Method, name, {}, N, Said(says), RunOperation<F>, nullptr};
   for (std::size_t i = 0; i < N; ++i) member.parameters[i] = parameters[i];
   return member;
 }
 
 template <auto F>
-consteval Member Method(std::string_view name) {
+consteval Member Method(std::string_view name, std::string_view says) {
   static_assert(Operation<decltype(F)>::kCount == 0, "each parameter of an operation has one name");
-  return {MemberKind::Method, name, {}, 0, RunOperation<F>, nullptr};
+  return {MemberKind::Method, name, {}, 0, Said(says), RunOperation<F>, nullptr};
 }
 
 template <auto Get>
-consteval Member Property(std::string_view name) {
+consteval Member Property(std::string_view name, std::string_view says) {
   static_assert(Operation<decltype(Get)>::kCount == 0);
-  return {MemberKind::Property, name, {}, 0, RunOperation<Get>, nullptr};
+  return {MemberKind::Property, name, {}, 0, Said(says), RunOperation<Get>, nullptr};
 }
 
 template <auto Get, auto Set>
-consteval Member Property(std::string_view name) {
+consteval Member Property(std::string_view name, std::string_view says) {
   static_assert(Operation<decltype(Get)>::kCount == 0 && Operation<decltype(Set)>::kCount == 1);
-  return {MemberKind::Property, name, {}, 0, RunOperation<Get>, RunOperation<Set>};
+  return {MemberKind::Property, name, {}, 0, Said(says), RunOperation<Get>, RunOperation<Set>};
 }
 
 }  // namespace kalvo::host

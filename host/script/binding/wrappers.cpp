@@ -1,8 +1,11 @@
 #include "host/script/binding/wrappers.h"
 
+#include <algorithm>
 #include <typeinfo>
 #include <utility>
 
+#include "host/script/binding/explanation.h"
+#include "kalvo/platform/conversion.h"
 #include "kalvo/platform/error.h"
 
 namespace kalvo::host {
@@ -60,13 +63,21 @@ duk_ret_t Finalize(duk_context* context) {
 
 using Run = void (*)(CallFrame&);
 
-duk_ret_t RunMember(duk_context* context, const std::shared_ptr<Object>& self, std::span<const Parameter> parameters,
-                    std::size_t given, Run run) {
-  if (self == nullptr) throw ObjectRequired();
+// Runs a member. What it fails with goes to script with the member, the argument and its value named; script gets it
+// itself, so what was noted of it on the way is forgotten.
+duk_ret_t RunMember(duk_context* context, const std::shared_ptr<Object>& self, std::string_view name,
+                    std::span<const Parameter> parameters, std::size_t given, Run run) {
+  if (self == nullptr) throw ExplainedError(ObjectRequired(), NotOnItsObject(name));
   Engine& engine = Engine::Of(context);
   engine.CheckLimits();
   CallFrame frame{engine, *self, parameters, given};
-  run(frame);
+  const std::size_t noted = engine.NotedFailures().size();
+  try {
+    run(frame);
+  } catch (const Error& error) {
+    engine.ForgetNote(noted, error);
+    throw ExplainedError(error, Explained(frame, name, error));
+  }
   return 1;
 }
 
@@ -78,7 +89,7 @@ duk_ret_t CallMember(duk_context* context) {
     duk_push_this(context);
     const std::shared_ptr<Object> self = NativeAt(context, -1);
     duk_pop(context);
-    return RunMember(context, self, member.Parameters(), given, member.call);
+    return RunMember(context, self, member.name, member.Parameters(), given, member.call);
   });
 }
 
@@ -86,7 +97,8 @@ duk_ret_t GetProperty(duk_context* context) {
   return Engine::Guarded(context, [&] {
     duk_set_top(context, 0);
     duk_push_this(context);
-    return RunMember(context, NativeAt(context, -1), {}, 0, CalledMember(context).call);
+    const Member& member = CalledMember(context);
+    return RunMember(context, NativeAt(context, -1), member.name, {}, 0, member.call);
   });
 }
 
@@ -94,10 +106,10 @@ duk_ret_t SetProperty(duk_context* context) {
   return Engine::Guarded(context, [&] {
     static constexpr Parameter kValue[] = {{"value"}};
     const Member& member = CalledMember(context);
-    if (member.set == nullptr) throw MemberNotSupported();
+    if (member.set == nullptr) throw ExplainedError(MemberNotSupported(), OnlyRead(member.name));
     duk_set_top(context, 1);
     duk_push_this(context);
-    RunMember(context, NativeAt(context, -1), kValue, 1, member.set);
+    RunMember(context, NativeAt(context, -1), member.name, kValue, 1, member.set);
     return 0;
   });
 }
@@ -112,7 +124,7 @@ duk_ret_t CallObject(duk_context* context) {
     const std::shared_ptr<Object> self = NativeAt(context, -1);
     const ClassBinding& binding = CalledClass(context);
     duk_pop(context);
-    return RunMember(context, self, kKey, given, binding.call);
+    return RunMember(context, self, binding.name, kKey, given, binding.call);
   });
 }
 
@@ -187,6 +199,16 @@ void Wrappers::Push(Engine& engine, const std::shared_ptr<Object>& object) {
   }
 }
 
+std::optional<ObjectBridge::Member> Wrappers::FindMember(const void* prototype, std::string_view name) const {
+  const auto found = std::find(prototypes_.begin(), prototypes_.end(), prototype);
+  if (found == prototypes_.end()) return std::nullopt;
+  const ClassBinding& binding = classes_[static_cast<std::size_t>(found - prototypes_.begin())];
+  for (const host::Member& member : binding.members()) {
+    if (member.name != name && EqualsIgnoringAsciiCase(member.name, name)) return Member{binding.name, member.name};
+  }
+  return Member{binding.name, ""};
+}
+
 std::size_t Wrappers::ClassIndexOf(const Object& object) const {
   for (std::size_t i = 0; i < classes_.size(); ++i) {
     if (classes_[i].owns(object)) return i;
@@ -211,6 +233,7 @@ void Wrappers::PushNew(Engine& engine, const std::shared_ptr<Object>& object) {
   duk_push_pointer(context, nullptr);
   duk_put_prop_string(context, -2, kHolder);
   PushPrototype(context, binding, index);
+  prototypes_[index] = duk_get_heapptr(context, -1);
   duk_set_prototype(context, -2);
   engine.Charge(bytes);
   Holder*& holder = wrappers_[object.get()];

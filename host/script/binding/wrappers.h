@@ -2,8 +2,11 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <span>
+#include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "host/script/binding/class_binding.h"
 #include "host/script/engine/object_bridge.h"
@@ -16,7 +19,7 @@ struct WrapperHolder;
 // sees it, with the members of its class. It outlives the state, and is the bridge of that state alone.
 class Wrappers : public ObjectBridge {
  public:
-  explicit Wrappers(std::span<const ClassBinding> classes) : classes_(classes) {}
+  explicit Wrappers(std::span<const ClassBinding> classes) : classes_(classes), prototypes_(classes.size()) {}
 
   void Push(Engine& engine, const std::shared_ptr<Object>& object) override;
   std::shared_ptr<Object> At(duk_context* context, duk_idx_t index) const override;
@@ -24,6 +27,8 @@ class Wrappers : public ObjectBridge {
 
   // Makes what the objects of a class share, of all classes, in a state that others begin as.
   static void PrepareClasses(duk_context* context, std::span<const ClassBinding> classes);
+
+  std::optional<Member> FindMember(const void* prototype, std::string_view name) const override;
 
   std::span<const ClassBinding> Classes() const { return classes_; }
 
@@ -38,6 +43,7 @@ class Wrappers : public ObjectBridge {
   void PushNew(Engine& engine, const std::shared_ptr<Object>& object);
 
   std::span<const ClassBinding> classes_;
+  std::vector<const void*> prototypes_;                       // of each class; null until its first object is made
   std::unordered_map<const void*, WrapperHolder*> wrappers_;  // by the address of the program's objects
 };
 

@@ -1,11 +1,14 @@
 #include "host/script/engine/engine.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <cmath>
 #include <random>
 
 #include "host/script/engine/engine_text.h"
 #include "host/script/engine/script_heap.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::host {
 
@@ -81,6 +84,18 @@ struct Engine::Memory {
 namespace {
 
 constexpr PageLimits kMaking{30, 256};
+// A comparison is much cheaper than a look at the clock.
+constexpr std::uint32_t kStepsBetweenChecks = 256;
+
+// The kernel zeroes what is given back and taken again: a text that grows piece by piece would pay for its whole length
+// at each piece. Blocks up to this size stay with the program.
+constexpr int kKeptBytes = 64 << 20;
+
+void KeepLargeBlocks() {
+  mallopt(M_MMAP_THRESHOLD, 32 << 20);  // the most that it takes
+  mallopt(M_TRIM_THRESHOLD, kKeptBytes);
+  mallopt(M_TOP_PAD, 1 << 20);
+}
 
 // Longer limits are none: the clock's own range ends somewhere.
 constexpr double kLongestSeconds = 1e8;
@@ -101,6 +116,8 @@ Engine::Engine(const PageLimits& limits, ObjectBridge* bridge, const Locale& loc
       isWanted_(std::move(isWanted)),
       bridge_(bridge),
       locale_(locale) {
+  static const bool kept = (KeepLargeBlocks(), true);
+  static_cast<void>(kept);
   constexpr std::size_t kMebibyte = 1 << 20;
   memory_->limit = limits.mebibytes > SIZE_MAX / kMebibyte ? SIZE_MAX : limits.mebibytes * kMebibyte;
   if (image == nullptr || !BeginIn(*image)) Begin(image);
@@ -181,22 +198,27 @@ void Engine::Install() {
 duk_ret_t Engine::NoteThrow(duk_context* context) {
   Engine& engine = Of(context);
   if (duk_is_error(context, 0)) return 1;
-  for (duk_int_t level = -2; level > -6; --level) {
-    duk_inspect_callstack_entry(context, level);
-    if (!duk_is_object(context, -1)) break;
-    duk_get_prop_literal(context, -1, "lineNumber");
-    duk_get_prop_literal(context, -2, "function");
-    duk_get_prop_literal(context, -1, "fileName");
-    const int line = duk_get_int_default(context, -3, 0);
-    if (line > 0 && duk_is_string(context, -1)) {
-      engine.throwLine_ = line;
-      engine.throwFile_ = TextAt(context, -1);
-      break;
-    }
-    duk_pop_n(context, 4);
-  }
+  engine.thrownAt_ = engine.RunningCode();
   duk_dup(context, 0);
   return 1;
+}
+
+ScriptFrame Engine::RunningCode() const {
+  ScriptFrame frame;
+  for (duk_int_t level = -1; level > -8 && frame.line == 0; --level) {
+    duk_inspect_callstack_entry(context_, level);
+    if (!duk_is_object(context_, -1)) {
+      duk_pop(context_);
+      break;
+    }
+    duk_get_prop_literal(context_, -1, "lineNumber");
+    duk_get_prop_literal(context_, -2, "function");
+    duk_get_prop_literal(context_, -1, "fileName");
+    const int line = duk_get_int_default(context_, -3, 0);
+    if (line > 0 && duk_is_string(context_, -1)) frame = {"", TextAt(context_, -1), line};
+    duk_pop_n(context_, 4);
+  }
+  return frame;
 }
 
 void Engine::MarkEnded(EndCause cause) {
@@ -236,11 +258,27 @@ void Engine::Charge(std::ptrdiff_t bytes) {
 ScriptFailure Engine::TakeFailure() {
   const bool hasPlace = duk_is_error(context_, -1);
   ScriptFailure failure = TakeThrown(context_);
-  if (!hasPlace) {
-    failure.file = throwFile_;
-    failure.line = throwLine_;
-  }
+  if (!hasPlace && thrownAt_.line > 0) failure.calls = {thrownAt_};
   return failure;
+}
+
+void Engine::Note(std::string_view where, ScriptFailure failure) {
+  ++notedCount_;
+  if (noted_.size() >= kMostNoted) return;
+  if (failure.calls.empty()) failure.calls = {RunningCode()};
+  noted_.push_back({std::string(where), std::move(failure)});
+}
+
+bool Engine::IsNoted(std::size_t before, std::int32_t number, std::string_view description) const {
+  if (noted_.size() <= before) return false;
+  const ScriptFailure& last = noted_.back().failure;
+  return last.number == number && last.description == description;
+}
+
+void Engine::ForgetNote(std::size_t before, const Error& error) {
+  if (!IsNoted(before, error.Number(), error.Description())) return;
+  noted_.pop_back();
+  --notedCount_;
 }
 
 void Engine::PushEnd(duk_context* context) {
@@ -254,6 +292,35 @@ int kalvo_engine_must_stop(void* heap) {
   auto& engine = *static_cast<kalvo::host::Engine*>(heap);
   engine.EndIfOverdue();
   return engine.HasEnded() ? 1 : 0;
+}
+
+void kalvo_engine_step(duk_context* context) {
+  auto& engine = kalvo::host::Engine::Of(context);
+  if (++engine.steps_ % kalvo::host::kStepsBetweenChecks == 0) engine.EndIfOverdue();
+  if (engine.HasEnded()) duk_error(context, DUK_ERR_RANGE_ERROR, "the page has ended");
+}
+
+int kalvo_engine_other_name(duk_context* context, void* prototype, int written) {
+  using kalvo::host::Engine;
+  const Engine& engine = Engine::Of(context);
+  if (prototype == nullptr || engine.bridge_ == nullptr) return 0;
+  if (!duk_is_string(context, -1) || duk_is_symbol(context, -1)) return 0;
+  duk_size_t length = 0;
+  const char* name = duk_get_lstring(context, -1, &length);
+  const auto member = engine.bridge_->FindMember(prototype, {name, length});
+  if (!member) return 0;
+  if (!member->name.empty()) {
+    duk_push_lstring(context, member->name.data(), member->name.size());
+    duk_replace(context, -2);
+    return 1;
+  }
+  if (written == 0) return 0;
+  return Engine::Guarded(context, [&]() -> duk_ret_t {
+    throw kalvo::host::ExplainedError(kalvo::MemberNotSupported(), kalvo::Built([&](std::string& out) {
+                                        kalvo::Append(out, member->className, ": there is no property ",
+                                                      std::string_view(name, length));
+                                      }));
+  });
 }
 
 void kalvo_engine_out_of_memory(void* heap) {

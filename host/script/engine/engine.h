@@ -100,14 +100,17 @@ class Engine {
     return TakeFailure();
   }
 
-  // Runs a step that reaches into script, from inside the library. What it throws becomes `Error`; the end of
-  // the page passes on.
+  // Runs a step that reaches into script, from inside the library: `where` says which member of what. What it throws
+  // is noted and becomes `Error`; the end of the page passes on.
   template <std::invocable Step>
-  void Protected(Step&& step) {
+  void Protected(std::string_view where, Step&& step) {
     CheckLimits();
+    const std::size_t noted = noted_.size();
     const std::optional<ScriptFailure> failure = Attempt(std::forward<Step>(step));
     if (HasEnded()) throw PageEnd{};
-    if (failure) throw Error(failure->number, failure->description);
+    if (!failure) return;
+    if (!IsNoted(noted, failure->number, failure->description)) Note(where, *failure);
+    throw Error(failure->number, failure->description);
   }
 
   // Every entry from script: what the program throws becomes a script error after all scopes are left.
@@ -120,13 +123,15 @@ class Engine {
       failed = false;
     } catch (const PageEnd&) {
       PushEnd(context);
+    } catch (const ExplainedError& error) {
+      PushError(context, error.Number(), error.Description(), error.Message());
     } catch (const Error& error) {
-      PushError(context, error.Number(), error.Description());
+      PushError(context, error.Number(), error.Description(), error.Description());
     } catch (const std::bad_alloc&) {
       Of(context).MarkEnded(EndCause::MemoryLimit);
       PushEnd(context);
     } catch (const std::exception& error) {
-      PushError(context, codes::kFailed, error.what());
+      PushError(context, codes::kFailed, error.what(), error.what());
     }
     return failed ? duk_throw(context) : results;
   }
@@ -134,11 +139,34 @@ class Engine {
   // The failure on the top of the stack, which is popped.
   ScriptFailure TakeFailure();
 
+  // ---- what went wrong inside of script that serves the library -------------------------------------------------
+
+  // The first of what was noted, and how many there were in all. The library goes on after an error and may tell
+  // nobody.
+  struct Noted {
+    std::string where;  // "column: ConstructHTMLData"
+    ScriptFailure failure;
+  };
+  const std::vector<Noted>& NotedFailures() const { return noted_; }
+  std::size_t NotedCount() const { return notedCount_; }
+
+  // Notes a failure; one without a place gets that of the code that is running.
+  void Note(std::string_view where, ScriptFailure failure);
+
+  // Whether the last note is of this error and came after the first `before`.
+  bool IsNoted(std::size_t before, std::int32_t number, std::string_view description) const;
+
+  // Takes that note back: script gets the error itself.
+  void ForgetNote(std::size_t before, const Error& error);
+
  private:
+  static constexpr std::size_t kMostNoted = 20;
   struct Memory;
   friend class EngineImage;
   friend int ::kalvo_engine_must_stop(void*);
   friend void ::kalvo_engine_out_of_memory(void*);
+  friend void ::kalvo_engine_step(duk_context*);
+  friend int ::kalvo_engine_other_name(duk_context*, void*, int);
 
   static void PushEnd(duk_context* context);
   static duk_ret_t NoteThrow(duk_context* context);
@@ -146,6 +174,7 @@ class Engine {
   void Begin(const EngineImage* image);
   bool BeginIn(EngineImage& image);
   std::size_t MemoryUsed() const;
+  ScriptFrame RunningCode() const;
   void EndIfOverdue();
   void Install();
 
@@ -159,8 +188,10 @@ class Engine {
   duk_context* context_ = nullptr;
   duk_uarridx_t slots_ = 0;
   std::vector<duk_uarridx_t> freeSlots_;
-  std::string throwFile_;  // where a value that is no error was last thrown
-  int throwLine_ = 0;
+  ScriptFrame thrownAt_;  // where a value that is no error was last thrown
+  std::vector<Noted> noted_;
+  std::size_t notedCount_ = 0;
+  std::uint32_t steps_ = 0;
 };
 
 }  // namespace kalvo::host

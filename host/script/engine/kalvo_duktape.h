@@ -4,6 +4,8 @@
 // destructors of our frames, and its running code asks now and then whether the page may go on.
 
 #include <stdexcept>
+// Errors name places of script alone, none of the program's own source.
+#define DUK_FILE_MACRO nullptr
 // The engine's own configuration first: it is guarded, so that what is changed below stays changed.
 #include <duk_config.h>
 
@@ -31,6 +33,12 @@
 extern "C" {
 // Answers 1 when the page must stop; the engine then raises an error at every step until all code is left.
 int kalvo_engine_must_stop(void* heap);
+// Told of a step inside of a long built-in. Ends it with an error when the page must stop.
+void kalvo_engine_step(struct duk_hthread* context);
+// Asked for a property that an object of this prototype has not got, whose name is on the top of the stack. Answers 1
+// with the published spelling in the name's place; 0 where it is no object of the program's. A name that a page writes
+// to and that there is in no spelling is refused with an error.
+int kalvo_engine_other_name(struct duk_hthread* context, void* prototype, int written);
 // Told when a piece of memory was refused for good.
 void kalvo_engine_out_of_memory(void* heap);
 }

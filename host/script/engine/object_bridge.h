@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <string_view>
 
 #include "host/script/engine/kalvo_duktape.h"
 #include "kalvo/platform/value.h"
@@ -23,6 +25,14 @@ class ObjectBridge {
 
   // Lets go of the program's objects: the state ends without asking what stands for them.
   virtual void ReleaseAll() = 0;
+
+  // Where objects of this prototype stand for the program's: the name of their class, and the published spelling of a
+  // member, "" for one that there is in no spelling. Nothing for a prototype of script's own.
+  struct Member {
+    std::string_view className;
+    std::string_view name;
+  };
+  virtual std::optional<Member> FindMember(const void* prototype, std::string_view name) const = 0;
 };
 
 }  // namespace kalvo::host

@@ -20,8 +20,10 @@ std::optional<std::string> TextProperty(duk_context* context, const char* name) 
   return text;
 }
 
-// The first line of a stack text that is script code: "    at name (file:12) preventsyield".
-void FindPlace(std::string_view stack, std::string& file, int& line) {
+// The calls of a stack text that are script: lines such as "    at name (file:12) preventsyield".
+std::vector<ScriptFrame> CallsIn(std::string_view stack) {
+  constexpr std::string_view kAt = "    at ";
+  std::vector<ScriptFrame> calls;
   std::size_t at = stack.find('\n');
   while (at != std::string_view::npos) {
     const std::size_t end = stack.find('\n', at + 1);
@@ -33,11 +35,14 @@ void FindPlace(std::string_view stack, std::string& file, int& line) {
     if (close == std::string_view::npos || colon == std::string_view::npos || open == std::string_view::npos) continue;
     const std::string_view marks = row.substr(close);
     const bool own = marks.find("native") == std::string_view::npos && marks.find("internal") == std::string_view::npos;
-    if (!own || open > colon) continue;
-    file = std::string(row.substr(open + 1, colon - open - 1));
-    std::from_chars(row.data() + colon + 1, row.data() + close, line);
-    return;
+    if (!own || open > colon || !row.starts_with(kAt) || open <= kAt.size()) continue;
+    const std::string_view name = row.substr(kAt.size(), open - 1 - kAt.size());
+    ScriptFrame& call = calls.emplace_back();
+    if (name != "[anon]" && name != "global" && name != "eval") call.function = name;
+    call.file = row.substr(open + 1, colon - open - 1);
+    std::from_chars(row.data() + colon + 1, row.data() + close, call.line);
   }
+  return calls;
 }
 
 std::int32_t SignedNumber(double number) {
@@ -85,7 +90,7 @@ struct FailureReader {
 
   // Answers the description, else the message.
   static std::optional<std::string> ReadObject(duk_context* context, ScriptFailure& failure) {
-    FindPlace(TextProperty(context, "stack").value_or(""), failure.file, failure.line);
+    failure.calls = CallsIn(TextProperty(context, "stack").value_or(""));
     duk_get_prop_string(context, -1, "number");
     if (duk_is_number(context, -1)) failure.number = NumberFromScript(duk_get_number(context, -1));
     duk_pop(context);
@@ -109,10 +114,10 @@ ScriptFailure TakeThrown(duk_context* context) {
   return std::move(reader.failure);
 }
 
-void PushError(duk_context* context, std::int32_t number, std::string_view description) {
+void PushError(duk_context* context, std::int32_t number, std::string_view description, std::string_view message) {
   PushText(context, description);
   duk_push_error_object(context, DUK_ERR_ERROR, "%s", "");
-  duk_dup(context, -2);
+  PushText(context, message);
   duk_put_prop_literal(context, -2, "message");
   duk_dup(context, -2);
   duk_put_prop_literal(context, -2, "description");

@@ -15,14 +15,15 @@ namespace kalvo::host {
 // is not there fails with 438, one asked of what is no object with 424.
 class LateBound : public ScriptBacked {
  public:
-  using ScriptBacked::ScriptBacked;
+  // What the object serves as, for messages: "column".
+  LateBound(Engine& engine, duk_idx_t index, std::string_view serves) : ScriptBacked(engine, index), serves_(serves) {}
 
  protected:
   // What a member answers.
   template <typename... A>
   Value Ask(const char* member, A&&... arguments) {
     Value answer;
-    Reach([&](Engine& engine) {
+    Reach(member, [&](Engine& engine) {
       PushAnswer(engine, member, arguments...);
       answer = ValueAt(engine, -1);
     });
@@ -32,18 +33,18 @@ class LateBound : public ScriptBacked {
   template <typename... A>
   std::string AskText(const char* member, A&&... arguments) {
     std::string answer;
-    Reach([&](Engine& engine) {
+    Reach(member, [&](Engine& engine) {
       PushAnswer(engine, member, arguments...);
       answer = TextOf(engine, -1);
     });
     return answer;
   }
 
-  // Runs a step with the engine, its errors turned into ours and its stack restored.
+  // Runs a step that reaches for a member with the engine, its errors turned into ours and its stack restored.
   template <std::invocable<Engine&> Step>
-  void Reach(Step&& step) const {
+  void Reach(std::string_view member, Step&& step) const {
     Engine& engine = Reference().Home();
-    engine.Protected([&] {
+    engine.Protected(Named(member), [&] {
       duk_require_stack(engine.Context(), kStack);
       step(engine);
     });
@@ -69,8 +70,16 @@ class LateBound : public ScriptBacked {
   static void PushArgument(Engine& engine, bool flag) { duk_push_boolean(engine.Context(), flag); }
   static void PushArgument(Engine& engine, Object& object) { PushObject(engine, object); }
 
+  // "column: ConstructHTMLData"
+  std::string Named(std::string_view member) const;
+
+  // Notes that a member answered nothing where the library goes on without it.
+  void NoteNoAnswer(Engine& engine, std::string_view member, std::string_view missing) const;
+
  private:
   static constexpr duk_idx_t kStack = 40;
+
+  std::string_view serves_;
 };
 
 // True for a value that late binding calls: a function that is none of the callable intrinsic objects.

@@ -8,7 +8,7 @@ namespace {
 
 class ScriptListing : public Listing, public LateBound {
  public:
-  using LateBound::LateBound;
+  ScriptListing(Engine& engine, duk_idx_t index) : LateBound(engine, index, "listing") {}
 
   void MoveFirst() override { Ask("MoveFirst"); }
   void MoveNext() override { Ask("MoveNext"); }
@@ -22,7 +22,7 @@ class ScriptListing : public Listing, public LateBound {
 
 class ScriptLiveContainer : public LiveContainer, public LateBound {
  public:
-  using LateBound::LateBound;
+  ScriptLiveContainer(Engine& engine, duk_idx_t index) : LateBound(engine, index, "live container") {}
   using Text = std::string_view;
 
   void GotoContainer(Text server, Text mailbox, Text container, std::int32_t oldThreshold,
@@ -63,7 +63,7 @@ class ScriptLiveContainer : public LiveContainer, public LateBound {
   template <typename... A>
   std::shared_ptr<Listing> AskListing(const char* member, A&&... arguments) {
     std::shared_ptr<Listing> listing;
-    Reach([&](Engine& engine) {
+    Reach(member, [&](Engine& engine) {
       PushAnswer(engine, member, arguments...);
       listing = InterfaceAt<Listing>(engine, -1);
     });

@@ -8,7 +8,7 @@ namespace {
 
 class ScriptResponse : public Response, public LateBound {
  public:
-  using LateBound::LateBound;
+  ScriptResponse(Engine& engine, duk_idx_t index) : LateBound(engine, index, "response") {}
 
   void Write(std::string_view text) override { Ask("Write", text); }
   void Flush() override { Ask("Flush"); }
@@ -16,7 +16,7 @@ class ScriptResponse : public Response, public LateBound {
 
 class ScriptServer : public Server, public LateBound {
  public:
-  using LateBound::LateBound;
+  ScriptServer(Engine& engine, duk_idx_t index) : LateBound(engine, index, "server") {}
 
   void HTMLEncode(std::string& out, std::string_view text) override { out += AskText("HTMLEncode", text); }
   void URLEncode(std::string& out, std::string_view text) override { out += AskText("URLEncode", text); }
@@ -26,11 +26,11 @@ class ScriptServer : public Server, public LateBound {
 // without that member.
 class ScriptSession : public Session, public LateBound {
  public:
-  using LateBound::LateBound;
+  ScriptSession(Engine& engine, duk_idx_t index) : LateBound(engine, index, "session") {}
 
   Value Item(std::string_view name) override {
     Value value;
-    Reach([&](Engine& engine) {
+    Reach("Value", [&](Engine& engine) {
       if (Has(engine, "Value")) {
         PushItem(engine, "Value", name);
       } else {
@@ -43,7 +43,7 @@ class ScriptSession : public Session, public LateBound {
 
   std::shared_ptr<LiveContainer> StaticObject(std::string_view name) override {
     std::shared_ptr<LiveContainer> container;
-    Reach([&](Engine& engine) {
+    Reach("StaticObjects", [&](Engine& engine) {
       PushItem(engine, "StaticObjects", name);
       container = InterfaceAt<LiveContainer>(engine, -1);
     });
@@ -77,7 +77,7 @@ class ScriptSession : public Session, public LateBound {
 
 class ScriptScriptingContext : public ScriptingContext, public LateBound {
  public:
-  using LateBound::LateBound;
+  ScriptScriptingContext(Engine& engine, duk_idx_t index) : LateBound(engine, index, "scripting context") {}
 
   std::shared_ptr<Response> GetResponse() override { return AskFor<Response>("Response"); }
   std::shared_ptr<Request> GetRequest() override { return AskFor<Request>("Request"); }
@@ -88,7 +88,7 @@ class ScriptScriptingContext : public ScriptingContext, public LateBound {
   template <typename T>
   std::shared_ptr<T> AskFor(const char* member) {
     std::shared_ptr<T> object;
-    Reach([&](Engine& engine) {
+    Reach(member, [&](Engine& engine) {
       PushAnswer(engine, member);
       object = InterfaceAt<T>(engine, -1);
     });

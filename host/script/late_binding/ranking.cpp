@@ -8,7 +8,7 @@ namespace {
 
 class ScriptRankedResults : public RankedResults, public LateBound {
  public:
-  using LateBound::LateBound;
+  ScriptRankedResults(Engine& engine, duk_idx_t index) : LateBound(engine, index, "Top-N results") {}
 
   std::int32_t Count() override { return ToInt32(Ask("Count")); }
   void MoveFirst() override { Ask("MoveFirst"); }
@@ -20,7 +20,7 @@ class ScriptRankedResults : public RankedResults, public LateBound {
 
 class ScriptTopNLoader : public TopNLoader, public LateBound {
  public:
-  using LateBound::LateBound;
+  ScriptTopNLoader(Engine& engine, duk_idx_t index) : LateBound(engine, index, "Top-N loader") {}
 
   void Load(std::int16_t kind, std::string_view name, RankedResults& results) override {
     Ask("Load", kind, name, static_cast<Object&>(results));

@@ -88,11 +88,11 @@ class KeyValues {
 
 class ScriptRequest : public Request, public LateBound {
  public:
-  using LateBound::LateBound;
+  ScriptRequest(Engine& engine, duk_idx_t index) : LateBound(engine, index, "request") {}
 
   std::vector<std::string> QueryKeys() override {
     std::vector<std::string> keys;
-    Reach([&](Engine& engine) {
+    Reach("QueryString", [&](Engine& engine) {
       PushCollection(engine);
       keys = KeysAtTop(engine);
     });
@@ -119,7 +119,7 @@ class ScriptRequest : public Request, public LateBound {
   std::string Item(std::string_view name) override {
     std::vector<std::string> values;
     bool answered = false;
-    Reach([&](Engine& engine) {
+    Reach("Item", [&](Engine& engine) {
       answered = PushDefaultItem(engine, name);
       if (answered) values = KeyValues(engine).All();
     });
@@ -133,7 +133,7 @@ class ScriptRequest : public Request, public LateBound {
  private:
   bool Offers(const char* member) const {
     bool has = false;
-    Reach([&](Engine& engine) { has = Has(engine, member); });
+    Reach(member, [&](Engine& engine) { has = Has(engine, member); });
     return has;
   }
 
@@ -146,7 +146,7 @@ class ScriptRequest : public Request, public LateBound {
   // Runs a step with the values of a name in one of the request's collections.
   template <std::invocable<const KeyValues&> Step>
   void WithValues(const char* collection, std::string_view name, Step&& step) const {
-    Reach([&](Engine& engine) {
+    Reach(collection, [&](Engine& engine) {
       duk_context* context = engine.Context();
       if (PushMember(engine, collection)) {
         PushArgument(engine, name);

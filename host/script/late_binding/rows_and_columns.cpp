@@ -5,6 +5,7 @@
 #include "host/script/late_binding/late_bound.h"
 #include "kalvo/context.h"
 #include "kalvo/display.h"
+#include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
 
 namespace kalvo::host {
@@ -12,7 +13,7 @@ namespace {
 
 class ScriptRowSource : public RowSource, public LateBound {
  public:
-  using LateBound::LateBound;
+  ScriptRowSource(Engine& engine, duk_idx_t index) : LateBound(engine, index, "row source") {}
 
   std::int16_t OpenDS() override { return ToInt16(Ask("OpenDS")); }
   std::int32_t CloseDS() override { return ToInt32(Ask("CloseDS")); }
@@ -45,19 +46,19 @@ class ScriptRowSource : public RowSource, public LateBound {
 
 class ScriptColumn : public TableColumn, public LateBound {
  public:
-  using LateBound::LateBound;
+  ScriptColumn(Engine& engine, duk_idx_t index) : LateBound(engine, index, "column") {}
 
   void AppendHeader(std::string& out, Context& context, Display& display) override {
-    out += AskText("ConstructHTMLHeader", context, display);
+    AppendAnswer(out, "ConstructHTMLHeader", context, display);
   }
 
   void AppendData(std::string& out, Context& context, Display& display, RowSource& row) override {
-    out += AskText("ConstructHTMLData", context, display, row);
+    AppendAnswer(out, "ConstructHTMLData", context, display, row);
   }
 
   // The flag goes as a box, and comes back also from a column that fails.
   void AppendTotal(std::string& out, Context& context, Display& display, RowSource& totals, bool& firstCell) override {
-    Reach([&](Engine& engine) {
+    Reach("ConstructHTMLTotal", [&](Engine& engine) {
       duk_context* script = engine.Context();
       const duk_idx_t box = duk_push_object(script);
       duk_push_boolean(script, firstCell);
@@ -69,11 +70,27 @@ class ScriptColumn : public TableColumn, public LateBound {
       };
       const auto failure = engine.Attempt([&] { AppendTotalCell(engine, out, context, display, totals, box); });
       readBack();
-      if (failure && !engine.HasEnded()) throw Error(failure->number, failure->description);
+      if (!failure || engine.HasEnded()) return;
+      engine.Note(Named("ConstructHTMLTotal"), *failure);  // here, where its place is still known
+      throw Error(failure->number, failure->description);
     });
   }
 
  private:
+  // A cell that a member answers; one that answers none leaves the row without it.
+  template <typename... A>
+  void AppendAnswer(std::string& out, const char* member, A&&... arguments) {
+    Reach(member, [&](Engine& engine) {
+      PushAnswer(engine, member, arguments...);
+      AppendCell(engine, out, member);
+    });
+  }
+
+  void AppendCell(Engine& engine, std::string& out, const char* member) const {
+    if (duk_is_undefined(engine.Context(), -1)) NoteNoAnswer(engine, member, "the function returned nothing");
+    out += TextOf(engine, -1);
+  }
+
   void AppendTotalCell(Engine& engine, std::string& out, Context& context, Display& display, RowSource& totals,
                        duk_idx_t box) const {
     duk_context* script = engine.Context();
@@ -85,19 +102,23 @@ class ScriptColumn : public TableColumn, public LateBound {
       duk_dup(script, box);
       duk_call_method(script, 4);
     }
-    out += TextOf(engine, -1);
+    AppendCell(engine, out, "ConstructHTMLTotal");
   }
 };
 
 class ScriptColumnCatalogue : public ColumnCatalogue, public LateBound {
  public:
-  using LateBound::LateBound;
+  ScriptColumnCatalogue(Engine& engine, duk_idx_t index) : LateBound(engine, index, "column catalogue") {}
 
   std::shared_ptr<TableColumn> Column(std::int16_t id) override {
     std::shared_ptr<TableColumn> column;
-    Reach([&](Engine& engine) {
+    Reach("GetColumn", [&](Engine& engine) {
       PushAnswer(engine, "GetColumn", id);
-      if (duk_is_object(engine.Context(), -1)) column = InterfaceAt<TableColumn>(engine, -1);
+      if (duk_is_object(engine.Context(), -1)) {
+        column = InterfaceAt<TableColumn>(engine, -1);
+      } else {
+        NoteNoAnswer(engine, "GetColumn", Built([&](std::string& out) { Append(out, "there is no column ", id); }));
+      }
     });
     return column;
   }

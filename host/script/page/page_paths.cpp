@@ -1,6 +1,9 @@
 #include "host/script/page/page_paths.h"
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <system_error>
 #include <vector>
 
 #include "kalvo/platform/append.h"
@@ -31,13 +34,29 @@ std::optional<std::string> PathBelowRoot(std::string_view base, std::string_view
   return below;
 }
 
-std::optional<std::string> MappedPath(const PagePlace& place, std::string_view path) {
+std::optional<std::string> MappedPath(const SitePlace& place, std::string_view path) {
   const bool fromRoot = !path.empty() && (path.front() == '/' || path.front() == '\\');
   if (fromRoot && path.size() == 1) return place.root.string() + "/";
   const std::string folder = fromRoot ? std::string() : place.page.substr(0, place.page.find_last_of('/') + 1);
   const auto below = PathBelowRoot(folder, path);
   if (!below) return std::nullopt;
   return (place.root / *below).string();
+}
+
+SiteFile ReadSiteFile(const SitePlace& place, std::string_view path, std::size_t most, std::string& text) {
+  namespace fs = std::filesystem;
+  const auto file = MappedPath(place, path);
+  if (!file) return SiteFile::Outside;
+  std::error_code problem;
+  const fs::path real = fs::canonical(*file, problem);
+  if (problem || !fs::is_regular_file(real, problem)) return SiteFile::Missing;
+  const fs::path below = real.lexically_relative(place.root);
+  if (below.empty() || *below.begin() == "..") return SiteFile::Outside;
+  if (fs::file_size(real, problem) > most) return SiteFile::TooLarge;
+  std::ifstream stream(real, std::ios::binary);
+  if (!stream) return SiteFile::Missing;
+  text.assign(std::istreambuf_iterator<char>(stream), {});
+  return SiteFile::Read;
 }
 
 }  // namespace kalvo::host

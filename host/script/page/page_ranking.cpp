@@ -11,7 +11,7 @@ std::shared_ptr<T> PageRanking::Declared(const char* name) {
   const Value declared = session_.Static(name);
   if (IsEmpty(declared)) return nullptr;
   std::shared_ptr<T> object;
-  engine_.Protected([&] {
+  engine_.Protected(name, [&] {
     PushValue(engine_, declared);
     if (IsScriptFunction(engine_.Context(), -1)) duk_new(engine_.Context(), 0);
     object = InterfaceAt<T>(engine_, -1);

@@ -15,6 +15,7 @@ struct PageRequest {
   std::string url;             // the path: ServerVariables("URL")
   std::string queryString;     // without "?"
   std::string form;            // an URL-encoded body; "" when there is none
+  std::string body;            // a body of any other type
   std::string cookies;         // the Cookie header
   std::string logonName;       // ServerVariables("LOGON_USER")
   NamedTexts serverVariables;  // further ones, such as "REMOTE_ADDR" and "HTTP_USER_AGENT"

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "kalvo/platform/value.h"
 
@@ -20,6 +21,12 @@ class PageSession {
   // A value by name; empty when nobody set it. Values are texts, numbers, booleans, dates, null or empty.
   virtual Value Get(std::string_view name) = 0;
   virtual void Set(std::string_view name, const Value& value) = 0;
+
+  // The names of its values, in lower case and in their order.
+  virtual std::vector<std::string> Names() { return {}; }
+
+  // A name of the session that tells nobody how to take it over; "" where all visitors share one.
+  virtual std::string Id() { return ""; }
 
   // Drops the session when the page has ended.
   virtual void Abandon() = 0;

@@ -11,4 +11,15 @@ LinePlace PageSource::PlaceOf(int line) const {
   return own == lines.rend() ? lines.back() : *own;
 }
 
+std::vector<CodePlace> PageSource::IncludesOf(const std::string& file) const {
+  std::vector<CodePlace> includes;
+  const auto found = std::find(files.begin(), files.end(), file);
+  if (found == files.end()) return includes;
+  LinePlace from = includedFrom[static_cast<std::size_t>(found - files.begin())];
+  for (; from.line > 0; from = includedFrom[from.file]) {
+    includes.push_back({"", files[from.file], static_cast<int>(from.line)});
+  }
+  return includes;
+}
+
 }  // namespace kalvo::host

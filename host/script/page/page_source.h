@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/script/page/page_directive.h"
+#include "host/script/page/page_result.h"
 
 namespace kalvo::host {
 
@@ -19,13 +20,17 @@ struct LinePlace {
 struct PageSource {
   std::string script;
   std::vector<std::string> texts;
-  std::vector<std::string> files;  // the page first; paths below the root
-  std::vector<LinePlace> lines;    // of each line of the script
-  PageDirective directive;         // of the page itself; those of includes are read past
+  std::vector<std::string> files;       // the page first; paths below the root
+  std::vector<LinePlace> lines;         // of each line of the script
+  std::vector<LinePlace> includedFrom;  // of each file where it came in first; line 0 for the page itself
+  PageDirective directive;              // of the page itself; those of includes are read past
 
   // The place of a line of the script, counted from 1. Past the script's end, where the compiler misses what the page
   // leaves open, that is the last line of the page's own script; for 0, the page without a line.
   LinePlace PlaceOf(int line) const;
+
+  // The includes that a file came in by, from the inside out; none for the page itself.
+  std::vector<CodePlace> IncludesOf(const std::string& file) const;
 };
 
 }  // namespace kalvo::host

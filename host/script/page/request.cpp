@@ -36,7 +36,8 @@ RequestObject::RequestObject(const PageRequest& request)
     : query_(Collection(NamedValues::FromQuery(request.queryString), request.queryString, true)),
       form_(Collection(NamedValues::FromQuery(request.form), request.form, true)),
       cookies_(Collection(NamedValues::FromCookies(request.cookies), request.cookies, false)),
-      variables_(Collection(ServerVariablesOf(request), "", false)) {}
+      variables_(Collection(ServerVariablesOf(request), "", false)),
+      text_(WellFormed(request.body)) {}
 
 const NameCollection* RequestObject::Holder(std::string_view name) const {
   for (const auto* collection : {query_.get(), form_.get(), cookies_.get(), variables_.get()}) {

@@ -24,6 +24,9 @@ class RequestObject : public Request {
   std::shared_ptr<NameCollection> Cookies() const { return cookies_; }
   std::shared_ptr<NameCollection> ServerVariables() const { return variables_; }
 
+  // A posted body that is no form: JSON, or whatever its type says. Nobody has looked at what it holds.
+  std::string Text() const { return text_; }
+
   // The first of the four that has the name; "" when none has.
   Value Lookup(std::string_view name) const;
 
@@ -38,6 +41,7 @@ class RequestObject : public Request {
   const NameCollection* Holder(std::string_view name) const;
 
   std::shared_ptr<NameCollection> query_, form_, cookies_, variables_;
+  std::string text_;
 };
 
 }  // namespace kalvo::host

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <utility>
 
+#include "host/script/page/helpers.h"
 #include "kalvo/enumerations.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
@@ -93,6 +94,7 @@ void PrepareState(Engine& engine) {
     duk_push_int(context, constant.value);
     DefineFixed(context, constant.name);
   }
+  InstallHelpers(context);
   duk_pop(context);
   Wrappers::PrepareClasses(context, Classes());
 }
@@ -103,14 +105,15 @@ ScriptPage::ScriptPage(const SiteParts& site, const CompiledPage& compiled, cons
       engine_(options.limits, &wrappers_, site.platform.locale, options.isWanted, site.image),
       request_(std::make_shared<RequestObject>(request)),
       response_(std::make_shared<ResponseObject>(engine_, sink)),
-      session_(std::make_shared<SessionObject>(engine_, session, options.statics)),
+      session_(std::make_shared<SessionObject>(engine_, session, options)),
       ranking_(engine_, *session_, site.platform.topN),
       platform_{site.platform.database, ranking_, site.platform.clock, site.platform.locale},
       maker_(engine_, platform_),
       server_(std::make_shared<ServerObject>(
-          PagePlace{site.root, compiled.source.files.front()},
+          SitePlace{site.root, compiled.source.files.front()},
           [this](std::string_view name) { return maker_.MakeStarted(name, *context_); })),
-      context_(std::make_shared<ScriptingContextObject>(request_, response_, server_, session_)) {}
+      context_(std::make_shared<ScriptingContextObject>(request_, response_, server_, session_)),
+      application_(std::make_shared<ApplicationObject>(options.application)) {}
 
 // What script holds goes first: it may hold what the page's parts serve.
 ScriptPage::~ScriptPage() { engine_.Close(); }
@@ -120,7 +123,7 @@ void ScriptPage::InstallGlobals() {
   duk_push_global_object(context);
   const std::pair<const char*, std::shared_ptr<Object>> kIntrinsics[] = {
       {"Request", request_}, {"Response", response_},        {"Server", server_},
-      {"Session", session_}, {"ScriptingContext", context_},
+      {"Session", session_}, {"ScriptingContext", context_}, {"Application", application_},
   };
   for (const auto& [name, object] : kIntrinsics) {
     PushObject(engine_, object);
@@ -158,6 +161,8 @@ PageResult ScriptPage::Run() {
     if (failure && engine_.Cause() != EndCause::Sink) result.failure = FailureOf(failure);
   }
   if (const std::exception_ptr sinkFailure = response_->SinkFailure()) std::rethrow_exception(sinkFailure);
+  result.unseen = Unseen();
+  result.unseenCount = engine_.NotedCount();
   result.headSent = response_->HeadSent();
   result.head = response_->Head();
   if (result.failure) result.unsent = response_->TakeBuffer();
@@ -168,22 +173,42 @@ std::optional<PageFailure> ScriptPage::FailureOf(const std::optional<ScriptFailu
   const EndCause cause = engine_.Cause();
   if (cause == EndCause::Response || cause == EndCause::Sink) return std::nullopt;
   if (!failure && cause == EndCause::None) return std::nullopt;
-  PageFailure page;
+  PageFailure page = failure ? Placed(*failure) : PageFailure{};
   page.kind = cause == EndCause::None ? FailureKind::Script : KindOf(cause);
-  if (failure) {
-    page.message = MessageOf(*failure);
-    page.file = failure->file;
-    page.line = failure->line;
-  }
   if (cause == EndCause::TimeLimit) page.message = "the page has run for longer than its time limit";
   if (cause == EndCause::MemoryLimit) page.message = "the page needs more memory than its limit";
-  if (page.file == compiled_.source.files.front()) {
-    const LinePlace place = compiled_.source.PlaceOf(page.line);
-    page.file = compiled_.source.files[place.file];
-    page.line = static_cast<int>(place.line);
-  }
   if (page.file.empty()) page.file = compiled_.source.files.front();
   return page;
+}
+
+// A failure of script at its place in the page's files.
+PageFailure ScriptPage::Placed(const ScriptFailure& failure) const {
+  const PageSource& source = compiled_.source;
+  PageFailure page{FailureKind::Script, MessageOf(failure), {}, 0};
+  for (const ScriptFrame& call : failure.calls) {
+    CodePlace place{call.function, call.file, call.line};
+    if (call.file == source.files.front()) {
+      const LinePlace line = source.PlaceOf(call.line);
+      place = {call.function, source.files[line.file], static_cast<int>(line.line)};
+    }
+    page.calls.push_back(std::move(place));
+  }
+  if (!page.calls.empty()) {
+    page.file = page.calls.front().file;
+    page.line = page.calls.front().line;
+    page.calls.erase(page.calls.begin());
+  }
+  page.includes = source.IncludesOf(page.file);
+  return page;
+}
+
+std::vector<PageFailure> ScriptPage::Unseen() const {
+  std::vector<PageFailure> unseen;
+  for (const Engine::Noted& noted : engine_.NotedFailures()) {
+    PageFailure& failure = unseen.emplace_back(Placed(noted.failure));
+    failure.message.insert(0, noted.where + ": ");
+  }
+  return unseen;
 }
 
 }  // namespace kalvo::host

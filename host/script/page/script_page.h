@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/script/binding/wrappers.h"
 #include "host/script/engine/engine.h"
@@ -50,6 +51,8 @@ class ScriptPage {
   void InstallGlobals();
   void RunCode();
   std::optional<PageFailure> FailureOf(const std::optional<ScriptFailure>& failure) const;
+  PageFailure Placed(const ScriptFailure& failure) const;
+  std::vector<PageFailure> Unseen() const;
 
   const CompiledPage& compiled_;
   Wrappers wrappers_{Classes()};
@@ -62,6 +65,7 @@ class ScriptPage {
   ObjectMaker maker_;
   std::shared_ptr<ServerObject> server_;
   std::shared_ptr<ScriptingContextObject> context_;
+  std::shared_ptr<ApplicationObject> application_;
 };
 
 }  // namespace kalvo::host

@@ -7,9 +7,11 @@
 #include <utility>
 
 #include "host/script/engine/script_heap.h"
+#include "host/script/page/dialect.h"
 #include "host/script/page/page_parser.h"
 #include "host/script/page/page_paths.h"
 #include "host/script/page/script_page.h"
+#include "kalvo/platform/append.h"
 
 namespace kalvo::host {
 namespace {
@@ -132,9 +134,15 @@ class Site::Pages {
 
   static PageFailure SyntaxFailure(const PageSource& source, const ScriptFailure& failure) {
     PageFailure page{FailureKind::Syntax, failure.message, {}, 0};
-    const LinePlace place = source.PlaceOf(TakeLine(page.message));
+    const int line = TakeLine(page.message);
+    const LinePlace place = source.PlaceOf(line);
     page.file = source.files[place.file];
     page.line = static_cast<int>(place.line);
+    page.includes = source.IncludesOf(page.file);
+    const std::string newer = NewerSyntax(source.script, line);
+    if (!newer.empty()) {
+      Append(page.message, "; page scripts are ECMAScript 5, and ", newer, " is newer");
+    }
     return page;
   }
 

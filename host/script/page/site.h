@@ -30,7 +30,9 @@ struct ScriptStatic {
 struct PageOptions {
   PageLimits limits;
   std::function<bool()> isWanted{};  // asked while the page runs; false ends it, and nothing more is sent
-  std::vector<ScriptStatic> statics;
+  std::vector<ScriptStatic> statics{};
+  NamedTexts application{};  // what `Application(name)` answers
+  int sessionMinutes = 30;   // without a request, after which a session ends
 };
 
 // The pages below one folder. Compiled pages are kept and made anew when a file of theirs has changed. Runs one

@@ -44,6 +44,8 @@ class ActingSession final : public host::PageSession {
 
   Value Get(std::string_view name) override { return session_.Get(name); }
   void Set(std::string_view name, const Value& value) override { session_.Set(name, value); }
+  std::vector<std::string> Names() override { return session_.Names(); }
+  std::string Id() override { return session_.Id(); }
   void Abandon() override { session_.Abandon(); }
   std::shared_ptr<LiveContainer> LiveDriller() override;
 

@@ -53,6 +53,8 @@ class FileSession : public host::PageSession {
 
   Value Get(std::string_view name) override { return values_.Get(name); }
   void Set(std::string_view name, const Value& value) override;
+  std::vector<std::string> Names() override { return values_.Names(); }
+  std::string Id() override { return Mark(); }
   void Abandon() override { abandoned_ = true; }
   std::shared_ptr<LiveContainer> LiveDriller() override { return driller_.Of(account_); }
 

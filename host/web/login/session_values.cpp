@@ -121,6 +121,12 @@ void SessionValues::Set(std::string_view name, const Value& value) {
   values_ = std::move(fresh.values_);
 }
 
+std::vector<std::string> SessionValues::Names() const {
+  std::vector<std::string> names;
+  for (const auto& [name, value] : values_) names.push_back(name);
+  return names;
+}
+
 std::string SessionValues::Packed() const {
   std::string out;
   for (const auto& [name, value] : values_) {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "kalvo/platform/value.h"
 
@@ -22,6 +23,8 @@ class SessionValues {
   // Empty removes the value. Fails with 13 for anything but a text, number, boolean, date or null, and with
   // 0x80004005 for what would outgrow the limits; the values are unharmed then.
   void Set(std::string_view name, const Value& value);
+
+  std::vector<std::string> Names() const;
 
   void Clear() { values_.clear(); }
 

@@ -37,6 +37,11 @@ std::span<const Member> ValueListMembers();
 std::span<const Member> ResponseMembers();
 std::span<const Member> ServerMembers();
 std::span<const Member> SessionMembers();
+std::span<const Member> ResponseCookiesMembers();
+std::span<const Member> ResponseCookieMembers();
+std::span<const Member> SessionItemMembers();
+std::span<const Member> SessionContentsMembers();
+std::span<const Member> ApplicationMembers();
 std::span<const Member> ScriptingContextMembers();
 
 }  // namespace kalvo::host

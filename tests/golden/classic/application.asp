@@ -1,0 +1,1 @@
+<%= Application("Title") %> has <%= Application("limit") * 2 %>, <%= typeof Application("none") %>

@@ -1,0 +1,1 @@
+<% Response.Buffer = true; Response.Write("lost"); Response.Clear(); Response.Write("kept"); %>

@@ -1,0 +1,1 @@
+<% Response.Expires = 0; Response.CacheControl = "private"; %>ok

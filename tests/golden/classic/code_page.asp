@@ -1,0 +1,2 @@
+<%@ Language="JScript" CodePage="65001" %>
+<% Session.Value("x", "ä"); %><%= Session("x").length %>

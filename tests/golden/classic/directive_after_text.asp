@@ -1,0 +1,3 @@
+<!-- a page -->
+<%@ Language=JavaScript %>
+<%= "ok" %>

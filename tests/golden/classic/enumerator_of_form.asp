@@ -1,0 +1,3 @@
+<% for (var e = new Enumerator(Request.Form); !e.atEnd(); e.moveNext()) { var key = e.item(); %>
+<%= key %>=<%= Server.HTMLEncode(Request.Form(key)) %>
+<% } %>

@@ -1,0 +1,1 @@
+<% if (Request.ServerVariables("REQUEST_METHOD") == "POST") { %>Hello!<% } else { %><form method="post"><input name="name"></form><% } %>

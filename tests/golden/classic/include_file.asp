@@ -1,0 +1,3 @@
+<!--#include file="parts/header.inc"-->
+<p><%= title("body") %></p>
+<!-- #include virtual='/parts/footer.inc' -->

@@ -1,0 +1,1 @@
+<% var q = Request.QueryString("q"); %>[<%= q %>] <%= q.Count %> <%= String(q) === "" %> <%= q == "" %>

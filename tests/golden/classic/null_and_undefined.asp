@@ -1,0 +1,1 @@
+[<%= null %>][<%= undefined %>][<%= "" + null %>][<%= true %>][<%= "" + true %>]

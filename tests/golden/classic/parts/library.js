@@ -1,0 +1,1 @@
+var library = { add: function (a, b) { return a + b; } };

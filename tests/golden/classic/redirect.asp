@@ -1,0 +1,1 @@
+<% if (Request("go") == "") { Response.Redirect("list page.asp?x=ä"); } %>not reached

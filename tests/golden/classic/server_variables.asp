@@ -1,0 +1,1 @@
+<%= Request.ServerVariables("URL") %> <%= Request.ServerVariables("REQUEST_METHOD") %> [<%= Request.ServerVariables("NONE") %>] <%= Request.ServerVariables("LOGON_USER") %>

@@ -1,0 +1,1 @@
+<% function f() { try { return "try"; } finally { Response.Write("finally "); } } %><%= f() %>

@@ -1,0 +1,4 @@
+<%
+var source = Server.CreateObject("KalvoTables.DataSrc");
+Response.Write(source.OpenDS() + " " + source.RecordCount());
+%>

@@ -1,0 +1,4 @@
+<%
+var generator = Server.CreateObject("KalvoTables.KalvoforExchangeTableGenerator");
+generator.BuildTable(TABLE_RES_ORGANIZATION_ALLSERVERS);
+%>
