@@ -76,17 +76,17 @@ constexpr Member kTableDatabase[] = {
     "Answers the table of an id, the same object each time; null for an id without one. Fails with 9 outside "
     "of 1 to 68."),
   Method<&D::InitializeGeneralTables>("InitializeGeneralTables",
-    "Makes the tables of the general group anew. A new catalogue has them."),
+    "Makes the tables of the general group again. A new catalogue has them already."),
   Method<&D::InitializeTaskTables>("InitializeTaskTables",
-    "Makes the task tables anew. A new catalogue has them."),
+    "Makes the task tables again. A new catalogue has them already."),
   Method<&D::InitializeResourceTables>("InitializeResourceTables",
-    "Makes the resource tables anew. A new catalogue has them."),
+    "Makes the resource tables again. A new catalogue has them already."),
   Method<&D::InitializeConfigurationTables>("InitializeConfigurationTables",
-    "Makes the configuration tables anew. A new catalogue has them."),
+    "Makes the configuration tables again. A new catalogue has them already."),
   Method<&D::InitializeTopNTables>("InitializeTopNTables",
-    "Makes the Top-N tables anew. A new catalogue has them."),
+    "Makes the Top-N tables again. A new catalogue has them already."),
   Method<&D::InitializeMAPITables>("InitializeMAPITables",
-    "Makes the live mailbox tables anew. A new catalogue has them."),
+    "Makes the live mailbox tables again. A new catalogue has them already."),
 };
 
 constexpr Member kTableConstants[] = {
