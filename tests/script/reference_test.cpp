@@ -48,7 +48,8 @@ std::string Reference() {
 
 TEST(ReferencePage, HasAnExampleOfEveryClassThatPagesMake) {
   for (const ClassBinding& binding : Classes()) {
-    if (binding.make != nullptr) EXPECT_NE(ExampleOf(binding.name), "") << binding.name;
+    if (binding.make == nullptr) continue;
+    EXPECT_NE(ExampleOf(binding.name), "") << binding.name;
   }
 }
 
