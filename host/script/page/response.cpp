@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "base/percent.h"
 #include "kalvo/platform/append.h"
 #include "kalvo/platform/conversion.h"
 
@@ -16,14 +17,6 @@ bool HoldsControl(std::string_view text) {
   });
 }
 
-bool IsToken(std::string_view name) {
-  constexpr std::string_view kMarks = "!#$%&'*+-.^_`|~";
-  return !name.empty() && std::all_of(name.begin(), name.end(), [&](char c) {
-    const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-    return letter || kMarks.find(c) != std::string_view::npos;
-  });
-}
-
 void RequireHeaderText(std::string_view text) {
   if (HoldsControl(text)) throw Error(codes::kFailed, "A header holds no line breaks and no control characters");
 }
@@ -33,7 +26,6 @@ constexpr std::string_view kSendersOwn[] = {"Content-Length", "Transfer-Encoding
 
 // An address with what cannot stand in one as "%XX": blanks, quotation marks and every byte beyond ASCII.
 std::string InAddress(std::string_view url) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
   constexpr std::string_view kNever = " \"<>\\^`{|}";
   return Built([&](std::string& out) {
     for (const char c : url) {
@@ -41,7 +33,7 @@ std::string InAddress(std::string_view url) {
       if (byte < 0x80 && kNever.find(c) == std::string_view::npos && c != '\t') {
         out += c;
       } else {
-        Append(out, '%', kDigits[byte >> 4], kDigits[byte & 15]);
+        base::AppendPercent(out, c);
       }
     }
   });
@@ -118,7 +110,7 @@ void ResponseObject::SetContentType(std::string_view type) {
 
 void ResponseObject::AddHeader(std::string_view name, std::string_view value) {
   RequireHead();
-  if (!IsToken(name)) throw Error(codes::kFailed, "A header's name holds letters, digits and hyphens");
+  if (!IsHeaderName(name)) throw Error(codes::kFailed, "A header's name holds letters, digits and hyphens");
   for (const std::string_view own : kSendersOwn) {
     if (!EqualsIgnoringAsciiCase(name, own)) continue;
     throw Error(codes::kFailed, Built([&](std::string& out) { Append(out, own, " is set by the server alone"); }));

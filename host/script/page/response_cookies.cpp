@@ -14,12 +14,6 @@ namespace {
 constexpr double kUnixEpochSerial = 25569;  // 1970-01-01
 constexpr std::size_t kMostCookies = 100;
 
-bool IsNameByte(char c) {
-  constexpr std::string_view kMarks = "!#$%&'*+-.^_`|~";
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-         kMarks.find(c) != std::string_view::npos;
-}
-
 // A local moment as headers have it: "Wed, 21 Oct 2015 07:28:00 GMT".
 std::string HeaderDate(Date date) {
   if (!std::isfinite(date.serial) || std::fabs(date.serial) > 2958465) throw TypeMismatch();
@@ -35,6 +29,14 @@ std::string HeaderDate(Date date) {
 }
 
 }  // namespace
+
+bool IsHeaderName(std::string_view name) {
+  constexpr std::string_view kMarks = "!#$%&'*+-.^_`|~";
+  return !name.empty() && std::all_of(name.begin(), name.end(), [&](char c) {
+    const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+    return letter || kMarks.find(c) != std::string_view::npos;
+  });
+}
 
 void ResponseCookie::RequireOpen() const {
   if (*isClosed_) throw Error(codes::kFailed, "The headers are sent already");
@@ -90,8 +92,7 @@ std::string ResponseCookie::Header() const {
 std::shared_ptr<ResponseCookie> ResponseCookies::Item(std::string_view name) {
   const auto known = places_.find(name);
   if (known != places_.end()) return cookies_[known->second];
-  const bool isName = !name.empty() && std::all_of(name.begin(), name.end(), IsNameByte);
-  if (!isName) throw Error(codes::kFailed, "A cookie's name holds letters, digits, \"-\" and \"_\"");
+  if (!IsHeaderName(name)) throw Error(codes::kFailed, "A cookie's name holds letters, digits, \"-\" and \"_\"");
   if (cookies_.size() >= kMostCookies) throw Error(codes::kFailed, "A page sets at most 100 cookies");
   places_.emplace(name, cookies_.size());
   return cookies_.emplace_back(std::make_shared<ResponseCookie>(std::string(name), isClosed_));

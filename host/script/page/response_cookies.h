@@ -11,6 +11,9 @@
 
 namespace kalvo::host {
 
+// Whether a header or a cookie may have the name: letters, digits and a few marks.
+bool IsHeaderName(std::string_view name);
+
 // A cookie that the page's response sets. Each of its properties fails once the head is sent.
 class ResponseCookie : public TextObject {
  public:
