@@ -8,6 +8,7 @@
 #include "kalvo/platform/conversion.h"
 #include "kalvo/platform/database.h"
 #include "kalvo/platform/owned.h"
+#include "kalvo/platform/page_host.h"
 #include "kalvo/platform/text_tools.h"
 #include "kalvo/table.h"
 #include "kalvo/table_constants.h"
@@ -29,6 +30,17 @@ void TraceTime(Steps& steps, const Elapsed& elapsed, std::string_view step) {
 // The rows of a record set, which stays as long as they are needed.
 std::shared_ptr<const Rows> RowsOf(const std::shared_ptr<RecordSet>& recordSet) {
   return {recordSet, &recordSet->GetRows()};
+}
+
+// Where the page begins, as far as that can be known without anybody who sees it being asked.
+std::int32_t FirstRow(const Context& context) {
+  try {
+    if (context.GetRequest()->SeesCalls()) return 1;
+    const std::int16_t row = context.TableFirstRowInformation();
+    return row == 0 ? 1 : row;
+  } catch (const Error&) {
+    return 1;  // the page begins at the first row then
+  }
 }
 
 void TraceField(Steps& steps, std::int32_t number, std::string_view name, std::string_view value) {
@@ -98,7 +110,7 @@ bool KalvodbDataSrc::Execute(Steps& steps, std::string_view sql) {
   });
   const Elapsed elapsed(platform_);
   const bool failed = steps.Fails("KalvodbDataSrc.OpenDS", [&] {
-    recordSet_ = connection_->Execute({sql, table_->GetSQL(), table_->GetOrderBy(), true});
+    recordSet_ = connection_->Execute({sql, table_->GetSQL(), table_->GetOrderBy(), true, FirstRow(*Held(context_))});
   });
   if (failed) return false;
   TraceTime(steps, elapsed, "SQL Open");

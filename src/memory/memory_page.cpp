@@ -1,8 +1,8 @@
 #include "kalvo/memory/memory_page.h"
 
 #include "kalvo/platform/conversion.h"
+#include "kalvo/platform/encoding.h"
 #include "kalvo/platform/error.h"
-#include "kalvo/platform/text_tools.h"
 
 namespace kalvo {
 
@@ -44,30 +44,8 @@ Value MemorySession::Item(std::string_view) { return Empty{}; }
 
 std::shared_ptr<LiveContainer> MemorySession::StaticObject(std::string_view) { throw ObjectRequired(); }
 
-void MemoryServer::HTMLEncode(std::string& out, std::string_view text) {
-  for (const char c : text) {
-    switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '"': out += "&quot;"; break;
-      default: out += c;
-    }
-  }
-}
+void MemoryServer::HTMLEncode(std::string& out, std::string_view text) { AppendHtmlEncoded(out, text); }
 
-void MemoryServer::URLEncode(std::string& out, std::string_view text) {
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    const bool kept = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-    if (kept) {
-      out += c;
-    } else if (c == ' ') {
-      out += '+';
-    } else {
-      out += {'%', HexDigit(byte >> 4u, HexLetters::Capital), HexDigit(byte & 15u, HexLetters::Capital)};
-    }
-  }
-}
+void MemoryServer::URLEncode(std::string& out, std::string_view text) { AppendUrlEncoded(out, text); }
 
 }  // namespace kalvo

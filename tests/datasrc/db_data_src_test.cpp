@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "fakes/page_fixture.h"
+#include "kalvo/memory/memory_page.h"
 #include "kalvo/table.h"
 #include "support/error_of.h"
 
@@ -108,6 +109,30 @@ TEST(DbDataSrc, TheDatabaseIsToldTheTablesOwnText) {
   EXPECT_EQ(page.database.steps.done.front(), "Connect(KalvoDB)");
   EXPECT_EQ(page.database.pattern, "select * from T order by %SORT%");
   EXPECT_EQ(page.database.orderBy, "Id");
+}
+
+TEST(DbDataSrc, TellsTheDatabaseWhereThePageBeginsUnlessThatWouldBeSeen) {
+  const struct {
+    const char* why;
+    const char* first;
+    std::int32_t told;
+  } kCases[] = {{"further on", "41", 41},
+                {"the end", "-1", -1},
+                {"nowhere", "", 1},
+                {"0", "0", 1},
+                {"beyond 16 bits", "99999", 1}};
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.why);
+    SourceFixture page("First="s + c.first);
+    page.source->OpenDS();
+    EXPECT_EQ(page.database.firstRow, 1) << "a request of the page's own sees what it is asked";
+    const auto memory = std::make_shared<MemoryPage>(std::vector<MemoryParameter>{{"First", c.first}});
+    page.context->OnStartPage(*memory);
+    page.context->IncrementTableIndex();
+    page.source->OpenDS();
+    EXPECT_EQ(page.database.firstRow, c.told);
+    EXPECT_EQ(memory->Html(), "");
+  }
 }
 
 // ---- opening --------------------------------------------------------------------------------------------

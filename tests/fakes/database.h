@@ -106,6 +106,7 @@ class FakeDatabase : public Database {
   std::deque<FakeResult> results = {{{}, {}}};
   Steps steps;
   std::string sql, pattern, orderBy;  // of the last batch
+  std::int32_t firstRow = 0;          // of the last batch
 
   std::unique_ptr<Connection> Connect(std::string_view dataSource) override {
     steps.Do("Connect", dataSource);
@@ -119,6 +120,7 @@ inline std::unique_ptr<RecordSet> FakeConnection::Execute(const Batch& batch) {
   database_.sql = batch.sql;
   database_.pattern = batch.pattern;
   database_.orderBy = batch.orderBy;
+  database_.firstRow = batch.readInPages ? batch.firstRow : 0;
   database_.steps.Do("Execute");
   return std::make_unique<FakeRecordSet>(database_.results, 0, database_.steps);
 }

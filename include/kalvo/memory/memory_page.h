@@ -19,6 +19,7 @@ struct MemoryParameter {
 // Collects what is written.
 class MemoryResponse : public Response {
  public:
+  bool SeesCalls() const override { return false; }
   void Write(std::string_view written) override { text += written; }
   void Flush() override {}
   std::string text;
@@ -30,6 +31,7 @@ class MemoryRequest : public Request {
   explicit MemoryRequest(std::vector<MemoryParameter> parameters = {}, std::string url = "/report.asp")
       : parameters_(std::move(parameters)), url_(std::move(url)) {}
 
+  bool SeesCalls() const override { return false; }
   std::vector<std::string> QueryKeys() override;
   std::int32_t QueryCount(std::string_view key) override { return Find(key) ? 1 : 0; }
   std::string QueryItem(std::string_view key, std::int32_t i) override;
@@ -47,6 +49,7 @@ class MemoryRequest : public Request {
 // A session that holds nothing.
 class MemorySession : public Session {
  public:
+  bool SeesCalls() const override { return false; }
   Value Item(std::string_view name) override;
   std::shared_ptr<LiveContainer> StaticObject(std::string_view name) override;
 };
@@ -54,6 +57,7 @@ class MemorySession : public Session {
 // Encodes & < > " for HTML, and all but ASCII letters and digits for addresses.
 class MemoryServer : public Server {
  public:
+  bool SeesCalls() const override { return false; }
   void HTMLEncode(std::string& out, std::string_view text) override;
   void URLEncode(std::string& out, std::string_view text) override;
 };
