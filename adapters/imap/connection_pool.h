@@ -29,7 +29,7 @@ class ConnectionPool {
   explicit ConnectionPool(Settings settings) : settings_(std::move(settings)) {}
 
   // Runs `step` on a connection of that server and user. A kept connection may have died since it was last used, a
-  // server may have been started anew, or a folder repaired behind the back of a session that has it open: a connection
+  // server may have been restarted, or a folder repaired behind the back of a session that has it open: a connection
   // that is lost, or kept and refuses, is opened again once and the step repeated.
   template <typename Step>
   auto With(const std::string& server, const std::string& user, Step&& step) {

@@ -76,7 +76,7 @@ auto ImapMessages::Ask(Step&& step) {
   } const counting{timeLeft_};
   return pool_->With(place_.server, place_.user, Deadline(timeLeft_), [&](Connection& connection) {
     if (connection.Stay(place_.folder).uidValidity != folder_->state.uidValidity) {
-      throw mail::NoSuchFolder("The folder was made anew meanwhile.");
+      throw mail::NoSuchFolder("The folder was made again meanwhile.");
     }
     return step(connection);
   });

@@ -116,7 +116,7 @@ T As(std::string_view value) {
   return read;
 }
 
-// 15 is an integer, and so is 15.0000; a text that is no number stays one.
+// 15 is an integer, and so is 15.0000; a text that is not a number stays a text.
 void AddDecimal(sql::BlockStore& rows, std::string_view text) {
   const char* end = text.data() + text.size();
   std::int64_t integer = 0;

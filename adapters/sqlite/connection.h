@@ -41,7 +41,7 @@ class Session {
   // Ends what the last user left behind. False when the session cannot be used again.
   bool Rest();
 
-  // From now on the time limit runs anew.
+  // From now on the time limit runs again.
   void StartTimeLimit() { deadline_ = Clock::now() + options_.timeLimit; }
 
   const Locale& GetLocale() const { return locale_; }

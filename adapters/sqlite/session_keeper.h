@@ -10,7 +10,7 @@
 
 namespace kalvo::sqlite {
 
-// Keeps one connection to a file open between pages, with what SQLite knows of the file: opening it anew means reading
+// Keeps one connection to a file open between pages, with what SQLite knows of the file: opening it again means reading
 // its schema and the pages of its tables again. Whoever holds a session holds it alone; a second one that is asked for
 // meanwhile is opened, and closed when it is let go. Safe to use from several threads.
 class SessionKeeper : public std::enable_shared_from_this<SessionKeeper> {

@@ -38,7 +38,7 @@ class KalvoColumn : public TableColumn {
   // A column by facts that others share, too.
   explicit KalvoColumn(std::shared_ptr<const ColumnFacts> facts) : facts_(std::move(facts)) {}
 
-  // Defines the column anew. Each value is the one of that name in `ColumnDefinition`. `PieChartLink`,
+  // Redefines the column. Each value is the one of that name in `ColumnDefinition`. `PieChartLink`,
   // `LineGraphLink` and `DefaultValue` are accepted and ignored: a header has no such links, and a missing value
   // shows nothing.
   void Initialize(KalvoTableColumnsConstants Id, std::string_view Name, std::string_view DatabaseField,
@@ -68,7 +68,7 @@ class KalvoColumn : public TableColumn {
   // True for the server column of a Top-N table whose scope is one server: all its cells drop out.
   bool DropsOut(const Context& context) const;
 
-  // Replaced as a whole: a script that is asked while a cell is made may initialise the column anew.
+  // Replaced as a whole: a script that is asked while a cell is made may initialise the column again.
   std::shared_ptr<const ColumnFacts> facts_;
 };
 

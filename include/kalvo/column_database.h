@@ -20,7 +20,7 @@ class KalvoColumnDatabase : public ColumnCatalogue {
   // The column of an id, null for an id that has none. Fails with 9 outside of 1 to 128.
   std::shared_ptr<TableColumn> GetColumn(std::int16_t nColumnId) const;
 
-  // Each makes the columns of one group anew: their ids answer other objects from then on.
+  // Each makes the columns of one group again: their ids answer other objects from then on.
   void Initialize_RMC_Alert();
   void Initialize_EXDB_Server();
   void Initialize_EXDB_ServerTotals();

@@ -13,7 +13,7 @@ namespace kalvo {
 // row. Shown to administrators only. It has no totals: `AppendTotal` fails with 438.
 class KalvoControlColumn : public TableColumn {
  public:
-  // Defines the column anew: `Name` is the header and the name of every box, `ValueDBField` the field that identifies a
+  // Redefines the column: `Name` is the header and the name of every box, `ValueDBField` the field that identifies a
   // row and is the value of its box. `Checked` boxes start ticked, `OnClick` is their script, and without `Edit` they
   // are pictures. `FORMATTYPE_CHECKBOX` gives each row a box, `FORMATTYPE_QVCHECKBOX` each recipient one; any other
   // format shows the field. `Id` and `Value` are accepted and ignored.
@@ -42,7 +42,7 @@ class KalvoControlColumn : public TableColumn {
   void AppendBox(std::string& out, const Display& display, std::string_view value) const;
   void AppendBoxOfRecipient(std::string& out, const Display& display, RowSource& row);
 
-  // Replaced as a whole: a script that is asked while a cell is made may initialise the column anew.
+  // Replaced as a whole: a script that is asked while a cell is made may initialise the column again.
   std::shared_ptr<const Facts> facts_ = std::make_shared<const Facts>();
   std::string lastRecipient_;  // of the last row that was given a box
 };

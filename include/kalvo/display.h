@@ -125,16 +125,16 @@ class Display : public Object {
   // ---- values -------------------------------------------------------------------------------------------
 
   // A number with digits grouped, and two decimals when `bDecimal` is true. Null becomes 0, in the caller's
-  // variable too. Fails with 13 for a value that is no number.
+  // variable too. Fails with 13 for a value that is not a number.
   std::string Kalvo_FormatNumber(Value& nNumber, const Value& bDecimal) const;
 
   // The number divided by the scale, two decimals, the units behind it: "1.50KB". Negative numbers stand in
   // brackets with the units outside: "(2.00)KB". Null gives the default; zero is never divided. Fails with 13
-  // for a value that is no number, with 11 for a scale of 0.
+  // for a value that is not a number, with 11 for a scale of 0.
   std::string Kalvo_FormatNumericValue(const Value& nNumber, const Value& nScale, const Value& szUnits,
                                        const Value& szDefault) const;
 
-  // A date text in the general date format; the default for what is no date, and for years up to 1950; "" for a
+  // A date text in the general date format; the default for what is not a date, and for years up to 1950; "" for a
   // default that is needed and no text. Clears the pending error. Never raises.
   std::string Kalvo_FormatDateTime(const Value& nDate, const Value& szDefault) const;
 

@@ -41,7 +41,7 @@ class Table : public Object {
   explicit Table(const Platform& platform);
   Table(const Platform& platform, std::shared_ptr<const TableDefinition> definition);
 
-  // Defines the table anew, as `TableDefinition` says. `ShowCharts` is accepted and ignored: no table has charts.
+  // Redefines the table, as `TableDefinition` says. `ShowCharts` is accepted and ignored: no table has charts.
   void Initialize(KalvoTableType TableType, KalvoTableConstants Id, std::string_view Name,
                   TableTotalsState TotalsStateInput, bool ShowCharts, bool ShowLastScan, bool IsForm, bool ShowEntries,
                   std::span<const std::int16_t> Columns, std::string_view SQL, std::string_view OrderBy,

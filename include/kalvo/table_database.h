@@ -21,7 +21,7 @@ class KalvoTableDatabase : public Object {
  public:
   explicit KalvoTableDatabase(const Platform& platform) : platform_(platform) {}
 
-  // True for every id: what is no slot is found out by the slot lookup.
+  // True for every id: an id without a slot is found out by the slot lookup.
   bool ValidTable(std::int32_t tableId) const;
 
   // Whether the slot is empty. Fails with 9 outside of 1 to 68.
@@ -30,7 +30,7 @@ class KalvoTableDatabase : public Object {
   // The table of an id, null for an empty slot. Fails with 9 outside of 1 to 68.
   std::shared_ptr<Table> GetTable(std::int32_t tableId) const;
 
-  // Each makes the tables of one group anew: their ids answer other objects from then on.
+  // Each makes the tables of one group again: their ids answer other objects from then on.
   void InitializeGeneralTables();
   void InitializeTaskTables();
   void InitializeResourceTables();

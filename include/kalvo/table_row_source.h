@@ -18,7 +18,7 @@ class TableRowSource : public RowSource {
   ~TableRowSource() override;
 
   // Says whose rows to open and on which page; `ResourceName` is the name that the table is asked for ("EXCH01").
-  // The three are kept until the source is dropped. May be called again, and then says so anew.
+  // The three are kept until the source is dropped. May be called again, and then says so again.
   void Initialize(Table& KalvoTable, std::string_view ResourceName, Context& Ctxt);
 
   std::int32_t RecordCount() override { return recordCount_; }

@@ -28,7 +28,7 @@ struct FieldText {
 };
 
 // One data cell that is asked for by name: each field of the row source, each text of the page's encoder, in the order
-// that is published. The column is as it is defined at each step, because who is asked may define it anew.
+// that is published. The column is as it is defined at each step, because who is asked may define it again.
 class AskedCell {
  public:
   AskedCell(const std::shared_ptr<const ColumnFacts>& column, Context& context, Display& display, RowSource& row)

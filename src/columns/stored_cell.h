@@ -28,7 +28,7 @@ class FieldValue {
   std::optional<double> Number() const;
   double RequiredNumber() const;
 
-  // Its text; "" for a date that is none. Valid until `scratch` changes.
+  // Its text; "" for an invalid date. Valid until `scratch` changes.
   std::string_view Text(std::string& scratch) const;
   const StoredValue& Stored() const { return value_; }
 

@@ -25,7 +25,7 @@ class TableState {
   std::int16_t Index() const { return index_; }
   std::int16_t Next();
 
-  // This table's value: "" where it has none, 0 where it has none or one that is no number.
+  // This table's value: "" where it has none, 0 where it has none or one that is not a number.
   std::string Text(Parameter parameter) const;
   std::int16_t Number(Parameter parameter) const;
 

@@ -135,7 +135,7 @@ bool FolderPath::WriteFolderById(LiveContainer& live, std::string_view server, s
   return true;
 }
 
-// A link cell for each piece of the path, leading to the path up to it. Empty pieces are no step.
+// A link cell for each piece of the path, leading to the path up to it. Empty pieces are not steps.
 void FolderPath::WriteContainer(std::string_view server, std::string_view mailbox, std::string_view container) {
   Write("<td>Path:</td>");
   std::string path;

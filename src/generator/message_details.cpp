@@ -16,7 +16,7 @@ namespace kalvo {
 
 namespace {
 
-// A size as it was told; what is told and is no number fails.
+// A size as it was told; what is told and is not a number fails.
 Value SizeOf(Value told) {
   if (!IsNull(told) && !std::isfinite(ToDouble(told))) throw Overflow();
   return told;

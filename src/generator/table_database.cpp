@@ -53,7 +53,7 @@ void KalvoTableDatabase::InitializeConfigurationTables() { MakeGroup(tables::Gro
 void KalvoTableDatabase::InitializeTopNTables() { MakeGroup(tables::Group::TopN); }
 void KalvoTableDatabase::InitializeMAPITables() { MakeGroup(tables::Group::LiveMailbox); }
 
-// Kept: true for every id, for page scripts that ask first. What is no slot fails where the slot is looked up.
+// Kept: true for every id, for page scripts that ask first. An id without a slot fails where the slot is looked up.
 bool KalvoTableDatabase::ValidTable(std::int32_t /*tableId*/) const { return true; }
 
 bool KalvoTableDatabase::IsTableNull(std::int32_t nTableId) const { return !SharedDefinition(nTableId); }

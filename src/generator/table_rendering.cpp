@@ -267,7 +267,7 @@ bool TableRendering::MoveToTotals() {
 
 void TableRendering::WriteCells(Phase phase) {
   bool firstCell = true;
-  // A copy: a script that is asked for a cell may initialise the table anew.
+  // A copy: a script that is asked for a cell may initialise the table again.
   rowColumns_ = table_.Definition().columns;
   for (const std::int16_t id : rowColumns_) {
     trap_([&] { column_ = columns_.Column(id); });

@@ -27,7 +27,7 @@ char32_t Mapped(char32_t code, const CaseRange (&ranges)[N]) {
   return static_cast<char32_t>(static_cast<int>(code) + range.offset);
 }
 
-// Bytes that are no character are kept as they are.
+// Bytes that are not a character are kept as they are.
 template <std::size_t N>
 std::string AllMapped(std::string_view text, char (*ascii)(char), const CaseRange (&ranges)[N]) {
   std::string mapped;

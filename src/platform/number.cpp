@@ -22,7 +22,7 @@ void AppendFloating(std::string& out, Number number, Format... format) {
   out.append(digits, end);
 }
 
-// The part of a text that holds a number's digits, its sign taken off; empty when the text is no number.
+// The part of a text that holds a number's digits, its sign taken off; empty when the text is not a number.
 struct Digits {
   std::string_view text;
   bool negative = false;

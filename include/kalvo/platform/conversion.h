@@ -71,7 +71,7 @@ int YearOf(Date date);
 // ---- case -----------------------------------------------------------------------------------------------
 
 // Names and words of people: each character by its simple mapping, whatever the locale. What has none is kept, as are
-// bytes that are no UTF-8. Texts are equal without regard to case when they are in lower case.
+// bytes that are not UTF-8. Texts are equal without regard to case when they are in lower case.
 std::string ToLower(std::string_view text);
 std::string ToUpper(std::string_view text);
 bool EqualsIgnoringCase(std::string_view a, std::string_view b);

@@ -24,7 +24,7 @@ struct StoredValue {
   Kind kind;
 };
 
-// The text of a value: null "", booleans "True"/"False", dates in the general date format; a serial that is no date
+// The text of a value: null "", booleans "True"/"False", dates in the general date format; a serial that is not a date
 // fails with 13. The view is into the value or into `scratch`.
 std::string_view TextOf(const StoredValue& value, const Locale& locale, std::string& scratch);
 

@@ -25,7 +25,7 @@ class RankedResults : public Object {
   // A field of the current row.
   virtual kalvo::Value Value(std::int16_t column) = 0;
 
-  // Reorders the rows by one field: ascending 1, descending 0. Stable; never ranks anew.
+  // Reorders the rows by one field: ascending 1, descending 0. Stable; never ranks again.
   virtual void Sort(std::int16_t column, std::int32_t ascending) = 0;
 };
 

@@ -30,7 +30,7 @@ struct Null {
   bool operator==(const Null&) const = default;
 };
 
-// A moment as days since 1899-12-30; the fraction is the time of day. Not a number for a date that is none: reading
+// A moment as days since 1899-12-30; the fraction is the time of day. Not a number for an invalid date: reading
 // it fails with 13.
 struct Date {
   double serial = 0;
