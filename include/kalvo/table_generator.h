@@ -31,7 +31,7 @@ class KalvoforExchangeTableGenerator : public Object {
   void OnEndPage();
 
   // Whether a page was started and has not ended: without one nothing that is built can be seen.
-  bool HasPage() const { return response_ != nullptr; }
+  bool HasPage() const { return static_cast<bool>(response_); }
 
   // Does nothing and succeeds.
   void TearDown() {}
