@@ -143,21 +143,27 @@ void Worker::RunPage(FCGX_Request& request) {
   if (!settings.debug || !IsAdministrator(*admission->session)) {
     NoteTakenAway(edge::HideDebug(page), admission->logon, asked);
   }
-  page.logonName = admission->logon;
-  page.serverVariables.emplace_back("AUTH_USER", admission->logon);
-  for (auto& variable : admission->variables) page.serverVariables.push_back(std::move(variable));
+  RunAdmitted(request, asked.page, directive, page, *admission);
+}
+
+void Worker::RunAdmitted(FCGX_Request& request, const std::string& path, const host::PageDirective& directive,
+                         host::PageRequest& page, login::Admission& admission) {
+  const Settings& settings = generation_.settings;
+  page.logonName = admission.logon;
+  page.serverVariables.emplace_back("AUTH_USER", admission.logon);
+  for (auto& variable : admission.variables) page.serverVariables.push_back(std::move(variable));
   host::PageOptions options;
   options.limits = settings.limits;
   options.isWanted = [this] { return generation_.visitor.IsThere(); };
   FastCgiSink sink(request, directive);
   ActingSession session(
-      *admission->session,
+      *admission.session,
       {*generation_.tokens, generation_.trail, generation_.parts.GetMailStore(), settings.holdingDays},
-      {admission->mark, {admission->logon, std::string(VariableOf(page, "REMOTE_ADDR"))}, page.method == "POST"});
+      {admission.mark, {admission.logon, std::string(VariableOf(page, "REMOTE_ADDR"))}, page.method == "POST"});
   options.sessionMinutes = settings.sessionMinutes;
   options.application = settings.application;
-  const bool shows = settings.showErrors && (!generation_.gate || IsAdministrator(*admission->session));
-  const host::PageResult result = generation_.site.Run(asked.page, page, session, sink, options);
+  const bool shows = settings.showErrors && (!generation_.gate || IsAdministrator(*admission.session));
+  const host::PageResult result = generation_.site.Run(path, page, session, sink, options);
   for (const host::PageFailure& unseen : result.unseen) log_.Write("page " + DescribeWay(unseen));
   const bool isHtml = result.head.contentType.starts_with("text/html");
   if (!result.failure) {

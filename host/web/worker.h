@@ -6,6 +6,7 @@
 #include <optional>
 #include <string_view>
 
+#include "host/script/page/page_directive.h"
 #include "host/script/page/page_request.h"
 #include "host/script/page/page_result.h"
 #include "host/web/login/gate.h"
@@ -36,6 +37,9 @@ class Worker {
  private:
   void Serve(FCGX_Request& request);
   void RunPage(FCGX_Request& request);
+  // Runs a page for whom it is admitted, and sends what it makes.
+  void RunAdmitted(FCGX_Request& request, const std::string& path, const host::PageDirective& directive,
+                   host::PageRequest& page, login::Admission& admission);
   void NotePostFromElsewhere(const host::PageRequest& asked, std::string_view page);
   // Who may see the page, and as whom; nothing when the answer has been sent already.
   std::optional<login::Admission> Admit(FCGX_Request& request, std::string_view page, host::PageRequest& asked);
