@@ -19,7 +19,31 @@ struct FakeResult {
   std::vector<std::string> fields;
   std::vector<std::vector<Value>> rows;
   bool lost = false;  // its rows can no longer be fetched when they are asked for
+  bool kept = false;  // its rows are kept as typed values, and may be read as such
 };
+
+// A value as a block of rows keeps it; its bytes stay where they are.
+inline StoredValue StoredFrom(const Value& value) {
+  using Kind = StoredValue::Kind;
+  StoredValue stored{};
+  if (const auto* truth = std::get_if<bool>(&value)) {
+    stored.kind = Kind::Boolean, stored.integer = *truth;
+  } else if (const auto* small = std::get_if<std::int32_t>(&value)) {
+    stored.kind = Kind::Integer, stored.integer = *small;
+  } else if (const auto* large = std::get_if<std::int64_t>(&value)) {
+    stored.kind = Kind::Integer, stored.integer = *large;
+  } else if (const auto* number = std::get_if<double>(&value)) {
+    stored.kind = Kind::Double, stored.number = *number;
+  } else if (const auto* date = std::get_if<Date>(&value)) {
+    stored.kind = Kind::Date, stored.number = date->serial;
+  } else if (const auto* text = std::get_if<std::string>(&value)) {
+    stored.kind = Kind::Text, stored.bytes = text->data(), stored.size = static_cast<std::uint32_t>(text->size());
+  } else if (const auto* bytes = std::get_if<Bytes>(&value)) {
+    stored.kind = Kind::Binary, stored.bytes = reinterpret_cast<const char*>(bytes->data());
+    stored.size = static_cast<std::uint32_t>(bytes->size());
+  }
+  return stored;
+}
 
 class FakeRows : public Rows {
  public:
@@ -44,6 +68,13 @@ class FakeRows : public Rows {
     if (!bytes) throw TypeMismatch();
     return *bytes;
   }
+  bool HasValues() const override { return result_.kept; }
+  const StoredValue* Values(std::int32_t row) const override {
+    Fetch(row);
+    values_.clear();
+    for (const Value& value : result_.rows.at(static_cast<std::size_t>(row))) values_.push_back(StoredFrom(value));
+    return values_.data();
+  }
 
  private:
   const Value& At(std::int32_t field, std::int32_t row) const {
@@ -52,6 +83,7 @@ class FakeRows : public Rows {
 
   const FakeResult& result_;
   Steps& steps_;
+  mutable std::vector<StoredValue> values_;  // of the row that was asked for last
 };
 
 class FakeRecordSet : public RecordSet {

@@ -16,6 +16,8 @@ namespace kalvo::test {
 // Collects what is written. Steps: Write, Flush.
 class FakeResponse : public Response {
  public:
+  bool sees = true;  // whether it is asked as an object is that sees every call
+  bool SeesCalls() const override { return sees; }
   std::string text;
   int flushes = 0;
   std::string refused;  // a write that holds this text fails; "" is none
@@ -39,6 +41,8 @@ class FakeRequest : public Request {
       : query_(Parsed(query)), form_(Parsed(form)) {}
 
   Steps steps;
+  bool sees = true;
+  bool SeesCalls() const override { return sees; }
   std::map<std::string, std::string> variables = {{"URL", "/KalvoforExchange/Tasks/Page.asp"}};
 
   std::vector<std::string> QueryKeys() override;
@@ -65,6 +69,8 @@ class FakeRequest : public Request {
 class FakeServer : public Server {
  public:
   bool fails = false;
+  bool sees = true;
+  bool SeesCalls() const override { return sees; }
   Steps steps;
 
   void HTMLEncode(std::string& out, std::string_view text) override;
@@ -73,6 +79,8 @@ class FakeServer : public Server {
 
 class FakeSession : public Session {
  public:
+  bool sees = true;
+  bool SeesCalls() const override { return sees; }
   std::map<std::string, Value> values;
   std::map<std::string, std::shared_ptr<LiveContainer>> objects;
 
@@ -91,6 +99,9 @@ class FakePage : public ScriptingContext {
   std::shared_ptr<FakeSession> session = std::make_shared<FakeSession>();
   std::shared_ptr<FakeServer> server = std::make_shared<FakeServer>();
   Steps steps;
+
+  // From now on nobody sees what the four are asked, as on a page without objects of its own.
+  void LookAway() { response->sees = request->sees = session->sees = server->sees = false; }
 
   std::shared_ptr<Response> GetResponse() override { return steps.Do("Response"), response; }
   std::shared_ptr<Request> GetRequest() override { return steps.Do("Request"), request; }
