@@ -63,7 +63,7 @@ FastCgiRequest ReadRequest(FCGX_Request& request) {
   for (char** entry = request.envp; *entry; ++entry) {
     const std::string_view line(*entry);
     const auto end = line.find('=');
-    if (end != std::string_view::npos) TakeParameter(taken, body, line.substr(0, end), line.substr(end + 1));
+    if (end != std::string::npos) TakeParameter(taken, body, line.substr(0, end), line.substr(end + 1));
   }
   if (body.length > kLargestBody) {
     taken.complete = false;

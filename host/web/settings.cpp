@@ -26,7 +26,7 @@ using Taken = bool (*)(std::string_view);
 
 bool IsAnything(std::string_view) { return true; }
 bool IsWeb(std::string_view word) { return word == "embedded" || word == "external"; }
-bool IsLocale(std::string_view word) { return FindLocale(word) != nullptr; }
+bool IsLocale(std::string_view word) { return FindLocale(word); }
 bool IsHeader(std::string_view word) {
   return word.size() <= 64 && std::all_of(word.begin(), word.end(), [](char c) {
            return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-';

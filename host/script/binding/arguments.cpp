@@ -6,7 +6,7 @@ namespace {
 // A script object that may be a box: none of ours, and none that is a value or a list.
 bool IsBox(duk_context* context, duk_idx_t index) {
   if (!duk_is_object(context, index) || duk_is_function(context, index) || duk_is_array(context, index)) return false;
-  return NativeAt(context, index) == nullptr && duk_has_prop_literal(context, index, "value");
+  return !NativeAt(context, index) && duk_has_prop_literal(context, index, "value");
 }
 
 duk_size_t ArrayLength(duk_context* context, duk_idx_t index) {
@@ -76,7 +76,7 @@ std::string CallFrame::TextOf(std::size_t i) const {
 Argument<const Printed&>::Argument(const Source& source) {
   duk_context* context = source.frame.Context();
   source.Wants("text");
-  const bool isScriptObject = duk_is_object(context, source.Index()) && NativeAt(context, source.Index()) == nullptr;
+  const bool isScriptObject = duk_is_object(context, source.Index()) && !NativeAt(context, source.Index());
   if (!isScriptObject) {
     printed.text = source.frame.TextOf(source.i);
     return;

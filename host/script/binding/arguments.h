@@ -184,7 +184,7 @@ struct Argument<const ColumnIds&> : UnchangedArgument {
   ColumnIds columns;
 };
 
-// ---- arguments that an operation changes ----------------------------------------------------------------------
+// ---- arguments that an operation changes ----------------------------------------------------------------
 
 // A box `{value: x}`; a plain value is taken too, and what the operation makes of it is lost.
 struct BoxedValue {
@@ -223,7 +223,7 @@ struct Argument<Value&> : BoxedArgument<Value> {
   explicit(false) Argument(const Source& source) : BoxedArgument{BoxedValue(source), {}} { held = box.value; }
 };
 
-// ---- objects ---------------------------------------------------------------------------------------------------
+// ---- objects --------------------------------------------------------------------------------------------
 
 template <typename T>
 concept OuterInterface = requires(Engine& engine, duk_idx_t index) {
@@ -248,7 +248,7 @@ struct Argument<T&> : UnchangedArgument {
     } else {
       if (!duk_is_object(engine.Context(), source.Index())) throw ObjectRequired();
       object = std::dynamic_pointer_cast<T>(NativeAt(engine.Context(), source.Index()));
-      if (object == nullptr) throw TypeMismatch();
+      if (!object) throw TypeMismatch();
     }
   }
   T& Get() const { return *object; }
@@ -259,11 +259,11 @@ struct Argument<T&> : UnchangedArgument {
 template <typename T>
 T& SelfOf(CallFrame& frame) {
   auto* self = dynamic_cast<T*>(&frame.self);
-  if (self == nullptr) throw TypeMismatch();
+  if (!self) throw TypeMismatch();
   return *self;
 }
 
-// ---- results ---------------------------------------------------------------------------------------------------
+// ---- results --------------------------------------------------------------------------------------------
 
 void PushImage(Engine& engine, const Image& image);
 void PushNumbers(Engine& engine, std::span<const std::int16_t> numbers);

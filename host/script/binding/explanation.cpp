@@ -58,13 +58,13 @@ bool IsOfAKind(const Error& error) {
 
 std::string Explained(const CallFrame& frame, std::string_view operation, const Error& error) {
   const auto* explained = dynamic_cast<const ExplainedError*>(&error);
-  const std::string& what = explained != nullptr ? explained->Message() : error.Description();
+  const std::string& what = explained ? explained->Message() : error.Description();
   return Built([&](std::string& out) {
     Append(out, operation, ": ");
     const bool isArgument = frame.reading < frame.parameters.size();
     if (isArgument && frame.reading >= frame.given) {
       Append(out, frame.parameters[frame.reading].name, " was left out: ", what);
-    } else if (isArgument && explained == nullptr) {
+    } else if (isArgument && !explained) {
       const std::string shown = Shown(frame.Context(), static_cast<duk_idx_t>(frame.reading));
       Append(out, frame.parameters[frame.reading].name, ": ", shown);
       if (IsOfAKind(error)) {

@@ -49,7 +49,7 @@ Holder* HolderAt(duk_context* context, duk_idx_t index) {
 
 duk_ret_t Finalize(duk_context* context) {
   Holder* holder = HolderAt(context, 0);
-  if (holder == nullptr || holder->wrapper != duk_get_heapptr(context, 0)) return 0;
+  if (!holder || holder->wrapper != duk_get_heapptr(context, 0)) return 0;
   duk_push_pointer(context, nullptr);
   duk_put_prop_string(context, 0, kHolder);
   Engine& engine = Engine::Of(context);
@@ -59,7 +59,7 @@ duk_ret_t Finalize(duk_context* context) {
   return 0;
 }
 
-// ---- calls -----------------------------------------------------------------------------------------------------
+// ---- calls ----------------------------------------------------------------------------------------------
 
 using Run = void (*)(CallFrame&);
 
@@ -67,7 +67,7 @@ using Run = void (*)(CallFrame&);
 // itself, so what was noted of it on the way is forgotten.
 duk_ret_t RunMember(duk_context* context, const std::shared_ptr<Object>& self, std::string_view name,
                     std::span<const Parameter> parameters, std::size_t given, Run run) {
-  if (self == nullptr) throw ExplainedError(ObjectRequired(), NotOnItsObject(name));
+  if (!self) throw ExplainedError(ObjectRequired(), NotOnItsObject(name));
   Engine& engine = Engine::Of(context);
   engine.CheckLimits();
   CallFrame frame{engine, *self, parameters, given};
@@ -106,7 +106,7 @@ duk_ret_t SetProperty(duk_context* context) {
   return Engine::Guarded(context, [&] {
     static constexpr Parameter kValue[] = {{"value"}};
     const Member& member = CalledMember(context);
-    if (member.set == nullptr) throw ExplainedError(MemberNotSupported(), OnlyRead(member.name));
+    if (!member.set) throw ExplainedError(MemberNotSupported(), OnlyRead(member.name));
     duk_set_top(context, 1);
     duk_push_this(context);
     RunMember(context, NativeAt(context, -1), member.name, kValue, 1, member.set);
@@ -128,7 +128,7 @@ duk_ret_t CallObject(duk_context* context) {
   });
 }
 
-// ---- prototypes ------------------------------------------------------------------------------------------------
+// ---- prototypes -----------------------------------------------------------------------------------------
 
 void PushFunction(duk_context* context, duk_c_function function, int magic, const Member& member) {
   duk_push_c_function(context, function, DUK_VARARGS);
@@ -174,7 +174,7 @@ void PushPrototype(duk_context* context, const ClassBinding& binding, std::size_
 
 std::shared_ptr<Object> Wrappers::At(duk_context* context, duk_idx_t index) const {
   const Holder* holder = HolderAt(context, index);
-  return holder != nullptr ? holder->object : nullptr;
+  return holder ? holder->object : nullptr;
 }
 
 void Wrappers::PrepareClasses(duk_context* context, std::span<const ClassBinding> classes) {
@@ -221,7 +221,7 @@ void Wrappers::PushNew(Engine& engine, const std::shared_ptr<Object>& object) {
   const std::size_t index = ClassIndexOf(*object);
   const ClassBinding& binding = classes_[index];
   const auto bytes = static_cast<std::ptrdiff_t>(binding.bytes);
-  if (binding.call != nullptr) {
+  if (binding.call) {
     duk_push_c_function(context, CallObject, DUK_VARARGS);
     duk_set_magic(context, -1, static_cast<duk_int_t>(index * kMembersPerClass));
     duk_del_prop_literal(context, -1, "length");
@@ -240,7 +240,7 @@ void Wrappers::PushNew(Engine& engine, const std::shared_ptr<Object>& object) {
   holder = new Holder{object, duk_get_heapptr(context, -1), bytes};
   duk_push_pointer(context, holder);
   duk_put_prop_string(context, -2, kHolder);
-  if (binding.decorate != nullptr) binding.decorate(engine, *object);
+  if (binding.decorate) binding.decorate(engine, *object);
 }
 
 }  // namespace kalvo::host

@@ -45,7 +45,7 @@ struct Engine::Memory {
       engine.cause_ = EndCause::MemoryLimit;
       memory.limit += memory.limit / kReserve;
     }
-    if (engine.context_ != nullptr) kalvo_engine_ask_now(engine.context_);
+    if (engine.context_) kalvo_engine_ask_now(engine.context_);
     return memory.Fits(bytes);
   }
 
@@ -54,12 +54,12 @@ struct Engine::Memory {
     Memory& memory = *engine.memory_;
     if (size == 0 || !Grants(engine, size)) return nullptr;
     void* block = memory.heap.Allocate(size);
-    if (block != nullptr) memory.used += memory.heap.SizeOf(block);
+    if (block) memory.used += memory.heap.SizeOf(block);
     return block;
   }
 
   static void* Reallocate(void* udata, void* old, duk_size_t size) {
-    if (old == nullptr) return Allocate(udata, size);
+    if (!old) return Allocate(udata, size);
     if (size == 0) {
       Free(udata, old);
       return nullptr;
@@ -69,12 +69,12 @@ struct Engine::Memory {
     const std::size_t before = memory.heap.SizeOf(old);
     if (size > before && !Grants(engine, size - before)) return nullptr;
     void* block = memory.heap.Reallocate(old, size);
-    if (block != nullptr) memory.used = memory.used - before + memory.heap.SizeOf(block);
+    if (block) memory.used = memory.used - before + memory.heap.SizeOf(block);
     return block;
   }
 
   static void Free(void* udata, void* block) {
-    if (block == nullptr) return;
+    if (!block) return;
     Memory& memory = *static_cast<Engine*>(udata)->memory_;
     memory.used -= memory.heap.SizeOf(block);
     memory.heap.Free(block);
@@ -120,17 +120,17 @@ Engine::Engine(const PageLimits& limits, ObjectBridge* bridge, const Locale& loc
   static_cast<void>(kept);
   constexpr std::size_t kMebibyte = 1 << 20;
   memory_->limit = limits.mebibytes > SIZE_MAX / kMebibyte ? SIZE_MAX : limits.mebibytes * kMebibyte;
-  if (image == nullptr || !BeginIn(*image)) Begin(image);
+  if (!image || !BeginIn(*image)) Begin(image);
 }
 
 Engine::Engine(EngineImage& image) : Engine(kMaking, nullptr, kEnglishUnitedStates, {}, &image) {}
 
 void Engine::Begin(const EngineImage* image) {
   context_ = duk_create_heap(Memory::Allocate, Memory::Reallocate, Memory::Free, this, Fatal);
-  if (context_ == nullptr) throw std::bad_alloc();
+  if (!context_) throw std::bad_alloc();
   const auto failure = Attempt([&] {
     Install();
-    if (image != nullptr) image->prepare_(*this);
+    if (image) image->prepare_(*this);
   });
   if (failure) MarkEnded(EndCause::MemoryLimit);
 }
@@ -144,7 +144,7 @@ bool Engine::BeginIn(EngineImage& image) {
   std::random_device dice;  // may fail, and nothing may once the image is lent
   const std::uint64_t seed = std::uint64_t{dice()} << 32 | dice();
   context_ = image.Lend();
-  if (context_ == nullptr) return false;
+  if (!context_) return false;
   memory_->heap.SetImage(&image);
   memory_->used = image.used_;
   kalvo_engine_adopt(context_, this, seed);
@@ -157,8 +157,8 @@ Engine::~Engine() { Close(); }
 
 void Engine::Close() {
   *home_ = nullptr;
-  if (context_ == nullptr) return;
-  if (bridge_ != nullptr) bridge_->ReleaseAll();
+  if (!context_) return;
+  if (bridge_) bridge_->ReleaseAll();
   // Nothing but memory is left of the state: the engine need not take it apart block by block.
   context_ = nullptr;
   memory_->heap.FreeAll();
@@ -303,7 +303,7 @@ void kalvo_engine_step(duk_context* context) {
 int kalvo_engine_other_name(duk_context* context, void* prototype, int written) {
   using kalvo::host::Engine;
   const Engine& engine = Engine::Of(context);
-  if (prototype == nullptr || engine.bridge_ == nullptr) return 0;
+  if (!prototype || !engine.bridge_) return 0;
   if (!duk_is_string(context, -1) || duk_is_symbol(context, -1)) return 0;
   duk_size_t length = 0;
   const char* name = duk_get_lstring(context, -1, &length);
@@ -326,5 +326,5 @@ int kalvo_engine_other_name(duk_context* context, void* prototype, int written) 
 void kalvo_engine_out_of_memory(void* heap) {
   auto& engine = *static_cast<kalvo::host::Engine*>(heap);
   if (!engine.HasEnded()) engine.cause_ = kalvo::host::EndCause::MemoryLimit;
-  if (engine.context_ != nullptr) kalvo_engine_ask_now(engine.context_);
+  if (engine.context_) kalvo_engine_ask_now(engine.context_);
 }

@@ -54,7 +54,7 @@ class Engine {
   // How dates and numbers that script hands over become text.
   const Locale& PageLocale() const { return locale_; }
 
-  // ---- limits ----------------------------------------------------------------------------------------------
+  // ---- limits -------------------------------------------------------------------------------------------
 
   EndCause Cause() const { return cause_; }
   bool HasEnded() const { return cause_ != EndCause::None; }
@@ -71,18 +71,18 @@ class Engine {
   void Charge(std::ptrdiff_t bytes);
 
   // False once the state is being torn down: script objects can no longer be reached.
-  bool IsOpen() const { return *home_ != nullptr; }
+  bool IsOpen() const { return *home_; }
 
   // This engine for as long as it is open, null after that.
   const std::shared_ptr<Engine*>& Home() const { return home_; }
 
-  // ---- what the program keeps here ---------------------------------------------------------------------------
+  // ---- what the program keeps here ----------------------------------------------------------------------
 
   // A free place in the list of script values that the program keeps.
   duk_uarridx_t TakeSlot();
   void GiveSlot(duk_uarridx_t slot) { freeSlots_.push_back(slot); }
 
-  // ---- code ------------------------------------------------------------------------------------------------
+  // ---- code ---------------------------------------------------------------------------------------------
 
   // Runs a step with the engine's and the program's errors caught. What was thrown, or nothing.
   template <std::invocable Step>
@@ -139,7 +139,7 @@ class Engine {
   // The failure on the top of the stack, which is popped.
   ScriptFailure TakeFailure();
 
-  // ---- what went wrong inside of script that serves the library -------------------------------------------------
+  // ---- what went wrong inside of script that serves the library -----------------------------------------
 
   // The first of what was noted, and how many there were in all. The library goes on after an error and may tell
   // nobody.

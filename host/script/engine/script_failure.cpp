@@ -25,16 +25,16 @@ std::vector<ScriptFrame> CallsIn(std::string_view stack) {
   constexpr std::string_view kAt = "    at ";
   std::vector<ScriptFrame> calls;
   std::size_t at = stack.find('\n');
-  while (at != std::string_view::npos) {
+  while (at != std::string::npos) {
     const std::size_t end = stack.find('\n', at + 1);
-    const std::string_view row = stack.substr(at + 1, end == std::string_view::npos ? end : end - at - 1);
+    const std::string_view row = stack.substr(at + 1, end == std::string::npos ? end : end - at - 1);
     at = end;
     const std::size_t close = row.rfind(')');
     const std::size_t colon = row.rfind(':', close);
     const std::size_t open = row.find('(');
-    if (close == std::string_view::npos || colon == std::string_view::npos || open == std::string_view::npos) continue;
+    if (close == std::string::npos || colon == std::string::npos || open == std::string::npos) continue;
     const std::string_view marks = row.substr(close);
-    const bool own = marks.find("native") == std::string_view::npos && marks.find("internal") == std::string_view::npos;
+    const bool own = marks.find("native") == std::string::npos && marks.find("internal") == std::string::npos;
     if (!own || open > colon || !row.starts_with(kAt) || open <= kAt.size()) continue;
     const std::string_view name = row.substr(kAt.size(), open - 1 - kAt.size());
     ScriptFrame& call = calls.emplace_back();

@@ -6,7 +6,7 @@
 namespace kalvo::host {
 
 bool IsScriptFunction(duk_context* context, duk_idx_t index) {
-  return duk_is_function(context, index) && NativeAt(context, index) == nullptr;
+  return duk_is_function(context, index) && !NativeAt(context, index);
 }
 
 bool LateBound::PushMember(Engine& engine, const char* member) const {

@@ -28,7 +28,7 @@ namespace {
 template <typename T>
 bool Owns(const Object& object) {
   if constexpr (std::is_abstract_v<T>) {
-    return dynamic_cast<const T*>(&object) != nullptr;
+    return dynamic_cast<const T*>(&object);
   } else {
     return typeid(object) == typeid(T);
   }
@@ -117,7 +117,7 @@ const ClassBinding* FindPublicClass(std::string_view name) {
   if (!EqualsIgnoringAsciiCase(name.substr(0, kClassPrefix.size()), kClassPrefix)) return nullptr;
   name.remove_prefix(kClassPrefix.size());
   for (const ClassBinding& binding : kClasses) {
-    if (binding.make != nullptr && EqualsIgnoringAsciiCase(binding.name, name)) return &binding;
+    if (binding.make && EqualsIgnoringAsciiCase(binding.name, name)) return &binding;
   }
   return nullptr;
 }

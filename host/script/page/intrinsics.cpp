@@ -204,7 +204,7 @@ std::span<const Member> SessionContentsMembers() { return kSessionContents; }
 std::span<const Member> ApplicationMembers() { return kApplication; }
 std::span<const Member> ScriptingContextMembers() { return kScriptingContext; }
 
-// ---- objects that are called -------------------------------------------------------------------------------------
+// ---- objects that are called ----------------------------------------------------------------------------
 
 void CallRequest(CallFrame& frame) { PushValue(frame.engine, SelfOf<RequestObject>(frame).Lookup(frame.TextOf(0))); }
 
@@ -233,7 +233,7 @@ void CallApplication(CallFrame& frame) {
 
 void CallSession(CallFrame& frame) { PushValue(frame.engine, SelfOf<SessionObject>(frame).Item(frame.TextOf(0))); }
 
-// ---- keys that are enumerated ------------------------------------------------------------------------------------
+// ---- keys that are enumerated ---------------------------------------------------------------------------
 
 namespace {
 

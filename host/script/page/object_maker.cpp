@@ -30,7 +30,7 @@ std::string WhyNot(std::string_view name) {
 
 const ClassBinding& PublicClass(std::string_view name) {
   const ClassBinding* binding = FindPublicClass(name);
-  if (binding == nullptr) throw ExplainedError(CannotCreateObject(), WhyNot(name));
+  if (!binding) throw ExplainedError(CannotCreateObject(), WhyNot(name));
   return *binding;
 }
 
@@ -41,7 +41,7 @@ std::shared_ptr<Object> ObjectMaker::Make(std::string_view name) const { return 
 std::shared_ptr<Object> ObjectMaker::MakeStarted(std::string_view name, ScriptingContext& context) {
   const ClassBinding& binding = PublicClass(name);
   std::shared_ptr<Object> object = binding.make(platform_);
-  if (binding.start == nullptr) return object;
+  if (!binding.start) return object;
   engine_.Charge(static_cast<std::ptrdiff_t>(binding.bytes));  // kept to the page's end
   started_.push_back({object, &binding});
   binding.start(*object, context);

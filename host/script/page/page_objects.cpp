@@ -23,7 +23,7 @@ bool IsKept(const Value& value) {
 
 }  // namespace
 
-// ---- Server ----------------------------------------------------------------------------------------------------
+// ---- Server ---------------------------------------------------------------------------------------------
 
 void ServerObject::HTMLEncode(std::string& out, std::string_view text) { AppendHtmlEncoded(out, text); }
 
@@ -59,7 +59,7 @@ std::string ServerObject::ReadText(std::string_view path) const {
   return text;
 }
 
-// ---- Session ---------------------------------------------------------------------------------------------------
+// ---- Session --------------------------------------------------------------------------------------------
 
 void SessionObject::PushStatic(std::string_view name) {
   const std::string key = ToLower(name);
@@ -78,11 +78,11 @@ void SessionObject::PushStatic(std::string_view name) {
   if (EqualsIgnoringCase(name, kLiveDriller)) {
     if (!drillerAsked_) driller_ = session_.LiveDriller();
     drillerAsked_ = true;
-    if (driller_ != nullptr) return PushObject(engine_, driller_);
+    if (driller_) return PushObject(engine_, driller_);
   }
   const auto [known, isNew] = hostObjects_.try_emplace(key);
   if (isNew) known->second = session_.HostObject(name);
-  if (known->second != nullptr) return PushObject(engine_, known->second);
+  if (known->second) return PushObject(engine_, known->second);
   duk_push_undefined(context);
 }
 
@@ -126,7 +126,7 @@ Value SessionObject::Access(std::string_view name, std::optional<Value> value) {
   return Empty{};
 }
 
-// ---- Application -----------------------------------------------------------------------------------------------
+// ---- Application ----------------------------------------------------------------------------------------
 
 Value ApplicationObject::Item(std::string_view name) const {
   for (const auto& [key, text] : values_) {

@@ -19,7 +19,7 @@ constexpr std::string_view kBlanks = " \t\r\n";
 
 std::string_view Trimmed(std::string_view text) {
   const std::size_t from = text.find_first_not_of(kBlanks);
-  if (from == std::string_view::npos) return {};
+  if (from == std::string::npos) return {};
   return text.substr(from, text.find_last_not_of(kBlanks) - from + 1);
 }
 
@@ -151,10 +151,10 @@ class Parser {
 
   void CheckLanguage(const File& file, std::uint32_t line, std::string_view directive) const {
     const std::size_t at = directive.find("language");
-    if (at == std::string_view::npos) return;
-    const bool known = directive.find("javascript", at) != std::string_view::npos ||
-                       directive.find("jscript", at) != std::string_view::npos ||
-                       directive.find("ecmascript", at) != std::string_view::npos;
+    if (at == std::string::npos) return;
+    const bool known = directive.find("javascript", at) != std::string::npos ||
+                       directive.find("jscript", at) != std::string::npos ||
+                       directive.find("ecmascript", at) != std::string::npos;
     if (!known) Fail(file, line, "the page's language must be JavaScript");
   }
 
@@ -185,7 +185,7 @@ class Parser {
 
   // Where the next "<!-- #include" begins, or the end of the text.
   static std::size_t FindInclude(std::string_view text, std::size_t from) {
-    for (std::size_t at = text.find("<!--", from); at != std::string_view::npos; at = text.find("<!--", at + 4)) {
+    for (std::size_t at = text.find("<!--", from); at != std::string::npos; at = text.find("<!--", at + 4)) {
       std::string_view rest = text.substr(at + 4);
       rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
       if (Takes(rest, "#include")) return at;
@@ -199,7 +199,7 @@ class Parser {
     const std::string_view text = std::string_view(file.text).substr(file.at);
     const std::size_t tagEnd = text.find('>');
     const std::size_t end = FindEndTag(text, tagEnd);
-    if (end == std::string_view::npos) Fail(file, line, "the element \"script\" does not end with \"</script>\"");
+    if (end == std::string::npos) Fail(file, line, "the element \"script\" does not end with \"</script>\"");
     const std::string tag(text.substr(0, tagEnd));
     CheckLanguage(file, line, ToLowerAscii(AttributeOf(tag, "language") ? tag : ""));
     file.hasCode = true;

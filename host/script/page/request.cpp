@@ -48,7 +48,7 @@ const NameCollection* RequestObject::Holder(std::string_view name) const {
 
 Value RequestObject::Lookup(std::string_view name) const {
   const NameCollection* holder = Holder(name);
-  return holder != nullptr ? holder->Item(name) : Value(std::string());
+  return holder ? holder->Item(name) : Value(std::string());
 }
 
 std::int32_t RequestObject::QueryCount(std::string_view key) {
@@ -67,7 +67,7 @@ std::string RequestObject::ServerVariable(std::string_view name) { return Joined
 
 std::string RequestObject::Item(std::string_view name) {
   const NameCollection* holder = Holder(name);
-  return holder != nullptr ? JoinedValues(holder->Names().Of(name)) : std::string();
+  return holder ? JoinedValues(holder->Names().Of(name)) : std::string();
 }
 
 }  // namespace kalvo::host

@@ -30,7 +30,7 @@ std::string InAddress(std::string_view url) {
   return Built([&](std::string& out) {
     for (const char c : url) {
       const auto byte = static_cast<unsigned char>(c);
-      if (byte < 0x80 && kNever.find(c) == std::string_view::npos && c != '\t') {
+      if (byte < 0x80 && kNever.find(c) == std::string::npos && c != '\t') {
         out += c;
       } else {
         base::AppendPercent(out, c);
@@ -67,7 +67,7 @@ void ResponseObject::Send() {
   } catch (...) {  // no engine code runs in a sink: whatever it throws is its own
     sinkFailure_ = std::current_exception();
   }
-  if (sinkFailure_ != nullptr) engine_.End(EndCause::Sink);
+  if (sinkFailure_) engine_.End(EndCause::Sink);
 }
 
 void ResponseObject::Clear() {

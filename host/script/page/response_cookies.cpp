@@ -34,7 +34,7 @@ bool IsHeaderName(std::string_view name) {
   constexpr std::string_view kMarks = "!#$%&'*+-.^_`|~";
   return !name.empty() && std::all_of(name.begin(), name.end(), [&](char c) {
     const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-    return letter || kMarks.find(c) != std::string_view::npos;
+    return letter || kMarks.find(c) != std::string::npos;
   });
 }
 
@@ -62,7 +62,7 @@ void ResponseCookie::SetMaxAge(std::int32_t seconds) {
 void ResponseCookie::SetExpires(const Value& date) {
   RequireOpen();
   const auto* moment = std::get_if<Date>(&date);
-  if (moment == nullptr) throw TypeMismatch();
+  if (!moment) throw TypeMismatch();
   expires_ = HeaderDate(*moment);
 }
 

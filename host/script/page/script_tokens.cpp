@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
 
 namespace kalvo::host {
 namespace {
@@ -49,7 +50,7 @@ class Tokens {
       at_ = std::min(script_.find('\n', at_), script_.size());
     } else if (c == '/' && At(at_ + 1) == '*') {
       const std::size_t end = script_.find("*/", at_ + 2);
-      at_ = end == std::string_view::npos ? script_.size() : end + 2;
+      at_ = end == std::string::npos ? script_.size() : end + 2;
     } else if (c == '"' || c == '\'' || c == '`') {
       Add(c == '`' ? TokenKind::Template : TokenKind::Text, QuotedEnd(c));
     } else if (IsDigit(c) || (c == '.' && IsDigit(At(at_ + 1)))) {

@@ -29,7 +29,7 @@ void InitializeTable(Table& table, KalvoTableType TableType, KalvoTableConstants
 // Empty, not the null object, for a table of no known type.
 Value GetTableDataSrc(Table& table, Context& pCtxt) {
   std::shared_ptr<Object> source = table.GetDataSrc(pCtxt);
-  return source != nullptr ? Value(std::move(source)) : Value();
+  return source ? Value(std::move(source)) : Value();
 }
 
 // clang-format off
