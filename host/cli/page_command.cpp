@@ -94,10 +94,7 @@ PageOptions MakeOptions(const PageArguments& arguments) {
   options.application = arguments.application;
   for (const auto& [name, file] : arguments.statics) {
     std::ifstream in(file, std::ios::binary);
-    if (!in) {
-      throw SettingError(
-          Built([&](std::string& out) { Append(out, "--static ", name, ": ", file, " cannot be read"); }));
-    }
+    if (!in) throw SettingError("--static " + name + ": " + file + " cannot be read");
     options.statics.push_back({name, file, std::string(std::istreambuf_iterator<char>(in), {})});
   }
   return options;
