@@ -73,8 +73,9 @@ void AddAnyValue(StoredRowSource& rows, const std::string& name, std::mt19937& r
   const auto whole = [&](std::int64_t limit) { return static_cast<std::int64_t>(random() % limit); };
   const double fraction = static_cast<double>(random()) / 4294967296.0;
   constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
-  switch (random() % 12) {
+  switch (random() % 13) {
     case 0: return rows.Add(name, StoredValue{});
+    case 12: return rows.AddBoolean(name, random() % 2 == 0);
     case 1: return rows.AddInteger(name, whole(4));
     case 2: return rows.AddInteger(name, whole(2'000'000'000) - 1'000'000'000);
     case 3: return rows.AddInteger(name, std::numeric_limits<std::int64_t>::max() - whole(1000));
@@ -137,6 +138,46 @@ TEST(StoredCell, EveryFormatAndLinkShowsWhatItDoesByName) {
         if (cell == "asked") break;
         ASSERT_EQ(cell, AskedFor(column, page, rows)) << format << " " << link;
       }
+    }
+  }
+}
+
+TEST(StoredCell, NumbersAndDatesAreThoseOfThePagesLocale) {
+  std::mt19937 random(13);
+  for (const Locale& locale : kLocales) {
+    PageFixture page;
+    page.display = std::make_shared<Display>(locale);
+    page.display->OnStartPage(*page.page);
+    for (const auto format : {FORMATTYPE_NUMBER, FORMATTYPE_NUMERICVALUE}) {
+      ColumnDefinition definition;
+      definition.databaseField = "Value";
+      definition.formatType = format;
+      KalvoColumn column(definition);
+      for (int i = 0; i < 200; ++i) {
+        StoredRowSource rows;
+        AddAnyRow(rows, definition, random);
+        ASSERT_EQ(BoundCell(column, page, rows), AskedFor(column, page, rows)) << locale.name;
+      }
+    }
+  }
+}
+
+TEST(StoredCell, EveryColumnIsTheSameWithoutAnyOneOfItsFields) {
+  PageFixture page;
+  const KalvoColumnDatabase catalogue;
+  std::mt19937 random(14);
+  for (std::int16_t id = 1; id <= COL_TOTALCOLUMNS; ++id) {
+    const auto column = std::dynamic_pointer_cast<KalvoColumn>(catalogue.GetColumn(id));
+    if (!column) continue;
+    for (const RowFieldRow& without : kRowFields) {
+      StoredRowSource rows;
+      AddAnyValue(rows, column->Definition().databaseField, random);
+      for (const RowFieldRow& field : kRowFields) {
+        if (field.field != without.field) AddAnyValue(rows, std::string(field.name), random);
+      }
+      const std::string cell = BoundCell(*column, page, rows);
+      if (cell == "asked") continue;
+      ASSERT_EQ(cell, AskedFor(*column, page, rows)) << id << " " << without.name;
     }
   }
 }
@@ -209,6 +250,27 @@ TEST(StoredCell, BoxesAreBoundWhereTheIdentifierIsBinary) {
   StoredRowSource texts;
   texts.AddText("AlertId", "a");
   EXPECT_EQ(BoundCell(boxes, page, texts), "asked") << "an error has to be told";
+  StoredRowSource empty;
+  empty.AddText("AlertId", "", Kind::Binary);
+  EXPECT_EQ(BoundCell(boxes, page, empty), "asked") << "its box has no value";
+  StoredRowSource other;
+  other.AddText("Other", "a", Kind::Binary);
+  EXPECT_EQ(BoundCell(boxes, page, other), "asked") << "the field is asked for, and reported";
+  const auto bound = boxes.Bind(*page.context, *page.display, rows);
+  PageText out;
+  EXPECT_FALSE(bound->AppendCell(out, nullptr)) << "behind the last row";
+  boxes.Initialize(COL_CURRENTALERTS_DELETE, "Delete", "", "AlertId", false, "", false, FORMATTYPE_CHECKBOX);
+  EXPECT_EQ(BoundCell(boxes, page, rows), "asked") << "a locked box is made call by call";
+}
+
+TEST(StoredCell, ATextGrowsWithItsCells) {
+  PageText out;
+  std::string expected;
+  for (int i = 0; i < 5000; ++i) {
+    out.Put(std::to_string(i));
+    expected += std::to_string(i);
+  }
+  EXPECT_EQ(out.View(), expected);
 }
 
 }  // namespace

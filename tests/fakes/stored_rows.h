@@ -27,6 +27,12 @@ class StoredRowSource : public RowSource {
     value.size = static_cast<std::uint32_t>(kept.size());
     Add(std::move(name), value);
   }
+  void AddBoolean(std::string name, bool truth) {
+    StoredValue value{};
+    value.kind = StoredValue::Kind::Boolean;
+    value.integer = truth;
+    Add(std::move(name), value);
+  }
   void AddInteger(std::string name, std::int64_t number) {
     StoredValue value{};
     value.kind = StoredValue::Kind::Integer;

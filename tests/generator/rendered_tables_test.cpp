@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "fakes/page_fixture.h"
 #include "kalvo/table_generator.h"
 #include "support/golden.h"
@@ -155,6 +157,49 @@ TEST(RenderedTables, AreTheGoldenOnes) {
       ExpectGolden("rendering/"s + rendered.golden + ".html", Html(rendered, somebodyLooksOn));
     }
   }
+}
+
+// The alerts, so many times over, without one of their fields; `-1` leaves all.
+std::string Alerts(int times, int without, const std::function<void(PageFixture&)>& look) {
+  PageFixture page("PageSize=1000");
+  page.Administrator();
+  FakeResult alerts = AlertRows(), all;
+  if (without >= 0) alerts.fields[static_cast<std::size_t>(without)] = "nothing";
+  all.fields = alerts.fields;
+  for (int i = 0; i < times; ++i) all.rows.insert(all.rows.end(), alerts.rows.begin(), alerts.rows.end());
+  all.kept = true;
+  page.database.results = {all};
+  look(page);
+  KalvoforExchangeTableGenerator generator(page.platform);
+  generator.OnStartPage(*page.page);
+  generator.BuildTable(TABLE_CURRENTALERTS);
+  return page.Text();
+}
+
+void EverybodyLooks(PageFixture&) {}
+void NobodyLooks(PageFixture& page) { page.page->LookAway(); }
+
+TEST(RenderedTables, OfManyRowsAreTheSameUnseen) {
+  const std::string seen = Alerts(150, -1, EverybodyLooks);
+  EXPECT_GT(seen.size(), 200'000u);
+  EXPECT_EQ(Alerts(150, -1, NobodyLooks), seen);
+}
+
+TEST(RenderedTables, WithoutAFieldAreTheSameUnseen) {
+  for (int field = 0; field < 13; ++field) {
+    EXPECT_EQ(Alerts(1, field, NobodyLooks), Alerts(1, field, EverybodyLooks)) << field;
+  }
+}
+
+TEST(RenderedTables, AreTheSameWhoeverLooksOn) {
+  const std::string seen = Alerts(1, -1, EverybodyLooks);
+  const std::function<void(PageFixture&)> kLooks[] = {
+      [](PageFixture& page) { NobodyLooks(page), page.page->response->sees = true; },
+      [](PageFixture& page) { NobodyLooks(page), page.page->request->sees = true; },
+      [](PageFixture& page) { NobodyLooks(page), page.page->session->sees = true; },
+      [](PageFixture& page) { NobodyLooks(page), page.page->server->sees = true; },
+  };
+  for (const auto& look : kLooks) EXPECT_EQ(Alerts(1, -1, look), seen);
 }
 
 TEST(RenderedTables, TwoOfAPageKeepTheirStatesApart) {
