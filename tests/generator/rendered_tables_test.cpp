@@ -5,6 +5,8 @@
 #include <functional>
 
 #include "fakes/page_fixture.h"
+#include "kalvo/column_database.h"
+#include "kalvo/table.h"
 #include "kalvo/table_generator.h"
 #include "support/golden.h"
 
@@ -200,6 +202,45 @@ TEST(RenderedTables, AreTheSameWhoeverLooksOn) {
       [](PageFixture& page) { NobodyLooks(page), page.page->server->sees = true; },
   };
   for (const auto& look : kLooks) EXPECT_EQ(Alerts(1, -1, look), seen);
+}
+
+// A table over the alerts, with whatever display and columns; seen or unseen.
+std::string OwnTable(std::string_view query, const std::vector<std::int16_t>& columns, bool displayIsStarted,
+                     bool somebodyLooksOn) {
+  PageFixture page(query);
+  page.database.results = {AlertRows()};
+  page.database.results[0].kept = true;
+  if (!somebodyLooksOn) page.page->LookAway();
+  page.Start();
+  const auto table = std::make_shared<Table>(page.platform);
+  table->Initialize(TABLETYPE_KALVODB, TABLE_CURRENTALERTS, "", table_NoTotals, false, false, false, true, columns,
+                    "select %SORT%", "Attrib2", "ASC");
+  Display unstarted;
+  KalvoColumnDatabase catalogue;
+  table->BuildHTML(*page.context, *page.page->response, displayIsStarted ? *page.display : unstarted, catalogue, "",
+                   "");
+  return page.Text();
+}
+
+TEST(RenderedTables, ThatCannotBeMadeWholeAreTheSameUnseen) {
+  const std::vector<std::int16_t> known = {COL_CURRENTALERTS_COMPUTER, COL_CURRENTALERTS_ALERTEDRESOURCE};
+  const struct {
+    const char* why;
+    const char* query;
+    std::vector<std::int16_t> columns;
+    bool displayIsStarted = true;
+  } kCases[] = {
+      {"a first row beyond 16 bits", "First=99999&PageSize=2", known},
+      {"fields that are traced", "Debug=Dictionary", known},
+      {"a column that there is not", "", {COL_CURRENTALERTS_COMPUTER, 9999}},
+      {"no column at all", "", {}},
+      {"a display without a page", "", known, false},
+  };
+  for (const auto& c : kCases) {
+    const std::string seen = OwnTable(c.query, c.columns, c.displayIsStarted, true);
+    EXPECT_NE(seen, "") << c.why;
+    EXPECT_EQ(OwnTable(c.query, c.columns, c.displayIsStarted, false), seen) << c.why;
+  }
 }
 
 TEST(RenderedTables, TwoOfAPageKeepTheirStatesApart) {

@@ -62,6 +62,7 @@ TEST(MemoryDatabase, HasNothingOutsideOfItsRows) {
     EXPECT_EQ(ErrorOf([&] { rows.Text(c.field, c.row, scratch); }).Number(), 9);
   }
   EXPECT_EQ(ErrorOf([&] { records->FieldName(2); }).Number(), 9);
+  EXPECT_EQ(ErrorOf([&] { records->FieldName(-1); }).Number(), 9);
   EXPECT_FALSE(rows.Binary(0, 0));
 }
 
