@@ -212,6 +212,23 @@ TEST(StoredCell, ACellThatNeedsThePageOrAMissingFieldIsAsked) {
   }
 }
 
+TEST(StoredCell, ScaledNumbersAreThoseThatAreAskedFor) {
+  PageFixture page;
+  ColumnDefinition definition;
+  definition.databaseField = "Value";
+  definition.formatType = FORMATTYPE_NUMERICVALUE;
+  definition.units = "KB";
+  for (const double number : {-1024.0, -1.0, -0.75, -0.5, -0.0, 0.0, 0.25, 1.0}) {
+    for (const std::int32_t scale : {-1, 0, 1, 1024}) {
+      definition.dataScale = scale;
+      KalvoColumn column(definition);
+      StoredRowSource rows;
+      rows.AddNumber("Value", number, Kind::Double);
+      EXPECT_EQ(BoundCell(column, page, rows), AskedFor(column, page, rows)) << number << " by " << scale;
+    }
+  }
+}
+
 TEST(StoredCell, BehindTheLastRowEveryFieldIsEmpty) {
   PageFixture page;
   StoredRowSource rows;

@@ -23,6 +23,7 @@ TEST(Date, IsWrittenInTheGeneralDateFormat) {
       {"no time at midnight", 36162, "1/2/1999"},
       {"no date on day 0", 0.5, "12:00:00 PM"},
       {"midnight of day 0 shows its time", 0, "12:00:00 AM"},
+      {"half a second is a whole one", 0.5 / 86400, "12:00:01 AM"},
       {"a minute past midnight", 36162 + 1.0 / 1440, "1/2/1999 12:01:00 AM"},
       {"a time that rounds to the next midnight", 36162 + 0.999999, "1/3/1999"},
       {"a day before day 0 counts its time forward", -1.25, "12/29/1899 6:00:00 AM"},
