@@ -28,6 +28,7 @@ TEST(Date, IsWrittenInTheGeneralDateFormat) {
       {"a time that rounds to the next midnight", 36162 + 0.999999, "1/3/1999"},
       {"a day before day 0 counts its time forward", -1.25, "12/29/1899 6:00:00 AM"},
       {"its last half second is the next day", -1.999999, "12:00:00 AM"},
+      {"the first year of four digits", -328716, "1/1/1000"},
       {"the first day that can be written", -657434, "1/1/100"},
       {"the last day that can be written", 2958465, "12/31/9999"},
   };
