@@ -218,7 +218,8 @@ TEST(StoredCell, ScaledNumbersAreThoseThatAreAskedFor) {
   definition.databaseField = "Value";
   definition.formatType = FORMATTYPE_NUMERICVALUE;
   definition.units = "KB";
-  for (const double number : {-1024.0, -1.0, -0.75, -0.5, -0.0, 0.0, 0.25, 1.0}) {
+  // Whole numbers too: their text ends to be exact at 1E+15.
+  for (const double number : {-1024.0, -1.0, -0.75, -0.5, -0.0, 0.0, 0.25, 1.0, 100.0, 100'000.0, 1e15, 1e15 + 1}) {
     for (const std::int32_t scale : {-1, 0, 1, 1024}) {
       definition.dataScale = scale;
       KalvoColumn column(definition);
@@ -239,6 +240,18 @@ TEST(StoredCell, BehindTheLastRowEveryFieldIsEmpty) {
   PageText out;
   ASSERT_TRUE(bound->AppendCell(out, nullptr));
   EXPECT_EQ(out.View(), "<td>&nbsp;</td>");
+}
+
+TEST(StoredCell, ALongTagIsWrittenWhole) {
+  PageFixture page;
+  StoredRowSource rows;
+  rows.AddInteger("Value", 1);
+  ColumnDefinition definition;
+  definition.databaseField = "Value";
+  definition.align = "abcdefghijklmnopqrstuvwxyz0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+  KalvoColumn column(definition);
+  EXPECT_EQ(BoundCell(column, page, rows),
+            "<td align=\"abcdefghijklmnopqrstuvwxyz0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ\">1</td>");
 }
 
 TEST(StoredCell, ATagTooLongToBeKeptIsAsked) {

@@ -108,6 +108,18 @@ TEST(Context, AnotherStartBeginsThePageAnewButNotTheScope) {
             "/KalvoforExchange/Tasks/Page.asp?x=1&Sort=B&SortOrder=&First=&PageSize=");
 }
 
+TEST(Context, StartedAgainHasTheAddressOfItsNewPage) {
+  for (const bool sees : {true, false}) {
+    PageFixture page("a=1");
+    page.page->request->sees = sees;
+    page.Start();
+    page.page->request = std::make_shared<FakeRequest>("b=2");
+    page.page->request->sees = sees;
+    page.Start();
+    EXPECT_EQ(page.context->TableURL("", "", "", ""), "/KalvoforExchange/Tasks/Page.asp?b=2");
+  }
+}
+
 TEST(Context, ScopeIsStoredAsItIs) {
   Context context;
   EXPECT_EQ(context.GetName(), "");

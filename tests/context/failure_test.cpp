@@ -98,6 +98,19 @@ TEST(Debug, TypesAreComparedInUpperCase) {
   EXPECT_TRUE(PageFixture("Debug=tr\u00FCE&Debug=trUE").context->bDebug("x"));
 }
 
+// What a page's own request is asked, and when, is seen by it.
+TEST(Tracing, AsksARequestThatSeesItEachTimeAndAnyOtherOnce) {
+  for (const bool sees : {true, false}) {
+    PageFixture page("Debug=SQL");
+    page.page->request->sees = sees;
+    page.Start();
+    page.page->request->steps.done.clear();
+    EXPECT_TRUE(page.context->bDebug("SQL"));
+    EXPECT_FALSE(page.context->bDebug("Time"));
+    EXPECT_EQ(page.page->request->steps.done.empty(), !sees);
+  }
+}
+
 TEST(Debug, IsReadFromTheQueryStringAlone) {
   PageFixture page("", "Debug=All");
   page.page->session->values["Debug"] = std::string("All");
