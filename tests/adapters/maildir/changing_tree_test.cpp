@@ -5,6 +5,7 @@
 
 #include "adapters/mail/directory.h"
 #include "adapters/mail/mail_store.h"
+#include "adapters/maildir/folder.h"
 #include "adapters/maildir/maildir_fixture.h"
 #include "adapters/maildir/maildir_store.h"
 #include "kalvo/platform/conversion.h"
@@ -64,6 +65,22 @@ TEST_F(ChangingTree, AFolderThatIsGoneIsNotFoundByItsIdentifier) {
   } catch (const Error& error) {
     EXPECT_EQ(error.Description(), "The folder does not exist any more.");
   }
+}
+
+// A reader that marks a message may make its second name before it removes the first.
+TEST_F(ChangingTree, AMessageOfTwoNamesIsOne) {
+  const fs::path tree = folder_.Path() / "ken" / ".Twice";
+  MakeMaildir(tree);
+  for (const char* name : {"new/1.host", "cur/1.host:2,S"}) WriteFile(tree / name, "Subject: Once\n\nx\n");
+  maildir::MaildirStore store(folder_.Path().string());
+  const auto live = store.Open();
+  live->GotoContainer("EX01", "=Ken", "Twice", 0, live::kByPath);
+  EXPECT_EQ(live->MessageCount(), 1);
+  const auto messages = live->Messages();
+  EXPECT_EQ(messages->Count(), 1);
+  const std::int64_t before = store.Done().bytesRead;
+  live->GotoMsgAttachment("EX01", "=Ken", ToText(messages->Field("ExchangeId")), 0);
+  EXPECT_EQ(store.Done().bytesRead - before, 17) << "a message that is opened is read once";
 }
 
 TEST_F(ChangingTree, AFolderIsAsOldAsItsMark) {
